@@ -1,0 +1,48 @@
+#include "engine/SharedFileCursor.h"
+
+#include <QtCore/QMutexLocker>
+
+namespace vantoraudio::AudioEngine {
+
+SharedFileCursor::SharedFileCursor(QFile& file, QMutex& deviceLock, qint64 position)
+    : m_file(file), m_deviceLock(deviceLock)
+{
+    const QMutexLocker lock(&m_deviceLock);
+    m_isPlaced = position >= 0 && m_file.isReadable() && m_file.seek(position);
+    m_position = m_isPlaced ? position : 0;
+}
+
+qint64 SharedFileCursor::BytesLeft() const
+{
+    const QMutexLocker lock(&m_deviceLock);
+    return BytesLeftLocked();
+}
+
+bool SharedFileCursor::ReadBlock(qint64 size, QByteArray& block)
+{
+    const QMutexLocker lock(&m_deviceLock);
+    // The file is asked for its size only when the block would have to grow.
+    if (size > block.capacity()) {
+        size = qMin(size, BytesLeftLocked());
+        block.reserve(size);
+    }
+    block.resize(size);
+    block.resize(ReadLocked(block.data(), size));
+    m_position += block.size();
+    return !block.isEmpty();
+}
+
+qint64 SharedFileCursor::BytesLeftLocked() const
+{
+    return m_isPlaced ? qMax(qint64(0), m_file.size() - m_position) : 0;
+}
+
+qint64 SharedFileCursor::ReadLocked(char* bytes, qint64 size)
+{
+    if (!m_isPlaced || size < 1 || (m_file.pos() != m_position && !m_file.seek(m_position))) {
+        return 0;
+    }
+    return qMax(qint64(0), m_file.read(bytes, size));
+}
+
+} // namespace vantoraudio::AudioEngine

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QtCore/QByteArray>
+#include <QtCore/QFile>
+#include <QtCore/QMutex>
+
+namespace vantoraudio::AudioEngine {
+
+/**
+ * One task's own place in a file that other tasks read through the same QFile.
+ *
+ * The file's own position is moved only under the device lock, for one block at a time, so no task disturbs
+ * another's place. After a lone task the file stands where its cursor stands. File and lock must outlive the
+ * cursor, and nobody may open or close the file meanwhile. A cursor itself belongs to one thread.
+ */
+class SharedFileCursor
+{
+public:
+    /** Moves the file to `position`, in bytes; that may lie behind its end. On a closed file or at a negative
+     *  position the cursor stands at 0 and reads nothing. */
+    SharedFileCursor(QFile& file, QMutex& deviceLock, qint64 position);
+
+    /** In bytes from the start of the file. */
+    qint64 Position() const { return m_position; }
+
+    /** How much of the file lies behind the cursor, in bytes. */
+    qint64 BytesLeft() const;
+
+    /**
+     * Reads up to `size` bytes into `block` and moves behind them. `block` takes the size of what arrived and
+     * never grows beyond what the file still holds; its memory is used again from call to call. False, and an
+     * empty block, at the end of the file or after a failure.
+     */
+    bool ReadBlock(qint64 size, QByteArray& block);
+
+private:
+    qint64 BytesLeftLocked() const;
+    qint64 ReadLocked(char* bytes, qint64 size);
+
+    QFile& m_file;
+    QMutex& m_deviceLock;
+    qint64 m_position = 0;
+    bool m_isPlaced = false;
+};
+
+} // namespace vantoraudio::AudioEngine

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cmath>
+#include <cstdint>
+#include <limits>
+
+/**
+ * The library counts frames, bytes and milliseconds in 32-bit integers at many places and lets them wrap on
+ * purpose. These functions give those conversions and products one defined meaning.
+ */
+namespace vantoraudio::AudioEngine {
+
+/** Truncates toward zero; a value that no Integer can hold becomes the nearest one that it can, and
+ *  not-a-number becomes 0. */
+template<typename Integer>
+[[nodiscard]] inline Integer TruncateTo(double value) noexcept
+{
+    // Both limits are powers of two (or one less), so the comparisons below are exact in double precision.
+    constexpr double lowest = static_cast<double>(std::numeric_limits<Integer>::min());
+    constexpr double pastHighest = -lowest;
+    static_assert(std::numeric_limits<Integer>::is_signed);
+    if (std::isnan(value)) {
+        return 0;
+    }
+    if (value >= pastHighest) {
+        return std::numeric_limits<Integer>::max();
+    }
+    if (value <= lowest) {
+        return std::numeric_limits<Integer>::min();
+    }
+    return static_cast<Integer>(value);
+}
+
+[[nodiscard]] inline std::int32_t TruncateToInt32(double value) noexcept
+{
+    return TruncateTo<std::int32_t>(value);
+}
+
+[[nodiscard]] inline std::int64_t TruncateToInt64(double value) noexcept
+{
+    return TruncateTo<std::int64_t>(value);
+}
+
+/** The product's lowest 32 bits, as two's complement: offsets past 2 GiB wrap around. */
+[[nodiscard]] constexpr std::int32_t MultiplyWrapping(std::int32_t a, std::int32_t b) noexcept
+{
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) * static_cast<std::uint32_t>(b));
+}
+
+} // namespace vantoraudio::AudioEngine

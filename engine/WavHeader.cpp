@@ -1,0 +1,358 @@
+#include "engine/WavHeader.h"
+
+#include "engine/Truncation.h"
+
+#include <QtCore/QtEndian>
+
+#include <array>
+#include <optional>
+
+namespace vantoraudio::AudioEngine {
+
+namespace {
+
+using Result = WavFile::AudioEngineReturnValue;
+
+constexpr quint16 pcmTag = 0x0001;
+constexpr quint16 floatTag = 0x0003;
+constexpr quint16 extensibleTag = 0xFFFE;
+
+constexpr qint64 chunkHeaderSize = 8;
+/** What every "fmt " body holds whatever its tag. */
+constexpr qint64 commonFormatSize = 16;
+constexpr quint16 subFormatExtensionSize = 22;
+
+template<typename Number>
+Number NumberAt(const char* bytes)
+{
+    return qFromLittleEndian<Number>(bytes);
+}
+
+template<typename Number>
+void AppendNumber(QByteArray& bytes, Number number)
+{
+    std::array<char, sizeof(Number)> encoded{};
+    qToLittleEndian(number, encoded.data());
+    bytes.append(encoded.data(), sizeof(Number));
+}
+
+/** Walks through a header, one step after the other. A step that ends the reading returns the result. */
+class HeaderReader
+{
+public:
+    HeaderReader(QIODevice& device, WavHeader& header) : m_device(device), m_header(header) {}
+
+    Result Read();
+
+private:
+    using Outcome = std::optional<Result>;
+
+    Outcome CheckRiff();
+    Outcome FindFormatChunk();
+    Outcome ReadFormatChunk();
+    Outcome ReadRestOfFormatChunk();
+    Outcome StoreSampleSize();
+    Outcome StoreChannelCountAndRate();
+    Outcome StoreSampleFormat();
+    Outcome FindDataChunk();
+    Outcome ReadDataChunk();
+
+    Outcome ReadExtension();
+    Outcome ReadSubFormat();
+    Outcome FindChunk(QByteArrayView name);
+    bool PeekChunkHeader(std::array<char, chunkHeaderSize>& bytes);
+
+    template<std::size_t size>
+    bool ReadWhole(std::array<char, size>& bytes)
+    {
+        return m_device.read(bytes.data(), qint64(size)) == qint64(size);
+    }
+    Outcome Skip(qint64 size);
+
+    std::optional<QAudioFormat::SampleFormat> SampleFormat() const;
+    QAudioFormat::SampleFormat IntegerFormat() const;
+
+    QIODevice& m_device;
+    WavHeader& m_header;
+
+    quint32 m_formatChunkSize = 0;
+    quint16 m_tag = 0;
+    quint16 m_channelCount = 0;
+    quint32 m_sampleRate = 0;
+    quint16 m_bits = 0;
+    /** Empty until read, so that it equals neither known sub-format. */
+    QByteArray m_subFormat;
+};
+
+Result HeaderReader::Read()
+{
+    // The order decides which failure is reported and what is stored by then.
+    constexpr std::array steps{
+        &HeaderReader::CheckRiff,         &HeaderReader::FindFormatChunk,
+        &HeaderReader::ReadFormatChunk,   &HeaderReader::ReadRestOfFormatChunk,
+        &HeaderReader::StoreSampleSize,   &HeaderReader::StoreChannelCountAndRate,
+        &HeaderReader::StoreSampleFormat, &HeaderReader::FindDataChunk,
+        &HeaderReader::ReadDataChunk,
+    };
+    for (const auto step : steps) {
+        if (const Outcome outcome = (this->*step)()) {
+            return *outcome;
+        }
+    }
+    return WavFile::Success;
+}
+
+HeaderReader::Outcome HeaderReader::CheckRiff()
+{
+    m_device.seek(0);
+    std::array<char, 12> bytes{};
+    if (!ReadWhole(bytes)) {
+        return WavFile::ErrorReadFile;
+    }
+    const QByteArrayView view(bytes.data(), bytes.size());
+    if (!view.startsWith("RIFF") || !view.endsWith("WAVE")) {
+        return WavFile::ErrorInvalidFormat;
+    }
+    return {};
+}
+
+HeaderReader::Outcome HeaderReader::FindFormatChunk()
+{
+    return FindChunk("fmt ");
+}
+
+HeaderReader::Outcome HeaderReader::ReadFormatChunk()
+{
+    std::array<char, chunkHeaderSize + commonFormatSize> bytes{};
+    if (!ReadWhole(bytes)) {
+        // A file without a complete "fmt " chunk is let pass on purpose; it simply has no audio.
+        m_header.dataOffset = m_device.pos();
+        return WavFile::Success;
+    }
+    m_formatChunkSize = NumberAt<quint32>(&bytes[4]);
+    m_tag = NumberAt<quint16>(&bytes[8]);
+    m_channelCount = NumberAt<quint16>(&bytes[10]);
+    m_sampleRate = NumberAt<quint32>(&bytes[12]);
+    m_bits = NumberAt<quint16>(&bytes[22]);
+    if (m_tag != pcmTag && m_tag != floatTag && m_tag != extensibleTag) {
+        return WavFile::ErrorInvalidFormat;
+    }
+    return {};
+}
+
+HeaderReader::Outcome HeaderReader::ReadRestOfFormatChunk()
+{
+    if (m_tag == extensibleTag) {
+        return ReadExtension();
+    }
+    return Skip(m_formatChunkSize - commonFormatSize);
+}
+
+/** The extension states its own size; the size of the whole chunk does not matter here. */
+HeaderReader::Outcome HeaderReader::ReadExtension()
+{
+    std::array<char, 2> bytes{};
+    if (m_device.peek(bytes.data(), bytes.size()) != qint64(bytes.size())) {
+        return WavFile::ErrorInvalidFormat;
+    }
+    const auto extensionSize = NumberAt<quint16>(bytes.data());
+    if (extensionSize == subFormatExtensionSize) {
+        return ReadSubFormat();
+    }
+    return Skip(qint64(extensionSize) + qint64(sizeof(extensionSize)));
+}
+
+HeaderReader::Outcome HeaderReader::ReadSubFormat()
+{
+    constexpr qsizetype subFormatPosition = 8;
+    const QByteArray extension = m_device.read(sizeof(quint16) + subFormatExtensionSize);
+    if (extension.size() != sizeof(quint16) + subFormatExtensionSize) {
+        return WavFile::ErrorReadFile;
+    }
+    m_subFormat = extension.mid(subFormatPosition);
+    return {};
+}
+
+HeaderReader::Outcome HeaderReader::StoreSampleSize()
+{
+    m_header.sampleSize = m_bits;
+    if (m_bits != 16 && m_bits != 24 && m_bits != 32) {
+        return WavFile::ErrorInvalidFormat;
+    }
+    return {};
+}
+
+HeaderReader::Outcome HeaderReader::StoreChannelCountAndRate()
+{
+    m_header.format.setChannelCount(m_channelCount);
+    m_header.format.setChannelConfig(QAudioFormat::ChannelConfigUnknown);
+    if (m_channelCount != 1 && m_channelCount != 2) {
+        return WavFile::ErrorChannelCount;
+    }
+    m_header.format.setSampleRate(static_cast<int>(m_sampleRate));
+    return {};
+}
+
+HeaderReader::Outcome HeaderReader::StoreSampleFormat()
+{
+    const auto sampleFormat = SampleFormat();
+    if (!sampleFormat) {
+        return WavFile::ErrorInvalidFormat;
+    }
+    m_header.format.setSampleFormat(*sampleFormat);
+    return {};
+}
+
+std::optional<QAudioFormat::SampleFormat> HeaderReader::SampleFormat() const
+{
+    static const QByteArray pcmSubFormat = QByteArray::fromHex("0100000000001000800000aa00389b71");
+    static const QByteArray floatSubFormat = QByteArray::fromHex("0300000000001000800000aa00389b71");
+
+    if (m_tag == pcmTag || m_subFormat == pcmSubFormat) {
+        return IntegerFormat();
+    }
+    if (m_tag == floatTag || m_subFormat == floatSubFormat) {
+        // Whatever the bits say: a float file of 16 or 24 bits is accepted on purpose.
+        return QAudioFormat::Float;
+    }
+    return {};
+}
+
+/** 24 bits have no name of their own there and are told apart by the sample size. */
+QAudioFormat::SampleFormat HeaderReader::IntegerFormat() const
+{
+    return m_bits == 16 ? QAudioFormat::Int16 : QAudioFormat::Int32;
+}
+
+HeaderReader::Outcome HeaderReader::FindDataChunk()
+{
+    return FindChunk("data");
+}
+
+HeaderReader::Outcome HeaderReader::ReadDataChunk()
+{
+    std::array<char, chunkHeaderSize> bytes{};
+    if (!ReadWhole(bytes)) {
+        return WavFile::ErrorReadFile;
+    }
+    m_header.dataLength = NumberAt<quint32>(&bytes[4]);
+    m_header.dataOffset = m_device.pos();
+    return {};
+}
+
+/**
+ * Stops before the next chunk of that name, or at the end of the device when there is none. Chunks are skipped by
+ * their exact size: the pad byte behind one of odd size is not known here, on purpose.
+ */
+HeaderReader::Outcome HeaderReader::FindChunk(QByteArrayView name)
+{
+    std::array<char, chunkHeaderSize> bytes{};
+    while (PeekChunkHeader(bytes) && !QByteArrayView(bytes).startsWith(name)) {
+        if (const Outcome outcome = Skip(chunkHeaderSize + NumberAt<quint32>(&bytes[4]))) {
+            return outcome;
+        }
+    }
+    return {};
+}
+
+/** False at the end of the device. A last piece of fewer than 8 bytes is filled up with zeros: a name that is not
+ *  all there is no name, and skipping such a chunk always meets the end. */
+bool HeaderReader::PeekChunkHeader(std::array<char, chunkHeaderSize>& bytes)
+{
+    bytes.fill('\0');
+    return m_device.peek(bytes.data(), chunkHeaderSize) > 0;
+}
+
+/** Passes over `size` bytes without reading them, or up to the end of the device. */
+HeaderReader::Outcome HeaderReader::Skip(qint64 size)
+{
+    if (size > 0 && m_device.skip(size) != size) {
+        return WavFile::ErrorReadFile;
+    }
+    return {};
+}
+
+struct Encoding
+{
+    quint16 tag;
+    int bits;
+};
+
+/** Int32 is always written with 32 bits, also when it was read from 24: the library writes no 24-bit data. */
+std::optional<Encoding> EncodingOf(QAudioFormat::SampleFormat sampleFormat)
+{
+    switch (sampleFormat) {
+    case QAudioFormat::Int16:
+        return Encoding{pcmTag, 16};
+    case QAudioFormat::Int32:
+        return Encoding{pcmTag, 32};
+    case QAudioFormat::Float:
+        return Encoding{floatTag, 32};
+    default:
+        return {};
+    }
+}
+
+} // namespace
+
+WavFile::AudioEngineReturnValue ReadWavHeader(QIODevice& device, WavHeader& header)
+{
+    return HeaderReader(device, header).Read();
+}
+
+QByteArray ComposeWavHeader(const QAudioFormat& format, int dataSize)
+{
+    const auto encoding = EncodingOf(format.sampleFormat());
+    if (!encoding) {
+        return {};
+    }
+    const int channelCount = format.channelCount();
+    const int bitsPerFrame = MultiplyWrapping(channelCount, encoding->bits);
+    const int bitsPerSecond = MultiplyWrapping(bitsPerFrame, format.sampleRate());
+    const auto unsignedSize = static_cast<quint32>(dataSize);
+
+    QByteArray header;
+    header.reserve(writtenHeaderSize);
+    header.append("RIFF");
+    AppendNumber(header, unsignedSize + 36U);
+    header.append("WAVEfmt ");
+    AppendNumber(header, static_cast<quint32>(commonFormatSize));
+    AppendNumber(header, encoding->tag);
+    AppendNumber(header, static_cast<quint16>(channelCount));
+    AppendNumber(header, static_cast<quint32>(format.sampleRate()));
+    AppendNumber(header, static_cast<quint32>(bitsPerSecond / 8));
+    AppendNumber(header, static_cast<quint16>(bitsPerFrame / 8));
+    AppendNumber(header, static_cast<quint16>(encoding->bits));
+    header.append("data");
+    AppendNumber(header, unsignedSize);
+    return header;
+}
+
+int CalculateAudioDataSize(int bytes, const QAudioFormat& from, const QAudioFormat& to)
+{
+    if (!to.isValid() || !from.isValid() || bytes < 0) {
+        return -1;
+    }
+    const int frames = BytesToSamples(bytes, from.bytesPerSample(), from.channelCount());
+    const int targetFrames = TruncateToInt32(double(frames) / from.sampleRate() * to.sampleRate());
+    return SamplesToBytes(targetFrames, to.bytesPerSample(), to.channelCount());
+}
+
+int BytesToSamples(int bytes, int a, int b)
+{
+    if (a < 1 || b < 1 || bytes < 0) {
+        return -1;
+    }
+    return static_cast<int>(bytes / (qint64(a) * b));
+}
+
+// No samples give -1, unlike no bytes above: callers tell an empty result by it.
+int SamplesToBytes(int samples, int a, int b)
+{
+    if (a < 1 || b < 1 || samples < 1) {
+        return -1;
+    }
+    return MultiplyWrapping(MultiplyWrapping(samples, a), b);
+}
+
+} // namespace vantoraudio::AudioEngine

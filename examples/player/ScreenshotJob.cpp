@@ -1,0 +1,44 @@
+#include "ScreenshotJob.h"
+
+#include <QtGui/QPixmap>
+
+#include <algorithm>
+#include <chrono>
+
+using namespace std::chrono_literals;
+
+ScreenshotJob::ScreenshotJob(PlayerWindow& window, QString filePath, bool playing)
+    : QObject(&window), m_window(window), m_filePath(std::move(filePath)), m_waitingForSound(playing)
+{
+    connect(&window, &PlayerWindow::PictureCompleted, this, &ScreenshotJob::TryNow);
+    connect(&window, &PlayerWindow::PositionChanged, this, &ScreenshotJob::OnPositionChanged);
+    m_patience.setSingleShot(true);
+    m_patience.callOnTimeout(this, &ScreenshotJob::Save);
+    m_patience.start(30s);
+    QTimer::singleShot(0, this, &ScreenshotJob::TryNow);
+}
+
+void ScreenshotJob::OnPositionChanged(double seconds)
+{
+    // Positions arrive in steps of up to a third of a second, so a short file may never report its very end.
+    if (seconds >= std::min(1.0, m_window.Duration() * 0.5)) {
+        m_waitingForSound = false;
+        TryNow();
+    }
+}
+
+void ScreenshotJob::TryNow()
+{
+    if (m_window.IsPictureComplete() && !m_waitingForSound) {
+        Save();
+    }
+}
+
+void ScreenshotJob::Save()
+{
+    if (m_done) {
+        return;
+    }
+    m_done = true;
+    Q_EMIT Done(m_window.grab().save(m_filePath));
+}

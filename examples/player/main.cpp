@@ -1,0 +1,126 @@
+#include "PlayerWindow.h"
+#include "ScreenshotJob.h"
+
+#include <vantorAudioEngine/Version.h>
+
+#include <QtCore/QCommandLineParser>
+#include <QtCore/QLibraryInfo>
+#include <QtCore/QTextStream>
+#include <QtWidgets/QApplication>
+
+#include <optional>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+struct Range
+{
+    double start;
+    double end;
+};
+
+struct Options
+{
+    QString file;
+    QString screenshot;
+    std::optional<Range> view;
+    std::optional<Range> selection;
+    bool play = false;
+};
+
+/** Debian's Qt 6.4 would choose a backend that plays nothing without further plug-ins; later versions of Qt
+ *  choose this one by themselves. */
+void ChooseMediaBackend()
+{
+    if (QLibraryInfo::version() < QVersionNumber(6, 5) && !qEnvironmentVariableIsSet("QT_MEDIA_BACKEND")) {
+        qputenv("QT_MEDIA_BACKEND", "ffmpeg");
+    }
+}
+
+std::optional<Range> ParseRange(const QString& text)
+{
+    const QStringList parts = text.split(u'-');
+    bool startIsNumber = false;
+    bool endIsNumber = false;
+    if (parts.size() != 2) {
+        return std::nullopt;
+    }
+    const Range range{parts[0].toDouble(&startIsNumber), parts[1].toDouble(&endIsNumber)};
+    return startIsNumber && endIsNumber && range.start < range.end ? std::optional(range) : std::nullopt;
+}
+
+std::optional<Range> RangeOption(QCommandLineParser& parser, const QCommandLineOption& option)
+{
+    if (!parser.isSet(option)) {
+        return std::nullopt;
+    }
+    const std::optional<Range> range = ParseRange(parser.value(option));
+    if (!range) {
+        QTextStream(stderr) << QCoreApplication::translate("main", "Not a range of seconds such as 1.5-3: %1")
+                                   .arg(parser.value(option))
+                            << Qt::endl;
+        parser.showHelp(2);
+    }
+    return range;
+}
+
+Options ParseOptions(const QCoreApplication& application)
+{
+    const auto tr = [](const char* text) { return QCoreApplication::translate("main", text); };
+    QCommandLineParser parser;
+    parser.setApplicationDescription(tr("Shows and plays a WAV file."));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    const QCommandLineOption play(u"play"_s, tr("Start playing at once."));
+    const QCommandLineOption view(u"view"_s, tr("Show this range of seconds."), u"FROM-TO"_s);
+    const QCommandLineOption selection(u"selection"_s, tr("Select this range of seconds."), u"FROM-TO"_s);
+    const QCommandLineOption screenshot(
+        u"screenshot"_s, tr("Save a picture of the window once it is complete, and quit."), u"FILE.png"_s);
+    parser.addOptions({play, view, selection, screenshot});
+    parser.addPositionalArgument(u"FILE"_s, tr("The file to open."), u"[FILE]"_s);
+    parser.process(application);
+
+    return {parser.positionalArguments().value(0), parser.value(screenshot), RangeOption(parser, view),
+            RangeOption(parser, selection), parser.isSet(play)};
+}
+
+void Start(PlayerWindow& window, const Options& options)
+{
+    if (options.view) {
+        window.ShowRange(options.view->start, options.view->end);
+    }
+    if (options.selection) {
+        window.SelectRange(options.selection->start, options.selection->end);
+    }
+    if (options.play) {
+        window.Play();
+    }
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    ChooseMediaBackend();
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(u"vantoraudio-player"_s);
+    QApplication::setApplicationVersion(vantoraudio::AudioEngine::libVersionString());
+    const Options options = ParseOptions(application);
+
+    PlayerWindow window;
+    window.show();
+    const bool opened = options.file.isEmpty() || window.OpenFile(options.file);
+    if (!opened) {
+        QTextStream(stderr) << window.FailureText() << Qt::endl;
+    } else if (!options.file.isEmpty()) {
+        Start(window, options);
+    }
+    if (!options.screenshot.isEmpty()) {
+        const bool playing = opened && options.play && !options.file.isEmpty();
+        auto* job = new ScreenshotJob(window, options.screenshot, playing);
+        QObject::connect(job, &ScreenshotJob::Done, &application,
+                         [opened](bool saved) { QApplication::exit(opened && saved ? 0 : 1); });
+    }
+    return QApplication::exec();
+}

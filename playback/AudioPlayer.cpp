@@ -1,0 +1,227 @@
+#include "engine/Truncation.h"
+#include "playback/OutputGuard.h"
+
+#include <vantorAudioEngine/AudioPlayer.h>
+
+#include <QtCore/QFile>
+#include <QtCore/QScopedValueRollback>
+#include <QtCore/QSignalBlocker>
+#include <QtCore/QUrl>
+#include <QtMultimedia/QAudioOutput>
+#include <QtMultimedia/QMediaDevices>
+
+#include <algorithm>
+#include <utility>
+
+using vantoraudio::AudioEngine::OutputGuard;
+using vantoraudio::AudioEngine::TruncateToInt32;
+using vantoraudio::AudioEngine::TruncateToInt64;
+
+namespace {
+
+// Hosts connect to signals with these types across threads and by name, before any player exists.
+[[maybe_unused]] const int mediaStatusType =
+    qRegisterMetaType<QMediaPlayer::MediaStatus>("QMediaPlayer::MediaStatus");
+[[maybe_unused]] const int playbackStateType =
+    qRegisterMetaType<QMediaPlayer::PlaybackState>("QMediaPlayer::PlaybackState");
+
+constexpr double millisecondsPerSecond = 1000.0;
+
+qint64 ToPosition(double seconds)
+{
+    return TruncateToInt64(seconds * millisecondsPerSecond);
+}
+
+// The FFmpeg backend of Qt 6.4 opens the name that this encoding of the URL gives, and it garbles every letter
+// that is not ASCII.
+bool OpensByUrl(const QUrl& url)
+{
+    return url.toEncoded(QUrl::PreferLocalFile) == QFile::encodeName(url.toLocalFile());
+}
+
+} // namespace
+
+AudioPlayer::AudioPlayer(QObject* parent) : QMediaPlayer(parent), m_audioOutput(new QAudioOutput(this))
+{
+    setAudioOutput(m_audioOutput);
+    m_outputGuard = std::make_unique<OutputGuard>(*this, *m_audioOutput);
+    connect(this, &QMediaPlayer::positionChanged, this, &AudioPlayer::PlaybackLoop);
+    connect(this, &QMediaPlayer::mediaStatusChanged, this, &AudioPlayer::OnMediaStatusChanged);
+    connect(this, &QMediaPlayer::sourceChanged, this, [this] { DropUnusedSourceFile(); });
+}
+
+AudioPlayer::~AudioPlayer()
+{
+    // The base class reports its last changes when this part of the object no longer exists.
+    disconnect(this, nullptr, this, nullptr);
+    m_outputGuard.reset();
+    if (m_sourceFile) {
+        // The base class reads from the file on a thread of its own until it has another source.
+        const QSignalBlocker quiet(this);
+        setSource(QUrl());
+    }
+}
+
+void AudioPlayer::SetAudio(const QString& filePath, double duration)
+{
+    // The base class takes an unchanged URL for an unchanged file, but a working copy is rewritten in place.
+    if (source() == QUrl::fromLocalFile(filePath)) {
+        setSource(QUrl());
+    }
+    LoadSource(filePath);
+    m_selectionStart = 0.0;
+    m_selectionEnd = duration;
+}
+
+void AudioPlayer::LoadSource(const QString& filePath)
+{
+    const QUrl url = QUrl::fromLocalFile(filePath);
+    auto file = std::make_unique<QFile>(filePath);
+    if (OpensByUrl(url) || !file->open(QIODevice::ReadOnly)) {
+        setSource(url);
+        return;
+    }
+    // The previous file lives until the base class has let go of it.
+    const std::unique_ptr<QFile> previous = std::exchange(m_sourceFile, std::move(file));
+    setSourceDevice(m_sourceFile.get(), url);
+}
+
+void AudioPlayer::DropUnusedSourceFile()
+{
+    if (m_sourceFile && sourceDevice() != m_sourceFile.get()) {
+        m_sourceFile.reset();
+    }
+}
+
+void AudioPlayer::PauseResume()
+{
+    if (playbackState() == PlayingState) {
+        pause();
+        return;
+    }
+    m_outputGuard->Refresh();
+    play();
+}
+
+void AudioPlayer::SetSelection(double start, double end)
+{
+    m_selectionStart = start;
+    m_selectionEnd = end;
+    setPosition(ToPosition(start));
+}
+
+void AudioPlayer::ClearSelection()
+{
+    m_selectionStart = 0.0;
+    m_selectionEnd = static_cast<double>(duration()) / millisecondsPerSecond;
+}
+
+void AudioPlayer::LoopPlayback(bool loop)
+{
+    m_loop = loop;
+}
+
+void AudioPlayer::SetVolume(int volume)
+{
+    if (!m_audioOutput) {
+        return;
+    }
+    // Compared as double: most percentages are no float, so setting the same one again counts as a change.
+    const double fraction = volume / 100.0;
+    if (static_cast<double>(m_audioOutput->volume()) != fraction) {
+        m_audioOutput->setVolume(static_cast<float>(fraction));
+    }
+}
+
+int AudioPlayer::Volume() const
+{
+    return m_audioOutput ? TruncateToInt32(static_cast<double>(m_audioOutput->volume()) * 100.0) : 0;
+}
+
+void AudioPlayer::SetMuted(bool muted)
+{
+    if (m_audioOutput) {
+        m_audioOutput->setMuted(muted);
+    }
+}
+
+bool AudioPlayer::IsMuted() const
+{
+    return m_audioOutput && m_audioOutput->isMuted();
+}
+
+void AudioPlayer::SetAudioOutputDevice(const QAudioDevice& device)
+{
+    if (!m_audioOutput) {
+        return;
+    }
+    const QList<QAudioDevice> available = QMediaDevices::audioOutputs();
+    const auto entry = std::find(available.cbegin(), available.cend(), device);
+    if (entry == available.cend()) {
+        return;
+    }
+    m_audioOutputDevice = device;
+    m_audioOutput->setDevice(*entry);
+    m_outputGuard->Prefer(*entry);
+}
+
+QAudioDevice AudioPlayer::GetAudioOutputDevice()
+{
+    return m_audioOutputDevice;
+}
+
+void AudioPlayer::PlaybackLoop(qint64 currentPosition)
+{
+    if (playbackState() != PlayingState) {
+        return;
+    }
+    const double remaining = m_selectionEnd * millisecondsPerSecond - static_cast<double>(currentPosition);
+    // A seek reports its position at once, so a restart at or behind the selection's end would call itself
+    // for ever.
+    if (remaining <= 0.0 && !m_restarting && !IsAtEndOfMedia()) {
+        RestartPlayback();
+    }
+}
+
+void AudioPlayer::OnMediaStatusChanged(QMediaPlayer::MediaStatus mediaStatus)
+{
+    if (mediaStatus != EndOfMedia) {
+        return;
+    }
+    if (this->mediaStatus() == EndOfMedia) {
+        RestartAfterReport();
+    } else {
+        RestartPlayback();
+    }
+}
+
+// The FFmpeg backend of Qt 6.4 reports the last position, the stopped state and the end of the media in one go. A
+// player that is restarted in the midst of that is stopped again by the rest, reports the end again without having
+// played anything, and so on.
+void AudioPlayer::RestartAfterReport()
+{
+    const auto restart = [this] {
+        // Whoever stopped, sought, played or loaded something since then knows better.
+        if (mediaStatus() == EndOfMedia && playbackState() == StoppedState) {
+            RestartPlayback();
+        }
+    };
+    QMetaObject::invokeMethod(this, restart, Qt::QueuedConnection);
+}
+
+// The end of the media is reported right behind its last position: see RestartAfterReport().
+bool AudioPlayer::IsAtEndOfMedia() const
+{
+    return duration() > 0 && position() >= duration();
+}
+
+void AudioPlayer::RestartPlayback()
+{
+    const QScopedValueRollback restarting(m_restarting, true);
+    setPosition(ToPosition(m_selectionStart));
+    pause();
+    if (m_loop) {
+        m_outputGuard->Refresh();
+        play();
+    }
+}

@@ -1,0 +1,102 @@
+#pragma once
+
+#include <vantorAudioEngine/Export.h>
+
+#include <QtCore/QString>
+#include <QtMultimedia/QAudioDevice>
+#include <QtMultimedia/QMediaPlayer>
+
+#include <memory>
+
+class QAudioOutput;
+class QFile;
+
+namespace vantoraudio::AudioEngine {
+class OutputGuard;
+}
+
+/**
+ * Plays one audio file and keeps playback inside a stretch of it, the selection.
+ *
+ * The player is a QMediaPlayer: play(), pause(), stop(), setPosition(), playbackState() and all its signals are
+ * there to be used. When playback reaches the selection's end or the end of the file it goes back to the
+ * selection's start and stays paused there, or plays on from there when looping.
+ *
+ * Times are seconds from the start of the file, positions and durations of the base class milliseconds. Seconds
+ * that no position can hold become the nearest position, not-a-number becomes 0.
+ *
+ * Nothing here reports failures: listen to errorOccurred() of the base class. While the machine has no output
+ * device at all, a player that has a source runs without an audio output, so that play() is safe then; playback
+ * stands still and goes on by itself when a device appears. When the device in use disappears, another one takes
+ * over.
+ *
+ * Threads: use the player on the thread that created it, which must run an event loop.
+ */
+class VANTORAUDIOENGINE_EXPORT AudioPlayer : public QMediaPlayer
+{
+    Q_OBJECT
+
+public:
+    /** A player without a source, not looping, with an empty selection at 0, on the system's default device. */
+    explicit AudioPlayer(QObject* parent = nullptr);
+    ~AudioPlayer() override;
+
+    /** Takes filePath as the source, loading it anew also if it is the current one, and selects the whole file:
+     *  0 to duration (seconds, stored unchecked). Playback stops. A file that cannot be opened is reported by
+     *  errorOccurred(); source() and the selection are the new ones then, too. */
+    void SetAudio(const QString& filePath, double duration);
+
+    /** Pauses while playing, plays from the current position otherwise. */
+    void PauseResume();
+
+    /** Selects a stretch and moves the position to its start; the playback state stays. The times are stored as
+     *  they are: an end before the start makes playback return to the start at its next position report. */
+    void SetSelection(double start, double end);
+
+    /** Selects 0 to duration() of the base class, which is 0 before a source is known. The position stays. */
+    void ClearSelection();
+
+    /** Whether the selection's end, or the file's, leads back into playing. Takes effect when it is reached. */
+    void LoopPlayback(bool loop);
+
+    /** The volume in percent of the linear amplitude, passed on unclamped. */
+    void SetVolume(int volume);
+
+    /** The volume in percent, truncated. It can be one less than what SetVolume() was given, because the output
+     *  holds a float: 57 reads back as 56. */
+    int Volume() const;
+
+    void SetMuted(bool muted);
+    bool IsMuted() const;
+
+    /** Plays on device from now on, also in the middle of playing. A device that QMediaDevices::audioOutputs()
+     *  does not list is ignored. */
+    void SetAudioOutputDevice(const QAudioDevice& device);
+
+    /** The device that SetAudioOutputDevice() accepted last, or a null device. It stays the answer while that
+     *  device is away and another one stands in for it. */
+    QAudioDevice GetAudioOutputDevice();
+
+private Q_SLOTS:
+    void PlaybackLoop(qint64 currentPosition);
+    void OnMediaStatusChanged(QMediaPlayer::MediaStatus mediaStatus);
+
+private:
+    friend class AudioPlayerTestAccess;
+
+    void RestartPlayback();
+    void RestartAfterReport();
+    bool IsAtEndOfMedia() const;
+    void LoadSource(const QString& filePath);
+    void DropUnusedSourceFile();
+
+    QAudioDevice m_audioOutputDevice;
+    QAudioOutput* m_audioOutput;
+    bool m_loop = false;
+    double m_selectionStart = 0.0;
+    double m_selectionEnd = 0.0;
+
+    bool m_restarting = false;
+    std::unique_ptr<QFile> m_sourceFile;
+    std::unique_ptr<vantoraudio::AudioEngine::OutputGuard> m_outputGuard;
+};

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <vantorAudioEngine/Export.h>
+
+#include <QtCore/QList>
+#include <QtCore/QObject>
+#include <QtMultimedia/QAudioDevice>
+#include <QtMultimedia/QAudioFormat>
+#include <QtMultimedia/QAudioInput>
+#include <QtMultimedia/QAudioOutput>
+
+namespace vantoraudio::AudioEngine {
+
+/**
+ * Lists the machine's audio output devices, for a host that lets its user choose one and hands the choice to
+ * AudioPlayer::SetAudioOutputDevice().
+ *
+ * Every call asks Qt anew; nothing is kept and nothing fails: an empty list means that no device fits. Use it on
+ * the GUI thread.
+ */
+class VANTORAUDIOENGINE_EXPORT HardwareManager : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit HardwareManager(QObject* parent = nullptr);
+    ~HardwareManager() override;
+
+    /** Takes over the two devices of other; the input and output objects, parent and connections stay. */
+    HardwareManager& operator=(const HardwareManager& other);
+
+    /** The output devices that support format, in the order of QMediaDevices::audioOutputs(). Always outputs:
+     *  mode is not looked at, whatever it asks for. */
+    QList<QAudioDevice> GetAvailableDevices(const QAudioFormat& format, QAudioDevice::Mode mode);
+
+    /** The same for 16-bit stereo at 44100 Hz. */
+    QList<QAudioDevice> GetAvailableDevices(QAudioDevice::Mode mode);
+
+Q_SIGNALS:
+    /** For the owner to emit, for example on QMediaDevices::audioOutputsChanged(); nothing in here does. */
+    void AudioDeviceListChanged(const QList<QAudioDevice>& deviceList);
+
+private:
+    friend class HardwareManagerTestAccess;
+
+    QAudioDevice m_inputDevice;
+    QAudioInput m_audioInput;
+    QAudioDevice m_outputDevice;
+    QAudioOutput m_audioOutput;
+};
+
+} // namespace vantoraudio::AudioEngine

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "render/bgfx/bgfx.h"
+#include "render/vantor3DQt/BGFXRenderer.h"
+
+#include <QtWidgets/QWidget>
+
+namespace vantoraudio::vantor3DQt {
+
+/**
+ * A widget whose picture the drawing device draws off screen, in device pixels. A subclass draws in its
+ * paintEvent(): Renderer().StartFrame(FrameBuffer()), drawing, Renderer().PresentSubmittedFrame(false), Flush().
+ *
+ * The frame buffer follows the widget's size and its screen's scale. It needs no window of the widget's own, so
+ * docking, reparenting, hiding and showing lose nothing.
+ */
+class BGFXOffscreenWidget : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit BGFXOffscreenWidget(QWidget* parent = nullptr, Qt::WindowFlags flags = {});
+    ~BGFXOffscreenWidget() override;
+
+Q_SIGNALS:
+    /** The drawing device shuts down: drop what was created on it; the next frame creates it again. */
+    void CleanupRequested();
+
+protected:
+    BGFXRenderer& Renderer();
+    /** Made or resized on demand to ViewportRect(); invalid while the widget is empty or nothing can draw. Belongs
+     *  to the widget and is given back while that is hidden. */
+    bgfx::FrameBufferHandle FrameBuffer();
+    /** (0, 0, width, height) in device pixels, rounded up so that the picture covers the widget. Cut back to what
+     *  the device can draw; Flush() then stretches the picture. */
+    QRect ViewportRect() const;
+    /** Paints the last presented picture onto the widget. Inside paintEvent() only. */
+    void Flush();
+
+    void resizeEvent(QResizeEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+
+private:
+    void OnDeviceShutdown();
+    void ReleaseFrameBuffer();
+
+    BGFXRenderer m_renderer;
+    bgfx::FrameBufferHandle m_frameBuffer;
+    QSize m_frameSize;
+};
+
+} // namespace vantoraudio::vantor3DQt

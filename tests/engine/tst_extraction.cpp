@@ -1,0 +1,726 @@
+#include "tests/support/TemporaryFiles.h"
+#include "tests/support/WavBytes.h"
+#include "tests/support/WavFileTestAccess.h"
+
+#include <QtCore/QTranslator>
+#include <QtTest/QtTest>
+
+#include <atomic>
+#include <cmath>
+#include <limits>
+#include <semaphore>
+#include <thread>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace WavTest;
+
+namespace {
+
+using Values = QList<float>;
+
+/** Frame i holds the sample i modulo 30000, in every channel with a sign of its own. */
+QByteArray Ramp16(int frames, int channels)
+{
+    QByteArray bytes;
+    bytes.reserve(qsizetype(frames) * channels * 2);
+    for (int i = 0; i < frames; ++i) {
+        for (int channel = 0; channel < channels; ++channel) {
+            bytes += LittleEndian(static_cast<qint16>((channel == 0 ? 1 : -1) * (i % 30000)));
+        }
+    }
+    return bytes;
+}
+
+Values RampValues(int first, int end, int step)
+{
+    Values values;
+    for (int i = first; i < end; i += step) {
+        values.append(static_cast<float>(i % 30000) / 32767.0F);
+    }
+    return values;
+}
+
+/** Writes down a WavFile's signals, one line each, on the thread that emits them. */
+class SignalLog : public QStringList
+{
+public:
+    explicit SignalLog(WavFile& file)
+    {
+        QObject::connect(
+            &file, &WavFile::NewData, &file, [this] { append(u"NewData"_s); }, Qt::DirectConnection);
+        QObject::connect(
+            &file, &WavFile::ProgressChanged, &file,
+            [this](int progress, int min, int max, const QString& text) {
+                append(u"%1 of %2..%3 %4"_s.arg(progress).arg(min).arg(max).arg(text));
+            },
+            Qt::DirectConnection);
+    }
+};
+
+const QString updated = u"0 of 0..1 Updated"_s;
+
+QString Updating(int progress)
+{
+    return u"%1 of 0..100 Updating..."_s.arg(progress);
+}
+
+} // namespace
+
+class TestExtraction : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void readsOneSecondInTwentyFourBlocks();
+    void emitsNewDataBetweenTheLastBlockAndUpdated();
+    void takesTheSelectedChannel_data();
+    void takesTheSelectedChannel();
+    void takesAStepBelowOneAsOne_data();
+    void takesAStepBelowOneAsOne();
+    void keepsThePicksEvenlySpacedAcrossBlocks_data();
+    void keepsThePicksEvenlySpacedAcrossBlocks();
+    void keepsAllValuesOfTheLastBlock();
+    void measuresProgressFromTheStartOfTheFile();
+    void stopsAtTheEndOfTheFile();
+    void readsOnIntoChunksBehindTheData();
+    void readsAllSampleFormats_data();
+    void readsAllSampleFormats();
+    void dropsATrailingPartialFrame_data();
+    void dropsATrailingPartialFrame();
+    void leavesTheFileBehindTheLastBlock();
+    void leavesTheFileAtTheStartOfAnEmptyRange();
+
+    void storesAnEmptyListForAnEmptyRange_data();
+    void storesAnEmptyListForAnEmptyRange();
+    void storesAnEmptyListForAnUnknownSampleFormat();
+    void storesAnEmptyListForAClosedFile();
+    void storesAnEmptyListForAFreshObject();
+    void endsForEveryTime_data();
+    void endsForEveryTime();
+    void endsAfterARefusedHeader_data();
+    void endsAfterARefusedHeader();
+    void takesNoMemoryForAHugeStep();
+
+    void wrapsOffsetsAtThirtyTwoBits();
+    void readsNothingWhenTheEndWrapsBelowTheStart();
+    void readsNothingWhenTheStartWrapsBelowTheFile();
+
+    void keepsThePreviousSamplesWhenAborted();
+    void stopsAfterTheBlockDuringWhichItWasAborted();
+    void stopsWhenAbortedFromAnotherThread();
+    void ignoresAnAbortBeforeItStarts();
+    void ignoresTheOtherAbortFlags();
+    void runsAgainAfterAnAbort();
+
+    void translatesItsTexts();
+    void holdsNoLockWhileItEmits();
+    void usesTheChannelSelectedWhenItStarted();
+    void showsOldOrNewSamplesWhole();
+    void letsTwoExtractionsShareTheFile();
+
+private:
+    QString Write(const WavBytes& wav) { return m_files.Write(u"file.wav"_s, wav.Build()); }
+
+    /** 100,000 frames of a ramp, 16-bit mono at 32768 Hz, where frame numbers and seconds convert exactly. */
+    QString WriteRamp() { return Write({.sampleRate = 32768, .data = Ramp16(100000, 1)}); }
+
+    static double Seconds(qint64 frame) { return double(frame) / 32768.0; }
+
+    TemporaryFiles m_files;
+};
+
+void TestExtraction::readsOneSecondInTwentyFourBlocks()
+{
+    WavFile file;
+    QCOMPARE(file.Open(Write({.channels = 2, .sampleRate = 48000, .data = Ramp16(60000, 2)})), WavFile::Success);
+    file.SetSelectedChannel(WavFile::ChannelLeft);
+    SignalLog log(file);
+    file.ReadData(0, 1, 10);
+
+    QStringList expected;
+    for (const int progress :
+         {0, 4, 8, 12, 16, 20, 25, 29, 33, 37, 41, 45, 50, 54, 58, 62, 66, 70, 75, 79, 83, 87, 91, 95}) {
+        expected << Updating(progress);
+    }
+    QCOMPARE(expected.size(), 24);
+    QCOMPARE(QStringList(log), expected << u"NewData"_s << updated);
+    QCOMPARE(file.GetSamples().size(), 4800);
+    QCOMPARE(file.GetSamples(), RampValues(0, 48000, 10));
+    QCOMPARE(file.pos(), 44 + 192000);
+}
+
+void TestExtraction::emitsNewDataBetweenTheLastBlockAndUpdated()
+{
+    WavFile file;
+    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
+    Values atNewData;
+    connect(&file, &WavFile::NewData, &file, [&] { atNewData = file.GetSamples(); });
+    SignalLog log(file);
+    file.ReadData(0, Seconds(400), 1);
+    QCOMPARE(QStringList(log), QStringList({Updating(5), Updating(52), u"NewData"_s, updated}));
+    QCOMPARE(atNewData, RampValues(0, 400, 1));
+}
+
+void TestExtraction::takesTheSelectedChannel_data()
+{
+    QTest::addColumn<int>("channel");
+    QTest::addColumn<QList<float>>("expected");
+    QTest::newRow("none is the average") << 0 << Values{0.25F, 2.0F};
+    QTest::newRow("mono is the average") << 1 << Values{0.25F, 2.0F};
+    QTest::newRow("left") << 2 << Values{0.5F, 1.0F};
+    QTest::newRow("right") << 3 << Values{0.0F, 3.0F};
+    QTest::newRow("both is the average") << 4 << Values{0.25F, 2.0F};
+}
+
+void TestExtraction::takesTheSelectedChannel()
+{
+    QFETCH(const int, channel);
+    WavFile file;
+    QCOMPARE(
+        file.Open(Write({.formatTag = 3, .channels = 2, .bits = 32, .data = PackF32({0.5F, 0.0F, 1.0F, 3.0F})})),
+        WavFile::Success);
+    file.SetSelectedChannel(WavFile::ChannelFormat(channel));
+    file.ReadData(0, 1, 1);
+    QTEST(file.GetSamples(), "expected");
+}
+
+void TestExtraction::takesAStepBelowOneAsOne_data()
+{
+    QTest::addColumn<int>("step");
+    QTest::newRow("1") << 1;
+    QTest::newRow("0") << 0;
+    QTest::newRow("-1") << -1;
+    QTest::newRow("smallest") << std::numeric_limits<int>::min();
+}
+
+void TestExtraction::takesAStepBelowOneAsOne()
+{
+    QFETCH(const int, step);
+    WavFile file;
+    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
+    SignalLog log(file);
+    file.ReadData(0, Seconds(600), step);
+    QCOMPARE(file.GetSamples(), RampValues(0, 600, 1));
+    QCOMPARE(log.size(), 3 + 2);
+}
+
+void TestExtraction::keepsThePicksEvenlySpacedAcrossBlocks_data()
+{
+    QTest::addColumn<int>("first");
+    QTest::addColumn<int>("step");
+    QTest::newRow("whole file, step 1") << 0 << 1;
+    QTest::newRow("whole file, step 7") << 0 << 7;
+    QTest::newRow("whole file, step 333") << 0 << 333;
+    QTest::newRow("from the middle, step 13") << 50001 << 13;
+    QTest::newRow("step beyond the file") << 0 << 1000000;
+}
+
+void TestExtraction::keepsThePicksEvenlySpacedAcrossBlocks()
+{
+    QFETCH(const int, first);
+    QFETCH(const int, step);
+    WavFile file;
+    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
+    file.ReadData(Seconds(first), file.GetDuration(), step);
+    QCOMPARE(file.GetSamples(), RampValues(first, 100000, step));
+}
+
+void TestExtraction::keepsAllValuesOfTheLastBlock()
+{
+    WavFile file;
+    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
+    file.ReadData(0, Seconds(1), 1);
+    QCOMPARE(file.GetSamples(), RampValues(0, 200, 1));
+    file.ReadData(Seconds(100), Seconds(301), 1);
+    QCOMPARE(file.GetSamples(), RampValues(100, 500, 1));
+}
+
+void TestExtraction::measuresProgressFromTheStartOfTheFile()
+{
+    WavFile file;
+    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
+    SignalLog log(file);
+    file.ReadData(Seconds(1000), Seconds(1500), 1);
+    // Ends at byte 3044; blocks start at 2044, 2444 and 2844.
+    QCOMPARE(QStringList(log), QStringList({Updating(67), Updating(80), Updating(93), u"NewData"_s, updated}));
+}
+
+void TestExtraction::stopsAtTheEndOfTheFile()
+{
+    WavFile file;
+    QCOMPARE(file.Open(Write({.sampleRate = 32768, .data = Ramp16(450, 1), .statedDataSize = 4000})),
+             WavFile::Success);
+    SignalLog log(file);
+    file.ReadData(0, Seconds(2000), 1);
+    QCOMPARE(file.GetSamples(), RampValues(0, 450, 1));
+    // Ends at byte 4044; blocks start at 44, 444 and 844, and at 944 nothing is left.
+    QCOMPARE(QStringList(log),
+             QStringList({Updating(1), Updating(10), Updating(20), Updating(23), u"NewData"_s, updated}));
+}
+
+void TestExtraction::readsOnIntoChunksBehindTheData()
+{
+    WavFile file;
+    QCOMPARE(file.Open(Write({.data = PackS16({32767}), .afterData = {{QByteArray(4, '\0'), "", 0}}})),
+             WavFile::Success);
+    file.ReadData(0, file.GetDuration(), 1);
+    QCOMPARE(file.GetSamples(), Values({1.0F, 0.0F, 0.0F, 0.0F, 0.0F}));
+}
+
+void TestExtraction::readsAllSampleFormats_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QList<float>>("expected");
+    const auto add = [](const char* name, const WavBytes& wav, const Values& expected) {
+        QTest::newRow(name) << wav.Build() << expected;
+    };
+    add("16-bit", {.data = PackS16({32767, 0, -32767})}, {1.0F, 0.0F, -1.0F});
+    add("24-bit", {.bits = 24, .data = PackS24({8388607, 0, -8388607})}, {1.0F, 0.0F, -1.0F});
+    add("32-bit", {.bits = 32, .data = PackS32({0x40000000, 0, -0x40000000})}, {0.5F, 0.0F, -0.5F});
+    add("float", {.formatTag = 3, .bits = 32, .data = PackF32({2.0F, 0.0F, -3.0F})}, {2.0F, 0.0F, -3.0F});
+    add("float that says 16 bits", {.formatTag = 3, .bits = 16, .data = PackF32({2.0F, -3.0F})}, {2.0F, -3.0F});
+    add("float that says 24 bits", {.formatTag = 3, .bits = 24, .data = PackF32({2.0F, -3.0F})}, {2.0F, -3.0F});
+    add("24-bit stereo", {.channels = 2, .bits = 24, .data = PackS24({8388607, 0, -8388607, -8388607})},
+        {0.5F, -1.0F});
+}
+
+void TestExtraction::readsAllSampleFormats()
+{
+    QFETCH(const QByteArray, bytes);
+    WavFile file;
+    QCOMPARE(file.Open(m_files.Write(u"file.wav"_s, bytes)), WavFile::Success);
+    file.ReadData(0, 1, 1);
+    QTEST(file.GetSamples(), "expected");
+}
+
+void TestExtraction::dropsATrailingPartialFrame_data()
+{
+    QTest::addColumn<int>("tag");
+    QTest::addColumn<int>("bits");
+    QTest::addColumn<int>("channels");
+    for (const int channels : {1, 2}) {
+        QTest::addRow("16-bit, %d channels", channels) << 1 << 16 << channels;
+        QTest::addRow("24-bit, %d channels", channels) << 1 << 24 << channels;
+        QTest::addRow("32-bit, %d channels", channels) << 1 << 32 << channels;
+        QTest::addRow("float, %d channels", channels) << 3 << 32 << channels;
+    }
+}
+
+void TestExtraction::dropsATrailingPartialFrame()
+{
+    QFETCH(const int, tag);
+    QFETCH(const int, bits);
+    QFETCH(const int, channels);
+    const int frameBytes = channels * bits / 8;
+    for (int rest = 0; rest < frameBytes; ++rest) {
+        WavFile file;
+        QCOMPARE(file.Open(Write({.formatTag = quint16(tag),
+                                  .channels = quint16(channels),
+                                  .bits = quint16(bits),
+                                  .data = QByteArray(201 * frameBytes + rest, '\0')})),
+                 WavFile::Success);
+        file.ReadData(0, 1, 1);
+        QCOMPARE(file.GetSamples(), Values(201, 0.0F));
+    }
+}
+
+void TestExtraction::leavesTheFileBehindTheLastBlock()
+{
+    WavFile file;
+    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
+    file.ReadData(Seconds(100), Seconds(301), 1);
+    QCOMPARE(file.pos(), 44 + 500 * 2);
+}
+
+void TestExtraction::leavesTheFileAtTheStartOfAnEmptyRange()
+{
+    WavFile file;
+    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
+    file.ReadData(Seconds(100), Seconds(100), 1);
+    QCOMPARE(file.pos(), 44 + 100 * 2);
+}
+
+void TestExtraction::storesAnEmptyListForAnEmptyRange_data()
+{
+    QTest::addColumn<double>("start");
+    QTest::addColumn<double>("end");
+    QTest::newRow("end is start") << 1.0 << 1.0;
+    QTest::newRow("end before start") << 1.0 << 0.5;
+    QTest::newRow("less than a frame") << 0.0 << 0.00003;
+    QTest::newRow("both not a number") << double(NAN) << double(NAN);
+}
+
+void TestExtraction::storesAnEmptyListForAnEmptyRange()
+{
+    QFETCH(const double, start);
+    QFETCH(const double, end);
+    WavFile file;
+    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
+    WavFileTestAccess(file).Samples() = {1.0F};
+    SignalLog log(file);
+    file.ReadData(start, end, 1);
+    QCOMPARE(QStringList(log), QStringList({u"NewData"_s, updated}));
+    QVERIFY(file.GetSamples().isEmpty());
+}
+
+void TestExtraction::storesAnEmptyListForAnUnknownSampleFormat()
+{
+    WavFile file;
+    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
+    WavFileTestAccess access(file);
+    access.Samples() = {1.0F};
+    access.FileFormat().setSampleFormat(QAudioFormat::UInt8);
+    SignalLog log(file);
+    file.ReadData(0, Seconds(400), 1);
+    QCOMPARE(QStringList(log), QStringList({Updating(5), Updating(52), u"NewData"_s, updated}));
+    QVERIFY(file.GetSamples().isEmpty());
+}
+
+void TestExtraction::storesAnEmptyListForAClosedFile()
+{
+    WavFile file;
+    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
+    file.close();
+    WavFileTestAccess(file).Samples() = {1.0F};
+    SignalLog log(file);
+    file.ReadData(Seconds(100), Seconds(200), 1);
+    QCOMPARE(QStringList(log), QStringList({Updating(0), u"NewData"_s, updated}));
+    QVERIFY(file.GetSamples().isEmpty());
+}
+
+void TestExtraction::storesAnEmptyListForAFreshObject()
+{
+    WavFile file;
+    SignalLog log(file);
+    file.ReadData(0, 1, 1);
+    QCOMPARE(QStringList(log), QStringList({u"NewData"_s, updated}));
+    QVERIFY(file.GetSamples().isEmpty());
+}
+
+void TestExtraction::endsForEveryTime_data()
+{
+    QTest::addColumn<quint32>("rate");
+    QTest::addColumn<double>("start");
+    QTest::addColumn<double>("end");
+    const double times[] = {0.0,      -0.0001,   -0.001,      -1.0,
+                            0.5,      1e6,       1e18,        -1e18,
+                            INFINITY, -INFINITY, double(NAN), std::numeric_limits<double>::denorm_min()};
+    for (const quint32 rate : {0U, 1U, 44100U, 0x7FFFFFFFU, 0x80000000U, 0xFFFFFFFFU}) {
+        for (const double start : times) {
+            for (const double end : times) {
+                QTest::addRow("rate %u, %g to %g", rate, start, end) << rate << start << end;
+            }
+        }
+    }
+}
+
+void TestExtraction::endsForEveryTime()
+{
+    QFETCH(const quint32, rate);
+    QFETCH(const double, start);
+    QFETCH(const double, end);
+    WavFile file;
+    QCOMPARE(file.Open(Write({.channels = 2, .sampleRate = rate, .bits = 24, .data = QByteArray(3000, 'x')})),
+             WavFile::Success);
+    bool isInRange = true;
+    connect(&file, &WavFile::ProgressChanged, &file,
+            [&](int progress, int min, int max) { isInRange = isInRange && min <= progress && progress <= max; });
+    SignalLog log(file);
+    file.ReadData(start, end, 3);
+    QVERIFY(isInRange);
+    QCOMPARE(QStringList(log.mid(log.size() - 2)), QStringList({u"NewData"_s, updated}));
+    QVERIFY(file.GetSamples().size() <= 3044 / 6);
+}
+
+void TestExtraction::endsAfterARefusedHeader_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::newRow("8 bits") << WavBytes{.channels = 2, .bits = 8, .data = QByteArray(100, 'x')}.Build();
+    QTest::newRow("four bits have no byte") << WavBytes{.bits = 4, .data = QByteArray(100, 'x')}.Build();
+    QTest::newRow("65535 bits") << WavBytes{.bits = 0xFFFF, .data = QByteArray(100, 'x')}.Build();
+    QTest::newRow("no channels") << WavBytes{.channels = 0, .data = QByteArray(100, 'x')}.Build();
+    QTest::newRow("six channels") << WavBytes{.channels = 6, .data = QByteArray(100, 'x')}.Build();
+    QTest::newRow("channels that turn negative")
+        << WavBytes{.channels = 0x8001, .bits = 32, .data = QByteArray(100, 'x')}.Build();
+    QTest::newRow("no data") << WavBytes{}.Build().left(36);
+}
+
+void TestExtraction::endsAfterARefusedHeader()
+{
+    QFETCH(const QByteArray, bytes);
+    WavFile file;
+    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
+    QVERIFY(file.Open(m_files.Write(u"refused.wav"_s, bytes)) != WavFile::Success);
+    for (const int step : {1, 100, std::numeric_limits<int>::max()}) {
+        SignalLog log(file);
+        file.ReadData(0, 10, step);
+        QCOMPARE(log.last(), updated);
+        QVERIFY(file.GetSamples().size() <= bytes.size());
+    }
+}
+
+void TestExtraction::takesNoMemoryForAHugeStep()
+{
+    WavFile file;
+    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
+    file.ReadData(0, file.GetDuration(), std::numeric_limits<int>::max());
+    QCOMPARE(file.GetSamples(), Values({0.0F}));
+    QVERIFY(file.GetSamples().capacity() < 1000);
+}
+
+// A stereo 16-bit frame has 4 bytes, so frame 2^29 lies at 2 GiB and frame 2^30 at 4 GiB.
+
+void TestExtraction::wrapsOffsetsAtThirtyTwoBits()
+{
+    WavFile file;
+    const QString path = Write({.channels = 2, .sampleRate = 32768, .data = Ramp16(1000, 2)});
+    QVERIFY(QFile::resize(path, (qint64(4) << 30) + (1 << 20)));
+    QCOMPARE(file.Open(path), WavFile::Success);
+    file.SetSelectedChannel(WavFile::ChannelLeft);
+    constexpr qint64 fourGiB = qint64(1) << 30;
+    file.ReadData(Seconds(fourGiB + 100), Seconds(fourGiB + 300), 1);
+    QCOMPARE(file.GetSamples(), RampValues(100, 300, 1));
+    QVERIFY(QFile::remove(path));
+}
+
+void TestExtraction::readsNothingWhenTheEndWrapsBelowTheStart()
+{
+    WavFile file;
+    const QString path = Write({.channels = 2, .sampleRate = 32768, .data = Ramp16(1000, 2)});
+    QVERIFY(QFile::resize(path, (qint64(2) << 30) + (1 << 20)));
+    QCOMPARE(file.Open(path), WavFile::Success);
+    SignalLog log(file);
+    file.ReadData(0, Seconds(qint64(1) << 29), 1000);
+    QCOMPARE(QStringList(log), QStringList({u"NewData"_s, updated}));
+    QVERIFY(file.GetSamples().isEmpty());
+    QVERIFY(QFile::remove(path));
+}
+
+void TestExtraction::readsNothingWhenTheStartWrapsBelowTheFile()
+{
+    WavFile file;
+    const QString path = Write({.channels = 2, .sampleRate = 32768, .data = Ramp16(1000, 2)});
+    QVERIFY(QFile::resize(path, (qint64(2) << 30) + (1 << 20)));
+    QCOMPARE(file.Open(path), WavFile::Success);
+    SignalLog log(file);
+    file.ReadData(Seconds(qint64(1) << 29), Seconds((qint64(1) << 30) + 100), 1000);
+    QCOMPARE(QStringList(log), QStringList({Updating(0), u"NewData"_s, updated}));
+    QVERIFY(file.GetSamples().isEmpty());
+    QVERIFY(QFile::remove(path));
+}
+
+void TestExtraction::keepsThePreviousSamplesWhenAborted()
+{
+    WavFile file;
+    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
+    file.ReadData(0, Seconds(200), 1);
+    const Values previous = file.GetSamples();
+    const auto connection = connect(&file, &WavFile::ProgressChanged, &file, &WavFile::AbortRead);
+    SignalLog log(file);
+    file.ReadData(0, Seconds(1000), 7);
+    disconnect(connection);
+    QCOMPARE(file.GetSamples(), previous);
+    QVERIFY(file.GetSamples().isSharedWith(previous));
+    QCOMPARE(QStringList(log), QStringList({Updating(2), updated}));
+}
+
+void TestExtraction::stopsAfterTheBlockDuringWhichItWasAborted()
+{
+    WavFile file;
+    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
+    SignalLog log(file);
+    connect(&file, &WavFile::ProgressChanged, &file, [&] {
+        if (log.size() == 3) {
+            file.AbortRead();
+        }
+    });
+    file.ReadData(0, Seconds(2000), 1);
+    QCOMPARE(QStringList(log), QStringList({Updating(1), Updating(10), Updating(20), updated}));
+    QCOMPARE(file.pos(), 44 + 3 * 400);
+}
+
+void TestExtraction::stopsWhenAbortedFromAnotherThread()
+{
+    WavFile file;
+    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
+    std::binary_semaphore isRunning(0);
+    std::binary_semaphore isAborted(0);
+    std::atomic<int> progressCount = 0;
+    std::atomic<bool> hasNewData = false;
+    connect(
+        &file, &WavFile::ProgressChanged, &file,
+        [&] {
+            if (++progressCount == 1) {
+                isRunning.release();
+                isAborted.acquire();
+            }
+        },
+        Qt::DirectConnection);
+    connect(
+        &file, &WavFile::NewData, &file, [&] { hasNewData = true; }, Qt::DirectConnection);
+
+    std::thread worker([&] { file.ReadData(0, file.GetDuration(), 1); });
+    isRunning.acquire();
+    file.AbortRead();
+    isAborted.release();
+    worker.join();
+    QCOMPARE(progressCount.load(), 2);
+    QVERIFY(!hasNewData);
+    QVERIFY(file.GetSamples().isEmpty());
+}
+
+void TestExtraction::ignoresAnAbortBeforeItStarts()
+{
+    WavFile file;
+    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
+    file.AbortRead();
+    file.ReadData(0, Seconds(200), 1);
+    QCOMPARE(file.GetSamples(), RampValues(0, 200, 1));
+    QVERIFY(!WavFileTestAccess(file).IsReadAborted());
+}
+
+void TestExtraction::ignoresTheOtherAbortFlags()
+{
+    WavFile file;
+    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
+    connect(&file, &WavFile::ProgressChanged, &file, &WavFile::AbortWrite);
+    connect(&file, &WavFile::ProgressChanged, &file, &WavFile::AbortChannelFilter);
+    file.ReadData(0, Seconds(1000), 1);
+    QCOMPARE(file.GetSamples(), RampValues(0, 1000, 1));
+    QVERIFY(WavFileTestAccess(file).IsWriteAborted());
+    QVERIFY(WavFileTestAccess(file).IsChannelFilterAborted());
+}
+
+void TestExtraction::runsAgainAfterAnAbort()
+{
+    WavFile file;
+    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
+    const auto connection = connect(&file, &WavFile::ProgressChanged, &file, &WavFile::AbortRead);
+    file.ReadData(0, Seconds(1000), 1);
+    disconnect(connection);
+    QVERIFY(file.GetSamples().isEmpty());
+    file.ReadData(0, Seconds(1000), 1);
+    QCOMPARE(file.GetSamples(), RampValues(0, 1000, 1));
+}
+
+void TestExtraction::translatesItsTexts()
+{
+    class Translator : public QTranslator
+    {
+    public:
+        QString translate(const char* context, const char* text, const char*, int) const override
+        {
+            return QLatin1StringView(context) + u'/' + QLatin1StringView(text);
+        }
+        bool isEmpty() const override { return false; }
+    } translator;
+    QCoreApplication::installTranslator(&translator);
+    WavFile file;
+    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
+    SignalLog log(file);
+    file.ReadData(0, Seconds(100), 1);
+    QCoreApplication::removeTranslator(&translator);
+    QCOMPARE(QStringList(log),
+             QStringList({u"18 of 0..100 WavFile/Updating..."_s, u"NewData"_s, u"0 of 0..1 WavFile/Updated"_s}));
+}
+
+void TestExtraction::holdsNoLockWhileItEmits()
+{
+    WavFile file;
+    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
+    WavFileTestAccess access(file);
+    int count = 0;
+    const auto takeBothLocks = [&] {
+        QVERIFY(access.Mutex().tryLock());
+        access.Mutex().unlock();
+        QVERIFY(access.DeviceMutex().tryLock());
+        access.DeviceMutex().unlock();
+        ++count;
+    };
+    connect(&file, &WavFile::ProgressChanged, &file, takeBothLocks);
+    connect(&file, &WavFile::NewData, &file, takeBothLocks);
+    file.ReadData(0, Seconds(400), 1);
+    QCOMPARE(count, 4);
+}
+
+void TestExtraction::usesTheChannelSelectedWhenItStarted()
+{
+    WavFile file;
+    QCOMPARE(file.Open(Write({.channels = 2, .sampleRate = 32768, .data = Ramp16(1000, 2)})), WavFile::Success);
+    file.SetSelectedChannel(WavFile::ChannelLeft);
+    connect(&file, &WavFile::ProgressChanged, &file, [&] { file.SetSelectedChannel(WavFile::ChannelRight); });
+    file.ReadData(0, Seconds(1000), 1);
+    QCOMPARE(file.GetSamples(), RampValues(0, 1000, 1));
+}
+
+void TestExtraction::showsOldOrNewSamplesWhole()
+{
+    WavFile file;
+    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
+    const Values shorter = RampValues(0, 1000, 1);
+    const Values longer = RampValues(0, 5000, 1);
+    std::atomic<bool> isDone = false;
+    std::thread worker([&] {
+        for (int i = 0; i < 50; ++i) {
+            file.ReadData(0, Seconds(1000), 1);
+            file.ReadData(0, Seconds(5000), 1);
+        }
+        isDone = true;
+    });
+    bool isWhole = true;
+    while (!isDone) {
+        const Values samples = file.GetSamples();
+        isWhole = isWhole && (samples.isEmpty() || samples == shorter || samples == longer);
+        file.SetSelectedChannel(file.GetSelectedChannel() == WavFile::ChannelLeft ? WavFile::ChannelRight
+                                                                                  : WavFile::ChannelLeft);
+    }
+    worker.join();
+    QVERIFY(isWhole);
+    QCOMPARE(file.GetSamples(), longer);
+}
+
+void TestExtraction::letsTwoExtractionsShareTheFile()
+{
+    WavFile file;
+    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
+    const Values low = RampValues(0, 40000, 1);
+    const Values high = RampValues(60000, 100000, 1);
+    for (int round = 0; round < 10; ++round) {
+        // The second waits for the first to be in the middle of its work.
+        std::binary_semaphore isUnderWay(0);
+        std::atomic<int> progressCount = 0;
+        const auto connection = connect(
+            &file, &WavFile::ProgressChanged, &file,
+            [&] {
+                if (++progressCount == 20) {
+                    isUnderWay.release();
+                }
+            },
+            Qt::DirectConnection);
+        QList<Values> results;
+        QMutex resultsLock;
+        const auto collect = connect(
+            &file, &WavFile::NewData, &file,
+            [&] {
+                const QMutexLocker lock(&resultsLock);
+                results << file.GetSamples();
+            },
+            Qt::DirectConnection);
+        std::thread first([&] { file.ReadData(0, Seconds(40000), 1); });
+        std::thread second([&] {
+            isUnderWay.acquire();
+            file.ReadData(Seconds(60000), Seconds(100000), 1);
+        });
+        first.join();
+        second.join();
+        disconnect(connection);
+        disconnect(collect);
+        QCOMPARE(results.size(), 2);
+        for (const Values& result : results) {
+            QVERIFY(result == low || result == high);
+        }
+    }
+}
+
+QTEST_GUILESS_MAIN(TestExtraction)
+#include "tst_extraction.moc"

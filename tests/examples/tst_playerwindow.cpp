@@ -1,0 +1,244 @@
+#include "PlayerWindow.h"
+#include "ScreenshotJob.h"
+
+#include <QtCore/QFile>
+#include <QtCore/QMimeData>
+#include <QtCore/QProcess>
+#include <QtCore/QTemporaryDir>
+#include <QtGui/QAction>
+#include <QtGui/QDropEvent>
+#include <QtGui/QImage>
+#include <QtTest/QSignalSpy>
+#include <QtTest/QTest>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QLabel>
+
+using namespace Qt::Literals::StringLiterals;
+using vantoraudio::vantorAudioEngine::UI::BGFXWaveformWidget;
+
+namespace {
+
+const QString Recording = QStringLiteral(VANTOR_RECORDING);
+
+bool OpenCompletely(PlayerWindow& window, const QString& path)
+{
+    QSignalSpy completed(&window, &PlayerWindow::PictureCompleted);
+    return window.OpenFile(path) && (!completed.isEmpty() || completed.wait(10000));
+}
+
+BGFXWaveformWidget* WaveformOf(PlayerWindow& window)
+{
+    return window.findChild<BGFXWaveformWidget*>();
+}
+
+QWidget* DiagramOf(PlayerWindow& window)
+{
+    return window.findChild<QWidget*>(u"BGFXWaveformDiagramWidget"_s);
+}
+
+QAction* ActionNamed(PlayerWindow& window, const QString& text)
+{
+    for (QAction* action : window.findChildren<QAction*>()) {
+        if (action->text() == text) {
+            return action;
+        }
+    }
+    return nullptr;
+}
+
+void Drop(QWidget& target, const QList<QUrl>& urls)
+{
+    QMimeData data;
+    data.setUrls(urls);
+    QDropEvent event(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&target, &event);
+}
+
+struct Outcome
+{
+    int exitCode;
+    QString message;
+};
+
+Outcome RunPlayer(const QStringList& arguments)
+{
+    QProcess process;
+    process.start(QStringLiteral(VANTOR_PLAYER), arguments);
+    if (!process.waitForFinished(60000)) {
+        process.kill();
+        process.waitForFinished();
+        return {-1, u"did not end"_s};
+    }
+    return {process.exitCode(), QString::fromUtf8(process.readAllStandardError())};
+}
+
+int DistinctColors(const QImage& image)
+{
+    QSet<QRgb> colors;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            colors.insert(image.pixel(x, y));
+        }
+    }
+    return static_cast<int>(colors.size());
+}
+
+} // namespace
+
+class PlayerWindowTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void opensAFileAndShowsItWhole()
+    {
+        PlayerWindow window;
+        window.show();
+        QVERIFY(OpenCompletely(window, Recording));
+        QCOMPARE(window.windowTitle(), u"welcome.wav"_s);
+        QCOMPARE(window.FailureText(), QString());
+        QVERIFY(window.Duration() > 17.0 && window.Duration() < 17.1);
+    }
+
+    void keepsTheFormerFileWhenTheNextCannotBeRead()
+    {
+        QTemporaryDir folder;
+        const QString broken = folder.filePath(u"broken take.wav"_s);
+        QFile file(broken);
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write("this is no audio at all") > 0);
+        file.close();
+
+        PlayerWindow window;
+        window.show();
+        QVERIFY(OpenCompletely(window, Recording));
+        const double duration = window.Duration();
+        QVERIFY(!window.OpenFile(broken));
+        QCOMPARE(window.FailureText(),
+                 u"“%1” cannot be opened: it is not a WAV file of 16, 24 or 32 bits."_s.arg(broken));
+        QVERIFY(window.findChild<QLabel*>(u"failure"_s)->isVisible());
+        QCOMPARE(window.Duration(), duration);
+        QCOMPARE(window.windowTitle(), u"welcome.wav"_s);
+
+        QVERIFY(OpenCompletely(window, Recording));
+        QVERIFY(!window.findChild<QLabel*>(u"failure"_s)->isVisible());
+    }
+
+    void saysWhyAFileCannotBeOpened_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QString>("reason");
+        QTest::addRow("missing") << u"/nowhere/take.wav"_s << u"there is no such file"_s;
+        QTest::addRow("folder") << QDir::tempPath() << u"it is a folder"_s;
+    }
+    void saysWhyAFileCannotBeOpened()
+    {
+        QFETCH(const QString, path);
+        QFETCH(const QString, reason);
+        PlayerWindow window;
+        QVERIFY(!window.OpenFile(path));
+        QCOMPARE(window.FailureText(), u"“%1” cannot be opened: %2."_s.arg(path, reason));
+    }
+
+    void opensADroppedFile()
+    {
+        PlayerWindow window;
+        window.show();
+        QSignalSpy completed(&window, &PlayerWindow::PictureCompleted);
+        Drop(window, {QUrl::fromLocalFile(Recording)});
+        QVERIFY(!completed.isEmpty() || completed.wait(10000));
+        QCOMPARE(window.windowTitle(), u"welcome.wav"_s);
+    }
+
+    void playsAndPauses()
+    {
+        PlayerWindow window;
+        window.show();
+        QVERIFY(OpenCompletely(window, Recording));
+        QAction* play = ActionNamed(window, u"&Play"_s);
+        QVERIFY(play && play->isEnabled());
+        QSignalSpy positions(&window, &PlayerWindow::PositionChanged);
+        play->trigger();
+        QTRY_VERIFY_WITH_TIMEOUT(!positions.isEmpty() && positions.last().first().toDouble() > 0.3, 15000);
+        QCOMPARE(play->text(), u"&Pause"_s);
+        QVERIFY(WaveformOf(window)->GetAudioPosition() > 0.0);
+        play->trigger();
+        QCOMPARE(play->text(), u"&Play"_s);
+    }
+
+    void aClickInTheWaveformMovesThePosition()
+    {
+        PlayerWindow window;
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        QVERIFY(OpenCompletely(window, Recording));
+        QSignalSpy positions(&window, &PlayerWindow::PositionChanged);
+        QWidget* diagram = DiagramOf(window);
+        const QPoint middle = diagram->rect().center();
+        QTest::mouseClick(diagram, Qt::LeftButton, Qt::NoModifier, middle);
+        QTRY_VERIFY_WITH_TIMEOUT(!positions.isEmpty(), 10000);
+        const double expected = window.Duration() * (middle.x() + 0.5) / diagram->width();
+        QVERIFY(std::abs(positions.last().first().toDouble() - expected) < 0.01);
+    }
+
+    void aDragSelectsAndAClickClears()
+    {
+        PlayerWindow window;
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        QVERIFY(OpenCompletely(window, Recording));
+        QWidget* diagram = DiagramOf(window);
+        const int y = diagram->height() / 2;
+        QTest::mousePress(diagram, Qt::LeftButton, Qt::NoModifier, QPoint(100, y));
+        QMouseEvent move(QEvent::MouseMove, QPointF(300, y), diagram->mapToGlobal(QPointF(300, y)), Qt::NoButton,
+                         Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(diagram, &move);
+        QTest::mouseRelease(diagram, Qt::LeftButton, Qt::NoModifier, QPoint(300, y));
+        const auto [start, end] = WaveformOf(window)->GetSelectedSnippet();
+        const double second = window.Duration() / diagram->width();
+        QVERIFY(std::abs(start - 100.5 * second) < 0.001);
+        QVERIFY(std::abs(end - 300.5 * second) < 0.001);
+
+        QTest::mouseClick(diagram, Qt::LeftButton, Qt::NoModifier, QPoint(400, y));
+        QCOMPARE(WaveformOf(window)->GetSelectedSnippet(), std::make_pair(0.0, 0.0));
+    }
+
+    void closesWhileItStillReads()
+    {
+        for (int i = 0; i < 20; ++i) {
+            PlayerWindow window;
+            QVERIFY(window.OpenFile(Recording));
+        }
+    }
+
+    void theProgramLeavesAScreenshot()
+    {
+        QTemporaryDir folder;
+        const QString picture = folder.filePath(u"picture.png"_s);
+        const Outcome outcome = RunPlayer({u"--play"_s, u"--view"_s, u"1-6"_s, u"--selection"_s, u"2-3.5"_s,
+                                           u"--screenshot"_s, picture, Recording});
+        QVERIFY2(outcome.exitCode == 0, qPrintable(outcome.message));
+        const QImage image(picture);
+        QVERIFY(image.width() >= 600 && image.height() >= 300);
+        QVERIFY(DistinctColors(image) > 20);
+    }
+
+    void theProgramNamesTheFileThatItCannotRead()
+    {
+        QTemporaryDir folder;
+        const Outcome outcome =
+            RunPlayer({u"--screenshot"_s, folder.filePath(u"picture.png"_s), u"/nowhere/take.wav"_s});
+        QCOMPARE(outcome.exitCode, 1);
+        QVERIFY2(outcome.message.contains(u"“/nowhere/take.wav” cannot be opened: there is no such file."_s),
+                 qPrintable(outcome.message));
+    }
+
+    void theProgramRefusesARangeThatIsNone()
+    {
+        const Outcome outcome = RunPlayer({u"--view"_s, u"6-1"_s, Recording});
+        QCOMPARE(outcome.exitCode, 2);
+        QVERIFY(outcome.message.contains(u"6-1"_s));
+    }
+};
+
+QTEST_MAIN(PlayerWindowTest)
+#include "tst_playerwindow.moc"

@@ -1,0 +1,303 @@
+#include "tests/playback/AudioPlayerTestAccess.h"
+#include "tests/support/SoundRecording.h"
+#include "tests/support/SoundServer.h"
+#include "tests/support/Tone.h"
+
+#include <vantorAudioEngine/AudioPlayer.h>
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QTemporaryDir>
+#include <QtCore/QUrl>
+#include <QtMultimedia/QAudioOutput>
+#include <QtMultimedia/QMediaDevices>
+#include <QtTest/QSignalSpy>
+#include <QtTest/QTest>
+
+#include <memory>
+
+using Access = AudioPlayerTestAccess;
+
+namespace {
+
+constexpr int patience = 30000;
+
+QStringList DeviceNames()
+{
+    QStringList names;
+    for (const QAudioDevice& device : QMediaDevices::audioOutputs()) {
+        names << QString::fromUtf8(device.id());
+    }
+    names.sort();
+    return names;
+}
+
+bool HearsTheTone(const SoundRecording& recording)
+{
+    return recording.Frequency(SoundRecording::Left) == 440;
+}
+
+/** Lets a player run that must not do anything: long enough for its audio thread to have come to grief. */
+void LetRun(const AudioPlayer& player)
+{
+    QSignalSpy positions(&player, &QMediaPlayer::positionChanged);
+    positions.wait(500);
+}
+
+} // namespace
+
+/** A player on a machine whose output devices come and go. */
+class OutputGuardTest : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit OutputGuardTest(SoundServer& server) : m_server(server) {}
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+
+    void anIdlePlayerKeepsItsOutputWithoutDevices();
+    void playsIntoNothingWithoutDevices_data();
+    void playsIntoNothingWithoutDevices();
+    void everyOperationIsHarmlessWithoutDevices();
+    void goesOnWhenTheFirstDeviceAppears();
+    void playsOnANewDeviceWhenTheLastOneLeftWhilePausedOrStopped_data();
+    void playsOnANewDeviceWhenTheLastOneLeftWhilePausedOrStopped();
+    void playsOnANewDeviceWhenTheLastOneLeftWhilePlaying();
+    void playsElsewhereWhenItsDeviceLeftWhileStopped();
+    void goesOnElsewhereWhenItsDeviceLeavesWhilePlaying();
+    void returnsToTheChosenDevice();
+    void leavesAnOutputOfTheHostAlone();
+
+private:
+    void SetSinks(const QStringList& names);
+    std::unique_ptr<AudioPlayer> Player();
+
+    SoundServer& m_server;
+    QTemporaryDir m_folder;
+    QString m_file;
+};
+
+void OutputGuardTest::SetSinks(const QStringList& names)
+{
+    m_server.RemoveAllSinks();
+    for (const QString& name : names) {
+        QVERIFY(m_server.AddSink(name));
+    }
+    QTRY_COMPARE_WITH_TIMEOUT(DeviceNames(), names, patience);
+}
+
+std::unique_ptr<AudioPlayer> OutputGuardTest::Player()
+{
+    auto player = std::make_unique<AudioPlayer>();
+    player->SetAudio(m_file, 60.0);
+    return player;
+}
+
+void OutputGuardTest::initTestCase()
+{
+    QVERIFY(m_server.IsRunning());
+    m_file = m_folder.filePath(QStringLiteral("tone.wav"));
+    QVERIFY(WriteToneFile(m_file, {.seconds = 60.0}));
+}
+
+void OutputGuardTest::init()
+{
+    SetSinks({});
+}
+
+void OutputGuardTest::anIdlePlayerKeepsItsOutputWithoutDevices()
+{
+    AudioPlayer player;
+    player.PauseResume();
+    QVERIFY(player.audioOutput());
+    QCOMPARE(player.audioOutput(), Access::Output(player));
+}
+
+void OutputGuardTest::playsIntoNothingWithoutDevices_data()
+{
+    QTest::addColumn<bool>("bySetAudio");
+    QTest::newRow("SetAudio") << true;
+    QTest::newRow("setSource") << false;
+}
+
+void OutputGuardTest::playsIntoNothingWithoutDevices()
+{
+    QFETCH(bool, bySetAudio);
+    AudioPlayer player;
+    if (bySetAudio) {
+        player.SetAudio(m_file, 60.0);
+    } else {
+        player.setSource(QUrl::fromLocalFile(m_file));
+        player.ClearSelection();
+    }
+    static_cast<QMediaPlayer&>(player).play();
+    LetRun(player);
+    QCOMPARE(player.playbackState(), QMediaPlayer::PlayingState);
+    player.SetSelection(5.0, 10.0);
+    LetRun(player);
+    player.pause();
+    QCOMPARE(player.playbackState(), QMediaPlayer::PausedState);
+    player.stop();
+    QCOMPARE(player.playbackState(), QMediaPlayer::StoppedState);
+    QVERIFY(player.GetAudioOutputDevice().isNull());
+}
+
+void OutputGuardTest::everyOperationIsHarmlessWithoutDevices()
+{
+    const auto player = Player();
+    player->SetAudioOutputDevice(QAudioDevice());
+    player->SetVolume(30);
+    player->SetMuted(true);
+    QCOMPARE(player->Volume(), 30);
+    QVERIFY(player->IsMuted());
+    player->LoopPlayback(true);
+    player->PauseResume();
+    Access::PlaybackLoop(*player, 60000);
+    Access::OnMediaStatusChanged(*player, QMediaPlayer::EndOfMedia);
+    QCOMPARE(player->playbackState(), QMediaPlayer::PlayingState);
+    LetRun(*player);
+}
+
+void OutputGuardTest::goesOnWhenTheFirstDeviceAppears()
+{
+    const auto player = Player();
+    player->SetVolume(50);
+    player->setPosition(20000);
+    static_cast<QMediaPlayer&>(*player).play();
+    LetRun(*player);
+
+    SetSinks({QStringLiteral("one")});
+    const SoundRecording one(QStringLiteral("one"));
+    QTRY_VERIFY_WITH_TIMEOUT(HearsTheTone(one), patience);
+    QTRY_VERIFY_WITH_TIMEOUT(player->position() > 20500, patience);
+    QVERIFY(player->position() < 50000);
+    QCOMPARE(player->Volume(), 50);
+    QCOMPARE(player->audioOutput(), Access::Output(*player));
+    QCOMPARE(player->audioOutput()->device().id(), QByteArray("one"));
+    QVERIFY(player->GetAudioOutputDevice().isNull());
+}
+
+void OutputGuardTest::playsOnANewDeviceWhenTheLastOneLeftWhilePausedOrStopped_data()
+{
+    QTest::addColumn<bool>("pause");
+    QTest::newRow("paused") << true;
+    QTest::newRow("stopped") << false;
+}
+
+void OutputGuardTest::playsOnANewDeviceWhenTheLastOneLeftWhilePausedOrStopped()
+{
+    QFETCH(bool, pause);
+    SetSinks({QStringLiteral("one")});
+    const auto player = Player();
+    player->play();
+    QTRY_VERIFY_WITH_TIMEOUT(player->position() > 0, patience);
+    pause ? player->pause() : player->stop();
+    SetSinks({});
+    static_cast<QMediaPlayer&>(*player).play();
+    LetRun(*player);
+
+    SetSinks({QStringLiteral("two")});
+    const SoundRecording two(QStringLiteral("two"));
+    QTRY_VERIFY_WITH_TIMEOUT(HearsTheTone(two), patience);
+}
+
+void OutputGuardTest::playsOnANewDeviceWhenTheLastOneLeftWhilePlaying()
+{
+    SetSinks({QStringLiteral("one")});
+    const auto player = Player();
+    player->SetMuted(true);
+    player->play();
+    QTRY_VERIFY_WITH_TIMEOUT(player->position() > 0, patience);
+
+    // A device mostly hangs before it leaves. Without that, Qt's next write could be faster than the guard.
+    QVERIFY(m_server.SuspendSink(QStringLiteral("one")));
+    QSignalSpy positions(player.get(), &QMediaPlayer::positionChanged);
+    while (positions.wait(300)) {
+    }
+    SetSinks({});
+    LetRun(*player);
+    QCOMPARE(player->playbackState(), QMediaPlayer::PlayingState);
+
+    SetSinks({QStringLiteral("two")});
+    QVERIFY(player->IsMuted());
+    player->SetMuted(false);
+    const SoundRecording two(QStringLiteral("two"));
+    QTRY_VERIFY_WITH_TIMEOUT(HearsTheTone(two), patience);
+}
+
+void OutputGuardTest::playsElsewhereWhenItsDeviceLeftWhileStopped()
+{
+    SetSinks({QStringLiteral("one"), QStringLiteral("two")});
+    const auto player = Player();
+    for (const QAudioDevice& device : QMediaDevices::audioOutputs()) {
+        if (device.id() == "one") {
+            player->SetAudioOutputDevice(device);
+        }
+    }
+    const QAudioDevice chosen = player->GetAudioOutputDevice();
+    QCOMPARE(chosen.id(), QByteArray("one"));
+    QVERIFY(m_server.RemoveSink(QStringLiteral("one")));
+    QTRY_COMPARE_WITH_TIMEOUT(DeviceNames(), QStringList(QStringLiteral("two")), patience);
+
+    const SoundRecording two(QStringLiteral("two"));
+    player->PauseResume();
+    QTRY_VERIFY_WITH_TIMEOUT(HearsTheTone(two), patience);
+    QCOMPARE(player->GetAudioOutputDevice(), chosen);
+}
+
+void OutputGuardTest::goesOnElsewhereWhenItsDeviceLeavesWhilePlaying()
+{
+    SetSinks({QStringLiteral("one"), QStringLiteral("two")});
+    const auto player = Player();
+    const QByteArray first = player->audioOutput()->device().id();
+    const QString other = first == "one" ? QStringLiteral("two") : QStringLiteral("one");
+    const SoundRecording recording(other);
+    player->play();
+    QTRY_VERIFY_WITH_TIMEOUT(player->position() > 0, patience);
+    QVERIFY(m_server.RemoveSink(QString::fromUtf8(first)));
+    QTRY_VERIFY_WITH_TIMEOUT(HearsTheTone(recording), patience);
+    QTRY_COMPARE_WITH_TIMEOUT(player->audioOutput()->device().id(), other.toUtf8(), patience);
+    player->PauseResume();
+    player->PauseResume();
+    const qint64 position = player->position();
+    QTRY_VERIFY_WITH_TIMEOUT(player->position() > position, patience);
+}
+
+void OutputGuardTest::returnsToTheChosenDevice()
+{
+    SetSinks({QStringLiteral("one")});
+    const auto player = Player();
+    player->SetAudioOutputDevice(QMediaDevices::audioOutputs().constFirst());
+    SetSinks({QStringLiteral("two")});
+    QTRY_COMPARE_WITH_TIMEOUT(Access::Output(*player)->device().id(), QByteArray("two"), patience);
+    QCOMPARE(player->GetAudioOutputDevice().id(), QByteArray("one"));
+    QVERIFY(m_server.AddSink(QStringLiteral("one")));
+    QTRY_COMPARE_WITH_TIMEOUT(Access::Output(*player)->device().id(), QByteArray("one"), patience);
+}
+
+void OutputGuardTest::leavesAnOutputOfTheHostAlone()
+{
+    SetSinks({QStringLiteral("one")});
+    const auto player = Player();
+    QAudioOutput own;
+    player->setAudioOutput(nullptr); // Qt 6.4 ends up with none when one output replaces another
+    player->setAudioOutput(&own);
+    player->play();
+    player->pause();
+    SetSinks({});
+    SetSinks({QStringLiteral("two")});
+    QTRY_COMPARE_WITH_TIMEOUT(Access::Output(*player)->device().id(), QByteArray("two"), patience);
+    QCOMPARE(player->audioOutput(), &own);
+}
+
+int main(int argc, char** argv)
+{
+    SoundServer server;
+    QCoreApplication application(argc, argv);
+    OutputGuardTest test(server);
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_output_guard.moc"

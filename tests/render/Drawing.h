@@ -1,0 +1,134 @@
+#pragma once
+
+#include "render/bgfx/DeviceLifetime.h"
+#include "render/vantor3D/ProgramFactory.h"
+#include "render/vantor3DQt/BGFXRenderer.h"
+
+#include <QtGui/QColor>
+#include <QtGui/QImage>
+
+#include <algorithm>
+#include <array>
+#include <functional>
+#include <utility>
+#include <vector>
+
+/** What the tests of this folder draw with: a device for the length of a scope, and pictures without a widget. */
+namespace drawing {
+
+using namespace vantoraudio;
+using vantor3D::Color;
+using vantor3D::Line;
+using vantor3D::Vertex::Pos2f;
+using vantor3D::Vertex::Pos3fColorRGBA;
+using vantor3DQt::BGFXRenderer;
+using vantor3DQt::BGFXViewContext;
+
+inline constexpr std::uint32_t Black = 0x000000ff;
+inline constexpr Color White{1.0F, 1.0F, 1.0F, 1.0F};
+
+class DeviceScope
+{
+public:
+    explicit DeviceScope(bgfx::RendererType::Enum type)
+    {
+        bgfx::shutdown();
+        m_made = bgfx::init({type});
+    }
+    DeviceScope(const DeviceScope&) = delete;
+    DeviceScope& operator=(const DeviceScope&) = delete;
+    ~DeviceScope() { bgfx::shutdown(); }
+
+    [[nodiscard]] bool IsMade() const { return m_made; }
+
+private:
+    bool m_made = false;
+};
+
+/** (0, 0) is the top left corner of the top left pixel, y grows downwards. */
+inline QMatrix4x4 PixelProjection(QSize size)
+{
+    QMatrix4x4 projection;
+    projection.ortho(0.0F, float(size.width()), float(size.height()), 0.0F, -1.0F, 1.0F);
+    return projection;
+}
+
+/** Destroys the vertex buffers of a frame once it is drawn. */
+inline std::vector<bgfx::DynamicVertexBufferHandle>& StripsOfFrame()
+{
+    static std::vector<bgfx::DynamicVertexBufferHandle> strips;
+    return strips;
+}
+
+/** Draws one frame of view 0 with the projection in pixels, cleared to `clear`. */
+inline QImage Picture(QSize size, const std::function<void(BGFXRenderer&, const BGFXViewContext&)>& draw,
+                      std::uint32_t clear = Black)
+{
+    const auto frameBuffer = bgfx::createFrameBuffer(std::uint16_t(size.width()), std::uint16_t(size.height()),
+                                                     bgfx::TextureFormat::RGBA8);
+    BGFXRenderer renderer;
+    renderer.SetFrameSize(size);
+    if (renderer.StartFrame(frameBuffer)) {
+        const BGFXViewContext view(0);
+        view.SetTransform({}, PixelProjection(size));
+        view.Submit(frameBuffer, QRect(QPoint(0, 0), size));
+        view.SetClear(bgfx::BGFX_CLEAR_COLOR, clear, 1.0F, 0);
+        draw(renderer, view);
+        renderer.PresentSubmittedFrame(false);
+    }
+    for (const auto strip : std::exchange(StripsOfFrame(), {}))
+        bgfx::destroy(strip);
+    bgfx::destroy(frameBuffer);
+    return renderer.Picture();
+}
+
+/** `memory` holds Pos2f vertices. */
+inline void DrawStrip(const BGFXViewContext& view, const bgfx::Memory* memory,
+                      const std::array<float, 4>& color = {1.0F, 1.0F, 1.0F, 1.0F})
+{
+    const auto program =
+        vantor3D::ProgramFactory::Get().CreateProgram("vs_waveform_basic_2d", "fs_waveform_samples").value();
+    const auto uniform = bgfx::createUniform("u_waveformColor", bgfx::UniformType::Vec4);
+    StripsOfFrame().push_back(bgfx::createDynamicVertexBuffer(memory, Pos2f::Layout()));
+    bgfx::setUniform(uniform, color.data());
+    bgfx::setVertexBuffer(0, StripsOfFrame().back());
+    bgfx::setState(BGFXRenderer::STATE_LINESTRIP);
+    bgfx::submit(view.Id(), program);
+    bgfx::destroy(uniform);
+}
+
+inline void DrawStrip(const BGFXViewContext& view, const std::vector<Pos2f>& points,
+                      const std::array<float, 4>& color = {1.0F, 1.0F, 1.0F, 1.0F})
+{
+    DrawStrip(view, bgfx::copy(points.data(), std::uint32_t(points.size() * sizeof(Pos2f))), color);
+}
+
+inline std::vector<QPoint> LitPixels(const QImage& picture)
+{
+    std::vector<QPoint> lit;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            if (qGreen(picture.pixel(x, y)) > 127)
+                lit.emplace_back(x, y);
+        }
+    }
+    return lit;
+}
+
+/** How many lit pixels of `picture` have no lit pixel of `other` among themselves and their eight neighbours. */
+inline int StrayPixels(const QImage& picture, const QImage& other)
+{
+    const auto lit = LitPixels(picture);
+    return int(std::ranges::count_if(lit, [&](QPoint at) {
+        for (int dy = -1; dy <= 1; ++dy) {
+            for (int dx = -1; dx <= 1; ++dx) {
+                const QPoint near = at + QPoint(dx, dy);
+                if (other.rect().contains(near) && qGreen(other.pixel(near)) > 127)
+                    return false;
+            }
+        }
+        return true;
+    }));
+}
+
+} // namespace drawing

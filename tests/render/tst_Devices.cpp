@@ -1,0 +1,369 @@
+#include "tests/render/Drawing.h"
+
+#include <QtGui/QOffscreenSurface>
+#include <QtGui/QOpenGLContext>
+#include <QtTest/QtTest>
+
+#include <cmath>
+#include <limits>
+#include <random>
+
+using namespace drawing;
+
+namespace {
+
+constexpr float NotANumber = std::numeric_limits<float>::quiet_NaN();
+constexpr float Infinite = std::numeric_limits<float>::infinity();
+constexpr float Largest = std::numeric_limits<float>::max();
+
+Pos3fColorRGBA ColorVertex(float x, float y, Color color)
+{
+    const std::uint32_t rgba = color.ToRGBA();
+    const std::array bytes{std::uint8_t(rgba >> 24), std::uint8_t(rgba >> 16), std::uint8_t(rgba >> 8),
+                           std::uint8_t(rgba)};
+    Pos3fColorRGBA vertex{x, y, 0.0F, 0};
+    std::memcpy(&vertex.rgba, bytes.data(), bytes.size());
+    return vertex;
+}
+
+void DrawTriangles(BGFXRenderer& renderer, const BGFXViewContext& view, const std::vector<QPointF>& corners,
+                   Color color)
+{
+    std::vector<Pos3fColorRGBA> vertices;
+    std::vector<std::uint16_t> indices;
+    for (const QPointF& corner : corners) {
+        indices.push_back(std::uint16_t(vertices.size()));
+        vertices.push_back(ColorVertex(float(corner.x()), float(corner.y()), color));
+    }
+    renderer.DrawTriangles(view, vertices, indices, BGFXRenderer::STATE_TRANSPARENT);
+}
+
+/** Several strips at random inside and around the picture, the same for the same seed. */
+std::vector<Pos2f> RandomStrip(unsigned seed, std::size_t count, float range)
+{
+    std::mt19937 random(seed);
+    std::uniform_real_distribution<float> position(-0.3F * range, 1.3F * range);
+    std::vector<Pos2f> strip(count);
+    for (Pos2f& point : strip)
+        point = {position(random), position(random)};
+    return strip;
+}
+
+/** Like audio: x rises slowly, many vertices to a column, y jumps about. */
+std::vector<Pos2f> DenseStrip(unsigned seed, std::size_t count, float width, float height)
+{
+    std::mt19937 random(seed);
+    std::normal_distribution<float> level(0.0F, 0.15F);
+    std::vector<Pos2f> strip(count);
+    for (std::size_t i = 0; i < count; ++i)
+        strip[i] = {float(i) / float(count) * width, (0.5F + level(random)) * height};
+    return strip;
+}
+
+} // namespace
+
+class tst_Devices : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void clearsToTheColourOfTheView_data() { AddDevices(); }
+    void clearsToTheColourOfTheView();
+    void drawsALineOfOneDevicePixel_data() { AddDevices(); }
+    void drawsALineOfOneDevicePixel();
+    void drawsAStripInTheColourOfTheUniform_data() { AddDevices(); }
+    void drawsAStripInTheColourOfTheUniform();
+    void blendsHalfTransparentTriangles_data() { AddDevices(); }
+    void blendsHalfTransparentTriangles();
+    void coversTheEdgeBetweenTwoTrianglesOnce_data() { AddDevices(); }
+    void coversTheEdgeBetweenTwoTrianglesOnce();
+    void drawsNothingOutsideTheViewport_data() { AddDevices(); }
+    void drawsNothingOutsideTheViewport();
+    void drawsTheNeighboursOfVerticesThatAreNotFinite_data() { AddDevices(); }
+    void drawsTheNeighboursOfVerticesThatAreNotFinite();
+    void survivesCoordinatesOfAnySize_data() { AddDevices(); }
+    void survivesCoordinatesOfAnySize();
+    void drawsLinesThatReachFarOutside_data() { AddDevices(); }
+    void drawsLinesThatReachFarOutside();
+    void drawsNothingInAnEmptyScene_data() { AddDevices(); }
+    void drawsNothingInAnEmptyScene();
+    void drawsMillionsOfVerticesInOnePass_data() { AddDevices(); }
+    void drawsMillionsOfVerticesInOnePass();
+    void agreeToWithinAPixel_data();
+    void agreeToWithinAPixel();
+    void leavesTheHostsContextCurrent();
+
+private:
+    static void AddDevices()
+    {
+        QTest::addColumn<int>("device");
+        QTest::newRow("OpenGL") << int(bgfx::RendererType::OpenGL);
+        QTest::newRow("Software") << int(bgfx::RendererType::Software);
+    }
+};
+
+#define MAKE_DEVICE                                                                                               \
+    QFETCH(int, device);                                                                                          \
+    const DeviceScope scope(static_cast<bgfx::RendererType::Enum>(device));                                       \
+    if (!scope.IsMade())                                                                                          \
+    QSKIP("this device cannot be had here")
+
+void tst_Devices::clearsToTheColourOfTheView()
+{
+    MAKE_DEVICE;
+    const QImage picture = Picture(
+        {5, 3}, [](auto&, auto&) {}, 0x1b2c3dff);
+    QCOMPARE(picture.size(), QSize(5, 3));
+    for (int y = 0; y < 3; ++y) {
+        for (int x = 0; x < 5; ++x)
+            QCOMPARE(picture.pixelColor(x, y), QColor(0x1b, 0x2c, 0x3d, 255));
+    }
+}
+
+void tst_Devices::drawsALineOfOneDevicePixel()
+{
+    MAKE_DEVICE;
+    const QImage picture = Picture({20, 10}, [](BGFXRenderer& renderer, const BGFXViewContext& view) {
+        const std::array lines{Line{{3.0F, 4.5F, 0.0F}, {9.0F, 4.5F, 0.0F}, White},
+                               Line{{15.5F, 1.0F, 0.0F}, {15.5F, 7.0F, 0.0F}, White}};
+        renderer.DrawLines(view, lines);
+    });
+    std::vector<QPoint> expected;
+    for (int y = 1; y < 7; ++y) {
+        if (y == 4)
+            for (int x = 3; x < 9; ++x)
+                expected.emplace_back(x, 4);
+        expected.emplace_back(15, y);
+    }
+    QCOMPARE(LitPixels(picture), expected);
+}
+
+void tst_Devices::drawsAStripInTheColourOfTheUniform()
+{
+    MAKE_DEVICE;
+    const QImage picture = Picture({10, 10}, [](BGFXRenderer&, const BGFXViewContext& view) {
+        DrawStrip(view, {{0.0F, 2.5F}, {4.5F, 2.5F}, {4.5F, 8.0F}}, {1.0F, 0.5F, 0.25F, 1.0F});
+    });
+    const QColor color = picture.pixelColor(2, 2);
+    QCOMPARE(color.red(), 255);
+    QVERIFY(std::abs(color.green() - 128) <= 1);
+    QVERIFY(std::abs(color.blue() - 64) <= 1);
+    QCOMPARE(picture.pixelColor(4, 6), color);
+    QCOMPARE(picture.pixelColor(6, 6), QColor(Qt::black));
+}
+
+void tst_Devices::blendsHalfTransparentTriangles()
+{
+    MAKE_DEVICE;
+    const QImage picture = Picture(
+        {8, 8},
+        [](BGFXRenderer& renderer, const BGFXViewContext& view) {
+            DrawTriangles(renderer, view, {{2, 0}, {6, 0}, {6, 8}, {6, 8}, {2, 8}, {2, 0}},
+                          {115.0F / 255.0F, 140.0F / 255.0F, 155.0F / 255.0F, 0.5F});
+        },
+        0x1b1b1bff);
+    // An alpha of 0.5 is 128 in a byte: 115 x 128/255 + 27 x 127/255 = 71.2 and so on.
+    const QColor band = picture.pixelColor(3, 3);
+    QVERIFY2(std::abs(band.red() - 71) <= 1, qPrintable(band.name()));
+    QVERIFY2(std::abs(band.green() - 84) <= 1, qPrintable(band.name()));
+    QVERIFY2(std::abs(band.blue() - 91) <= 1, qPrintable(band.name()));
+    QCOMPARE(band.alpha(), 255);
+    QCOMPARE(picture.pixelColor(1, 3), QColor(27, 27, 27));
+    QCOMPARE(picture.pixelColor(6, 3), QColor(27, 27, 27));
+    QCOMPARE(picture.pixelColor(5, 7), band);
+}
+
+void tst_Devices::coversTheEdgeBetweenTwoTrianglesOnce()
+{
+    MAKE_DEVICE;
+    const QImage picture = Picture({64, 64}, [](BGFXRenderer& renderer, const BGFXViewContext& view) {
+        const QPointF a(3.3, 5.1);
+        const QPointF b(60.2, 2.4);
+        const QPointF c(55.7, 61.9);
+        const QPointF d(1.2, 50.6);
+        DrawTriangles(renderer, view, {a, b, c, c, d, a}, {1.0F, 1.0F, 1.0F, 0.5F});
+    });
+    // Along the diagonal: neither a gap (black) nor a pixel drawn twice (brighter).
+    for (int x = 6; x < 54; ++x) {
+        const int y = int(5.1 + (x + 0.5 - 3.3) * (61.9 - 5.1) / (55.7 - 3.3));
+        for (int dy = -1; dy <= 1; ++dy)
+            QVERIFY(std::abs(qRed(picture.pixel(x, y + dy)) - 128) <= 1);
+    }
+}
+
+void tst_Devices::drawsNothingOutsideTheViewport()
+{
+    MAKE_DEVICE;
+    const QImage picture = Picture({20, 20}, [](BGFXRenderer& renderer, const BGFXViewContext& view) {
+        view.SetViewport(QRect(5, 2, 10, 8));
+        view.SetClear(bgfx::BGFX_CLEAR_COLOR, 0x00ff00ff, 1.0F, 0);
+        DrawTriangles(renderer, view, {{-100, -100}, {300, -100}, {-100, 300}}, White);
+        renderer.DrawLines(view, std::array{Line{{-50.0F, 7.0F, 0.0F}, {50.0F, 7.0F, 0.0F}, White}});
+        DrawStrip(view, {{-50.0F, 3.0F}, {50.0F, 3.0F}});
+    });
+    for (const QPoint& lit : LitPixels(picture))
+        QVERIFY(QRect(5, 2, 10, 8).contains(lit));
+    QCOMPARE(LitPixels(picture).size(), std::size_t(80));
+    QCOMPARE(picture.pixelColor(7, 4), QColor(Qt::white));
+}
+
+void tst_Devices::drawsTheNeighboursOfVerticesThatAreNotFinite()
+{
+    MAKE_DEVICE;
+    for (const float bad : {NotANumber, Infinite, -Infinite}) {
+        const QImage picture = Picture({40, 10}, [bad](BGFXRenderer& renderer, const BGFXViewContext& view) {
+            DrawStrip(view,
+                      {{0.0F, 2.5F}, {10.0F, 2.5F}, {15.0F, bad}, {20.0F, 2.5F}, {30.0F, 2.5F}, {bad, 2.5F}});
+            renderer.DrawLines(view, std::array{Line{{0.0F, bad, 0.0F}, {40.0F, 5.5F, 0.0F}, White},
+                                                Line{{0.0F, 7.5F, 0.0F}, {40.0F, 7.5F, 0.0F}, White}});
+            DrawTriangles(renderer, view, {{0, 5}, {40, 5}, {qreal(bad), 6}}, White);
+        });
+        QCOMPARE(LitPixels(picture.copy(0, 0, 40, 4)).size(), std::size_t(20));
+        QCOMPARE(picture.pixelColor(5, 2), QColor(Qt::white));
+        QCOMPARE(picture.pixelColor(15, 2), QColor(Qt::black));
+        QCOMPARE(picture.pixelColor(25, 2), QColor(Qt::white));
+        QCOMPARE(LitPixels(picture.copy(0, 4, 40, 3)).size(), std::size_t(0));
+        QCOMPARE(LitPixels(picture.copy(0, 7, 40, 1)).size(), std::size_t(40));
+    }
+}
+
+void tst_Devices::survivesCoordinatesOfAnySize()
+{
+    MAKE_DEVICE;
+    std::mt19937 random(7);
+    const std::array values{0.0F,   1.0F,    -1.0F,    5.5F,       1e6F,     -1e9F,     1e20F,
+                            -3e38F, Largest, -Largest, NotANumber, Infinite, -Infinite, 1e-40F};
+    const auto any = [&] { return values[random() % values.size()]; };
+    const QImage picture = Picture({64, 32}, [&](BGFXRenderer& renderer, const BGFXViewContext& view) {
+        std::vector<Line> lines;
+        std::vector<Pos2f> strip;
+        std::vector<QPointF> corners;
+        for (int i = 0; i < 3000; ++i) {
+            lines.push_back({{any(), any(), 0.0F}, {any(), any(), 0.0F}, White});
+            strip.push_back({any(), any()});
+            corners.emplace_back(qreal(any()), qreal(any()));
+        }
+        renderer.DrawLines(view, lines);
+        renderer.DrawLines(view, lines, vantor3DQt::LineStipple{0x0F0F, 1});
+        DrawTriangles(renderer, view, corners, White);
+        DrawStrip(view, strip);
+    });
+    QCOMPARE(picture.size(), QSize(64, 32));
+}
+
+void tst_Devices::drawsLinesThatReachFarOutside()
+{
+    MAKE_DEVICE;
+    const QImage picture = Picture({50, 20}, [](BGFXRenderer& renderer, const BGFXViewContext& view) {
+        renderer.DrawLines(view, std::array{Line{{-1e6F, 4.5F, 0.0F}, {1e6F, 4.5F, 0.0F}, White}});
+        DrawStrip(view, {{-1e30F, 10.5F}, {1e30F, 10.5F}});
+        DrawStrip(view, {{20.5F, -Largest}, {20.5F, Largest}});
+    });
+    QCOMPARE(LitPixels(picture.copy(0, 4, 50, 1)).size(), std::size_t(50));
+    QCOMPARE(LitPixels(picture.copy(0, 10, 50, 1)).size(), std::size_t(50));
+    QCOMPARE(LitPixels(picture.copy(20, 0, 1, 20)).size(), std::size_t(20));
+}
+
+void tst_Devices::drawsNothingInAnEmptyScene()
+{
+    MAKE_DEVICE;
+    // Left equals right, as for a file of no length: the projection divides by zero.
+    const QImage picture = Picture({16, 16}, [](BGFXRenderer& renderer, const BGFXViewContext& view) {
+        QMatrix4x4 projection;
+        projection(0, 0) = Infinite;
+        projection(0, 3) = NotANumber;
+        view.SetTransform({}, projection);
+        const std::array lines{Line{{0.0F, 0.0F, 0.0F}, {1.0F, 1.0F, 0.0F}, White}};
+        renderer.DrawLines(view, lines, vantor3DQt::LineStipple{0x0F0F, 1});
+        DrawStrip(view, {{0.0F, 0.0F}, {1.0F, 1.0F}});
+    });
+    QVERIFY(LitPixels(picture).empty());
+}
+
+void tst_Devices::drawsMillionsOfVerticesInOnePass()
+{
+    MAKE_DEVICE;
+    const std::vector<Pos2f> strip = DenseStrip(1, 13'000'000, 1600.0F, 300.0F);
+    QImage picture;
+    QBENCHMARK_ONCE
+    {
+        picture = Picture({1600, 300}, [&](auto&, const BGFXViewContext& view) {
+            DrawStrip(view, bgfx::makeRef(strip.data(), std::uint32_t(strip.size() * sizeof(Pos2f))));
+        });
+    }
+    // 8,125 samples of a normal distribution to a column: each reaches far to both sides of the middle.
+    QCOMPARE(LitPixels(picture.copy(1, 100, 1598, 100)).size(), std::size_t(1598 * 100));
+}
+
+void tst_Devices::agreeToWithinAPixel_data()
+{
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<unsigned>("seed");
+    const std::array<const char*, 5> kinds{"random strip", "dense strip", "lines", "fan of lines", "triangles"};
+    for (int kind = 0; kind < int(kinds.size()); ++kind) {
+        for (unsigned seed = 0; seed < 20; ++seed)
+            QTest::addRow("%s %u", kinds[std::size_t(kind)], seed) << kind << seed;
+    }
+}
+
+void tst_Devices::agreeToWithinAPixel()
+{
+    QFETCH(int, kind);
+    QFETCH(unsigned, seed);
+    const auto draw = [&](BGFXRenderer& renderer, const BGFXViewContext& view) {
+        const std::vector<Pos2f> points = RandomStrip(seed, 30, 200.0F);
+        std::vector<Line> lines;
+        std::vector<QPointF> corners;
+        for (std::size_t i = 0; i + 1 < points.size(); ++i) {
+            const Pos2f start = kind == 3 ? Pos2f{100.0F, 100.0F} : points[i];
+            lines.push_back({{start.x, start.y, 0.0F}, {points[i + 1].x, points[i + 1].y, 0.0F}, White});
+            if (i < 6)
+                corners.emplace_back(qreal(points[i].x), qreal(points[i].y));
+        }
+        if (kind == 0)
+            DrawStrip(view, points);
+        else if (kind == 1)
+            DrawStrip(view, DenseStrip(seed, 500 * (seed + 1), 200.0F, 200.0F));
+        else if (kind == 4)
+            DrawTriangles(renderer, view, corners, White);
+        else
+            renderer.DrawLines(view, lines);
+    };
+    std::array<QImage, 2> pictures;
+    for (const auto type : {bgfx::RendererType::OpenGL, bgfx::RendererType::Software}) {
+        const DeviceScope scope(type);
+        if (!scope.IsMade())
+            QSKIP("OpenGL cannot be had here");
+        pictures[type == bgfx::RendererType::Software] = Picture({200, 200}, draw);
+    }
+    QVERIFY(!LitPixels(pictures[0]).empty());
+    QCOMPARE(StrayPixels(pictures[0], pictures[1]), 0);
+    QCOMPARE(StrayPixels(pictures[1], pictures[0]), 0);
+    const double ratio = double(LitPixels(pictures[0]).size()) / double(LitPixels(pictures[1]).size());
+    QVERIFY2(std::abs(ratio - 1.0) < 0.02, qPrintable(QString::number(ratio)));
+}
+
+void tst_Devices::leavesTheHostsContextCurrent()
+{
+    QOffscreenSurface surface;
+    surface.create();
+    QOpenGLContext context;
+    if (!context.create() || !context.makeCurrent(&surface))
+        QSKIP("OpenGL cannot be had here");
+    {
+        const DeviceScope scope(bgfx::RendererType::OpenGL);
+        QVERIFY(scope.IsMade());
+        QCOMPARE(QOpenGLContext::currentContext(), &context);
+        Picture({8, 8}, [](auto&, const BGFXViewContext& view) { DrawStrip(view, {{0.0F, 1.5F}, {8.0F, 1.5F}}); });
+        QCOMPARE(QOpenGLContext::currentContext(), &context);
+        QCOMPARE(context.surface(), &surface);
+        context.doneCurrent();
+        Picture({8, 8}, [](auto&, auto&) {});
+        QCOMPARE(QOpenGLContext::currentContext(), nullptr);
+        context.makeCurrent(&surface);
+    }
+    QCOMPARE(QOpenGLContext::currentContext(), &context);
+}
+
+QTEST_MAIN(tst_Devices)
+#include "tst_Devices.moc"

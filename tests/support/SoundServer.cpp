@@ -1,0 +1,106 @@
+#include "tests/support/SoundServer.h"
+
+#include <QtCore/QByteArray>
+#include <QtCore/QDeadlineTimer>
+#include <QtCore/QFile>
+#include <QtCore/QProcess>
+
+#include <csignal>
+#include <optional>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+/** What pactl prints, or nothing when it fails. */
+std::optional<QString> Pactl(const QStringList& arguments)
+{
+    QProcess pactl;
+    pactl.setProcessChannelMode(QProcess::SeparateChannels);
+    pactl.start(QStringLiteral("pactl"), arguments);
+    if (!pactl.waitForFinished() || pactl.exitStatus() != QProcess::NormalExit || pactl.exitCode() != 0) {
+        return std::nullopt;
+    }
+    return QString::fromLocal8Bit(pactl.readAllStandardOutput()).trimmed();
+}
+
+} // namespace
+
+SoundServer::SoundServer(const QStringList& sinks)
+{
+    QFile::setPermissions(m_folder.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    qputenv("XDG_RUNTIME_DIR", QFile::encodeName(m_folder.path()));
+    qputenv("PULSE_SERVER", "unix:" + QFile::encodeName(m_folder.filePath(QStringLiteral("native"))));
+    if (!qEnvironmentVariableIsSet("QT_MEDIA_BACKEND")) {
+        qputenv("QT_MEDIA_BACKEND", "ffmpeg");
+    }
+    qunsetenv("PULSE_SINK");
+    qunsetenv("PULSE_RUNTIME_PATH");
+    Start();
+    const QDeadlineTimer deadline(30000);
+    while (!IsRunning() && !deadline.hasExpired()) {
+    }
+    for (const QString& sink : sinks) {
+        AddSink(sink);
+    }
+}
+
+SoundServer::~SoundServer()
+{
+    if (m_process > 0) {
+        ::kill(m_process, SIGKILL);
+        ::waitpid(m_process, nullptr, 0);
+    }
+}
+
+void SoundServer::Start()
+{
+    const QByteArray protocol =
+        "--load=module-native-protocol-unix auth-anonymous=1 auth-cookie-enabled=0 socket=" +
+        QFile::encodeName(m_folder.filePath(QStringLiteral("native")));
+    const QByteArray home = QFile::encodeName(m_folder.path());
+    m_process = ::fork();
+    if (m_process == 0) {
+        // A crashing test must not leave a server behind.
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+        ::setenv("HOME", home.constData(), 1);
+        ::execlp("pulseaudio", "pulseaudio", "-n", "--daemonize=no", "--exit-idle-time=-1", "--log-target=null",
+                 "--realtime=no", "--high-priority=no", protocol.constData(), static_cast<char*>(nullptr));
+        ::_exit(127);
+    }
+}
+
+bool SoundServer::IsRunning() const
+{
+    return Pactl({QStringLiteral("info")}).has_value();
+}
+
+bool SoundServer::AddSink(const QString& name)
+{
+    const auto module = Pactl({QStringLiteral("load-module"), QStringLiteral("module-null-sink"),
+                               QStringLiteral("sink_name=") + name, QStringLiteral("rate=44100")});
+    if (!module) {
+        return false;
+    }
+    m_modules.insert(name, *module);
+    return true;
+}
+
+bool SoundServer::RemoveSink(const QString& name)
+{
+    return Pactl({QStringLiteral("unload-module"), m_modules.take(name)}).has_value();
+}
+
+void SoundServer::RemoveAllSinks()
+{
+    const QStringList names = m_modules.keys();
+    for (const QString& name : names) {
+        RemoveSink(name);
+    }
+}
+
+bool SoundServer::SuspendSink(const QString& name)
+{
+    return Pactl({QStringLiteral("suspend-sink"), name, QStringLiteral("1")}).has_value();
+}

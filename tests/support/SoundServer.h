@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QtCore/QHash>
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+#include <QtCore/QTemporaryDir>
+
+#include <sys/types.h>
+
+/**
+ * A PulseAudio server of the test's own, with sinks that come and go as the test wants and are heard by nobody.
+ *
+ * Create it first thing in main(), before any Qt application or multimedia object: it points PULSE_SERVER and
+ * XDG_RUNTIME_DIR of this process at itself, and asks Qt for the FFmpeg backend unless QT_MEDIA_BACKEND says
+ * otherwise; Qt reads them once. It ends with the object, and with the process at the latest.
+ */
+class SoundServer
+{
+public:
+    explicit SoundServer(const QStringList& sinks = {});
+    ~SoundServer();
+    Q_DISABLE_COPY_MOVE(SoundServer)
+
+    /** Whether the server answers. */
+    bool IsRunning() const;
+
+    /** True when the server has made the sink; Qt lists it a moment later. */
+    bool AddSink(const QString& name);
+    bool RemoveSink(const QString& name);
+    void RemoveAllSinks();
+
+    /** A suspended sink takes no more data, like a device that hangs. */
+    bool SuspendSink(const QString& name);
+
+private:
+    void Start();
+
+    QTemporaryDir m_folder;
+    pid_t m_process = -1;
+    QHash<QString, QString> m_modules;
+};

@@ -1,0 +1,95 @@
+#include "WaveformPicture.h"
+
+#include <QtTest/QtTest>
+
+#include <cmath>
+
+using namespace vantoraudio;
+using namespace vantoraudio::vantorAudioEngine::UI;
+
+namespace {
+
+QList<float> Tone()
+{
+    QList<float> samples(10'000);
+    for (qsizetype i = 0; i < samples.size(); ++i) {
+        samples[i] = 0.9F * static_cast<float>(std::sin(static_cast<double>(i) * 0.004));
+    }
+    return samples;
+}
+
+double DifferingShare(const QImage& a, const QImage& b)
+{
+    int differing = 0;
+    for (int y = 0; y < a.height(); ++y) {
+        for (int x = 0; x < a.width(); ++x) {
+            differing += WaveformPicture::IsAbout(a.pixelColor(x, y), b.pixelColor(x, y)) ? 0 : 1;
+        }
+    }
+    return static_cast<double>(differing) / (a.width() * a.height());
+}
+
+} // namespace
+
+class TestWaveformDevices : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void bothDevicesDrawTheSamePicture()
+    {
+        if (!UseDevice(bgfx::RendererType::OpenGL)) {
+            QSKIP("there is no OpenGL here");
+        }
+        BGFXWaveformDiagramWidget diagram;
+        PrepareForPictures(diagram);
+        diagram.UpdateAudioSampleBuffer(Tone());
+        diagram.SetSelectedSnippet({2.0, 4.0});
+        diagram.SetAudioPosition(5.5, false);
+        const QImage byOpenGL = WaveformPicture(diagram).Image();
+
+        QVERIFY(UseDevice(bgfx::RendererType::Software));
+        QVERIFY(!WaveformTestAccess::HasProgram(diagram)); // dropped with the device that it was made for
+        const QImage bySoftware = WaveformPicture(diagram).Image();
+        QCOMPARE(bySoftware.size(), byOpenGL.size());
+        const double share = DifferingShare(byOpenGL, bySoftware);
+        QVERIFY2(share < 0.01, qPrintable(QString::number(share)));
+
+        QVERIFY(UseDevice(bgfx::RendererType::OpenGL));
+        QCOMPARE(WaveformPicture(diagram).Image(), byOpenGL);
+    }
+
+    void anAbsentProgramEndsTheFrameWithAnException()
+    {
+        QVERIFY(UseDevice(bgfx::RendererType::Noop));
+        BGFXWaveformDiagramWidget diagram;
+        PrepareForPictures(diagram);
+        QVERIFY_EXCEPTION_THROWN(WaveformTestAccess::PaintWithoutEvent(diagram), std::bad_optional_access);
+        QVERIFY(!WaveformTestAccess::HasProgram(diagram));
+        QVERIFY(UseDevice(bgfx::RendererType::Software));
+        diagram.grab();
+        QVERIFY(WaveformTestAccess::HasProgram(diagram));
+    }
+
+    void nothingIsLeftOnTheDeviceBehindAWidget()
+    {
+        QVERIFY(UseDevice(bgfx::RendererType::Software));
+        const auto countAll = [] {
+            const bgfx::Stats& stats = *bgfx::getStats();
+            return QList<int>{stats.numDynamicVertexBuffers, stats.numFrameBuffers, stats.numIndexBuffers,
+                              stats.numUniforms};
+        };
+        const QList<int> before = countAll();
+        {
+            BGFXWaveformDiagramWidget diagram;
+            PrepareForPictures(diagram);
+            diagram.UpdateAudioSampleBuffer(Tone());
+            diagram.grab();
+            QVERIFY(countAll() != before);
+        }
+        QCOMPARE(countAll(), before);
+    }
+};
+
+QTEST_MAIN(TestWaveformDevices)
+#include "tst_waveformdevices.moc"

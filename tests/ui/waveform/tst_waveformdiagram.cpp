@@ -1,0 +1,621 @@
+#include "SignalRecorder.h"
+#include "WaveformTestAccess.h"
+
+#include <QtTest/QtTest>
+
+#include <cmath>
+#include <limits>
+
+using namespace vantoraudio::vantorAudioEngine::UI;
+using namespace Qt::Literals::StringLiterals;
+using Access = WaveformTestAccess;
+using Pair = std::pair<double, double>;
+
+namespace {
+
+constexpr double infinity = std::numeric_limits<double>::infinity();
+constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+
+QAudioFormat FormatOf(int sampleRate)
+{
+    QAudioFormat format;
+    format.setSampleRate(sampleRate);
+    format.setChannelCount(1);
+    format.setSampleFormat(QAudioFormat::Float);
+    return format;
+}
+
+/** A diagram 1000 pixels wide with `duration` seconds at 1000 Hz. */
+struct LoadedDiagram
+{
+    explicit LoadedDiagram(double duration = 100.0)
+    {
+        diagram.resize(1000, 100);
+        diagram.SetAudioFormat(FormatOf(1000));
+        diagram.SetDuration(duration);
+        recorder.Take();
+    }
+
+    BGFXWaveformDiagramWidget diagram;
+    SignalRecorder recorder{diagram};
+};
+
+class PaintCounter : public QObject
+{
+public:
+    explicit PaintCounter(QWidget& widget) { widget.installEventFilter(this); }
+    int m_paints = 0;
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        m_paints += event->type() == QEvent::Paint ? 1 : 0;
+        return false;
+    }
+};
+
+} // namespace
+
+class TestWaveformDiagram : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void startsEmpty()
+    {
+        BGFXWaveformDiagramWidget diagram;
+        QCOMPARE(diagram.objectName(), u"BGFXWaveformDiagramWidget"_s);
+        QVERIFY(diagram.testAttribute(Qt::WA_MouseTracking));
+        QVERIFY(diagram.hasMouseTracking());
+        QVERIFY(Access::Projection(diagram).isIdentity());
+        QCOMPARE(Access::Duration(diagram), 0.0);
+        QCOMPARE(diagram.GetDelay(), 0.0);
+        QCOMPARE(diagram.GetTotalLength(), 0.0);
+        QCOMPARE(Access::Format(diagram), QAudioFormat());
+        QCOMPARE(Access::PressPosition(diagram), QPoint(0, 0));
+        QCOMPARE(diagram.GetSceneRect(), QRectF(0.0, 0.0, 1.0, 1.0));
+        QCOMPARE(Access::Buffer(diagram).start, 0.0);
+        QCOMPARE(Access::Buffer(diagram).end, 0.0);
+        QCOMPARE(Access::RequestedStart(diagram), 0.0);
+        QCOMPARE(diagram.GetAudioPosition(), 0.0);
+        QVERIFY(!Access::HasSelection(diagram));
+        QCOMPARE(diagram.GetSelectionStartTime(), 0.0);
+        QCOMPARE(diagram.GetSelectionEndTime(), 0.0);
+        QCOMPARE(Access::SelectionAtGrab(diagram), Pair(0.0, 0.0));
+        QVERIFY(!diagram.GetEditMode());
+        QCOMPARE(Access::GrabOf(diagram), Grab{});
+        QVERIFY(Access::ScrollBackToZoomOut(diagram));
+        QCOMPARE(Access::AmplitudeExtentOf(diagram), 1.0);
+        QVERIFY(!Access::HasVertexBuffer(diagram));
+        QVERIFY(!Access::HasIndexBuffer(diagram));
+        QVERIFY(Access::Vertices(diagram).empty());
+        QVERIFY(!Access::HasProgram(diagram));
+        QVERIFY(!Access::HasUniform(diagram));
+    }
+
+    void startsWithItsColours()
+    {
+        const BGFXWaveformDiagramWidget diagram;
+        QCOMPARE(diagram.m_backgroundColor, QColor(27, 27, 27, 255));
+        QCOMPARE(diagram.m_gridColor, QColor(150, 150, 150, 255));
+        QCOMPARE(diagram.m_waveformColor, QColor(150, 150, 150, 255));
+        QCOMPARE(diagram.m_selectionColor, QColor(115, 140, 155, 255));
+        QCOMPARE(diagram.m_positionMarkerColor, QColor(52, 151, 209, 255));
+    }
+
+    void listsItsSignalsAndItsSlotInOrder()
+    {
+        const QMetaObject& meta = BGFXWaveformDiagramWidget::staticMetaObject;
+        QList<QByteArray> names;
+        for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
+            names << meta.method(i).methodSignature();
+        }
+        QCOMPARE(names, (QList<QByteArray>{"Update()", "SceneRectChanged(QRectF)", "GetSamples(double,double,int)",
+                                           "SelectionChanged(std::pair<double,double>)",
+                                           "AudioPositionChanged(double)", "OnCleanupRequested()"}));
+    }
+
+    void resetForgetsTheFileButNotTheDelay()
+    {
+        LoadedDiagram loaded;
+        auto& diagram = loaded.diagram;
+        diagram.SetEditMode(true);
+        diagram.SetDelay(5.0);
+        diagram.SetSceneRange(20.0, 40.0);
+        diagram.UpdateAudioSampleBuffer({0.5F, 3.5F});
+        diagram.SetSelectedSnippet({21.0, 22.0});
+        Access::GrabOf(diagram) = {.startEdge = true, .endEdge = true, .body = true};
+        loaded.recorder.Take();
+
+        diagram.Reset();
+        QCOMPARE(loaded.recorder.Take(), (QStringList{u"SelectionChanged(0, 0)"_s, u"Update"_s}));
+        QCOMPARE(Access::Duration(diagram), 0.0);
+        QCOMPARE(diagram.GetDelay(), 5.0);
+        QCOMPARE(diagram.GetSceneRect(), QRectF(0.0, 0.0, 1.0, 3.0));
+        QCOMPARE(Access::Buffer(diagram).start, 0.0);
+        QCOMPARE(Access::Buffer(diagram).end, 0.0);
+        QCOMPARE(Access::RequestedStart(diagram), 0.0);
+        QCOMPARE(diagram.GetAudioPosition(), 0.0);
+        QCOMPARE(Access::GrabOf(diagram), Grab{});
+        QVERIFY(!Access::HasSelection(diagram));
+        QCOMPARE(Access::SelectionAtGrab(diagram), Pair(0.0, 0.0));
+        QVERIFY(diagram.GetEditMode());
+        QCOMPARE(Access::Format(diagram).sampleRate(), 1000);
+    }
+
+    void asksForTheAudioWithoutItsDelay()
+    {
+        BGFXWaveformDiagramWidget diagram;
+        diagram.resize(100, 100);
+        diagram.SetAudioFormat(FormatOf(1000));
+        diagram.SetDelay(200.0);
+        SignalRecorder recorder(diagram);
+        diagram.SetDuration(400.0);
+        // 600 seconds at 1000 Hz on 100 pixels: 600,000 / 100,000.
+        QCOMPARE(recorder.Take(), QStringList{u"GetSamples(0, 400, 6)"_s});
+        QCOMPARE(diagram.GetSceneRect(), QRectF(0.0, 0.0, 600.0, 1.0));
+        QCOMPARE(diagram.GetTotalLength(), 600.0);
+        QCOMPARE(Access::StepSize(diagram), 6);
+    }
+
+    void delayShowsEverythingAndSendsNoRequestAtTimeZero()
+    {
+        LoadedDiagram loaded(200.0);
+        loaded.diagram.resize(100, 100);
+        loaded.diagram.SetSceneRange(50.0, 60.0);
+        loaded.recorder.Take();
+        loaded.diagram.SetDelay(200.0);
+        QCOMPARE(loaded.diagram.GetSceneRect(), QRectF(0.0, 0.0, 400.0, 1.0));
+        QCOMPARE(loaded.diagram.GetDelay(), 200.0);
+        QCOMPARE(Access::StepSize(loaded.diagram), 4);
+        QCOMPARE(loaded.recorder.Take(), QStringList{});
+    }
+
+    void remembersARequestThatItDoesNotSend()
+    {
+        // The view begins at 0, so nothing is sent; samples still on their way are drawn as if it had been.
+        LoadedDiagram loaded(1000.0);
+        loaded.diagram.SetSceneRange(400.0, 500.0);
+        QCOMPARE(Access::RequestedStart(loaded.diagram), 350.0);
+        Access::StepSize(loaded.diagram) = 77;
+        loaded.recorder.Take();
+        loaded.diagram.ScrollTo(0.0);
+        QCOMPARE(loaded.recorder.Take(), QStringList{u"SceneRectChanged(0, 100)"_s});
+        QCOMPARE(Access::RequestedStart(loaded.diagram), 0.0);
+        QCOMPARE(Access::StepSize(loaded.diagram), 1);
+    }
+
+    void sceneRangeIsBroughtIntoTheAudio_data()
+    {
+        QTest::addColumn<double>("left");
+        QTest::addColumn<double>("right");
+        QTest::addColumn<double>("shownLeft");
+        QTest::addColumn<double>("shownRight");
+        QTest::newRow("inside") << 20.0 << 40.0 << 20.0 << 40.0;
+        QTest::newRow("everything") << -5.0 << 500.0 << 0.0 << 100.0;
+        QTest::newRow("behind the end") << 200.0 << 300.0 << 100.0 << 100.0;
+        QTest::newRow("inverted") << 40.0 << 20.0 << 40.0 << 20.0;
+        QTest::newRow("not a number") << notANumber << notANumber << 0.0 << 0.0;
+        QTest::newRow("infinite") << -infinity << infinity << 0.0 << 100.0;
+    }
+
+    void sceneRangeIsBroughtIntoTheAudio()
+    {
+        QFETCH(const double, left);
+        QFETCH(const double, right);
+        LoadedDiagram loaded;
+        loaded.diagram.SetSceneRange(left, right);
+        QTEST(loaded.diagram.GetSceneRect().left(), "shownLeft");
+        QTEST(loaded.diagram.GetSceneRect().right(), "shownRight");
+    }
+
+    void sceneRangeIsAnnouncedBeforeSamplesAreAskedFor()
+    {
+        LoadedDiagram loaded;
+        loaded.diagram.SetSceneRange(40.0, 50.0);
+        QCOMPARE(loaded.recorder.Take(), (QStringList{u"SceneRectChanged(40, 50)"_s, u"GetSamples(35, 55, 1)"_s}));
+    }
+
+    void asksForNothingWhileTheBufferCoversTheView()
+    {
+        LoadedDiagram loaded;
+        loaded.diagram.SetSceneRange(40.0, 50.0);
+        loaded.diagram.UpdateAudioSampleBuffer(QList<float>(55'000, 0.1F));
+        loaded.recorder.Take();
+        loaded.diagram.ScrollTo(42.0);
+        QCOMPARE(loaded.recorder.Take(), QStringList{u"SceneRectChanged(42, 52)"_s});
+        loaded.diagram.ScrollTo(46.0);
+        QCOMPARE(loaded.recorder.Take(), (QStringList{u"SceneRectChanged(46, 56)"_s, u"GetSamples(41, 61, 1)"_s}));
+    }
+
+    void scrollsAnywhereWithoutClamping()
+    {
+        LoadedDiagram loaded;
+        loaded.diagram.SetSceneRange(40.0, 50.0);
+        loaded.recorder.Take();
+        loaded.diagram.ScrollTo(95.0);
+        QCOMPARE(loaded.diagram.GetSceneRect(), QRectF(95.0, 0.0, 10.0, 1.0));
+        QCOMPARE(loaded.recorder.Take(),
+                 (QStringList{u"SceneRectChanged(95, 105)"_s, u"GetSamples(90, 100, 1)"_s}));
+    }
+
+    void aViewStartingAtZeroNeverTriggersGetSamples()
+    {
+        LoadedDiagram loaded(3600.0);
+        for (const double right : {3600.0, 1800.0, 100.0, 1.0}) {
+            loaded.diagram.SetSceneRange(0.0, right);
+        }
+        for (const QString& line : loaded.recorder.Take()) {
+            QVERIFY2(!line.startsWith(u"GetSamples"), qPrintable(line));
+        }
+    }
+
+    void takesSamplesFromTheRequestedStartOn()
+    {
+        LoadedDiagram loaded;
+        loaded.diagram.SetSceneRange(40.0, 50.0);
+        loaded.recorder.Take();
+        Access::StepSize(loaded.diagram) = 4;
+        loaded.diagram.UpdateAudioSampleBuffer({0.0F, 0.5F, -0.5F, 1.0F, 0.25F});
+        QCOMPARE(loaded.recorder.Take(), QStringList{u"Update"_s});
+        QCOMPARE(loaded.diagram.GetBufferStart(), 35.0);
+        const auto& vertices = Access::Vertices(loaded.diagram);
+        QCOMPARE(vertices.size(), 5U);
+        QCOMPARE(vertices[3].x, 0.012F);
+        QCOMPARE(vertices[3].y, 1.0F);
+        QVERIFY(Access::HasVertexBuffer(loaded.diagram));
+        QVERIFY(!Access::HasIndexBuffer(loaded.diagram));
+    }
+
+    void bufferEndCountsFromZeroNotFromTheStart()
+    {
+        LoadedDiagram loaded;
+        loaded.diagram.SetSceneRange(40.0, 50.0);
+        loaded.diagram.UpdateAudioSampleBuffer(QList<float>(20'000, 0.0F));
+        QCOMPARE(Access::Buffer(loaded.diagram).start, 35.0);
+        QCOMPARE(Access::Buffer(loaded.diagram).end, 20.0);
+    }
+
+    void drawsSamplesOfAnOutdatedRequestFromTheLatestStart()
+    {
+        LoadedDiagram loaded;
+        loaded.diagram.SetSceneRange(40.0, 50.0);
+        loaded.diagram.SetSceneRange(70.0, 80.0);
+        loaded.diagram.UpdateAudioSampleBuffer(QList<float>(20'000, 0.0F));
+        QCOMPARE(loaded.diagram.GetBufferStart(), 65.0);
+    }
+
+    void standsTheDelayBehindTheSamplesInWholeSamples()
+    {
+        LoadedDiagram loaded;
+        loaded.diagram.SetDelay(2.0);
+        Access::StepSize(loaded.diagram) = 10;
+        loaded.diagram.UpdateAudioSampleBuffer(QList<float>(100, 0.5F));
+        const auto& vertices = Access::Vertices(loaded.diagram);
+        QCOMPARE(vertices[99].y, 0.5F);
+        QCOMPARE(vertices[100].y, 0.0F);
+        QCOMPARE(vertices[100].x, 1.0F);
+        // 100 steps and 2000 samples, each counted as one step of 10.
+        QCOMPARE(vertices.back().x, 20.99F);
+        QCOMPARE(Access::Buffer(loaded.diagram).end, 21.0);
+    }
+
+    void aLouderFileChangesTheExtentButNotTheSceneRect()
+    {
+        LoadedDiagram loaded;
+        loaded.diagram.UpdateAudioSampleBuffer({0.1F, -2.7F});
+        QCOMPARE(Access::AmplitudeExtentOf(loaded.diagram), 2.0);
+        QCOMPARE(loaded.diagram.GetSceneRect(), QRectF(0.0, 0.0, 100.0, 1.0));
+        loaded.diagram.SetDuration(100.0);
+        QCOMPARE(loaded.diagram.GetSceneRect(), QRectF(0.0, 0.0, 100.0, 2.0));
+        loaded.diagram.UpdateAudioSampleBuffer({0.9F});
+        QCOMPARE(Access::AmplitudeExtentOf(loaded.diagram), 1.0);
+    }
+
+    void anEmptyListEmptiesTheView()
+    {
+        LoadedDiagram loaded;
+        loaded.diagram.UpdateAudioSampleBuffer({});
+        QVERIFY(Access::Vertices(loaded.diagram).empty());
+        loaded.diagram.UpdateAudioSampleBuffer({0.5F, 0.5F});
+        loaded.diagram.UpdateAudioSampleBuffer({});
+        QVERIFY(Access::Vertices(loaded.diagram).empty());
+        QCOMPARE(Access::Buffer(loaded.diagram).end, 0.0);
+    }
+
+    void announcesNewSamplesOutsideItsLock()
+    {
+        LoadedDiagram loaded;
+        bool wasFree = false;
+        connect(&loaded.diagram, &BGFXWaveformDiagramWidget::Update, this, [&] {
+            wasFree = Access::BufferLock(loaded.diagram).tryLock();
+            if (wasFree) {
+                Access::BufferLock(loaded.diagram).unlock();
+            }
+        });
+        loaded.diagram.UpdateAudioSampleBuffer({0.5F});
+        QVERIFY(wasFree);
+    }
+
+    void takesThirteenMillionSamplesQuickly()
+    {
+        LoadedDiagram loaded(300.0);
+        loaded.diagram.SetAudioFormat(FormatOf(44100));
+        const QList<float> samples(13'230'000, 0.25F);
+        QElapsedTimer timer;
+        timer.start();
+        loaded.diagram.UpdateAudioSampleBuffer(samples);
+        QCOMPARE(Access::Vertices(loaded.diagram).size(), 13'230'000U);
+        QVERIFY2(timer.elapsed() < 5000, qPrintable(QString::number(timer.elapsed())));
+    }
+
+    void positionRightOfTheViewTurnsAPage()
+    {
+        LoadedDiagram loaded;
+        loaded.diagram.SetSceneRange(40.0, 50.0);
+        loaded.recorder.Take();
+        loaded.diagram.SetAudioPosition(50.5, false);
+        QCOMPARE(loaded.diagram.GetAudioPosition(), 50.5);
+        QCOMPARE(loaded.recorder.Take(),
+                 (QStringList{u"SceneRectChanged(50, 60)"_s, u"GetSamples(45, 65, 1)"_s, u"Update"_s}));
+    }
+
+    void positionInTheLastPageShowsTheEnd()
+    {
+        LoadedDiagram loaded;
+        loaded.diagram.SetSceneRange(84.0, 94.0);
+        loaded.recorder.Take();
+        loaded.diagram.SetAudioPosition(95.0, false);
+        QCOMPARE(loaded.recorder.Take(), (QStringList{u"SceneRectChanged(90, 100)"_s, u"Update"_s}));
+    }
+
+    void positionLeftOfTheViewIsScrolledTo()
+    {
+        LoadedDiagram loaded;
+        loaded.diagram.SetSceneRange(40.0, 50.0);
+        loaded.recorder.Take();
+        loaded.diagram.SetAudioPosition(20.0, false);
+        QCOMPARE(loaded.recorder.Take(),
+                 (QStringList{u"SceneRectChanged(20, 30)"_s, u"GetSamples(15, 35, 1)"_s, u"Update"_s}));
+    }
+
+    void positionInTheViewOnlyUpdates()
+    {
+        LoadedDiagram loaded;
+        loaded.diagram.SetAudioPosition(99.0, false);
+        QCOMPARE(loaded.recorder.Take(), QStringList{u"Update"_s});
+    }
+
+    void positionMayClearTheSelection()
+    {
+        LoadedDiagram loaded;
+        loaded.diagram.SetSelectedSnippet({10.0, 20.0});
+        loaded.recorder.Take();
+        loaded.diagram.SetAudioPosition(5.0, false);
+        QVERIFY(Access::HasSelection(loaded.diagram));
+        loaded.diagram.SetAudioPosition(6.0, true);
+        QVERIFY(!Access::HasSelection(loaded.diagram));
+        QCOMPARE(loaded.recorder.Take(), (QStringList{u"Update"_s, u"Update"_s}));
+    }
+
+    void selectsASnippetInEitherOrder()
+    {
+        LoadedDiagram loaded;
+        loaded.diagram.SetSelectedSnippet({20.0, 10.0});
+        QCOMPARE(loaded.recorder.Take(), (QStringList{u"SelectionChanged(10, 20)"_s, u"Update"_s}));
+        QCOMPARE(loaded.diagram.GetAudioPosition(), 10.0);
+        QCOMPARE(loaded.diagram.GetSelectionStartTime(), 10.0);
+        QCOMPARE(loaded.diagram.GetSelectionEndTime(), 20.0);
+    }
+
+    void ignoresTheSnippetThatIsSelectedAlready()
+    {
+        LoadedDiagram loaded;
+        loaded.diagram.SetSelectedSnippet({10.0, 20.0});
+        loaded.diagram.SetAudioPosition(50.0, false);
+        loaded.recorder.Take();
+        loaded.diagram.SetSelectedSnippet({10.0009, 19.9991});
+        QCOMPARE(loaded.recorder.Take(), QStringList{});
+        QCOMPARE(loaded.diagram.GetAudioPosition(), 50.0);
+        loaded.diagram.SetSelectedSnippet({10.0, 20.002});
+        QCOMPARE(loaded.recorder.Take(), (QStringList{u"SelectionChanged(10, 20.002)"_s, u"Update"_s}));
+    }
+
+    void selectsTheSameSnippetAgainWhenItWasCleared()
+    {
+        LoadedDiagram loaded;
+        loaded.diagram.SetSelectedSnippet({10.0, 20.0});
+        loaded.diagram.SetAudioPosition(0.0, true);
+        loaded.recorder.Take();
+        loaded.diagram.SetSelectedSnippet({10.0, 20.0});
+        QCOMPARE(loaded.recorder.Take(), (QStringList{u"SelectionChanged(10, 20)"_s, u"Update"_s}));
+    }
+
+    void cutsASnippetToNinetyMinutesAndToTheView()
+    {
+        LoadedDiagram loaded(20'000.0);
+        loaded.diagram.SetSelectedSnippet({1000.0, 9000.0});
+        QCOMPARE(loaded.recorder.Take(), (QStringList{u"SelectionChanged(1000, 6400)"_s, u"Update"_s}));
+        loaded.diagram.SetSceneRange(2000.0, 3000.0);
+        loaded.recorder.Take();
+        loaded.diagram.SetSelectedSnippet({1900.0, 3100.0});
+        QCOMPARE(loaded.recorder.Take(), (QStringList{u"SelectionChanged(2000, 3000)"_s, u"Update"_s}));
+        QCOMPARE(loaded.diagram.GetAudioPosition(), 2000.0);
+    }
+
+    void selectionStartTakesThePositionAlong()
+    {
+        LoadedDiagram loaded;
+        loaded.diagram.SetSelectedSnippet({10.0, 20.0});
+        loaded.recorder.Take();
+        loaded.diagram.SetSelectionStartTime(15.0);
+        QCOMPARE(loaded.recorder.Take(), (QStringList{u"SelectionChanged(15, 20)"_s, u"Update"_s}));
+        QCOMPARE(loaded.diagram.GetAudioPosition(), 15.0);
+    }
+
+    void selectionEndLeavesThePosition()
+    {
+        LoadedDiagram loaded;
+        loaded.diagram.SetSelectedSnippet({10.0, 20.0});
+        loaded.recorder.Take();
+        loaded.diagram.SetSelectionEndTime(30.0);
+        QCOMPARE(loaded.recorder.Take(), (QStringList{u"SelectionChanged(10, 30)"_s, u"Update"_s}));
+        QCOMPARE(loaded.diagram.GetAudioPosition(), 10.0);
+        loaded.diagram.SetSelectionEndTime(5.0);
+        QCOMPARE(loaded.recorder.Take(), (QStringList{u"SelectionChanged(5, 10)"_s, u"Update"_s}));
+        QCOMPARE(loaded.diagram.GetAudioPosition(), 10.0);
+    }
+
+    void selectionStartBehindTheEndChangesPlaces()
+    {
+        LoadedDiagram loaded;
+        loaded.diagram.SetSelectedSnippet({10.0, 20.0});
+        loaded.recorder.Take();
+        loaded.diagram.SetSelectionStartTime(25.0);
+        QCOMPARE(loaded.recorder.Take(), (QStringList{u"SelectionChanged(20, 25)"_s, u"Update"_s}));
+        QCOMPARE(loaded.diagram.GetAudioPosition(), 20.0);
+    }
+
+    void selectionEndsAreClampedToTheAudio_data()
+    {
+        QTest::addColumn<double>("time");
+        QTest::addColumn<QString>("afterStart");
+        QTest::addColumn<QString>("afterEnd");
+        QTest::newRow("negative") << -5.0 << u"SelectionChanged(0, 20)"_s << u"SelectionChanged(0, 10)"_s;
+        QTest::newRow("past the end") << 500.0 << u"SelectionChanged(20, 100)"_s << u"SelectionChanged(10, 100)"_s;
+        QTest::newRow("not a number") << notANumber << u"SelectionChanged(0, 20)"_s
+                                      << u"SelectionChanged(0, 10)"_s;
+    }
+
+    void selectionEndsAreClampedToTheAudio()
+    {
+        QFETCH(const double, time);
+        LoadedDiagram start;
+        start.diagram.SetDelay(50.0);
+        start.diagram.SetSelectedSnippet({10.0, 20.0});
+        start.recorder.Take();
+        start.diagram.SetSelectionStartTime(time);
+        QTEST(start.recorder.Take().first(), "afterStart");
+        LoadedDiagram end;
+        end.diagram.SetDelay(50.0);
+        end.diagram.SetSelectedSnippet({10.0, 20.0});
+        end.recorder.Take();
+        end.diagram.SetSelectionEndTime(time);
+        QTEST(end.recorder.Take().first(), "afterEnd");
+    }
+
+    void aSingleEndPairsWithWhatTheSelectionLastHeld()
+    {
+        LoadedDiagram loaded;
+        loaded.diagram.SetSelectedSnippet({10.0, 20.0});
+        loaded.diagram.SetAudioPosition(0.0, true);
+        QCOMPARE(loaded.diagram.GetSelectionEndTime(), 0.0);
+        loaded.recorder.Take();
+        loaded.diagram.SetSelectionStartTime(15.0);
+        QCOMPARE(loaded.recorder.Take(), (QStringList{u"SelectionChanged(15, 20)"_s, u"Update"_s}));
+    }
+
+    void aFirstSingleEndPairsWithZero()
+    {
+        LoadedDiagram loaded;
+        loaded.diagram.SetSelectionEndTime(15.0);
+        QCOMPARE(loaded.recorder.Take(), (QStringList{u"SelectionChanged(0, 15)"_s, u"Update"_s}));
+    }
+
+    void singleEndsScheduleNoRepaint()
+    {
+        LoadedDiagram loaded;
+        loaded.diagram.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&loaded.diagram));
+        QCoreApplication::processEvents();
+        PaintCounter counter(loaded.diagram);
+        loaded.diagram.SetSelectionStartTime(15.0);
+        loaded.diagram.SetSelectionEndTime(25.0);
+        QCoreApplication::processEvents();
+        QCOMPARE(counter.m_paints, 0);
+        loaded.diagram.SetSelectedSnippet({30.0, 40.0});
+        QTRY_COMPARE(counter.m_paints, 1);
+    }
+
+    void anOwnerMayAnswerAtOnce()
+    {
+        LoadedDiagram loaded;
+        connect(&loaded.diagram, &BGFXWaveformDiagramWidget::GetSamples, &loaded.diagram,
+                [&](double start, double end, int stepSize) {
+                    loaded.diagram.UpdateAudioSampleBuffer(
+                        QList<float>(static_cast<qsizetype>((end - start) * 1000.0 / stepSize), 0.5F));
+                });
+        loaded.diagram.SetDuration(100.0);
+        QCOMPARE(Access::Vertices(loaded.diagram).size(), 100'000U);
+        loaded.diagram.SetSceneRange(40.0, 50.0);
+        QCOMPARE(loaded.diagram.GetBufferStart(), 35.0);
+        QCOMPARE(Access::Vertices(loaded.diagram).size(), 20'000U);
+    }
+
+    void anOwnerMayResetFromASignal()
+    {
+        LoadedDiagram loaded;
+        const auto reset = [&] {
+            if (Access::Duration(loaded.diagram) != 0.0) {
+                loaded.diagram.Reset();
+            }
+        };
+        connect(&loaded.diagram, &BGFXWaveformDiagramWidget::SelectionChanged, this, reset);
+        loaded.diagram.SetSelectedSnippet({10.0, 20.0});
+        QVERIFY(!Access::HasSelection(loaded.diagram));
+        QCOMPARE(loaded.diagram.GetTotalLength(), 0.0);
+        QCOMPARE(loaded.diagram.GetAudioPosition(), 0.0);
+
+        loaded.diagram.SetDuration(100.0);
+        connect(&loaded.diagram, &BGFXWaveformDiagramWidget::SceneRectChanged, this, reset);
+        loaded.diagram.SetAudioPosition(500.0, false);
+        QCOMPARE(loaded.diagram.GetSceneRect(), QRectF(0.0, 0.0, 1.0, 1.0));
+    }
+
+    void cleanupDropsTheUniformOnly()
+    {
+        LoadedDiagram loaded;
+        loaded.diagram.OnCleanupRequested(); // before any frame
+        loaded.diagram.UpdateAudioSampleBuffer({0.5F});
+        loaded.diagram.grab();
+        QVERIFY(Access::HasProgram(loaded.diagram));
+        QVERIFY(Access::HasUniform(loaded.diagram));
+        loaded.diagram.OnCleanupRequested();
+        QVERIFY(!Access::HasProgram(loaded.diagram));
+        QVERIFY(!Access::HasUniform(loaded.diagram));
+        QVERIFY(Access::HasVertexBuffer(loaded.diagram));
+        loaded.diagram.grab();
+        QVERIFY(Access::HasProgram(loaded.diagram));
+        QVERIFY(Access::HasUniform(loaded.diagram));
+    }
+
+    void writesADebugLineForEachEvent()
+    {
+        LoadedDiagram loaded;
+        const auto line = [](const char* kind) {
+            return QRegularExpression(
+                u"^BGFXWaveformDiagramWidget :: %1 \\[this: .*BGFXWaveformDiagramWidget\\(0x[0-9a-f]+.*\\) \\] \\[objectName: \"BGFXWaveformDiagramWidget\" \\] \\[event:  .*%1.* \\]$"_s
+                    .arg(QLatin1StringView(kind)));
+        };
+        QTest::ignoreMessage(QtDebugMsg, line("QResizeEvent"));
+        QTest::ignoreMessage(QtDebugMsg, line("QShowEvent"));
+        QTest::ignoreMessage(QtDebugMsg, line("QPaintEvent"));
+        loaded.diagram.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&loaded.diagram));
+        QTest::qWait(0);
+    }
+
+    void paintsAndMovesWithoutAnEvent()
+    {
+        LoadedDiagram loaded;
+        loaded.diagram.SetEditMode(true);
+        loaded.diagram.UpdateAudioSampleBuffer({0.5F});
+        loaded.recorder.Take();
+        Access::PaintWithoutEvent(loaded.diagram);
+        Access::MoveWithoutEvent(loaded.diagram);
+        QCOMPARE(loaded.recorder.Take(), QStringList{});
+    }
+};
+
+QTEST_MAIN(TestWaveformDiagram)
+#include "tst_waveformdiagram.moc"

@@ -1,0 +1,183 @@
+#include "ui/waveform/BGFXWaveformDiagramWidget.h"
+
+#include "ui/waveform/ViewNavigation.h"
+
+#include <vantorAudioEngine/BGFXWaveformWidget.h>
+
+#include <QtCore/QMutexLocker>
+
+namespace vantoraudio::vantorAudioEngine::UI {
+
+BGFXWaveformDiagramWidget::BGFXWaveformDiagramWidget(QWidget* parent) : BGFXOffscreenWidget(parent)
+{
+    setObjectName(QStringLiteral("BGFXWaveformDiagramWidget"));
+    setAttribute(Qt::WA_MouseTracking);
+    connect(this, &BGFXOffscreenWidget::CleanupRequested, this, &BGFXWaveformDiagramWidget::OnCleanupRequested);
+    Reset();
+}
+
+BGFXWaveformDiagramWidget::~BGFXWaveformDiagramWidget() = default;
+
+void BGFXWaveformDiagramWidget::Reset()
+{
+    m_duration = 0.0;
+    m_sceneRect = QRectF(0.0, 0.0, 1.0, m_amplitudeExtent);
+    m_buffer = {};
+    m_requestedStart = 0.0;
+    m_audioPosition = 0.0;
+    m_grab = {};
+    m_selection.isPresent = false;
+    m_selectionAtGrab = {0.0, 0.0};
+    Q_EMIT SelectionChanged({0.0, 0.0});
+    Changed();
+}
+
+void BGFXWaveformDiagramWidget::SetAudioFormat(const QAudioFormat& format)
+{
+    m_format = format;
+}
+
+void BGFXWaveformDiagramWidget::SetDuration(double duration)
+{
+    m_duration = duration;
+    ShowEverything();
+    m_stepSize = StepSizeFor(GetTotalLength());
+    // The step size reckons with the silence that is visible, too; samples exist only for the audio.
+    Q_EMIT GetSamples(0.0, duration, m_stepSize);
+}
+
+void BGFXWaveformDiagramWidget::SetDelay(double delay)
+{
+    m_delay = delay;
+    ShowEverything();
+    m_stepSize = StepSizeFor(GetTotalLength());
+    RequestSamplesIfNeeded();
+}
+
+void BGFXWaveformDiagramWidget::SetAudioPosition(double position, bool clearSelection)
+{
+    m_audioPosition = position;
+    if (clearSelection) {
+        m_selection.isPresent = false;
+    }
+    if (const auto left = PageFor(View(), m_audioPosition, m_duration)) {
+        ScrollTo(*left);
+    }
+    if (m_sceneRect.left() > m_audioPosition) {
+        ScrollTo(m_audioPosition);
+    }
+    Changed();
+}
+
+void BGFXWaveformDiagramWidget::SetSelectedSnippet(std::pair<double, double> snippet)
+{
+    if (m_selection.isPresent && IsSameSnippet(m_selection.times, snippet)) {
+        return;
+    }
+    Select(Ordered(snippet.first, snippet.second));
+    m_audioPosition = m_selection.times.first;
+    Q_EMIT SelectionChanged(m_selection.times);
+    Changed();
+}
+
+void BGFXWaveformDiagramWidget::SetSelectionStartTime(double start)
+{
+    Select(Ordered(ClampTime(start, 0.0, m_duration), m_selection.times.second));
+    m_audioPosition = m_selection.times.first;
+    Q_EMIT SelectionChanged(m_selection.times);
+    Q_EMIT Update();
+}
+
+void BGFXWaveformDiagramWidget::SetSelectionEndTime(double end)
+{
+    // Unlike the start, the end leaves the position alone: playback goes on where it is.
+    Select(Ordered(m_selection.times.first, ClampTime(end, 0.0, m_duration)));
+    Q_EMIT SelectionChanged(m_selection.times);
+    Q_EMIT Update();
+}
+
+double BGFXWaveformDiagramWidget::GetSelectionStartTime() const
+{
+    return m_selection.isPresent ? m_selection.times.first : 0.0;
+}
+
+double BGFXWaveformDiagramWidget::GetSelectionEndTime() const
+{
+    return m_selection.isPresent ? m_selection.times.second : 0.0;
+}
+
+void BGFXWaveformDiagramWidget::SetSceneRange(double left, double right)
+{
+    m_sceneRect.setLeft(ClampTime(left, 0.0, GetTotalLength()));
+    m_sceneRect.setRight(ClampTime(right, 0.0, GetTotalLength()));
+    SceneRectMoved();
+}
+
+void BGFXWaveformDiagramWidget::ScrollTo(double left)
+{
+    m_sceneRect.moveLeft(left);
+    SceneRectMoved();
+}
+
+void BGFXWaveformDiagramWidget::UpdateAudioSampleBuffer(const QList<float>& samples)
+{
+    {
+        const QMutexLocker lock(&m_bufferLock);
+        m_amplitudeExtent = AmplitudeExtent(samples);
+        const SampleSpacing spacing{.stepSize = m_stepSize, .sampleRate = m_format.sampleRate()};
+        // The end deliberately counts from 0, not from the start: with samples that begin later, nearly every move
+        // of the view asks for new ones.
+        m_buffer = {.start = m_requestedStart, .end = m_geometry.SetSamples(samples, m_delay, spacing)};
+    }
+    Changed();
+}
+
+void BGFXWaveformDiagramWidget::OnCleanupRequested()
+{
+    m_program.Drop();
+}
+
+int BGFXWaveformDiagramWidget::StepSizeFor(double span) const
+{
+    return StepSizeForSpan(span, m_format.sampleRate(), width());
+}
+
+void BGFXWaveformDiagramWidget::ShowEverything()
+{
+    m_sceneRect = QRectF(0.0, 0.0, GetTotalLength(), m_amplitudeExtent);
+}
+
+void BGFXWaveformDiagramWidget::RequestSamplesIfNeeded()
+{
+    const auto request = RequestFor(View(), m_buffer, GetTotalLength());
+    if (!request) {
+        return;
+    }
+    // Remembered also when it is not sent: samples still on their way are then drawn from this start time on.
+    m_stepSize = StepSizeFor(request->end - request->start);
+    m_requestedStart = request->start;
+    if (request->isSent) {
+        Q_EMIT GetSamples(request->start, request->end, m_stepSize);
+    }
+}
+
+void BGFXWaveformDiagramWidget::Changed()
+{
+    Q_EMIT Update();
+    update();
+}
+
+void BGFXWaveformDiagramWidget::SceneRectMoved()
+{
+    update();
+    Q_EMIT SceneRectChanged(m_sceneRect);
+    RequestSamplesIfNeeded();
+}
+
+void BGFXWaveformDiagramWidget::Select(const Snippet& candidate)
+{
+    m_selection.times = LimitSnippet(candidate, View(), BGFXWaveformWidget::MAX_SNIPPET_LENGTH);
+    m_selection.isPresent = true;
+}
+
+} // namespace vantoraudio::vantorAudioEngine::UI

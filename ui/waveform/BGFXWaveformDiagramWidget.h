@@ -1,0 +1,166 @@
+#pragma once
+
+#include "render/vantor3DQt/BGFXOffscreenWidget.h"
+#include "render/vantor3DQt/BGFXViewContext.h"
+#include "ui/waveform/Ruler.h"
+#include "ui/waveform/SampleRequest.h"
+#include "ui/waveform/SelectionRules.h"
+#include "ui/waveform/WaveformGeometry.h"
+#include "ui/waveform/WaveformProgram.h"
+
+#include <QtCore/QList>
+#include <QtCore/QMutex>
+#include <QtCore/QPoint>
+#include <QtCore/QRectF>
+#include <QtGui/QColor>
+#include <QtGui/QMatrix4x4>
+#include <QtMultimedia/QAudioFormat>
+
+#include <utility>
+
+namespace vantoraudio::vantorAudioEngine::UI {
+
+/**
+ * The drawing surface of the waveform view: draws grid, samples, position and selection on the drawing device, and
+ * turns mouse and wheel into zooming, panning, position clicks and selections.
+ *
+ * Times are seconds from the start of the file. The visible range is the scene rect: x and width in seconds, y and
+ * height in amplitude. Without a duration above 0 all input is ignored and only the grid is drawn. GUI thread
+ * only; slots may call back in from within any signal.
+ */
+class BGFXWaveformDiagramWidget : public vantor3DQt::BGFXOffscreenWidget
+{
+    Q_OBJECT
+
+public:
+    explicit BGFXWaveformDiagramWidget(QWidget* parent = nullptr);
+    ~BGFXWaveformDiagramWidget() override;
+
+    /** Forgets duration, position and selection; delay, format, edit mode and the drawn samples stay. */
+    void Reset();
+    void SetAudioFormat(const QAudioFormat& format);
+    /** Makes the whole file visible and asks for its samples. */
+    void SetDuration(double duration);
+    /** Silence behind the audio; makes everything visible. */
+    void SetDelay(double delay);
+    [[nodiscard]] double GetDelay() const { return m_delay; }
+    /** Duration and delay. */
+    [[nodiscard]] double GetTotalLength() const { return m_duration + m_delay; }
+    /** Time of the first vertex of the samples at hand. */
+    [[nodiscard]] double GetBufferStart() const { return m_buffer.start; }
+
+    /** Moves the position line and lets the visible range follow it. */
+    void SetAudioPosition(double position, bool clearSelection);
+    [[nodiscard]] double GetAudioPosition() const { return m_audioPosition; }
+
+    void SetSelectedSnippet(std::pair<double, double> snippet);
+    void SetSelectionStartTime(double start);
+    void SetSelectionEndTime(double end);
+    /** 0.0 without a selection. */
+    [[nodiscard]] double GetSelectionStartTime() const;
+    [[nodiscard]] double GetSelectionEndTime() const;
+
+    void SetEditMode(bool isEditing) { m_isEditing = isEditing; }
+    [[nodiscard]] bool GetEditMode() const { return m_isEditing; }
+    void SetScrollBackToZoomOut(bool scrollBackToZoomOut) { m_scrollBackToZoomOut = scrollBackToZoomOut; }
+
+    [[nodiscard]] QRectF GetSceneRect() const { return m_sceneRect; }
+    /** Both edges are brought into the total length. */
+    void SetSceneRange(double left, double right);
+    /** Moves the visible range, wherever that is. */
+    void ScrollTo(double left);
+
+    /** Draws these samples from now on, from the start time of the latest request, also when they answer an older
+     *  one. The visible range keeps its height even when louder samples widen the drawn amplitudes. */
+    void UpdateAudioSampleBuffer(const QList<float>& samples);
+
+    // Written by the owner; they take effect with the next frame.
+    QColor m_backgroundColor{27, 27, 27, 255};
+    QColor m_gridColor{150, 150, 150, 255};
+    QColor m_waveformColor{150, 150, 150, 255};
+    /** Drawn half transparent, whatever its alpha. */
+    QColor m_selectionColor{115, 140, 155, 255};
+    QColor m_positionMarkerColor{52, 151, 209, 255};
+
+Q_SIGNALS:
+    /** The picture changed. */
+    void Update();
+    void SceneRectChanged(const QRectF& sceneRect);
+    void GetSamples(double startTime, double endTime, int stepSize);
+    void SelectionChanged(std::pair<double, double> selectedSnippet);
+    void AudioPositionChanged(double position);
+
+public Q_SLOTS:
+    /** The drawing device shuts down; the next frame creates what it needs again. */
+    void OnCleanupRequested();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+
+private:
+    friend class WaveformTestAccess;
+
+    /** A selection that was cleared keeps its times: a single end set later pairs with the old other end. */
+    struct Selection
+    {
+        Snippet times{0.0, 0.0};
+        bool isPresent = false;
+    };
+
+    [[nodiscard]] bool HasAudio() const { return m_duration > 0.0; }
+    [[nodiscard]] ViewRange View() const { return HorizontalRange(m_sceneRect); }
+    [[nodiscard]] double TimeAt(double x) const { return TimeAtPixel(View(), x, width()); }
+    [[nodiscard]] int StepSizeFor(double span) const;
+    void ShowEverything();
+    void RequestSamplesIfNeeded();
+    void Changed();
+    void SceneRectMoved();
+    void Select(const Snippet& candidate);
+
+    void HoverAt(int x);
+    void DragTo(const QPoint& position);
+    void DragSelectionTo(const Snippet& candidate);
+    void DragBodyTo(double middle);
+    void ClickAt(double x);
+    void Pan(const QWheelEvent& event);
+    void Zoom(const QWheelEvent& event);
+
+    void Render();
+    void BeginView(const vantor3DQt::BGFXViewContext& view);
+    void DrawGrid();
+    void DrawWaveform();
+    void DrawPosition();
+    void DrawSelection();
+
+    QMatrix4x4 m_projection;
+    double m_duration = 0.0;
+    double m_delay = 0.0;
+    QAudioFormat m_format;
+    QPoint m_pressPosition;
+    QRectF m_sceneRect{0.0, 0.0, 1.0, 1.0};
+    BufferedRange m_buffer;
+    double m_requestedStart = 0.0;
+    int m_stepSize = 1;
+    double m_audioPosition = 0.0;
+    Selection m_selection;
+    Snippet m_selectionAtGrab{0.0, 0.0};
+    bool m_isEditing = false;
+    Grab m_grab;
+    bool m_scrollBackToZoomOut = true;
+    double m_amplitudeExtent = 1.0;
+    vantor3DQt::BGFXViewContext m_gridView{0};
+    vantor3DQt::BGFXViewContext m_waveformView{1};
+    vantor3DQt::BGFXViewContext m_overlayView{2};
+    WaveformGeometry m_geometry;
+    WaveformProgram m_program;
+    QMutex m_bufferLock;
+};
+
+} // namespace vantoraudio::vantorAudioEngine::UI

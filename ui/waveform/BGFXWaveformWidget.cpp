@@ -1,0 +1,263 @@
+#include "render/bgfx/bgfx.h"
+#include "ui/waveform/BGFXWaveformDiagramWidget.h"
+#include "ui/waveform/TimeScale.h"
+
+#include <vantorAudioEngine/BGFXWaveformWidget.h>
+
+#include <QtCore/QMetaType>
+#include <QtCore/QSignalBlocker>
+#include <QtSvg/QSvgRenderer>
+#include <QtWidgets/QHBoxLayout>
+#include <QtWidgets/QScrollBar>
+#include <QtWidgets/QSpacerItem>
+#include <QtWidgets/QVBoxLayout>
+
+namespace vantoraudio::vantorAudioEngine::UI {
+namespace {
+
+/** Lets selections travel through queued connections and recorded signals from the moment the library is loaded.
+ */
+[[maybe_unused]] const int PairMetaType = qRegisterMetaType<std::pair<double, double>>("std::pair<double,double>");
+
+constexpr int MinimumHeight = 120;
+constexpr int RulerHeight = 20;
+constexpr int SideSpacing = 20;
+constexpr int LeftMargin = 10;
+
+} // namespace
+
+double BGFXWaveformWidget::CalculateScale(double span)
+{
+    return UI::CalculateScale(span);
+}
+
+QString BGFXWaveformWidget::FormatToTime(double seconds)
+{
+    return UI::FormatToTime(seconds);
+}
+
+BGFXWaveformWidget::BGFXWaveformWidget(QWidget* parent)
+    : QWidget(parent)
+    , m_diagram(new BGFXWaveformDiagramWidget(this))
+    , m_positionIcon(new QSvgRenderer(QStringLiteral(":/Resources/vantoraudioArrowDownLightBlue.svg"), this))
+    , m_scrollBar(new QScrollBar(Qt::Horizontal, this))
+{
+    m_scrollBar->setRange(0, 0);
+    SetUpLayout();
+    ConnectSignals();
+}
+
+BGFXWaveformWidget::~BGFXWaveformWidget() = default;
+
+void BGFXWaveformWidget::SetUpLayout()
+{
+    setMinimumHeight(MinimumHeight);
+    auto* column = new QVBoxLayout;
+    column->setSpacing(0);
+    column->setContentsMargins(0, RulerHeight, 0, 0);
+    column->addWidget(m_diagram);
+    column->addItem(new QSpacerItem(0, 1, QSizePolicy::Expanding, QSizePolicy::Minimum));
+    column->addWidget(m_scrollBar);
+
+    auto* row = new QHBoxLayout;
+    row->setContentsMargins(LeftMargin, 0, 0, 0);
+    row->addSpacing(SideSpacing);
+    row->addLayout(column);
+    row->addSpacing(SideSpacing);
+    setLayout(row);
+}
+
+void BGFXWaveformWidget::ConnectSignals()
+{
+    using Diagram = BGFXWaveformDiagramWidget;
+    connect(m_diagram, &Diagram::SceneRectChanged, this, &BGFXWaveformWidget::OnDiagramChanged);
+    connect(m_diagram, &Diagram::SceneRectChanged, this, &BGFXWaveformWidget::SceneRectChanged);
+    connect(m_diagram, &Diagram::Update, this, &BGFXWaveformWidget::OnDiagramChanged);
+    connect(m_diagram, &Diagram::GetSamples, this, &BGFXWaveformWidget::OnGetSamples);
+    connect(m_diagram, &Diagram::SelectionChanged, this, &BGFXWaveformWidget::OnSelectionChanged);
+    connect(m_diagram, &Diagram::AudioPositionChanged, this, &BGFXWaveformWidget::OnAudioPositionChanged);
+    connect(m_scrollBar, &QScrollBar::valueChanged, m_diagram,
+            [this](int value) { m_diagram->ScrollTo(value / 1000.0); });
+}
+
+void BGFXWaveformWidget::Initilize(QAudioFormat format, double duration)
+{
+    m_diagram->Reset();
+    m_diagram->SetAudioFormat(format);
+    m_diagram->SetDuration(duration);
+    m_diagram->SetDelay(0.0);
+}
+
+void BGFXWaveformWidget::Reset()
+{
+    m_diagram->Reset();
+}
+
+void BGFXWaveformWidget::Update()
+{
+    m_diagram->update();
+    update();
+}
+
+void BGFXWaveformWidget::UpdateAudioSampleBuffer(const QList<float>& samples)
+{
+    m_diagram->UpdateAudioSampleBuffer(samples);
+}
+
+void BGFXWaveformWidget::SetAudioPosition(double position)
+{
+    m_diagram->SetAudioPosition(position, false);
+}
+
+double BGFXWaveformWidget::GetAudioPosition() const
+{
+    return m_diagram->GetAudioPosition();
+}
+
+void BGFXWaveformWidget::SetSelectedSnippet(std::pair<double, double> snippet)
+{
+    m_diagram->SetSelectedSnippet(snippet);
+}
+
+std::pair<double, double> BGFXWaveformWidget::GetSelectedSnippet() const
+{
+    return {GetSelectionStartTime(), GetSelectionEndTime()};
+}
+
+void BGFXWaveformWidget::SetSelectionStartTime(double start)
+{
+    m_diagram->SetSelectionStartTime(start);
+}
+
+void BGFXWaveformWidget::SetSelectionEndTime(double end)
+{
+    m_diagram->SetSelectionEndTime(end);
+}
+
+double BGFXWaveformWidget::GetSelectionStartTime() const
+{
+    return m_diagram->GetSelectionStartTime();
+}
+
+double BGFXWaveformWidget::GetSelectionEndTime() const
+{
+    return m_diagram->GetSelectionEndTime();
+}
+
+void BGFXWaveformWidget::SetDelay(double delay)
+{
+    m_diagram->SetDelay(delay);
+    Update();
+}
+
+double BGFXWaveformWidget::GetDelay() const
+{
+    return m_diagram->GetDelay();
+}
+
+void BGFXWaveformWidget::SetEditMode(bool isEditing)
+{
+    m_diagram->SetEditMode(isEditing);
+}
+
+bool BGFXWaveformWidget::GetEditMode() const
+{
+    return m_diagram->GetEditMode();
+}
+
+void BGFXWaveformWidget::SetScrollBackToZoomOut(bool scrollBackToZoomOut)
+{
+    m_diagram->SetScrollBackToZoomOut(scrollBackToZoomOut);
+}
+
+void BGFXWaveformWidget::SetAudioPositionIcon(const QString& fileName)
+{
+    m_positionIcon->load(fileName);
+}
+
+void BGFXWaveformWidget::SetAudioPositionMarkerColor(const QColor& color)
+{
+    m_positionMarkerColor = color;
+    m_diagram->m_positionMarkerColor = color;
+}
+
+void BGFXWaveformWidget::SetAudioSelectionColor(const QColor& color)
+{
+    m_diagram->m_selectionColor = color;
+}
+
+void BGFXWaveformWidget::SetBackgroundColor(const QColor& color)
+{
+    m_diagram->m_backgroundColor = color;
+}
+
+void BGFXWaveformWidget::SetFrameColor(const QColor& color)
+{
+    m_frameColor = color;
+}
+
+void BGFXWaveformWidget::SetGridColor(const QColor& color)
+{
+    m_diagram->m_gridColor = color;
+}
+
+void BGFXWaveformWidget::SetScaleColor(const QColor& color)
+{
+    m_scaleColor = color;
+}
+
+void BGFXWaveformWidget::SetWaveformColor(const QColor& color)
+{
+    m_diagram->m_waveformColor = color;
+}
+
+BGFXWaveformWidget::DrawingDevice BGFXWaveformWidget::GetDrawingDevice()
+{
+    switch (bgfx::getRendererType()) {
+    case bgfx::RendererType::OpenGL:
+        return DrawingDevice::OpenGL;
+    case bgfx::RendererType::Software:
+        return DrawingDevice::Software;
+    case bgfx::RendererType::Noop:
+    case bgfx::RendererType::Count:
+        break;
+    }
+    return DrawingDevice::None;
+}
+
+void BGFXWaveformWidget::OnSceneRectChangeRequested(const QRectF& rect)
+{
+    m_diagram->SetSceneRange(rect.left(), rect.right());
+}
+
+void BGFXWaveformWidget::OnDiagramChanged()
+{
+    const ScrollBarState state =
+        ScrollBarFor(HorizontalRange(m_diagram->GetSceneRect()), m_diagram->GetTotalLength());
+    {
+        // Without this the bar would scroll the view back to where it can follow: a range that becomes shorter
+        // than the old value changes the value, too.
+        const QSignalBlocker noEcho(m_scrollBar);
+        m_scrollBar->setRange(0, state.maximum);
+        m_scrollBar->setPageStep(state.pageStep);
+        m_scrollBar->setValue(state.value);
+    }
+    update();
+}
+
+void BGFXWaveformWidget::OnGetSamples(double startTime, double endTime, int stepSize)
+{
+    Q_EMIT GetSamples(startTime, endTime, stepSize);
+}
+
+void BGFXWaveformWidget::OnSelectionChanged(std::pair<double, double> selectedSnippet)
+{
+    Q_EMIT SelectionChanged(selectedSnippet);
+}
+
+void BGFXWaveformWidget::OnAudioPositionChanged(double position)
+{
+    Q_EMIT AudioPositionChanged(position);
+}
+
+} // namespace vantoraudio::vantorAudioEngine::UI

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "render/vantor3D/Vertex.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+/** What the samples of the audio become on the time and amplitude axes. */
+namespace vantoraudio::vantorAudioEngine::UI {
+
+/** The times at which samples stand. */
+struct SampleSpacing
+{
+    /** Samples of the file per vertex, at least 1. */
+    int stepSize = 1;
+    /** Hertz; without a rate above 0 there is no time axis and every time is 0. */
+    int sampleRate = 0;
+};
+
+/** Half the height of the drawn amplitude range: 1.0, or the whole part of the greatest magnitude when that is
+ *  more. Samples that are infinite or not-a-number do not count. */
+[[nodiscard]] double AmplitudeExtent(std::span<const float> samples);
+
+/** How many vertices stand for some samples and `delay` seconds of silence behind them; at most what an int holds.
+ */
+[[nodiscard]] std::int32_t VertexCount(std::size_t sampleCount, double delay, int sampleRate);
+
+/**
+ * One vertex a sample, then silence up to `vertexCount`; x in seconds from the first vertex. Samples that are
+ * infinite or not-a-number are drawn as silence. Silence is a straight line, so only the first and the last of its
+ * vertices are made: a long delay costs nothing.
+ */
+[[nodiscard]] std::vector<vantor3D::Vertex::Pos2f>
+BuildVertices(std::span<const float> samples, std::int32_t vertexCount, const SampleSpacing& spacing);
+
+/** The length in seconds that `vertexCount` vertices stand for. */
+[[nodiscard]] double BufferLength(std::int32_t vertexCount, const SampleSpacing& spacing);
+
+} // namespace vantoraudio::vantorAudioEngine::UI
