@@ -93,14 +93,19 @@ void AudioPlayer::DropUnusedSourceFile()
     }
 }
 
+void AudioPlayer::play()
+{
+    m_outputGuard->Refresh();
+    QMediaPlayer::play();
+}
+
 void AudioPlayer::PauseResume()
 {
     if (playbackState() == PlayingState) {
         pause();
-        return;
+    } else {
+        play();
     }
-    m_outputGuard->Refresh();
-    play();
 }
 
 void AudioPlayer::SetSelection(double start, double end)
@@ -221,7 +226,6 @@ void AudioPlayer::RestartPlayback()
     setPosition(ToPosition(m_selectionStart));
     pause();
     if (m_loop) {
-        m_outputGuard->Refresh();
         play();
     }
 }

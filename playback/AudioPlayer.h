@@ -46,6 +46,10 @@ public:
      *  errorOccurred(); source() and the selection are the new ones then, too. */
     void SetAudio(const QString& filePath, double duration);
 
+    /** The base class's play(), made safe for the moment in which the device in use has just disappeared: calls
+     *  through a QMediaPlayer are that only some 50 ms later. */
+    void play();
+
     /** Pauses while playing, plays from the current position otherwise. */
     void PauseResume();
 

@@ -15,10 +15,11 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// A stream whose device goes away takes its last write within some 50 ms, and Qt's PulseAudio output then keeps
-// the sound system's lock for good. The audio thread must be gone before that.
+// Without another device to move to, PulseAudio kills a stream with its device. The audio thread's next write, up
+// to 50 ms later, then makes Qt's output keep the sound system's lock for good: no further sound, and an abort
+// when that thread ends. So it has to go before that write.
 constexpr auto watchWhilePlaying = 3ms;
-constexpr auto watchOtherwise = 200ms;
+constexpr auto watchOtherwise = 50ms;
 
 bool DeviceChangesAreReported()
 {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 
 using namespace std::chrono_literals;
 
@@ -21,7 +22,9 @@ ScreenshotJob::ScreenshotJob(PlayerWindow& window, QString filePath, bool playin
 void ScreenshotJob::OnPositionChanged(double seconds)
 {
     // Positions arrive in steps of up to a third of a second, so a short file may never report its very end.
-    if (seconds >= std::min(1.0, m_window.Duration() * 0.5)) {
+    const double first = m_firstPosition.value_or(seconds);
+    m_firstPosition = first;
+    if (std::abs(seconds - first) >= std::min(1.0, m_window.Duration() * 0.3)) {
         m_waitingForSound = false;
         TryNow();
     }

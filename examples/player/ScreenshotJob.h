@@ -4,6 +4,8 @@
 
 #include <QtCore/QTimer>
 
+#include <optional>
+
 /**
  * Saves a picture of the window once it shows everything, for use without a screen: all samples drawn and, where
  * the file is being played, a second of it (or all of a shorter one) heard. Emits Done() in every case, after half
@@ -27,6 +29,7 @@ private:
     PlayerWindow& m_window;
     QString m_filePath;
     bool m_waitingForSound;
+    std::optional<double> m_firstPosition;
     bool m_done = false;
     QTimer m_patience;
 };

@@ -5,6 +5,7 @@
 
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QLibraryInfo>
+#include <QtCore/QLoggingCategory>
 #include <QtCore/QTextStream>
 #include <QtWidgets/QApplication>
 
@@ -106,6 +107,8 @@ int main(int argc, char* argv[])
     QApplication application(argc, argv);
     QApplication::setApplicationName(u"vantoraudio-player"_s);
     QApplication::setApplicationVersion(vantoraudio::AudioEngine::libVersionString());
+    // The waveform tells of each of its frames there, which helps its developers and nobody else.
+    QLoggingCategory::setFilterRules(u"default.debug=false"_s);
     const Options options = ParseOptions(application);
 
     PlayerWindow window;

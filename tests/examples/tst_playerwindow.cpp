@@ -50,8 +50,13 @@ void Drop(QWidget& target, const QList<QUrl>& urls)
 {
     QMimeData data;
     data.setUrls(urls);
+    // A drop goes to the widget that took the drag before.
+    QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&target, &enter);
     QDropEvent event(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(&target, &event);
+    if (enter.isAccepted()) {
+        QApplication::sendEvent(&target, &event);
+    }
 }
 
 struct Outcome

@@ -118,8 +118,8 @@ private Q_SLOTS:
         QTest::addRow("Qt Multimedia") << u"QtMultimedia/(?!QAudioFormat).*|QtMultimedia"_s
                                        << u"playback/.*|engine/Decoder\\.cpp|ui/player/.*|examples/.*"_s;
         QTest::addRow("the renderer's shim")
-            << u"render/bgfx/.*"_s
-            << u"render/.*|ui/waveform/(WaveformGeometry|BGFXWaveformDiagram|BGFXWaveformWidget)\\w*\\.(cpp|h)"_s;
+            << u"render/bgfx/bgfx\\.h"_s
+            << u"render/.*|ui/waveform/(WaveformGeometry|WaveformProgram|BGFXWaveform\\w*)\\.(cpp|h)"_s;
         QTest::addRow("the drawing devices") << u"render/bgfx/device/.*"_s << u"render/bgfx/.*"_s;
     }
     void outsideLibrariesStandBehindTheirDoors()

@@ -64,10 +64,11 @@ private Q_SLOTS:
     void goesOnWhenTheFirstDeviceAppears();
     void playsOnANewDeviceWhenTheLastOneLeftWhilePausedOrStopped_data();
     void playsOnANewDeviceWhenTheLastOneLeftWhilePausedOrStopped();
-    void playsOnANewDeviceWhenTheLastOneLeftWhilePlaying();
+    void goesOnWhenTheLastRealDeviceLeavesWhilePlaying();
     void playsElsewhereWhenItsDeviceLeftWhileStopped();
     void goesOnElsewhereWhenItsDeviceLeavesWhilePlaying();
     void returnsToTheChosenDevice();
+    void ignoresADeviceThatHasGone();
     void leavesAnOutputOfTheHostAlone();
 
 private:
@@ -182,20 +183,29 @@ void OutputGuardTest::goesOnWhenTheFirstDeviceAppears()
 void OutputGuardTest::playsOnANewDeviceWhenTheLastOneLeftWhilePausedOrStopped_data()
 {
     QTest::addColumn<bool>("pause");
-    QTest::newRow("paused") << true;
-    QTest::newRow("stopped") << false;
+    QTest::addColumn<bool>("atOnce");
+    QTest::newRow("paused, played at once") << true << true;
+    QTest::newRow("stopped, played at once") << false << true;
+    QTest::newRow("paused, played through the base class") << true << false;
+    QTest::newRow("stopped, played through the base class") << false << false;
 }
 
 void OutputGuardTest::playsOnANewDeviceWhenTheLastOneLeftWhilePausedOrStopped()
 {
     QFETCH(bool, pause);
+    QFETCH(bool, atOnce);
     SetSinks({QStringLiteral("one")});
     const auto player = Player();
     player->play();
     QTRY_VERIFY_WITH_TIMEOUT(player->position() > 0, patience);
     pause ? player->pause() : player->stop();
     SetSinks({});
-    static_cast<QMediaPlayer&>(*player).play();
+    if (atOnce) {
+        player->play();
+    } else {
+        QTRY_VERIFY_WITH_TIMEOUT(!player->audioOutput(), patience);
+        static_cast<QMediaPlayer&>(*player).play();
+    }
     LetRun(*player);
 
     SetSinks({QStringLiteral("two")});
@@ -203,28 +213,26 @@ void OutputGuardTest::playsOnANewDeviceWhenTheLastOneLeftWhilePausedOrStopped()
     QTRY_VERIFY_WITH_TIMEOUT(HearsTheTone(two), patience);
 }
 
-void OutputGuardTest::playsOnANewDeviceWhenTheLastOneLeftWhilePlaying()
+void OutputGuardTest::goesOnWhenTheLastRealDeviceLeavesWhilePlaying()
 {
     SetSinks({QStringLiteral("one")});
+    QVERIFY(m_server.StandIn());
     const auto player = Player();
-    player->SetMuted(true);
+    player->SetVolume(50);
     player->play();
     QTRY_VERIFY_WITH_TIMEOUT(player->position() > 0, patience);
-
-    // A device mostly hangs before it leaves. Without that, Qt's next write could be faster than the guard.
-    QVERIFY(m_server.SuspendSink(QStringLiteral("one")));
-    QSignalSpy positions(player.get(), &QMediaPlayer::positionChanged);
-    while (positions.wait(300)) {
+    QVERIFY(m_server.RemoveSink(QStringLiteral("one")));
+    QTRY_COMPARE_WITH_TIMEOUT(DeviceNames(), QStringList(QStringLiteral("auto_null")), patience);
+    {
+        const SoundRecording dummy(QStringLiteral("auto_null"));
+        QTRY_VERIFY_WITH_TIMEOUT(HearsTheTone(dummy), patience);
     }
-    SetSinks({});
-    LetRun(*player);
-    QCOMPARE(player->playbackState(), QMediaPlayer::PlayingState);
-
-    SetSinks({QStringLiteral("two")});
-    QVERIFY(player->IsMuted());
-    player->SetMuted(false);
+    QVERIFY(m_server.AddSink(QStringLiteral("two")));
+    QTRY_COMPARE_WITH_TIMEOUT(DeviceNames(), QStringList(QStringLiteral("two")), patience);
     const SoundRecording two(QStringLiteral("two"));
     QTRY_VERIFY_WITH_TIMEOUT(HearsTheTone(two), patience);
+    QCOMPARE(player->Volume(), 50);
+    QCOMPARE(player->playbackState(), QMediaPlayer::PlayingState);
 }
 
 void OutputGuardTest::playsElsewhereWhenItsDeviceLeftWhileStopped()
@@ -275,6 +283,17 @@ void OutputGuardTest::returnsToTheChosenDevice()
     QCOMPARE(player->GetAudioOutputDevice().id(), QByteArray("one"));
     QVERIFY(m_server.AddSink(QStringLiteral("one")));
     QTRY_COMPARE_WITH_TIMEOUT(Access::Output(*player)->device().id(), QByteArray("one"), patience);
+}
+
+void OutputGuardTest::ignoresADeviceThatHasGone()
+{
+    SetSinks({QStringLiteral("one")});
+    const QAudioDevice gone = QMediaDevices::audioOutputs().constFirst();
+    SetSinks({QStringLiteral("two")});
+    const auto player = Player();
+    player->SetAudioOutputDevice(gone);
+    QVERIFY(player->GetAudioOutputDevice().isNull());
+    QCOMPARE(player->audioOutput()->device().id(), QByteArray("two"));
 }
 
 void OutputGuardTest::leavesAnOutputOfTheHostAlone()

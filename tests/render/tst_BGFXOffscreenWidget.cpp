@@ -6,7 +6,6 @@
 #include <QtWidgets/QVBoxLayout>
 
 #include <cmath>
-#include <stdexcept>
 
 using namespace drawing;
 
@@ -22,7 +21,6 @@ public:
     using BGFXOffscreenWidget::ViewportRect;
 
     std::uint32_t color = 0x204060ff;
-    bool throws = false;
     int frames = 0;
 
 protected:
@@ -45,8 +43,6 @@ private:
         m_view.SetClear(bgfx::BGFX_CLEAR_COLOR, color, 1.0F, 0);
         const auto height = float(ViewportRect().height());
         Renderer().DrawLines(m_view, std::array{Line{{0.5F, 0.0F, 0.0F}, {0.5F, height, 0.0F}, White}});
-        if (throws)
-            throw std::runtime_error("drawing");
     }
 
     BGFXViewContext m_view{0};

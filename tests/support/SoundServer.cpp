@@ -89,18 +89,26 @@ bool SoundServer::AddSink(const QString& name)
 
 bool SoundServer::RemoveSink(const QString& name)
 {
-    return Pactl({QStringLiteral("unload-module"), m_modules.take(name)}).has_value();
+    return m_modules.contains(name) && Pactl({QStringLiteral("unload-module"), m_modules.take(name)}).has_value();
 }
 
 void SoundServer::RemoveAllSinks()
 {
+    // The stand-in first, or it would make one for the others.
+    RemoveSink(QStringLiteral("module-always-sink"));
     const QStringList names = m_modules.keys();
     for (const QString& name : names) {
         RemoveSink(name);
     }
 }
 
-bool SoundServer::SuspendSink(const QString& name)
+bool SoundServer::StandIn()
 {
-    return Pactl({QStringLiteral("suspend-sink"), name, QStringLiteral("1")}).has_value();
+    const QString name = QStringLiteral("module-always-sink");
+    const auto module = Pactl({QStringLiteral("load-module"), name});
+    if (!module) {
+        return false;
+    }
+    m_modules.insert(name, *module);
+    return true;
 }

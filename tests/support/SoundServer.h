@@ -29,8 +29,8 @@ public:
     bool RemoveSink(const QString& name);
     void RemoveAllSinks();
 
-    /** A suspended sink takes no more data, like a device that hangs. */
-    bool SuspendSink(const QString& name);
+    /** From now on the server makes a sink "auto_null" whenever it has no other one, as desktop systems do. */
+    bool StandIn();
 
 private:
     void Start();

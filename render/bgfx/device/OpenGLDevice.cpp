@@ -1,81 +1,21 @@
 #include "render/bgfx/device/OpenGLDevice.h"
 
 #include "render/bgfx/device/OpenGLContext.h"
-#include "render/bgfx/device/StripReduction.h"
+#include "render/bgfx/device/OpenGLProgram.h"
+#include "render/bgfx/device/WindowLines.h"
 
 #include <QtOpenGL/QOpenGLFramebufferObject>
-#include <QtOpenGL/QOpenGLShaderProgram>
 #include <QtOpenGL/QOpenGLVertexArrayObject>
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <optional>
 #include <vector>
 
 namespace vantoraudio::bgfx::device {
 namespace {
 
-constexpr const char* TransformName = "u_modelViewProj";
-constexpr std::array<const char*, Attrib::Count> AttributeNames{"a_position", "a_color0"};
-
 using CurrentIfValid = std::unique_ptr<CurrentOpenGL>;
-
-QByteArray WithVersion(QOpenGLShader::ShaderType stage, const OpenGLContext& context, std::string_view text)
-{
-    const bool isFragment = stage == QOpenGLShader::Fragment;
-    QByteArray source;
-    if (context.IsEmbedded())
-        source = isFragment ? "#version 100\nprecision mediump float;\n" : "#version 100\n";
-    else if (!context.IsCoreProfile())
-        source = "#version 120\n";
-    else if (isFragment)
-        source = "#version 150\n#define varying in\nout vec4 fragColor;\n#define gl_FragColor fragColor\n";
-    else
-        source = "#version 150\n#define attribute in\n#define varying out\n";
-    return source.append(text.data(), qsizetype(text.size()));
-}
-
-class OpenGLProgram final : public Program
-{
-public:
-    explicit OpenGLProgram(OpenGLContext& context) : m_context(context) {}
-    ~OpenGLProgram() override
-    {
-        const CurrentOpenGL current(m_context);
-        m_program.reset();
-    }
-
-    bool Build(std::string_view vertexShader, std::string_view fragmentShader)
-    {
-        m_program.emplace();
-        if (!AddShader(QOpenGLShader::Vertex, vertexShader) || !AddShader(QOpenGLShader::Fragment, fragmentShader))
-            return false;
-        for (std::size_t i = 0; i < AttributeNames.size(); ++i)
-            m_program->bindAttributeLocation(AttributeNames[i], static_cast<int>(i));
-        return m_program->link();
-    }
-
-    void Use(const Matrix& transform, std::span<const UniformValue> uniforms) const
-    {
-        auto& gl = m_context.Functions();
-        gl.glUseProgram(m_program->programId());
-        gl.glUniformMatrix4fv(m_program->uniformLocation(TransformName), 1, GL_FALSE, transform.data());
-        for (const UniformValue& uniform : uniforms) {
-            const int location = m_program->uniformLocation(uniform.name.c_str());
-            gl.glUniform4fv(location, static_cast<GLsizei>(uniform.values.size() / 4), uniform.values.data());
-        }
-    }
-
-private:
-    bool AddShader(QOpenGLShader::ShaderType stage, std::string_view text)
-    {
-        return m_program->addShaderFromSourceCode(stage, WithVersion(stage, m_context, text));
-    }
-
-    OpenGLContext& m_context;
-    mutable std::optional<QOpenGLShaderProgram> m_program;
-};
 
 /** The vertices of an indexed draw one by one, since OpenGL ES 2 knows no 32-bit indices. */
 std::vector<std::uint8_t> Unindexed(const DrawCall& call)
@@ -86,100 +26,6 @@ std::vector<std::uint8_t> Unindexed(const DrawCall& call)
     for (const std::uint32_t index : call.indices)
         into = std::ranges::copy(call.vertices.subspan(index * stride, stride), into).out;
     return bytes;
-}
-
-struct LineVertex
-{
-    StripPoint at;
-    std::array<std::uint8_t, 4> color{};
-};
-
-VertexLayout LineVertexLayout()
-{
-    VertexLayout layout;
-    layout.begin()
-        .add(Attrib::Position, 2, AttribType::Float)
-        .add(Attrib::Color0, 4, AttribType::Uint8, true)
-        .end();
-    return layout;
-}
-
-/**
- * Adds a line in window coordinates, moved by a hair across its direction. A line right on the border between two
- * pixels belongs to either by OpenGL's rules, and on the picture's left edge some drivers drop it; so it falls to
- * the pixel behind the border everywhere, as the Software device has it. Along its direction it stays, lest its
- * end comes to lie inside a pixel's diamond, whose pixel OpenGL would leave out.
- */
-void AppendLine(std::vector<LineVertex>& lines, LineVertex start, LineVertex end)
-{
-    constexpr float Hair = 1.0F / 64.0F;
-    const bool steep = std::fabs(end.at.y - start.at.y) > std::fabs(end.at.x - start.at.x);
-    for (LineVertex* vertex : {&start, &end}) {
-        (steep ? vertex->at.x : vertex->at.y) += Hair;
-        lines.push_back(*vertex);
-    }
-}
-
-/** All runs as separate lines, to be drawn in one go. */
-std::vector<LineVertex> ToLines(const ReducedStrip& strip)
-{
-    std::vector<LineVertex> lines;
-    lines.reserve(strip.points.size() * 2);
-    auto nextStart = strip.runStarts.begin();
-    for (std::size_t i = 0; i < strip.points.size(); ++i) {
-        const bool startsRun = nextStart != strip.runStarts.end() && *nextStart == i;
-        if (startsRun)
-            ++nextStart;
-        else
-            AppendLine(lines, {strip.points[i - 1]}, {strip.points[i]});
-    }
-    return lines;
-}
-
-std::optional<LineVertex> ToLineVertex(const DrawCall& call, int targetHeight, std::size_t i)
-{
-    const std::uint32_t index = call.indices.empty() ? static_cast<std::uint32_t>(i) : call.indices[i];
-    const ClipPoint clip = Transform(call.transform, PositionReader(call.layout, call.vertices)(index));
-    const WindowPoint window = ToWindow(call.viewport, targetHeight, clip);
-    LineVertex vertex{{float(window.x), float(window.y)}};
-    if (!std::isfinite(vertex.at.x) || !std::isfinite(vertex.at.y))
-        return std::nullopt;
-    if (call.layout.has(Attrib::Color0)) {
-        const std::size_t offset =
-            std::size_t{index} * call.layout.getStride() + call.layout.getOffset(Attrib::Color0);
-        std::ranges::copy(call.vertices.subspan(offset, vertex.color.size()), vertex.color.begin());
-    }
-    return vertex;
-}
-
-/** The lines of a list or strip; those at vertices that are not finite are left out. */
-std::vector<LineVertex> ToLines(const DrawCall& call, int targetHeight)
-{
-    const std::size_t count = call.indices.empty() ? call.vertexCount : call.indices.size();
-    const std::size_t step = call.topology == Topology::Lines ? 2 : 1;
-    std::vector<LineVertex> lines;
-    for (std::size_t i = 0; i + 1 < count; i += step) {
-        const auto start = ToLineVertex(call, targetHeight, i);
-        const auto end = ToLineVertex(call, targetHeight, i + 1);
-        if (start && end)
-            AppendLine(lines, *start, *end);
-    }
-    return lines;
-}
-
-/** From window coordinates to -1..1 in the viewport. */
-Matrix FromWindow(const Rect& viewport, int targetHeight)
-{
-    const float width = float(std::max(1, viewport.width));
-    const float height = float(std::max(1, viewport.height));
-    const float bottom = float(targetHeight - viewport.y - viewport.height);
-    Matrix matrix{};
-    matrix[0] = 2.0F / width;
-    matrix[5] = 2.0F / height;
-    matrix[12] = -1.0F - 2.0F * float(viewport.x) / width;
-    matrix[13] = -1.0F - 2.0F * bottom / height;
-    matrix[15] = 1.0F;
-    return matrix;
 }
 
 class OpenGLTarget final : public Target
@@ -213,12 +59,10 @@ public:
         gl.glColorMask(rgb, rgb, rgb, static_cast<GLboolean>(call.writeAlpha));
         SetBlend(gl, call.blend);
         const auto& shading = static_cast<const OpenGLProgram&>(program);
-        const int height = m_frameBuffer->height();
         if (call.topology == Topology::Triangles)
             DrawTriangles(gl, shading, call);
         else
-            DrawLines(gl, shading, call,
-                      IsReducible(call) ? ToLines(ReduceStrip(call, height)) : ToLines(call, height));
+            DrawLines(gl, shading, call, ToWindowLines(call, m_frameBuffer->height()));
     }
 
     void Read(std::span<std::uint8_t> pixels) override

@@ -3,6 +3,7 @@
 #include <QtTest/QtTest>
 
 #include <cmath>
+#include <optional>
 
 using namespace vantoraudio;
 using namespace vantoraudio::vantorAudioEngine::UI;
@@ -52,23 +53,22 @@ private Q_SLOTS:
         QVERIFY(!WaveformTestAccess::HasProgram(diagram)); // dropped with the device that it was made for
         const QImage bySoftware = WaveformPicture(diagram).Image();
         QCOMPARE(bySoftware.size(), byOpenGL.size());
+        // Lines may differ by a pixel where they pass between two.
         const double share = DifferingShare(byOpenGL, bySoftware);
-        QVERIFY2(share < 0.01, qPrintable(QString::number(share)));
+        QVERIFY2(share < 0.02, qPrintable(QString::number(share)));
 
         QVERIFY(UseDevice(bgfx::RendererType::OpenGL));
         QCOMPARE(WaveformPicture(diagram).Image(), byOpenGL);
     }
 
-    void anAbsentProgramEndsTheFrameWithAnException()
+    void anAbsentProgramIsAnException()
     {
-        QVERIFY(UseDevice(bgfx::RendererType::Noop));
-        BGFXWaveformDiagramWidget diagram;
-        PrepareForPictures(diagram);
-        QVERIFY_EXCEPTION_THROWN(WaveformTestAccess::PaintWithoutEvent(diagram), std::bad_optional_access);
-        QVERIFY(!WaveformTestAccess::HasProgram(diagram));
+        bgfx::shutdown(); // no device, no programs
+        WaveformProgram program;
+        QVERIFY_THROWS_EXCEPTION(std::bad_optional_access, program.EnsureCreated());
         QVERIFY(UseDevice(bgfx::RendererType::Software));
-        diagram.grab();
-        QVERIFY(WaveformTestAccess::HasProgram(diagram));
+        program.EnsureCreated();
+        QVERIFY(bgfx::isValid(program.Handle()));
     }
 
     void nothingIsLeftOnTheDeviceBehindAWidget()

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "render/bgfx/device/StripReduction.h"
+
+#include <array>
+#include <vector>
+
+namespace vantoraudio::bgfx::device {
+
+/** An end of a line, in the window coordinates of a target. */
+struct LineVertex
+{
+    StripPoint at;
+    std::array<std::uint8_t, 4> color{};
+};
+
+VertexLayout LineVertexLayout();
+
+/**
+ * The lines of a line list or strip, two vertices each, ready to be drawn with FromWindow(). Reduced where that is
+ * possible; lines at vertices that are not finite are left out.
+ */
+std::vector<LineVertex> ToWindowLines(const DrawCall& call, int targetHeight);
+
+/** From window coordinates to -1..1 in the viewport. */
+Matrix FromWindow(const Rect& viewport, int targetHeight);
+
+} // namespace vantoraudio::bgfx::device
