@@ -16,8 +16,9 @@ Matrix Multiply(const Matrix& left, const Matrix& right)
     Matrix product{};
     for (std::size_t column = 0; column < 4; ++column) {
         for (std::size_t row = 0; row < 4; ++row) {
-            for (std::size_t i = 0; i < 4; ++i)
+            for (std::size_t i = 0; i < 4; ++i) {
                 product[column * 4 + row] += left[i * 4 + row] * right[column * 4 + i];
+            }
         }
     }
     return product;
@@ -39,8 +40,9 @@ device::Blend BlendOf(std::uint64_t state)
 {
     constexpr std::uint64_t AlphaSourceMask = BGFX_STATE_BLEND_FUNC_SEPARATE(0, 0, 0xf000, 0);
     constexpr std::uint64_t AlphaSourceOne = BGFX_STATE_BLEND_FUNC_SEPARATE(0, 0, BGFX_STATE_BLEND_ONE, 0);
-    if (!(state & BGFX_STATE_BLEND_MASK))
+    if (!(state & BGFX_STATE_BLEND_MASK)) {
         return device::Blend::None;
+    }
     return (state & AlphaSourceMask) == AlphaSourceOne ? device::Blend::Over : device::Blend::Alpha;
 }
 
@@ -54,11 +56,13 @@ public:
     std::uint32_t Run()
     {
         for (std::size_t id = 0; id < MaxViews; ++id) {
-            if (m_recorder.touched.test(id))
+            if (m_recorder.touched.test(id)) {
                 RunView(static_cast<ViewId>(id));
+            }
         }
-        for (const RecordedRead& read : m_recorder.reads)
+        for (const RecordedRead& read : m_recorder.reads) {
             Read(read);
+        }
         return m_drawCount;
     }
 
@@ -66,28 +70,34 @@ private:
     void RunView(ViewId id)
     {
         for (const RecordedBlit& blit : m_recorder.blits) {
-            if (blit.view == id)
+            if (blit.view == id) {
                 Blit(blit);
+            }
         }
         const View& view = m_recorder.views[id];
         device::Target* target = TargetOf(view.frameBuffer);
-        if (!target)
+        if (!target) {
             return;
-        if (view.clearFlags & BGFX_CLEAR_COLOR)
+        }
+        if (view.clearFlags & BGFX_CLEAR_COLOR) {
             target->Clear(view.rect, view.clearRgba);
+        }
         for (const RecordedDraw& draw : m_recorder.draws) {
-            if (draw.view == id)
+            if (draw.view == id) {
                 Draw(*target, view, draw);
+            }
         }
     }
 
     device::Target* TargetOf(FrameBufferHandle handle)
     {
         FrameBuffer* frameBuffer = m_resources.frameBuffers.Find(handle);
-        if (!frameBuffer)
+        if (!frameBuffer) {
             return nullptr;
-        if (!frameBuffer->target)
+        }
+        if (!frameBuffer->target) {
             frameBuffer->target = m_resources.device->CreateTarget(frameBuffer->width, frameBuffer->height);
+        }
         return frameBuffer->target.get();
     }
 
@@ -95,14 +105,16 @@ private:
     {
         const ProgramObject* object = m_resources.programs.Find(draw.program);
         DrawCall call;
-        if (!object || !object->program || !SetVertices(call, draw.state.vertices))
+        if (!object || !object->program || !SetVertices(call, draw.state.vertices)) {
             return;
+        }
         const auto indices = IndicesOf(draw.state.indices);
         if (indices) {
             // An index beyond the vertices would read foreign memory.
             if (indices->empty() ||
-                std::ranges::any_of(*indices, [&](std::uint32_t index) { return index >= call.vertexCount; }))
+                std::ranges::any_of(*indices, [&](std::uint32_t index) { return index >= call.vertexCount; })) {
                 return;
+            }
             call.indices = *indices;
         }
         const std::uint64_t state = draw.state.state;
@@ -132,8 +144,9 @@ private:
                             std::uint32_t start, std::uint32_t count)
     {
         const std::size_t stride = layout.getStride();
-        if (stride == 0 || start >= bytes.size() / stride)
+        if (stride == 0 || start >= bytes.size() / stride) {
             return false;
+        }
         const std::size_t drawn = std::min<std::size_t>(count, bytes.size() / stride - start);
         call.layout = layout;
         call.vertices = bytes.subspan(start * stride, drawn * stride);
@@ -147,8 +160,9 @@ private:
             const TransientIndices& indices = m_recorder.transientIndices[source.transient];
             return WidenIndices(indices.bytes, indices.index16);
         }
-        if (const IndexBuffer* buffer = m_resources.indexBuffers.Find(source.buffer))
+        if (const IndexBuffer* buffer = m_resources.indexBuffers.Find(source.buffer)) {
             return buffer->indices;
+        }
         return std::nullopt;
     }
 
@@ -156,17 +170,20 @@ private:
     {
         Texture* destination = m_resources.textures.Find(blit.destination);
         const Texture* source = m_resources.textures.Find(blit.source);
-        if (!destination || !source)
+        if (!destination || !source) {
             return;
+        }
         device::Target* target = TargetOf(source->frameBuffer);
-        if (!target)
+        if (!target) {
             return;
+        }
         const Rect from = blit.sourceRect;
         const int width = std::min({from.width, source->width - from.x, destination->width - blit.destinationX});
         const int height =
             std::min({from.height, source->height - from.y, destination->height - blit.destinationY});
-        if (width <= 0 || height <= 0)
+        if (width <= 0 || height <= 0) {
             return;
+        }
         const bool whole = width == source->width && width == destination->width && height == source->height &&
                            height == destination->height;
         if (whole) {
@@ -184,8 +201,9 @@ private:
 
     void Read(const RecordedRead& read) const
     {
-        if (const Texture* texture = m_resources.textures.Find(read.texture))
+        if (const Texture* texture = m_resources.textures.Find(read.texture)) {
             std::ranges::copy(texture->pixels, read.data);
+        }
     }
 
     Resources& m_resources;

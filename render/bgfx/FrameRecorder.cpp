@@ -7,14 +7,18 @@ namespace vantoraudio::bgfx {
 void FrameRecorder::Discard(std::uint8_t flags)
 {
     const DrawState fresh;
-    if (flags & BGFX_DISCARD_STATE)
+    if (flags & BGFX_DISCARD_STATE) {
         next.state = fresh.state;
-    if (flags & BGFX_DISCARD_TRANSFORM)
+    }
+    if (flags & BGFX_DISCARD_TRANSFORM) {
         next.model = fresh.model;
-    if (flags & BGFX_DISCARD_VERTEX_STREAMS)
+    }
+    if (flags & BGFX_DISCARD_VERTEX_STREAMS) {
         next.vertices = fresh.vertices;
-    if (flags & BGFX_DISCARD_INDEX_BUFFER)
+    }
+    if (flags & BGFX_DISCARD_INDEX_BUFFER) {
         next.indices = fresh.indices;
+    }
 }
 
 void FrameRecorder::Forget(DynamicVertexBufferHandle handle)
@@ -33,8 +37,9 @@ void FrameRecorder::Forget(TextureHandle handle)
 void FrameRecorder::Forget(FrameBufferHandle handle)
 {
     for (View& view : views) {
-        if (view.frameBuffer.idx == handle.idx)
+        if (view.frameBuffer.idx == handle.idx) {
             view.frameBuffer = {};
+        }
     }
 }
 

@@ -17,8 +17,9 @@ public:
     Handle Add(Object object)
     {
         const std::size_t slot = FreeSlot();
-        if (slot >= MaxSlots)
+        if (slot >= MaxSlots) {
             return {};
+        }
         m_slots[slot] = std::make_unique<Object>(std::move(object));
         m_next = slot + 1;
         ++m_count;
@@ -36,16 +37,18 @@ public:
     [[nodiscard]] Handle FindIf(Predicate matches) const
     {
         for (std::size_t slot = 0; slot < m_slots.size(); ++slot) {
-            if (m_slots[slot] && matches(*m_slots[slot]))
+            if (m_slots[slot] && matches(*m_slots[slot])) {
                 return {static_cast<std::uint16_t>(slot)};
+            }
         }
         return {};
     }
 
     void Remove(Handle handle)
     {
-        if (!Find(handle))
+        if (!Find(handle)) {
             return;
+        }
         m_slots[handle.idx].reset();
         --m_count;
     }
@@ -54,8 +57,9 @@ public:
     void ForEach(Visitor visit)
     {
         for (auto& slot : m_slots) {
-            if (slot)
+            if (slot) {
                 visit(*slot);
+            }
         }
     }
 
@@ -69,15 +73,18 @@ private:
 
     std::size_t FreeSlot()
     {
-        if (m_next < TurnLength && m_next >= m_slots.size())
+        if (m_next < TurnLength && m_next >= m_slots.size()) {
             m_slots.resize(m_next + 1);
+        }
         for (std::size_t tried = 0; tried < m_slots.size(); ++tried) {
             const std::size_t slot = (m_next + tried) % m_slots.size();
-            if (!m_slots[slot])
+            if (!m_slots[slot]) {
                 return slot;
+            }
         }
-        if (m_slots.size() >= MaxSlots)
+        if (m_slots.size() >= MaxSlots) {
             return MaxSlots;
+        }
         m_slots.emplace_back();
         return m_slots.size() - 1;
     }

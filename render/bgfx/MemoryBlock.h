@@ -15,8 +15,9 @@ struct MemoryBlock : Memory
     MemoryBlock& operator=(const MemoryBlock&) = delete;
     ~MemoryBlock()
     {
-        if (release)
+        if (release) {
             release(data, userData);
+        }
     }
 
     [[nodiscard]] std::span<const std::uint8_t> Bytes() const { return {data, size}; }

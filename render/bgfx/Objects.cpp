@@ -17,8 +17,9 @@ std::uint32_t AvailableTransient(std::uint32_t num, std::size_t elementSize)
 IndexBufferHandle createIndexBuffer(const Memory* mem, std::uint16_t flags)
 {
     const MemoryOwner memory = TakeMemory(mem);
-    if (!memory)
+    if (!memory) {
         return {};
+    }
     return Objects().indexBuffers.Add({WidenIndices(memory->Bytes(), !(flags & BGFX_BUFFER_INDEX32))});
 }
 
@@ -31,8 +32,9 @@ DynamicVertexBufferHandle createDynamicVertexBuffer(std::uint32_t num, const Ver
                                                     std::uint16_t flags)
 {
     const std::uint64_t size = std::uint64_t{num} * layout.getStride();
-    if (size > UINT32_MAX)
+    if (size > UINT32_MAX) {
         return {};
+    }
     auto memory = MakeOwnedMemory(static_cast<std::uint32_t>(size));
     std::fill_n(memory->data, memory->size, std::uint8_t{0});
     return createDynamicVertexBuffer(memory.release(), layout, flags);
@@ -48,8 +50,9 @@ void update(DynamicVertexBufferHandle handle, std::uint32_t startVertex, const M
 {
     MemoryOwner memory = TakeMemory(mem);
     VertexBuffer* buffer = Objects().vertexBuffers.Find(handle);
-    if (buffer && memory)
+    if (buffer && memory) {
         buffer->Update(startVertex, std::move(memory));
+    }
 }
 
 void destroy(DynamicVertexBufferHandle handle)
@@ -91,8 +94,9 @@ void allocTransientIndexBuffer(TransientIndexBuffer* buffer, std::uint32_t num, 
 ShaderHandle createShader(const Memory* mem)
 {
     const MemoryOwner memory = TakeMemory(mem);
-    if (!memory)
+    if (!memory) {
         return {};
+    }
     const auto bytes = memory->Bytes();
     return Objects().shaders.Add({std::string(bytes.begin(), bytes.end())});
 }
@@ -132,8 +136,9 @@ void destroy(UniformHandle handle)
 void setUniform(UniformHandle handle, const void* value, std::uint16_t num)
 {
     Uniform* uniform = Objects().uniforms.Find(handle);
-    if (!uniform)
+    if (!uniform) {
         return;
+    }
     Recorder().uniforms.reset();
     const std::size_t floats = std::min(uniform->values.size(), std::size_t{num} * 4);
     std::memcpy(uniform->values.data(), value, floats * sizeof(float));
@@ -144,17 +149,19 @@ TextureHandle createTexture2D(std::uint16_t width, std::uint16_t height, bool, s
 {
     const MemoryOwner memory = TakeMemory(mem);
     Texture texture{width, height, flags, std::vector<std::uint8_t>(std::size_t{4} * width * height), {}};
-    if (memory)
+    if (memory) {
         std::copy_n(memory->data, std::min<std::size_t>(memory->size, texture.pixels.size()),
                     texture.pixels.data());
+    }
     return Objects().textures.Add(std::move(texture));
 }
 
 void destroy(TextureHandle handle)
 {
     const Texture* texture = Objects().textures.Find(handle);
-    if (!texture || isValid(texture->frameBuffer))
+    if (!texture || isValid(texture->frameBuffer)) {
         return;
+    }
     Recorder().Forget(handle);
     Objects().textures.Remove(handle);
 }
@@ -162,8 +169,9 @@ void destroy(TextureHandle handle)
 std::uint32_t readTexture(TextureHandle handle, void* data, std::uint8_t)
 {
     const Texture* texture = Objects().textures.Find(handle);
-    if (!texture || !(texture->flags & BGFX_TEXTURE_READ_BACK))
+    if (!texture || !(texture->flags & BGFX_TEXTURE_READ_BACK)) {
         return 0;
+    }
     Recorder().reads.push_back({handle, static_cast<std::uint8_t*>(data)});
     return TheContext().frameNumber + 1;
 }
@@ -175,8 +183,9 @@ FrameBufferHandle createFrameBuffer(std::uint16_t width, std::uint16_t height, T
 
 void destroy(FrameBufferHandle handle)
 {
-    if (!Objects().frameBuffers.Find(handle))
+    if (!Objects().frameBuffers.Find(handle)) {
         return;
+    }
     Recorder().Forget(getTexture(handle));
     Recorder().Forget(handle);
     Objects().DestroyFrameBuffer(handle);

@@ -51,8 +51,9 @@ void VertexBuffer::Update(std::uint32_t startVertex, MemoryOwner source)
     const std::uint64_t offset = std::uint64_t{startVertex} * layout.getStride();
     const std::uint64_t wantedSize = std::max<std::uint64_t>(oldSize, offset + source->size);
     const auto newSize = resizable && wantedSize <= UINT32_MAX ? static_cast<std::uint32_t>(wantedSize) : oldSize;
-    if (offset >= newSize)
+    if (offset >= newSize) {
         return;
+    }
     auto block = OwnedCopy(memory ? memory->Bytes() : std::span<const std::uint8_t>{}, newSize);
     std::copy_n(source->data, std::min<std::uint64_t>(source->size, newSize - offset), block->data + offset);
     memory = std::move(block);
@@ -81,8 +82,9 @@ ProgramHandle Resources::CreateProgram(ShaderHandle vertexShader, ShaderHandle f
 {
     const Shader* vertex = shaders.Find(vertexShader);
     const Shader* fragment = shaders.Find(fragmentShader);
-    if (!device || !vertex || !fragment)
+    if (!device || !vertex || !fragment) {
         return {};
+    }
     auto program = device->CreateProgram(vertex->text, fragment->text);
     return program ? programs.Add({std::move(program)}) : ProgramHandle{};
 }
@@ -100,17 +102,20 @@ UniformHandle Resources::CreateUniform(const char* name, std::uint16_t num)
 void Resources::ReleaseUniform(UniformHandle handle)
 {
     Uniform* uniform = uniforms.Find(handle);
-    if (uniform && --uniform->references == 0)
+    if (uniform && --uniform->references == 0) {
         uniforms.Remove(handle);
+    }
 }
 
 FrameBufferHandle Resources::CreateFrameBuffer(std::uint16_t width, std::uint16_t height)
 {
-    if (!device || width == 0 || height == 0 || std::max(width, height) > caps.limits.maxTextureSize)
+    if (!device || width == 0 || height == 0 || std::max(width, height) > caps.limits.maxTextureSize) {
         return {};
+    }
     const FrameBufferHandle handle = frameBuffers.Add({width, height, {}, nullptr});
-    if (isValid(handle))
+    if (isValid(handle)) {
         frameBuffers.Find(handle)->texture = textures.Add({width, height, BGFX_TEXTURE_RT, {}, handle});
+    }
     return handle;
 }
 

@@ -13,8 +13,9 @@ View* FindView(ViewId id)
 device::Matrix ReadMatrix(const void* floats)
 {
     device::Matrix matrix = Identity;
-    if (floats)
+    if (floats) {
         std::memcpy(matrix.data(), floats, sizeof(matrix));
+    }
     return matrix;
 }
 
@@ -31,8 +32,9 @@ void setViewMode(ViewId, ViewMode::Enum) {}
 
 void setViewRect(ViewId id, std::uint16_t x, std::uint16_t y, std::uint16_t width, std::uint16_t height)
 {
-    if (View* view = FindView(id))
+    if (View* view = FindView(id)) {
         view->rect = {x, y, width, height};
+    }
 }
 
 void setViewClear(ViewId id, std::uint16_t flags, std::uint32_t rgba, float, std::uint8_t)
@@ -53,14 +55,16 @@ void setViewTransform(ViewId id, const void* viewMatrix, const void* projection)
 
 void setViewFrameBuffer(ViewId id, FrameBufferHandle handle)
 {
-    if (View* view = FindView(id))
+    if (View* view = FindView(id)) {
         view->frameBuffer = handle;
+    }
 }
 
 void resetView(ViewId id)
 {
-    if (View* view = FindView(id))
+    if (View* view = FindView(id)) {
         *view = {};
+    }
 }
 
 void setState(std::uint64_t state, std::uint32_t)
@@ -102,16 +106,18 @@ void setVertexBuffer(std::uint8_t, const TransientVertexBuffer* buffer)
 
 void touch(ViewId id)
 {
-    if (id < MaxViews)
+    if (id < MaxViews) {
         Recorder().touched.set(id);
+    }
 }
 
 void submit(ViewId id, ProgramHandle program, std::uint32_t, std::uint8_t flags)
 {
     FrameRecorder& recorder = Recorder();
     if (id < MaxViews) {
-        if (!recorder.uniforms)
+        if (!recorder.uniforms) {
             recorder.uniforms = TakeUniforms();
+        }
         recorder.draws.push_back({id, program, recorder.next, recorder.uniforms});
         touch(id);
     }
@@ -127,8 +133,9 @@ void blit(ViewId id, TextureHandle dst, std::uint16_t dstX, std::uint16_t dstY, 
           std::uint16_t srcX, std::uint16_t srcY, std::uint16_t width, std::uint16_t height)
 {
     const Texture* destination = Objects().textures.Find(dst);
-    if (id >= MaxViews || !destination || !(destination->flags & BGFX_TEXTURE_BLIT_DST))
+    if (id >= MaxViews || !destination || !(destination->flags & BGFX_TEXTURE_BLIT_DST)) {
         return;
+    }
     Recorder().blits.push_back({id, dst, dstX, dstY, src, {srcX, srcY, width, height}});
     touch(id);
 }

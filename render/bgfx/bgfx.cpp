@@ -24,8 +24,9 @@ std::unique_ptr<ExitHook>& TheExitHook()
 void Carry(Context& context)
 {
     Resources& resources = context.resources;
-    if (!resources.device || resources.deviceLost)
+    if (!resources.device || resources.deviceLost) {
         return;
+    }
     if (!resources.device->BeginFrame()) {
         resources.deviceLost = true;
         return;
@@ -60,28 +61,33 @@ bool DeviceLifetime::Ensure()
         shutdown();
         return init({RendererType::Software});
     }
-    if (Objects().device)
+    if (Objects().device) {
         return true;
+    }
     return QCoreApplication::instance() && !QCoreApplication::closingDown() && init();
 }
 
 bool init(const Init& wanted)
 {
-    if (Objects().device)
+    if (Objects().device) {
         return false;
+    }
     auto device = device::MakeDevice(wanted.type);
-    if (!device)
+    if (!device) {
         return false;
+    }
     Objects().AdoptDevice(std::move(device));
-    if (QCoreApplication::instance())
+    if (QCoreApplication::instance()) {
         TheExitHook() = std::make_unique<ExitHook>();
+    }
     return true;
 }
 
 void shutdown()
 {
-    if (!Objects().device)
+    if (!Objects().device) {
         return;
+    }
     Q_EMIT DeviceLifetime::Get().AboutToShutDown();
     Recorder().Clear();
     Objects().ReleaseDevice();
@@ -123,8 +129,9 @@ std::uint32_t frame(std::uint8_t flags)
 {
     Context& context = TheContext();
     context.lastDrawCount = 0;
-    if (!(flags & BGFX_FRAME_DISCARD))
+    if (!(flags & BGFX_FRAME_DISCARD)) {
         Carry(context);
+    }
     context.recorder.Clear();
     return ++context.frameNumber;
 }

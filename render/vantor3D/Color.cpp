@@ -1,14 +1,15 @@
 #include "render/vantor3D/Color.h"
 
+#include <algorithm>
+#include <cmath>
+
 namespace vantoraudio::vantor3D {
 namespace {
 
 /** Written so that what is not a number becomes 0. */
 std::uint32_t ToByte(float component)
 {
-    if (!(component > 0.0F))
-        return 0;
-    return component < 1.0F ? static_cast<std::uint32_t>(component * 255.0F + 0.5F) : 255;
+    return component > 0.0F ? static_cast<std::uint32_t>(std::lround(std::min(component, 1.0F) * 255.0F)) : 0U;
 }
 
 } // namespace

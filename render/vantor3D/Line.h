@@ -9,8 +9,8 @@ namespace vantoraudio::vantor3D {
 /** A straight line of one colour between two points of the scene (x, y, z). */
 struct Line
 {
-    std::array<float, 3> start;
-    std::array<float, 3> end;
+    std::array<float, 3> start{};
+    std::array<float, 3> end{};
     Color color;
 };
 

@@ -28,8 +28,9 @@ ProgramFactory::ProgramFactory()
 
 void ProgramFactory::DropPrograms()
 {
-    for (const auto& [names, program] : m_programs)
+    for (const auto& [names, program] : m_programs) {
         bgfx::destroy(program);
+    }
     m_programs.clear();
 }
 
@@ -37,15 +38,18 @@ std::optional<bgfx::ProgramHandle> ProgramFactory::CreateProgram(std::string_vie
                                                                  std::string_view fragmentShader)
 {
     std::pair names{std::string(vertexShader), std::string(fragmentShader)};
-    if (const auto known = m_programs.find(names); known != m_programs.end())
+    if (const auto known = m_programs.find(names); known != m_programs.end()) {
         return known->second;
+    }
     const auto vertexText = ShaderText(vertexShader, bgfx::getRendererType());
     const auto fragmentText = ShaderText(fragmentShader, bgfx::getRendererType());
-    if (!vertexText || !fragmentText)
+    if (!vertexText || !fragmentText) {
         return std::nullopt;
+    }
     const auto program = bgfx::createProgram(MakeShader(*vertexText), MakeShader(*fragmentText), true);
-    if (!bgfx::isValid(program))
+    if (!bgfx::isValid(program)) {
         return std::nullopt;
+    }
     m_programs.emplace(std::move(names), program);
     return program;
 }

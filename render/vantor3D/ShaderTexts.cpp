@@ -53,8 +53,9 @@ void main()
 std::optional<std::string_view> ShaderText(std::string_view name, bgfx::RendererType::Enum renderer)
 {
     const auto* shader = std::ranges::find(Shaders, name, &Shader::name);
-    if (shader == Shaders.end())
+    if (shader == Shaders.end()) {
         return std::nullopt;
+    }
     return renderer == bgfx::RendererType::OpenGL ? shader->openGL : shader->name;
 }
 

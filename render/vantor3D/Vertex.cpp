@@ -10,8 +10,9 @@ VertexLayout MakeLayout(std::uint8_t coordinates, bool withColor)
 {
     VertexLayout layout;
     layout.begin().add(Attrib::Position, coordinates, AttribType::Float);
-    if (withColor)
+    if (withColor) {
         layout.add(Attrib::Color0, 4, AttribType::Uint8, true);
+    }
     layout.end();
     return layout;
 }

@@ -48,15 +48,18 @@ BGFXRenderer& BGFXOffscreenWidget::Renderer()
 
 bgfx::FrameBufferHandle BGFXOffscreenWidget::FrameBuffer()
 {
-    if (!bgfx::DeviceLifetime::Ensure())
+    if (!bgfx::DeviceLifetime::Ensure()) {
         return {};
+    }
     // Asked for anew each time: the scale also changes when a window moves to another screen.
     const QSize size = ViewportRect().size();
-    if (size == m_frameSize)
+    if (size == m_frameSize) {
         return m_frameBuffer;
+    }
     ReleaseFrameBuffer();
-    if (size.isEmpty())
+    if (size.isEmpty()) {
         return {};
+    }
     m_frameBuffer = bgfx::createFrameBuffer(static_cast<std::uint16_t>(size.width()),
                                             static_cast<std::uint16_t>(size.height()), bgfx::TextureFormat::RGBA8);
     m_frameSize = size;
@@ -74,8 +77,9 @@ QRect BGFXOffscreenWidget::ViewportRect() const
 void BGFXOffscreenWidget::Flush()
 {
     QImage picture = m_renderer.Picture();
-    if (picture.isNull())
+    if (picture.isNull()) {
         return;
+    }
     const QSize wanted(ToDevicePixels(width(), devicePixelRatioF()),
                        ToDevicePixels(height(), devicePixelRatioF()));
     QPainter painter(this);
@@ -85,8 +89,9 @@ void BGFXOffscreenWidget::Flush()
     } else {
         painter.drawImage(rect(), picture);
     }
-    if (bgfx::DeviceLifetime::IsLost())
+    if (bgfx::DeviceLifetime::IsLost()) {
         update();
+    }
 }
 
 void BGFXOffscreenWidget::resizeEvent(QResizeEvent* event)

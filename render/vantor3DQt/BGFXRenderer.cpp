@@ -41,8 +41,9 @@ std::uint32_t ToVertexColor(const vantor3D::Color& color)
 void Append(std::vector<ColorVertex>& vertices, const vantor3D::Line& line)
 {
     const std::uint32_t color = ToVertexColor(line.color);
-    for (const auto& point : {line.start, line.end})
+    for (const auto& point : {line.start, line.end}) {
         vertices.push_back({point[0], point[1], point[2], color});
+    }
 }
 
 std::vector<ColorVertex> ToVertices(std::span<const vantor3D::Line> lines,
@@ -51,8 +52,9 @@ std::vector<ColorVertex> ToVertices(std::span<const vantor3D::Line> lines,
     std::vector<ColorVertex> vertices;
     for (const vantor3D::Line& line : lines) {
         if (stipple) {
-            for (const vantor3D::Line& dash : CutDashes(line, *stipple, view))
+            for (const vantor3D::Line& dash : CutDashes(line, *stipple, view)) {
                 Append(vertices, dash);
+            }
         } else if (IsFinite(line)) {
             Append(vertices, line);
         }
@@ -74,8 +76,9 @@ std::vector<std::uint16_t> DrawableTriangles(std::span<const ColorVertex> vertic
     std::vector<std::uint16_t> kept;
     for (std::size_t i = 0; i + 2 < indices.size(); i += 3) {
         const auto triangle = indices.subspan(i, 3);
-        if (std::ranges::all_of(triangle, drawable))
+        if (std::ranges::all_of(triangle, drawable)) {
             kept.insert(kept.end(), triangle.begin(), triangle.end());
+        }
     }
     return kept;
 }
@@ -87,8 +90,9 @@ void SetVertices(std::span<const ColorVertex> vertices)
     bgfx::TransientVertexBuffer buffer;
     bgfx::allocTransientVertexBuffer(
         &buffer, bgfx::getAvailTransientVertexBuffer(static_cast<std::uint32_t>(vertices.size()), layout), layout);
-    if (buffer.size > 0)
+    if (buffer.size > 0) {
         std::memcpy(buffer.data, vertices.data(), buffer.size);
+    }
     bgfx::setVertexBuffer(0, &buffer);
 }
 
@@ -105,13 +109,15 @@ BGFXRenderer::~BGFXRenderer()
 
 void BGFXRenderer::SetFrameSize(const QSize& size)
 {
-    if (size == m_size)
+    if (size == m_size) {
         return;
+    }
     bgfx::destroy(m_readBack);
     m_readBack = {};
     m_size = size;
-    if (size.isEmpty())
+    if (size.isEmpty()) {
         return;
+    }
     m_readBack = bgfx::createTexture2D(
         static_cast<std::uint16_t>(size.width()), static_cast<std::uint16_t>(size.height()), false, 1,
         bgfx::TextureFormat::RGBA8, bgfx::BGFX_TEXTURE_BLIT_DST | bgfx::BGFX_TEXTURE_READ_BACK);
@@ -119,13 +125,15 @@ void BGFXRenderer::SetFrameSize(const QSize& size)
 
 bool BGFXRenderer::StartFrame(bgfx::FrameBufferHandle frameBuffer)
 {
-    if (!bgfx::isValid(frameBuffer) || !bgfx::isValid(m_readBack) || !bgfx::DeviceLifetime::Ensure())
+    if (!bgfx::isValid(frameBuffer) || !bgfx::isValid(m_readBack) || !bgfx::DeviceLifetime::Ensure()) {
         return false;
+    }
     m_frameBuffer = frameBuffer;
     // A frame that an exception ended would turn up in this one, and so would the views of another widget.
     bgfx::frame(bgfx::BGFX_FRAME_DISCARD);
-    for (std::uint32_t id = 0; id < bgfx::getCaps()->limits.maxViews; ++id)
+    for (std::uint32_t id = 0; id < bgfx::getCaps()->limits.maxViews; ++id) {
         bgfx::resetView(static_cast<bgfx::ViewId>(id));
+    }
     return true;
 }
 
@@ -134,8 +142,9 @@ void BGFXRenderer::DrawLines(const BGFXViewContext& view, std::span<const vantor
 {
     const auto program = ColorProgram();
     const std::vector<ColorVertex> vertices = ToVertices(lines, stipple, StateOfView(view.Id()));
-    if (!program || vertices.empty())
+    if (!program || vertices.empty()) {
         return;
+    }
     SetVertices(vertices);
     bgfx::setState(STATE_LINES);
     bgfx::submit(view.Id(), *program);
@@ -146,8 +155,9 @@ void BGFXRenderer::DrawTriangles(const BGFXViewContext& view, std::span<const Co
 {
     const auto program = ColorProgram();
     const std::vector<std::uint16_t> kept = DrawableTriangles(vertices, indices);
-    if (!program || kept.empty())
+    if (!program || kept.empty()) {
         return;
+    }
     SetVertices(vertices);
     bgfx::TransientIndexBuffer buffer;
     bgfx::allocTransientIndexBuffer(&buffer,
@@ -163,8 +173,9 @@ void BGFXRenderer::PresentSubmittedFrame(bool)
     // Behind all views that draw: a view copies before it draws.
     const auto lastView = static_cast<bgfx::ViewId>(bgfx::getCaps()->limits.maxViews - 1);
     QImage rows(m_size, QImage::Format_RGBA8888);
-    if (rows.isNull())
+    if (rows.isNull()) {
         return;
+    }
     rows.fill(0);
     bgfx::blit(lastView, m_readBack, 0, 0, bgfx::getTexture(m_frameBuffer));
     const std::uint32_t available = bgfx::readTexture(m_readBack, rows.bits());

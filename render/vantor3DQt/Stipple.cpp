@@ -37,8 +37,9 @@ void Clip(Part& part, double start, double end, double limit)
 {
     const double way = end - start;
     if (way == 0.0) {
-        if (start < 0.0 || start > limit)
+        if (start < 0.0 || start > limit) {
             part.to = part.from - 1.0;
+        }
         return;
     }
     const auto [enter, leave] = std::minmax({-start / way, (limit - start) / way});
@@ -80,14 +81,16 @@ bool IsFinite(const Line& line)
 
 std::vector<Line> CutDashes(const Line& line, const LineStipple& stipple, const ViewState& view)
 {
-    if (!IsFinite(line))
+    if (!IsFinite(line)) {
         return {};
+    }
     const Point start = ToPixels(view, line.start);
     const Point end = ToPixels(view, line.end);
     const std::optional<Part> visible = VisiblePart(start, end, view.viewport);
     const double length = std::max(std::fabs(end.x - start.x), std::fabs(end.y - start.y));
-    if (!visible || !std::isfinite(length))
+    if (!visible || !std::isfinite(length)) {
         return {};
+    }
 
     // A cell is the stretch of one bit.
     const double cellLength = std::clamp(stipple.factor, 1, 256);
@@ -98,16 +101,19 @@ std::vector<Line> CutDashes(const Line& line, const LineStipple& stipple, const 
     };
     std::vector<Line> dashes;
     // Cells have whole numbers; where a line is so long that doubles skip some, nothing sensible can be drawn.
-    if (lastCell > 1e15)
+    if (lastCell > 1e15) {
         return dashes;
+    }
     for (double cell = firstCell; cell < lastCell;) {
         const double begin = cell;
-        while (cell < lastCell && IsOn(stipple.pattern, cell))
+        while (cell < lastCell && IsOn(stipple.pattern, cell)) {
             ++cell;
-        if (cell > begin)
+        }
+        if (cell > begin) {
             dashes.push_back({Between(line, partAt(begin)), Between(line, partAt(cell)), line.color});
-        else
+        } else {
             ++cell;
+        }
     }
     return dashes;
 }

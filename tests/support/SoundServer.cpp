@@ -27,6 +27,15 @@ std::optional<QString> Pactl(const QStringList& arguments)
 
 } // namespace
 
+#if defined(__SANITIZE_ADDRESS__)
+// Qt's FFmpeg backend leaks the options and probing buffers of every file that it opens.
+extern "C" Q_DECL_EXPORT const char* __lsan_default_suppressions();
+extern "C" Q_DECL_EXPORT const char* __lsan_default_suppressions()
+{
+    return "leak:libavutil.so\nleak:libffmpegmediaplugin.so\n";
+}
+#endif
+
 SoundServer::SoundServer(const QStringList& sinks)
 {
     QFile::setPermissions(m_folder.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);

@@ -6,9 +6,10 @@
 namespace vantoraudio::bgfx::device {
 namespace {
 
+/** Written so that what is not a number becomes 0. */
 std::uint8_t ToByte(float value)
 {
-    return static_cast<std::uint8_t>(std::clamp(value, 0.0F, 1.0F) * 255.0F + 0.5F);
+    return value > 0.0F ? static_cast<std::uint8_t>(std::lround(std::min(value, 1.0F) * 255.0F)) : std::uint8_t(0);
 }
 
 bool IsFinite(const Corner& corner)
@@ -40,8 +41,9 @@ void Put(Pixel& pixel, const Rgba& color, const Brush& brush)
         pixel.green = Mix(color[1], pixel.green, alpha, alpha);
         pixel.blue = Mix(color[2], pixel.blue, alpha, alpha);
     }
-    if (brush.writeAlpha)
+    if (brush.writeAlpha) {
         pixel.alpha = Mix(color[3], pixel.alpha, brush.blend == Blend::Alpha ? alpha : 1.0F, alpha);
+    }
 }
 
 /** One colour that replaces what was there. */
@@ -61,8 +63,9 @@ struct BlendingPaint
     static Rgba Between(const Rgba& start, const Rgba& end, double t)
     {
         Rgba color{};
-        for (std::size_t i = 0; i < color.size(); ++i)
+        for (std::size_t i = 0; i < color.size(); ++i) {
             color[i] = start[i] + (end[i] - start[i]) * static_cast<float>(t);
+        }
         return color;
     }
 };
@@ -76,8 +79,9 @@ bool IsSolid(const Brush& brush, const Rgba& color)
  *  them no pixel is left out or drawn twice. */
 double Crossing(WindowPoint a, WindowPoint b, double y)
 {
-    if (b.y < a.y)
+    if (b.y < a.y) {
         std::swap(a, b);
+    }
     return a.x + (y - a.y) * ((b.x - a.x) / (b.y - a.y));
 }
 
@@ -95,10 +99,12 @@ Canvas::Canvas(int width, int height)
 
 void Canvas::Fill(const PixelBox& box, Pixel pixel)
 {
-    if (box.IsEmpty())
+    if (box.IsEmpty()) {
         return;
-    for (int y = box.bottom; y < box.top; ++y)
+    }
+    for (int y = box.bottom; y < box.top; ++y) {
         std::fill_n(&At(box.left, y), box.right - box.left, pixel);
+    }
 }
 
 template<typename Paint>
@@ -120,8 +126,9 @@ void Canvas::TraceLine(const Corner& start, const Corner& end, const PixelBox& b
     for (int i = FirstCentre(std::min(from, to), lower, upper); i < last; ++i) {
         const double way = i + 0.5 - from;
         const double position = across + way * slope;
-        if (!Contains(position, acrossLower, acrossUpper))
+        if (!Contains(position, acrossLower, acrossUpper)) {
             continue;
+        }
         const int j = static_cast<int>(position);
         paint(steep ? At(j, i) : At(i, j), Paint::Between(start.color, end.color, way / (to - from)));
     }
@@ -129,12 +136,14 @@ void Canvas::TraceLine(const Corner& start, const Corner& end, const PixelBox& b
 
 void Canvas::DrawLine(const Corner& start, const Corner& end, const PixelBox& box, const Brush& brush)
 {
-    if (box.IsEmpty() || !IsFinite(start) || !IsFinite(end))
+    if (box.IsEmpty() || !IsFinite(start) || !IsFinite(end)) {
         return;
-    if (start.color == end.color && IsSolid(brush, start.color))
+    }
+    if (start.color == end.color && IsSolid(brush, start.color)) {
         TraceLine(start, end, box, SolidPaint{Quantize(start.color)});
-    else
+    } else {
         TraceLine(start, end, box, BlendingPaint{brush});
+    }
 }
 
 template<typename Paint>
@@ -150,15 +159,18 @@ void Canvas::FillTriangle(const std::array<Corner, 3>& corners, const PixelBox& 
         for (std::size_t i = 0; i < 3 && found < 2; ++i) {
             const Corner& a = corners[i];
             const Corner& b = corners[(i + 1) % 3];
-            if ((a.at.y <= y) == (b.at.y <= y))
+            if ((a.at.y <= y) == (b.at.y <= y)) {
                 continue;
+            }
             const double t = (y - a.at.y) / (b.at.y - a.at.y);
             ends[found++] = {Crossing(a.at, b.at, y), Paint::Between(a.color, b.color, t)};
         }
-        if (found < 2)
+        if (found < 2) {
             continue;
-        if (ends[1].first < ends[0].first)
+        }
+        if (ends[1].first < ends[0].first) {
             std::swap(ends[0], ends[1]);
+        }
         const double width = ends[1].first - ends[0].first;
         const int lastColumn = FirstCentre(ends[1].first, box.left, box.right);
         for (int column = FirstCentre(ends[0].first, box.left, box.right); column < lastColumn; ++column) {
@@ -170,13 +182,15 @@ void Canvas::FillTriangle(const std::array<Corner, 3>& corners, const PixelBox& 
 
 void Canvas::DrawTriangle(const std::array<Corner, 3>& corners, const PixelBox& box, const Brush& brush)
 {
-    if (box.IsEmpty() || !std::ranges::all_of(corners, IsFinite))
+    if (box.IsEmpty() || !std::ranges::all_of(corners, IsFinite)) {
         return;
+    }
     const bool flat = corners[0].color == corners[1].color && corners[1].color == corners[2].color;
-    if (flat && IsSolid(brush, corners[0].color))
+    if (flat && IsSolid(brush, corners[0].color)) {
         FillTriangle(corners, box, SolidPaint{Quantize(corners[0].color)});
-    else
+    } else {
         FillTriangle(corners, box, BlendingPaint{brush});
+    }
 }
 
 } // namespace vantoraudio::bgfx::device

@@ -7,8 +7,9 @@ namespace vantoraudio::bgfx::device {
 
 std::unique_ptr<OpenGLContext> OpenGLContext::Make()
 {
-    if (!qobject_cast<QGuiApplication*>(QCoreApplication::instance()))
+    if (!qobject_cast<QGuiApplication*>(QCoreApplication::instance())) {
         return nullptr;
+    }
     std::unique_ptr<OpenGLContext> context(new OpenGLContext);
     return context->Create() ? std::move(context) : nullptr;
 }
@@ -17,8 +18,9 @@ bool OpenGLContext::Create()
 {
     // Not the application's default format: that may ask for what only its own windows need.
     m_context.setFormat(QSurfaceFormat());
-    if (!m_context.create())
+    if (!m_context.create()) {
         return false;
+    }
     m_surface.setFormat(m_context.format());
     m_surface.create();
     const CurrentOpenGL current(*this);
@@ -36,12 +38,14 @@ CurrentOpenGL::CurrentOpenGL(OpenGLContext& context)
 
 CurrentOpenGL::~CurrentOpenGL()
 {
-    if (m_nested)
+    if (m_nested) {
         return;
-    if (m_previous)
+    }
+    if (m_previous) {
         m_previous->makeCurrent(m_previousSurface);
-    else
+    } else {
         m_context.m_context.doneCurrent();
+    }
 }
 
 } // namespace vantoraudio::bgfx::device

@@ -23,8 +23,9 @@ std::vector<std::uint8_t> Unindexed(const DrawCall& call)
     const std::size_t stride = call.layout.getStride();
     std::vector<std::uint8_t> bytes(call.indices.size() * stride);
     auto into = bytes.begin();
-    for (const std::uint32_t index : call.indices)
+    for (const std::uint32_t index : call.indices) {
         into = std::ranges::copy(call.vertices.subspan(index * stride, stride), into).out;
+    }
     return bytes;
 }
 
@@ -59,17 +60,19 @@ public:
         gl.glColorMask(rgb, rgb, rgb, static_cast<GLboolean>(call.writeAlpha));
         SetBlend(gl, call.blend);
         const auto& shading = static_cast<const OpenGLProgram&>(program);
-        if (call.topology == Topology::Triangles)
+        if (call.topology == Topology::Triangles) {
             DrawTriangles(gl, shading, call);
-        else
+        } else {
             DrawLines(gl, shading, call, ToWindowLines(call, m_frameBuffer->height()));
+        }
     }
 
     void Read(std::span<std::uint8_t> pixels) override
     {
         const QSize size = m_frameBuffer->size();
-        if (pixels.size() < std::size_t(size.width()) * std::size_t(size.height()) * 4)
+        if (pixels.size() < std::size_t(size.width()) * std::size_t(size.height()) * 4) {
             return;
+        }
         auto& gl = m_context.Functions();
         m_frameBuffer->bind();
         gl.glPixelStorei(GL_PACK_ALIGNMENT, 1);
@@ -102,8 +105,9 @@ private:
     void DrawLines(QOpenGLFunctions& gl, const OpenGLProgram& program, const DrawCall& call,
                    const std::vector<LineVertex>& lines)
     {
-        if (lines.empty())
+        if (lines.empty()) {
             return;
+        }
         program.Use(FromWindow(call.viewport, m_frameBuffer->height()), call.uniforms);
         DrawVertices(gl, GL_LINES, LineVertexLayout(), lines.data(), lines.size());
     }
@@ -111,10 +115,11 @@ private:
     void DrawTriangles(QOpenGLFunctions& gl, const OpenGLProgram& program, const DrawCall& call)
     {
         program.Use(call.transform, call.uniforms);
-        if (call.indices.empty())
+        if (call.indices.empty()) {
             DrawVertices(gl, GL_TRIANGLES, call.layout, call.vertices.data(), call.vertexCount);
-        else
+        } else {
             DrawVertices(gl, GL_TRIANGLES, call.layout, Unindexed(call).data(), call.indices.size());
+        }
     }
 
     void DrawVertices(QOpenGLFunctions& gl, GLenum mode, const VertexLayout& layout, const void* vertices,
@@ -124,8 +129,9 @@ private:
         gl.glBindBuffer(GL_ARRAY_BUFFER, m_vertexBuffer);
         gl.glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(count * layout.getStride()), vertices,
                         GL_STREAM_DRAW);
-        for (unsigned i = 0; i < Attrib::Count; ++i)
+        for (unsigned i = 0; i < Attrib::Count; ++i) {
             SetAttribute(gl, layout, static_cast<Attrib::Enum>(i));
+        }
         gl.glDrawArrays(mode, 0, static_cast<GLsizei>(count));
     }
 
@@ -170,8 +176,9 @@ public:
         m_current.reset();
         const CurrentOpenGL current(*m_context);
         m_vertexArray.destroy();
-        if (current.IsValid())
+        if (current.IsValid()) {
             m_context->Functions().glDeleteBuffers(1, &m_vertexBuffer);
+        }
     }
 
     [[nodiscard]] RendererType::Enum Type() const override { return RendererType::OpenGL; }
@@ -181,8 +188,9 @@ public:
     bool BeginFrame() override
     {
         m_current = std::make_unique<CurrentOpenGL>(*m_context);
-        if (m_current->IsValid())
+        if (m_current->IsValid()) {
             return true;
+        }
         m_current.reset();
         return false;
     }
@@ -192,20 +200,23 @@ public:
     {
         const CurrentOpenGL current(*m_context);
         auto program = std::make_unique<OpenGLProgram>(*m_context);
-        if (!current.IsValid() || !program->Build(vertexShader, fragmentShader))
+        if (!current.IsValid() || !program->Build(vertexShader, fragmentShader)) {
             return nullptr;
+        }
         return program;
     }
 
     std::unique_ptr<Target> CreateTarget(int width, int height) override
     {
         const CurrentOpenGL current(*m_context);
-        if (!current.IsValid())
+        if (!current.IsValid()) {
             return nullptr;
+        }
         auto target =
             std::make_unique<OpenGLTarget>(*m_context, m_vertexArray, m_vertexBuffer, QSize(width, height));
-        if (!target->IsValid())
+        if (!target->IsValid()) {
             return nullptr;
+        }
         target->Clear({0, 0, width, height}, 0);
         return target;
     }

@@ -12,14 +12,15 @@ QByteArray WithVersion(QOpenGLShader::ShaderType stage, const OpenGLContext& con
 {
     const bool isFragment = stage == QOpenGLShader::Fragment;
     QByteArray source;
-    if (context.IsEmbedded())
+    if (context.IsEmbedded()) {
         source = isFragment ? "#version 100\nprecision mediump float;\n" : "#version 100\n";
-    else if (!context.IsCoreProfile())
+    } else if (!context.IsCoreProfile()) {
         source = "#version 120\n";
-    else if (isFragment)
+    } else if (isFragment) {
         source = "#version 150\n#define varying in\nout vec4 fragColor;\n#define gl_FragColor fragColor\n";
-    else
+    } else {
         source = "#version 150\n#define attribute in\n#define varying out\n";
+    }
     return source.append(text.data(), qsizetype(text.size()));
 }
 
@@ -34,10 +35,12 @@ OpenGLProgram::~OpenGLProgram()
 bool OpenGLProgram::Build(std::string_view vertexShader, std::string_view fragmentShader)
 {
     m_program.emplace();
-    if (!AddShader(QOpenGLShader::Vertex, vertexShader) || !AddShader(QOpenGLShader::Fragment, fragmentShader))
+    if (!AddShader(QOpenGLShader::Vertex, vertexShader) || !AddShader(QOpenGLShader::Fragment, fragmentShader)) {
         return false;
-    for (std::size_t i = 0; i < AttributeNames.size(); ++i)
+    }
+    for (std::size_t i = 0; i < AttributeNames.size(); ++i) {
         m_program->bindAttributeLocation(AttributeNames[i], static_cast<int>(i));
+    }
     return m_program->link();
 }
 

@@ -31,15 +31,17 @@ private:
     {
         Rgba color{};
         const auto uniform = std::ranges::find(call.uniforms, "u_waveformColor", &UniformValue::name);
-        if (uniform != call.uniforms.end() && uniform->values.size() >= color.size())
+        if (uniform != call.uniforms.end() && uniform->values.size() >= color.size()) {
             std::copy_n(uniform->values.begin(), color.size(), color.begin());
+        }
         return color;
     }
 
     static Rgba VertexColor(const DrawCall& call, std::uint32_t vertex)
     {
-        if (!call.layout.has(Attrib::Color0))
+        if (!call.layout.has(Attrib::Color0)) {
             return {};
+        }
         std::array<std::uint8_t, 4> bytes{};
         std::memcpy(bytes.data(),
                     call.vertices.data() + std::size_t{vertex} * call.layout.getStride() +
@@ -68,12 +70,13 @@ public:
     void Draw(const Program& program, const DrawCall& call) override
     {
         const auto& shading = static_cast<const SoftwareProgram&>(program);
-        if (IsReducible(call))
+        if (IsReducible(call)) {
             DrawReduced(shading, call);
-        else if (call.topology == Topology::Triangles)
+        } else if (call.topology == Topology::Triangles) {
             DrawTriangles(shading, call);
-        else
+        } else {
             DrawLines(shading, call);
+        }
     }
 
     void Read(std::span<std::uint8_t> pixels) override
@@ -114,9 +117,10 @@ private:
     {
         const std::size_t count = CountOf(call);
         const std::size_t step = call.topology == Topology::Lines ? 2 : 1;
-        for (std::size_t i = 0; i + 1 < count; i += step)
+        for (std::size_t i = 0; i + 1 < count; i += step) {
             m_canvas.DrawLine(CornerOf(program, call, i), CornerOf(program, call, i + 1), BoxOf(call),
                               BrushOf(call));
+        }
     }
 
     void DrawTriangles(const SoftwareProgram& program, const DrawCall& call)
@@ -150,10 +154,12 @@ private:
 std::unique_ptr<Program> SoftwareDevice::CreateProgram(std::string_view vertexShader,
                                                        std::string_view fragmentShader)
 {
-    if (vertexShader == "vs_waveform_basic_2d" && fragmentShader == "fs_waveform_samples")
+    if (vertexShader == "vs_waveform_basic_2d" && fragmentShader == "fs_waveform_samples") {
         return std::make_unique<SoftwareProgram>(ColorSource::Uniform);
-    if (vertexShader == "vs_color_3d" && fragmentShader == "fs_color")
+    }
+    if (vertexShader == "vs_color_3d" && fragmentShader == "fs_color") {
         return std::make_unique<SoftwareProgram>(ColorSource::Vertex);
+    }
     return nullptr;
 }
 

@@ -53,8 +53,9 @@ public:
         const std::uint8_t* const end = data + count * stride;
         while (data != end) {
             data = AbsorbIntoColumn(data, end, stride);
-            if (data == end)
+            if (data == end) {
                 break;
+            }
             StartColumn(Read(data));
             data += stride;
         }
@@ -74,8 +75,9 @@ private:
     /** The tight loop: stays while vertices are finite and in the column. */
     const std::uint8_t* AbsorbIntoColumn(const std::uint8_t* data, const std::uint8_t* end, std::size_t stride)
     {
-        if (m_column.count == 0)
+        if (m_column.count == 0) {
             return data;
+        }
         const float lower = m_column.lower;
         const float upper = m_column.upper;
         float least = m_column.least;
@@ -86,8 +88,9 @@ private:
             // False for values that are not numbers, too.
             const bool stays = bool(unsigned(point.x >= lower) & unsigned(point.x < upper) &
                                     unsigned(std::fabs(point.y) <= Largest));
-            if (!stays)
+            if (!stays) {
                 break;
+            }
             least = point.y < least ? point.y : least;
             greatest = point.y > greatest ? point.y : greatest;
         }
@@ -124,15 +127,17 @@ private:
     void FinishColumn()
     {
         const Column& column = m_column;
-        if (column.count == 0)
+        if (column.count == 0) {
             return;
+        }
         Emit(column.first);
         if (column.count > 2) {
             Emit({column.first.x, column.least});
             Emit({column.first.x, column.greatest});
         }
-        if (column.count > 1)
+        if (column.count > 1) {
             Emit(column.last);
+        }
         m_column.count = 0;
     }
 
@@ -148,8 +153,9 @@ private:
 
     void Emit(StripPoint point)
     {
-        if (!m_runOpen)
+        if (!m_runOpen) {
             m_result.runStarts.push_back(m_result.points.size());
+        }
         m_runOpen = true;
         m_result.points.push_back({m_x.Safe(point.x), m_y.Safe(point.y)});
     }
@@ -191,8 +197,9 @@ ReducedStrip ReduceStrip(const DrawCall& call, int targetHeight)
     const AxisMap x{double(m[0]) * 0.5 * viewport.width, origin.x};
     const AxisMap y{double(m[5]) * 0.5 * viewport.height, origin.y};
     const bool insideDepth = std::fabs(m[14]) <= 1.0F;
-    if (!IsFinite(x) || !IsFinite(y) || !insideDepth)
+    if (!IsFinite(x) || !IsFinite(y) || !insideDepth) {
         return {};
+    }
     return Reduction(x, y, viewport)
         .Run(call.vertices.data() + call.layout.getOffset(Attrib::Position), call.layout.getStride(),
              call.vertexCount);

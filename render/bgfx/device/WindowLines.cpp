@@ -31,10 +31,11 @@ std::vector<LineVertex> ToLines(const ReducedStrip& strip)
     auto nextStart = strip.runStarts.begin();
     for (std::size_t i = 0; i < strip.points.size(); ++i) {
         const bool startsRun = nextStart != strip.runStarts.end() && *nextStart == i;
-        if (startsRun)
+        if (startsRun) {
             ++nextStart;
-        else
+        } else {
             AppendLine(lines, {strip.points[i - 1]}, {strip.points[i]});
+        }
     }
     return lines;
 }
@@ -45,8 +46,9 @@ std::optional<LineVertex> ToLineVertex(const DrawCall& call, int targetHeight, s
     const ClipPoint clip = Transform(call.transform, PositionReader(call.layout, call.vertices)(index));
     const WindowPoint window = ToWindow(call.viewport, targetHeight, clip);
     LineVertex vertex{{float(window.x), float(window.y)}};
-    if (!std::isfinite(vertex.at.x) || !std::isfinite(vertex.at.y))
+    if (!std::isfinite(vertex.at.x) || !std::isfinite(vertex.at.y)) {
         return std::nullopt;
+    }
     if (call.layout.has(Attrib::Color0)) {
         const std::size_t offset =
             std::size_t{index} * call.layout.getStride() + call.layout.getOffset(Attrib::Color0);
@@ -63,8 +65,9 @@ std::vector<LineVertex> ToLines(const DrawCall& call, int targetHeight)
     for (std::size_t i = 0; i + 1 < count; i += step) {
         const auto start = ToLineVertex(call, targetHeight, i);
         const auto end = ToLineVertex(call, targetHeight, i + 1);
-        if (start && end)
+        if (start && end) {
             AppendLine(lines, *start, *end);
+        }
     }
     return lines;
 }
