@@ -9,10 +9,9 @@ namespace {
 // 16 and 24 bits are divided by their largest positive value and 32 bits multiplied by 2^-31, so only the former
 // reach slightly below -1. Views and stored lists depend on these very values.
 constexpr float largestS16 = 32767.0F;
-constexpr float largestS24 = 8388607.0F;
 constexpr float s32Scale = 4.656612873077393e-10F;
 
-// Each coding has its own way to the average; they differ in the last bit.
+// Each coding has its own way to the average. Within their usual range both give the same.
 float AverageInDouble(float left, float right)
 {
     return static_cast<float>(static_cast<double>(left + right) * 0.5);
@@ -128,15 +127,6 @@ void AppendS32Block(QList<float>& values, QByteArrayView block, int channelCount
 void AppendF32Block(QList<float>& values, QByteArrayView block, int channelCount, BlockPick pick)
 {
     AppendCoded<F32>(values, block, channelCount, pick);
-}
-
-float S24Value(const char* bytes)
-{
-    // Put together in the upper three bytes, so that the shift down extends the sign.
-    const quint32 shifted = static_cast<quint32>(static_cast<quint8>(bytes[0])) << 8 |
-                            static_cast<quint32>(static_cast<quint8>(bytes[1])) << 16 |
-                            static_cast<quint32>(static_cast<quint8>(bytes[2])) << 24;
-    return static_cast<float>(static_cast<qint32>(shifted) >> 8) / largestS24;
 }
 
 } // namespace vantoraudio::AudioEngine

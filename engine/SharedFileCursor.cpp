@@ -32,6 +32,17 @@ bool SharedFileCursor::ReadBlock(qint64 size, QByteArray& block)
     return !block.isEmpty();
 }
 
+void SharedFileCursor::MoveTo(qint64 position)
+{
+    if (position == m_position) {
+        return;
+    }
+    const QMutexLocker lock(&m_deviceLock);
+    if (m_isPlaced && position >= 0 && m_file.seek(position)) {
+        m_position = position;
+    }
+}
+
 qint64 SharedFileCursor::BytesLeftLocked() const
 {
     return m_isPlaced ? qMax(qint64(0), m_file.size() - m_position) : 0;

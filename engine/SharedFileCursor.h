@@ -33,6 +33,9 @@ public:
      */
     bool ReadBlock(qint64 size, QByteArray& block);
 
+    /** Goes to another place; a negative one, or one in a file that cannot be read, changes nothing. */
+    void MoveTo(qint64 position);
+
 private:
     qint64 BytesLeftLocked() const;
     qint64 ReadLocked(char* bytes, qint64 size);

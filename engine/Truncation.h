@@ -15,7 +15,7 @@ namespace vantoraudio::AudioEngine {
 template<typename Integer>
 [[nodiscard]] inline Integer TruncateTo(double value) noexcept
 {
-    // Both limits are powers of two (or one less), so the comparisons below are exact in double precision.
+    // Both limits are powers of two, so the comparisons below are exact in double precision.
     constexpr double lowest = static_cast<double>(std::numeric_limits<Integer>::min());
     constexpr double pastHighest = -lowest;
     static_assert(std::numeric_limits<Integer>::is_signed);
@@ -39,6 +39,12 @@ template<typename Integer>
 [[nodiscard]] inline std::int64_t TruncateToInt64(double value) noexcept
 {
     return TruncateTo<std::int64_t>(value);
+}
+
+/** The lowest 32 bits, as two's complement. */
+[[nodiscard]] constexpr std::int32_t WrapToInt32(std::int64_t value) noexcept
+{
+    return static_cast<std::int32_t>(value);
 }
 
 /** The product's lowest 32 bits, as two's complement: offsets past 2 GiB wrap around. */

@@ -1,7 +1,4 @@
-#include "engine/SampleBlocks.h"
-#include "engine/SharedFileCursor.h"
 #include "engine/SharedValue.h"
-#include "engine/Truncation.h"
 #include "engine/WavHeader.h"
 
 #include <vantorAudioEngine/WavFile.h>
@@ -10,14 +7,12 @@
 #include <QtCore/QMetaType>
 #include <QtCore/QMutexLocker>
 
+#include <limits>
 #include <mutex>
 
 using namespace vantoraudio::AudioEngine;
 
 namespace {
-
-/** How many values a block of an extraction yields. */
-constexpr qint64 valuesPerBlock = 200;
 
 /** Done when the library is loaded, so that the type is known by its name before anyone uses the class. */
 void RegisterMetaTypes()
@@ -25,7 +20,7 @@ void RegisterMetaTypes()
     qRegisterMetaType<WavFile::ChannelFormat>("WavFile::ChannelFormat");
 }
 
-/** A pipe would block for ever when it is opened, and a directory holds no audio. */
+/** Opening a pipe may block for ever, and a directory or a device holds no audio file. */
 bool IsRegularFile(const QString& fileName)
 {
     return QFileInfo(fileName).isFile();
@@ -77,6 +72,8 @@ WavFile::AudioEngineReturnValue WavFile::Open(const QString& fileName)
     if (bytesPerSample < 1 || m_fileFormat.channelCount() < 1) {
         return Success;
     }
+    // At a rate of 0 the duration becomes infinite, or not-a-number without data: ordinary values for callers.
+    static_assert(std::numeric_limits<double>::is_iec559);
     const double bytesPerSecond =
         double(m_fileFormat.channelCount()) * double(bytesPerSample) * double(m_fileFormat.sampleRate());
     m_duration = double(m_dataLength) / bytesPerSecond;
@@ -126,90 +123,6 @@ QList<float> WavFile::GetSamples() const
     return m_samples;
 }
 
-/** What one extraction reads, taken once when it starts. */
-struct WavFile::Extraction
-{
-    BlockFormat format;
-    BlockPick pick;
-    int frameSize = 0;
-    /** Positions in the file, in bytes. */
-    qint64 start = 0;
-    qint64 end = 0;
-
-    qint64 BlockSize() const { return valuesPerBlock * pick.step * frameSize; }
-    /** Whole blocks are read, so it may be more than lies between start and end. */
-    qint64 BytesToRead() const;
-    qint64 ValueCount(qint64 bytes) const;
-};
-
-qint64 WavFile::Extraction::BytesToRead() const
-{
-    if (start >= end || frameSize < 1) {
-        return 0;
-    }
-    const qint64 blockCount = (end - start + BlockSize() - 1) / BlockSize();
-    return blockCount * BlockSize();
-}
-
-qint64 WavFile::Extraction::ValueCount(qint64 bytes) const
-{
-    const qint64 bytesPerValue = qint64(pick.step) * frameSize;
-    return bytesPerValue < 1 ? 0 : (bytes + bytesPerValue - 1) / bytesPerValue;
-}
-
-void WavFile::ReadData(double startTime, double endTime, int stepSize)
-{
-    QList<float> samples = Extract(StartExtraction(startTime, endTime, stepSize));
-    if (!LoadShared(m_abortRead)) {
-        StoreSamples(samples);
-        Q_EMIT NewData();
-    }
-    Q_EMIT ProgressChanged(0, 0, 1, tr("Updated"));
-}
-
-WavFile::Extraction WavFile::StartExtraction(double startTime, double endTime, int stepSize)
-{
-    const QMutexLocker lock(&m_mutex);
-    StoreShared(m_abortRead, false);
-
-    const int frameSize = m_fileFormat.channelCount() * (m_sampleSize / 8);
-    // Offsets are 32-bit on purpose: those past 2 GiB of sample data wrap.
-    const auto position = [=, this](double time) {
-        const int frame = TruncateToInt32(double(m_fileFormat.sampleRate()) * time);
-        return m_dataOffset + MultiplyWrapping(frameSize, frame);
-    };
-    return {.format = {m_fileFormat, m_sampleSize},
-            .pick = {qMax(1, stepSize), GetSelectedChannel()},
-            .frameSize = frameSize,
-            .start = position(startTime),
-            .end = position(endTime)};
-}
-
-QList<float> WavFile::Extract(const Extraction& extraction)
-{
-    const QString progressText = tr("Updating...");
-    SharedFileCursor cursor(*this, m_deviceMutex, extraction.start);
-    QList<float> values;
-    values.reserve(extraction.ValueCount(qMin(extraction.BytesToRead(), cursor.BytesLeft())));
-    QByteArray block;
-    while (cursor.Position() < extraction.end && !LoadShared(m_abortRead)) {
-        // Measured from the beginning of the file on purpose: a range that starts late does not start at 0.
-        const double progress = double(cursor.Position()) / double(extraction.end) * 100.0;
-        Q_EMIT ProgressChanged(TruncateToInt32(progress), 0, 100, progressText);
-        if (!cursor.ReadBlock(extraction.BlockSize(), block)) {
-            break;
-        }
-        AppendBlock(values, block, extraction.format, extraction.pick);
-    }
-    return values;
-}
-
-void WavFile::StoreSamples(QList<float>& samples)
-{
-    const QMutexLocker lock(&m_mutex);
-    m_samples.swap(samples);
-}
-
 void WavFile::AbortRead()
 {
     SetAbortFlag(m_abortRead);
@@ -231,10 +144,17 @@ void WavFile::SetAbortFlag(bool& flag)
     StoreShared(flag, true);
 }
 
+void WavFile::ClearAbortFlag(bool& flag)
+{
+    const QMutexLocker lock(&m_mutex);
+    StoreShared(flag, false);
+}
+
 WavFile::AudioEngineReturnValue WavFile::ReadHeader()
 {
     WavHeader header{m_fileFormat, m_sampleSize, m_dataOffset, m_dataLength};
     const AudioEngineReturnValue result = ReadWavHeader(*this, header);
+    const QMutexLocker lock(&m_mutex);
     m_fileFormat = header.format;
     m_sampleSize = header.sampleSize;
     m_dataOffset = header.dataOffset;
@@ -253,6 +173,29 @@ WavFile::AudioEngineReturnValue WavFile::WriteHeader(int dataSize)
     // Flushed, so that a full disk is noticed here and not when the file is closed.
     const bool isWritten = isAtStart && write(header) == header.size() && flush();
     return isWritten ? Success : ErrorWriteHeader;
+}
+
+bool WavFile::StartWriting(const QString& fileName, const QAudioFormat& format, int dataSize)
+{
+    m_fileFormat = format;
+    m_hasLostBytes = false;
+    setFileName(fileName);
+    const bool isWritable = !fileName.isEmpty() && (!QFileInfo::exists(fileName) || IsRegularFile(fileName));
+    return isWritable && open(QIODevice::WriteOnly) && WriteHeader(dataSize) == Success;
+}
+
+void WavFile::Append(QByteArrayView bytes)
+{
+    if (write(bytes.data(), bytes.size()) != bytes.size()) {
+        m_hasLostBytes = true;
+    }
+}
+
+bool WavFile::FinishWriting()
+{
+    const bool isWhole = flush() && !m_hasLostBytes;
+    close();
+    return isWhole;
 }
 
 int WavFile::CalculateAudioDataSize(int bytes, const QAudioFormat& from, const QAudioFormat& to)
@@ -282,49 +225,4 @@ int WavFile::FFmpegSampleFormatFromQAudioFormat(const QAudioFormat& format)
     default:
         return -1; // AV_SAMPLE_FMT_NONE, for UInt8 too
     }
-}
-
-QList<float> WavFile::ReadBlock(const QByteArray& block, int step, const QAudioFormat& format,
-                                ChannelFormat channel)
-{
-    QList<float> values;
-    AppendBlock(values, block, {format, m_sampleSize}, {step, channel});
-    return values;
-}
-
-QList<float> WavFile::ReadS16Block(const QByteArray& block, int step, const QAudioFormat& format,
-                                   ChannelFormat channel)
-{
-    QList<float> values;
-    AppendS16Block(values, block, format.channelCount(), {step, channel});
-    return values;
-}
-
-QList<float> WavFile::ReadS24Block(const QByteArray& block, int step, const QAudioFormat& format,
-                                   ChannelFormat channel)
-{
-    QList<float> values;
-    AppendS24Block(values, block, format.channelCount(), {step, channel});
-    return values;
-}
-
-QList<float> WavFile::ReadS32Block(const QByteArray& block, int step, const QAudioFormat& format,
-                                   ChannelFormat channel)
-{
-    QList<float> values;
-    AppendS32Block(values, block, format.channelCount(), {step, channel});
-    return values;
-}
-
-QList<float> WavFile::ReadF32Block(const QByteArray& block, int step, const QAudioFormat& format,
-                                   ChannelFormat channel)
-{
-    QList<float> values;
-    AppendF32Block(values, block, format.channelCount(), {step, channel});
-    return values;
-}
-
-float WavFile::ReadS24S(const unsigned char* bytes, const QAudioFormat& /*format*/)
-{
-    return S24Value(reinterpret_cast<const char*>(bytes));
 }

@@ -8,6 +8,12 @@
 #include <QtCore/QString>
 #include <QtMultimedia/QAudioFormat>
 
+#include <optional>
+
+namespace vantoraudio::AudioEngine {
+class FFmpegResampler;
+}
+
 /**
  * One RIFF/WAVE file on disk: its sample format, where its sample data lies, how long it lasts, and the
  * decimated samples that a waveform view draws of it.
@@ -15,10 +21,11 @@
  * Readable files are PCM of 16, 24 or 32 bits and IEEE float, plain or extensible, with one or two channels.
  * Times are seconds from the start of the audio, offsets and lengths are bytes.
  *
- * Threads: the object lives on one thread, usually the GUI thread. ReadData() may run on a worker thread, also
- * beside other tasks on the same object: every task keeps a place of its own in the file. Meanwhile the owner may
- * call the abort functions, GetSamples(), the other getters and SetSelectedChannel(), but neither Open() nor
- * close(): stop the tasks and wait for them first. Signals are emitted on the thread that runs the task.
+ * Threads: the object lives on one thread, usually the GUI thread. ReadData(), CreateSnippet() and
+ * FilterChannel() may run on worker threads, also beside other tasks on the same object: every task keeps a place
+ * of its own in the file. Meanwhile the owner may call the abort functions, GetSamples(), the other getters and
+ * SetSelectedChannel(), but neither Open() nor close(): stop the tasks and wait for them first. Signals are
+ * emitted on the thread that runs the task.
  */
 class VANTORAUDIOENGINE_EXPORT WavFile : public QFile
 {
@@ -54,6 +61,13 @@ public:
         ChannelLeftRight = 4
     };
     Q_ENUM(ChannelFormat)
+
+    /** The channel counts that Convert() knows. */
+    enum ChannelLayout
+    {
+        Mono = 1,
+        Stereo = 2
+    };
 
     /** A closed file without a name: every format field, offset, length and the duration are 0. */
     explicit WavFile(QObject* parent = nullptr);
@@ -111,6 +125,54 @@ public:
     void AbortWrite();
     void AbortChannelFilter();
 
+    /**
+     * Converts the audio of this open file to `target`, a format of one or two channels, and writes it to
+     * `outPath`, over what is there. The header states the size that the length of the source gives; the data may
+     * be a few frames longer or shorter.
+     *
+     * An empty `outPath`, or one that leads to this very file, converts in place: the result takes the place of
+     * the file only when it is complete and stored, and this object is closed then. Otherwise the object stays
+     * open, behind what was read.
+     *
+     * True when everything was converted and written. False leaves an `outPath` as far as it was written, and this
+     * file as it was: when it is not open, when the target's rate or channel count is below 1 or its sample format
+     * Unknown or UInt8, when the file holds no frame, and when the output cannot be written. What the resampler
+     * refuses is told on the standard error stream.
+     *
+     * Throws std::bad_optional_access when one side has neither one nor two channels. No progress and no abort;
+     * the object must not be used by anyone else meanwhile, except for the tasks in the background when the
+     * conversion is not in place.
+     */
+    bool Convert(const QAudioFormat& target, const QString& outPath);
+
+    /**
+     * Writes the selected channel between `start` and `end`, in seconds, to `outPath`, over what is there: a
+     * one-channel file in the sample format of this one, or in Float for 24-bit data. A stereo file with another
+     * channel selected than ChannelLeft or ChannelRight gives the average of both.
+     *
+     * Returns when done; meant for a worker thread. Whole blocks of 200 frames are copied, so that up to 199
+     * frames behind the end come along; the header states the size of the range in whole milliseconds, and -1
+     * when the range holds no frame. The end of the file ends the snippet. Emits ProgressChanged for every block.
+     *
+     * Success also when AbortWrite() stopped it; what was written by then stays. ErrorCreateSnippet when the
+     * output cannot be created or filled, which may leave a part of it, and when `outPath` leads to this very
+     * file, which is not touched.
+     */
+    AudioEngineReturnValue CreateSnippet(const QString& outPath, double start, double end);
+
+    /**
+     * Writes the selected channel of a stereo file, ChannelLeft or ChannelRight, to the new file `outPath`, with
+     * one channel and the sample format of this one, or Float for 24-bit data. Does nothing, with Success, when
+     * the file is not stereo, another channel is selected, or `outPath` exists.
+     *
+     * Returns when done; meant for a worker thread. Whole blocks of 200 frames are copied up to the end of the
+     * audio, so that the data may be longer than the header states. Emits ProgressChanged for every block.
+     *
+     * Success also when AbortChannelFilter() stopped it; what was written by then stays. ErrorFilterChannel when
+     * the output cannot be created or filled, which may leave a part of it.
+     */
+    AudioEngineReturnValue FilterChannel(const QString& outPath);
+
 Q_SIGNALS:
     /** A complete set of samples has been stored. */
     void NewData();
@@ -147,11 +209,51 @@ private:
     /** One 24-bit sample of three bytes. */
     float ReadS24S(const unsigned char* bytes, const QAudioFormat& format);
 
+    /** Append the samples of one channel of a block of whole frames to `destination`, which is open and has its
+     *  header; channels other than ChannelLeft and ChannelRight give the average of both. The caller chooses the
+     *  writer that fits the format and the sample size. */
+    void WriteS16Block(const QByteArray& block, WavFile& destination, const QAudioFormat& format,
+                       ChannelFormat channel);
+    void WriteS32Block(const QByteArray& block, WavFile& destination, const QAudioFormat& format,
+                       ChannelFormat channel);
+    void WriteF32Block(const QByteArray& block, WavFile& destination, const QAudioFormat& format,
+                       ChannelFormat channel);
+    void ConvertS24BlockToF32Block(const QByteArray& block, WavFile& destination, const QAudioFormat& format,
+                                   ChannelFormat channel);
+    using BlockWriter = void (WavFile::*)(const QByteArray&, WavFile&, const QAudioFormat&, ChannelFormat);
+
+    /** Empty for channel counts that Convert() does not know. */
+    static std::optional<ChannelLayout> SelectChannelLayout(const QAudioFormat& format);
+
     struct Extraction;
     Extraction StartExtraction(double startTime, double endTime, int stepSize);
     QList<float> Extract(const Extraction& extraction);
     void StoreSamples(QList<float>& samples);
+
+    struct ChannelCopy;
+    ChannelCopy SnapshotForCopy() const;
+    double SnapshotDuration() const;
+    AudioEngineReturnValue WriteChannelFile(const QString& outPath, const ChannelCopy& copy, int dataSize);
+    bool CopyChannel(const ChannelCopy& copy, WavFile& output);
+    qsizetype PassBlocks(const ChannelCopy& copy, qint64 position, qsizetype size);
+
+    struct ConversionSource;
+    ConversionSource SourceOfConversion() const;
+    bool ConvertOver(const QString& path, const ConversionSource& source, const QAudioFormat& target,
+                     vantoraudio::AudioEngine::FFmpegResampler& resampler);
+    bool ConvertInto(WavFile& output, const QString& path, const ConversionSource& source,
+                     const QAudioFormat& target, vantoraudio::AudioEngine::FFmpegResampler& resampler);
+    bool ConvertBlocks(WavFile& output, const ConversionSource& source,
+                       vantoraudio::AudioEngine::FFmpegResampler& resampler);
+
+    /** Opens this file for writing and writes its header. */
+    bool StartWriting(const QString& fileName, const QAudioFormat& format, int dataSize);
+    /** Writes behind what was written before; FinishWriting() tells whether all of it arrived, and closes. */
+    void Append(QByteArrayView bytes);
+    bool FinishWriting();
+
     void SetAbortFlag(bool& flag);
+    void ClearAbortFlag(bool& flag);
 
     QAudioFormat m_fileFormat;
     qint64 m_dataOffset = 0;
@@ -169,4 +271,7 @@ private:
 
     /** Held while a task moves this file and reads one block; never together with the other mutex. */
     QMutex m_deviceMutex;
+
+    /** Something appended to this file has not arrived in it. */
+    bool m_hasLostBytes = false;
 };

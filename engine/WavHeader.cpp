@@ -1,9 +1,8 @@
 #include "engine/WavHeader.h"
 
-#include "engine/Truncation.h"
-
 #include <QtCore/QtEndian>
 
+#include <algorithm>
 #include <array>
 #include <optional>
 
@@ -28,12 +27,67 @@ Number NumberAt(const char* bytes)
     return qFromLittleEndian<Number>(bytes);
 }
 
-template<typename Number>
-void AppendNumber(QByteArray& bytes, Number number)
+using ChunkHeader = std::array<char, chunkHeaderSize>;
+
+/**
+ * Goes from chunk to chunk, starting where the device stands, and leaves the device where the walk ended. It looks
+ * through a window: the zeros of an interrupted recording are millions of empty chunks, too many to seek to each.
+ */
+class ChunkWalk
 {
-    std::array<char, sizeof(Number)> encoded{};
-    qToLittleEndian(number, encoded.data());
-    bytes.append(encoded.data(), sizeof(Number));
+public:
+    explicit ChunkWalk(QIODevice& device) : m_device(device), m_position(device.pos()), m_end(device.size()) {}
+    ~ChunkWalk() { m_device.seek(m_position); }
+    Q_DISABLE_COPY_MOVE(ChunkWalk)
+
+    /** False at the end of the device. A last piece of fewer than 8 bytes is filled up with zeros: a name that is
+     *  not all there is no name, and skipping such a chunk always meets the end. */
+    bool Peek(ChunkHeader& header);
+
+    /** False when fewer than `size` bytes were left; the walk then stands at the end. */
+    bool Skip(qint64 size);
+
+private:
+    bool IsInWindow() const;
+    void MoveWindow();
+
+    static constexpr qint64 windowSize = 65536;
+
+    QIODevice& m_device;
+    qint64 m_position;
+    qint64 m_end;
+    QByteArray m_window;
+    qint64 m_windowStart = 0;
+};
+
+bool ChunkWalk::Peek(ChunkHeader& header)
+{
+    if (!IsInWindow()) {
+        MoveWindow();
+    }
+    const QByteArrayView window = QByteArrayView(m_window).sliced(m_position - m_windowStart);
+    const QByteArrayView bytes = window.first(qMin(window.size(), chunkHeaderSize));
+    header.fill('\0');
+    std::copy(bytes.begin(), bytes.end(), header.begin());
+    return !bytes.isEmpty();
+}
+
+bool ChunkWalk::Skip(qint64 size)
+{
+    const qint64 left = m_end - m_position;
+    m_position += qMin(size, left);
+    return size <= left;
+}
+
+bool ChunkWalk::IsInWindow() const
+{
+    return m_position >= m_windowStart && m_position + chunkHeaderSize <= m_windowStart + m_window.size();
+}
+
+void ChunkWalk::MoveWindow()
+{
+    m_windowStart = m_position;
+    m_window = m_device.seek(m_position) ? m_device.read(windowSize) : QByteArray();
 }
 
 /** Walks through a header, one step after the other. A step that ends the reading returns the result. */
@@ -60,7 +114,6 @@ private:
     Outcome ReadExtension();
     Outcome ReadSubFormat();
     Outcome FindChunk(QByteArrayView name);
-    bool PeekChunkHeader(std::array<char, chunkHeaderSize>& bytes);
 
     template<std::size_t size>
     bool ReadWhole(std::array<char, size>& bytes)
@@ -246,21 +299,13 @@ HeaderReader::Outcome HeaderReader::ReadDataChunk()
  */
 HeaderReader::Outcome HeaderReader::FindChunk(QByteArrayView name)
 {
-    std::array<char, chunkHeaderSize> bytes{};
-    while (PeekChunkHeader(bytes) && !QByteArrayView(bytes).startsWith(name)) {
-        if (const Outcome outcome = Skip(chunkHeaderSize + NumberAt<quint32>(&bytes[4]))) {
-            return outcome;
+    ChunkWalk walk(m_device);
+    for (ChunkHeader header; walk.Peek(header) && !QByteArrayView(header).startsWith(name);) {
+        if (!walk.Skip(chunkHeaderSize + NumberAt<quint32>(&header[4]))) {
+            return WavFile::ErrorReadFile;
         }
     }
     return {};
-}
-
-/** False at the end of the device. A last piece of fewer than 8 bytes is filled up with zeros: a name that is not
- *  all there is no name, and skipping such a chunk always meets the end. */
-bool HeaderReader::PeekChunkHeader(std::array<char, chunkHeaderSize>& bytes)
-{
-    bytes.fill('\0');
-    return m_device.peek(bytes.data(), chunkHeaderSize) > 0;
 }
 
 /** Passes over `size` bytes without reading them, or up to the end of the device. */
@@ -272,87 +317,11 @@ HeaderReader::Outcome HeaderReader::Skip(qint64 size)
     return {};
 }
 
-struct Encoding
-{
-    quint16 tag;
-    int bits;
-};
-
-/** Int32 is always written with 32 bits, also when it was read from 24: the library writes no 24-bit data. */
-std::optional<Encoding> EncodingOf(QAudioFormat::SampleFormat sampleFormat)
-{
-    switch (sampleFormat) {
-    case QAudioFormat::Int16:
-        return Encoding{pcmTag, 16};
-    case QAudioFormat::Int32:
-        return Encoding{pcmTag, 32};
-    case QAudioFormat::Float:
-        return Encoding{floatTag, 32};
-    default:
-        return {};
-    }
-}
-
 } // namespace
 
 WavFile::AudioEngineReturnValue ReadWavHeader(QIODevice& device, WavHeader& header)
 {
     return HeaderReader(device, header).Read();
-}
-
-QByteArray ComposeWavHeader(const QAudioFormat& format, int dataSize)
-{
-    const auto encoding = EncodingOf(format.sampleFormat());
-    if (!encoding) {
-        return {};
-    }
-    const int channelCount = format.channelCount();
-    const int bitsPerFrame = MultiplyWrapping(channelCount, encoding->bits);
-    const int bitsPerSecond = MultiplyWrapping(bitsPerFrame, format.sampleRate());
-    const auto unsignedSize = static_cast<quint32>(dataSize);
-
-    QByteArray header;
-    header.reserve(writtenHeaderSize);
-    header.append("RIFF");
-    AppendNumber(header, unsignedSize + 36U);
-    header.append("WAVEfmt ");
-    AppendNumber(header, static_cast<quint32>(commonFormatSize));
-    AppendNumber(header, encoding->tag);
-    AppendNumber(header, static_cast<quint16>(channelCount));
-    AppendNumber(header, static_cast<quint32>(format.sampleRate()));
-    AppendNumber(header, static_cast<quint32>(bitsPerSecond / 8));
-    AppendNumber(header, static_cast<quint16>(bitsPerFrame / 8));
-    AppendNumber(header, static_cast<quint16>(encoding->bits));
-    header.append("data");
-    AppendNumber(header, unsignedSize);
-    return header;
-}
-
-int CalculateAudioDataSize(int bytes, const QAudioFormat& from, const QAudioFormat& to)
-{
-    if (!to.isValid() || !from.isValid() || bytes < 0) {
-        return -1;
-    }
-    const int frames = BytesToSamples(bytes, from.bytesPerSample(), from.channelCount());
-    const int targetFrames = TruncateToInt32(double(frames) / from.sampleRate() * to.sampleRate());
-    return SamplesToBytes(targetFrames, to.bytesPerSample(), to.channelCount());
-}
-
-int BytesToSamples(int bytes, int a, int b)
-{
-    if (a < 1 || b < 1 || bytes < 0) {
-        return -1;
-    }
-    return static_cast<int>(bytes / (qint64(a) * b));
-}
-
-// No samples give -1, unlike no bytes above: callers tell an empty result by it.
-int SamplesToBytes(int samples, int a, int b)
-{
-    if (a < 1 || b < 1 || samples < 1) {
-        return -1;
-    }
-    return MultiplyWrapping(MultiplyWrapping(samples, a), b);
 }
 
 } // namespace vantoraudio::AudioEngine

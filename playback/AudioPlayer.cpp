@@ -27,11 +27,6 @@ namespace {
 
 constexpr double millisecondsPerSecond = 1000.0;
 
-qint64 ToPosition(double seconds)
-{
-    return TruncateToInt64(seconds * millisecondsPerSecond);
-}
-
 // The FFmpeg backend of Qt 6.4 opens the name that this encoding of the URL gives, and it garbles every letter
 // that is not ASCII.
 bool OpensByUrl(const QUrl& url)
@@ -112,7 +107,14 @@ void AudioPlayer::SetSelection(double start, double end)
 {
     m_selectionStart = start;
     m_selectionEnd = end;
-    setPosition(ToPosition(start));
+    setPosition(PositionAt(start));
+}
+
+// The FFmpeg backend of Qt 6.4 stands still for minutes after a seek far behind the end of the file.
+qint64 AudioPlayer::PositionAt(double seconds) const
+{
+    const qint64 position = TruncateToInt64(seconds * millisecondsPerSecond);
+    return duration() > 0 ? std::min(position, duration()) : position;
 }
 
 void AudioPlayer::ClearSelection()
@@ -223,8 +225,13 @@ bool AudioPlayer::IsAtEndOfMedia() const
 void AudioPlayer::RestartPlayback()
 {
     const QScopedValueRollback restarting(m_restarting, true);
-    setPosition(ToPosition(m_selectionStart));
+    const qint64 start = PositionAt(m_selectionStart);
+    setPosition(start);
     pause();
+    if (position() != start) {
+        // The running audio thread of the FFmpeg backend of Qt 6.4 can take the clock back behind the seek.
+        setPosition(start);
+    }
     if (m_loop) {
         play();
     }

@@ -54,7 +54,8 @@ public:
     void PauseResume();
 
     /** Selects a stretch and moves the position to its start; the playback state stays. The times are stored as
-     *  they are: an end before the start makes playback return to the start at its next position report. */
+     *  they are: an end before the start makes playback return to the start at its next position report, and a
+     * start behind the end of the file means the end of the file. */
     void SetSelection(double start, double end);
 
     /** Selects 0 to duration() of the base class, which is 0 before a source is known. The position stays. */
@@ -91,6 +92,7 @@ private:
     void RestartPlayback();
     void RestartAfterReport();
     bool IsAtEndOfMedia() const;
+    qint64 PositionAt(double seconds) const;
     void LoadSource(const QString& filePath);
     void DropUnusedSourceFile();
 

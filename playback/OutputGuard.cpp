@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdlib>
 
 namespace vantoraudio::AudioEngine {
 
@@ -21,9 +22,17 @@ using namespace std::chrono_literals;
 constexpr auto watchWhilePlaying = 3ms;
 constexpr auto watchOtherwise = 50ms;
 
+// Longer than a device needs to start. Without sound the position still creeps, a millisecond a second.
+constexpr auto longestStandstill = 2000ms;
+constexpr qint64 creep = 2;
+
 bool DeviceChangesAreReported()
 {
+#ifdef Q_OS_LINUX
     return QLibraryInfo::version() >= QVersionNumber(6, 5);
+#else
+    return true;
+#endif
 }
 
 // By name: two descriptions of one device differ as soon as another device becomes the default one.
@@ -41,9 +50,14 @@ OutputGuard::OutputGuard(QMediaPlayer& player, QAudioOutput& output) : m_player(
     m_watch.setTimerType(Qt::PreciseTimer);
     const auto refresh = [this] { Refresh(); };
     QObject::connect(&m_watch, &QTimer::timeout, &m_watch, refresh);
+    QObject::connect(&m_watch, &QTimer::timeout, &m_watch, [this] { EndStandstill(); });
     QObject::connect(&m_devices, &QMediaDevices::audioOutputsChanged, &m_watch, refresh);
     QObject::connect(&player, &QMediaPlayer::sourceChanged, &m_watch, refresh);
     QObject::connect(&player, &QMediaPlayer::playbackStateChanged, &m_watch, refresh);
+    QObject::connect(&player, &QMediaPlayer::playbackStateChanged, &m_watch, [this] { m_progress.start(); });
+    QObject::connect(&player, &QMediaPlayer::positionChanged, &m_watch,
+                     [this](qint64 position) { NoteProgress(position); });
+    m_progress.start();
 }
 
 void OutputGuard::Prefer(const QAudioDevice& device)
@@ -121,10 +135,35 @@ void OutputGuard::Attach()
     if (m_player.playbackState() == QMediaPlayer::PlayingState) {
         // Meanwhile the source was read to its end unheard, and an output that joins a running player starts
         // there or not at all.
-        const qint64 position = m_player.position();
-        m_player.pause();
-        m_player.setPosition(position);
-        m_player.play();
+        PlayAnew();
+    }
+}
+
+void OutputGuard::PlayAnew()
+{
+    const qint64 position = m_player.position();
+    m_player.pause();
+    m_player.setPosition(position);
+    m_player.play();
+}
+
+void OutputGuard::NoteProgress(qint64 position)
+{
+    if (std::abs(position - m_lastPosition) > creep) {
+        m_progress.start();
+    }
+    m_lastPosition = position;
+}
+
+// The FFmpeg backend of Qt 6.4 now and then loses a seek that follows closely on the end of the media, and then
+// plays nothing for ever: a loop would end after some thousand rounds.
+void OutputGuard::EndStandstill()
+{
+    const bool isPlaying = m_player.playbackState() == QMediaPlayer::PlayingState;
+    const bool canSound = m_player.audioOutput() && m_player.duration() > 0;
+    if (isPlaying && canSound && m_progress.hasExpired(longestStandstill.count())) {
+        m_progress.start();
+        PlayAnew();
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QtCore/QElapsedTimer>
 #include <QtCore/QList>
 #include <QtCore/QTimer>
 #include <QtMultimedia/QAudioDevice>
@@ -19,7 +20,8 @@ namespace vantoraudio::AudioEngine {
  * it to another device when its own has gone. Volume and mute belong to the output and survive all of that.
  *
  * That backend does not tell of devices that come and go either, so the guard looks for itself while the player
- * has something to play. Player and output must outlive it.
+ * has something to play. It also sets a player going again that stands still while it should play. Player and
+ * output must outlive it.
  */
 class OutputGuard
 {
@@ -39,11 +41,16 @@ private:
     void AdjustWatch();
     void Detach();
     void Attach();
+    void PlayAnew();
+    void NoteProgress(qint64 position);
+    void EndStandstill();
 
     QMediaPlayer& m_player;
     QAudioOutput& m_output;
     QAudioDevice m_preferred;
     bool m_detached = false;
+    qint64 m_lastPosition = 0;
+    QElapsedTimer m_progress;
     QTimer m_watch;
     QMediaDevices m_devices;
 };

@@ -31,7 +31,7 @@ QString Reason(const QString& path, WavFile::AudioEngineReturnValue result)
     case WavFile::ErrorOpenFile:
         return WhyNotOpened(QFileInfo(path));
     case WavFile::ErrorInvalidFormat:
-        return Translate("it is not a WAV file of 16, 24 or 32 bits");
+        return Translate("it is no audio that can be decoded");
     case WavFile::ErrorChannelCount:
         return Translate("it has neither one nor two channels");
     case WavFile::ErrorReadFile:

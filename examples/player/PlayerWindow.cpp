@@ -3,9 +3,12 @@
 #include "DeviceMenu.h"
 #include "OpenFailure.h"
 
+#include <vantorAudioEngine/Decoder.h>
+
 #include <QtConcurrent/QtConcurrentRun>
 #include <QtCore/QFileInfo>
 #include <QtCore/QMimeData>
+#include <QtCore/QScopedValueRollback>
 #include <QtCore/QThread>
 #include <QtGui/QDragEnterEvent>
 #include <QtGui/QDropEvent>
@@ -57,9 +60,14 @@ PlayerWindow::~PlayerWindow()
 
 bool PlayerWindow::OpenFile(const QString& path)
 {
+    // Decoding runs an event loop, in which the user may ask for yet another file.
+    if (m_isLoading) {
+        return false;
+    }
+    const QScopedValueRollback loading(m_isLoading, true);
     // A file of its own, so that one that cannot be read does not take the shown one away.
     auto file = std::make_unique<WavFile>();
-    const WavFile::AudioEngineReturnValue result = file->Open(path);
+    const WavFile::AudioEngineReturnValue result = Load(path, *file);
     if (result != WavFile::Success) {
         ShowFailure(DescribeOpenFailure(path, result));
         return false;
@@ -69,8 +77,24 @@ bool PlayerWindow::OpenFile(const QString& path)
         return false;
     }
     HideFailure();
-    Adopt(std::move(file));
+    Adopt(std::move(file), path);
     return true;
+}
+
+/** WAV files are read as they are; everything else, also a WAV file of an unusual kind, is decoded first. */
+WavFile::AudioEngineReturnValue PlayerWindow::Load(const QString& path, WavFile& file)
+{
+    const WavFile::AudioEngineReturnValue result = file.Open(path);
+    return result == WavFile::ErrorInvalidFormat || result == WavFile::ErrorReadFile ? Decode(path, file) : result;
+}
+
+WavFile::AudioEngineReturnValue PlayerWindow::Decode(const QString& path, WavFile& file)
+{
+    statusBar()->showMessage(tr("Decoding…"));
+    const QString decoded = m_decodedFiles.filePath(QString::number(++m_decodedCount) + u".wav"_s);
+    const WavFile::AudioEngineReturnValue result = Decoder::ConvertToFloat(path, decoded, -1);
+    statusBar()->clearMessage();
+    return result == WavFile::Success ? file.Open(decoded) : result;
 }
 
 void PlayerWindow::Play()
@@ -151,6 +175,7 @@ void PlayerWindow::BuildActions()
     QMenu* fileMenu = menuBar()->addMenu(tr("&File"));
     QAction* open = fileMenu->addAction(style()->standardIcon(QStyle::SP_DialogOpenButton), tr("&Open…"),
                                         QKeySequence::Open, this, &PlayerWindow::AskForFile);
+    BuildExport(fileMenu);
     fileMenu->addAction(tr("&Quit"), QKeySequence::Quit, this, &QWidget::close);
 
     QMenu* playbackMenu = menuBar()->addMenu(tr("&Playback"));
@@ -191,13 +216,14 @@ void PlayerWindow::ConnectPlayer()
 
 void PlayerWindow::AskForFile()
 {
-    const QString path = QFileDialog::getOpenFileName(this, tr("Open"), QString(), tr("WAV files (*.wav *.WAV)"));
+    const QString path = QFileDialog::getOpenFileName(
+        this, tr("Open"), QString(), tr("Audio files (*.wav *.mp3 *.flac *.ogg *.m4a);;All files (*)"));
     if (!path.isEmpty()) {
         OpenFile(path);
     }
 }
 
-void PlayerWindow::Adopt(std::unique_ptr<WavFile> file)
+void PlayerWindow::Adopt(std::unique_ptr<WavFile> file, const QString& path)
 {
     m_player.stop();
     StopExtraction();
@@ -206,8 +232,10 @@ void PlayerWindow::Adopt(std::unique_ptr<WavFile> file)
     m_waveform->Initilize(m_file->GetFileFormat(), m_file->GetDuration());
     m_player.SetAudio(m_file->fileName(), m_file->GetDuration());
     m_playAction->setEnabled(true);
-    setWindowTitle(QFileInfo(m_file->fileName()).fileName());
+    m_shownPath = path;
+    setWindowTitle(QFileInfo(path).fileName());
     ShowPosition(0.0);
+    ShowWhatCanBeExported();
 }
 
 void PlayerWindow::ShowFailure(const QString& sentence)
@@ -255,6 +283,7 @@ void PlayerWindow::OnPositionClicked(double seconds)
     if (m_hasSelection) {
         m_hasSelection = false;
         m_player.ClearSelection();
+        ShowWhatCanBeExported();
         ShowSelection({0.0, 0.0});
     }
     m_player.setPosition(static_cast<qint64>(seconds * 1000.0));
@@ -265,6 +294,7 @@ void PlayerWindow::OnSelectionChanged(std::pair<double, double> selection)
 {
     ShowSelection(selection);
     m_hasSelection = selection.first < selection.second;
+    ShowWhatCanBeExported();
     if (m_hasSelection) {
         m_player.SetSelection(selection.first, selection.second);
     }

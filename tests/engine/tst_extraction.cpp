@@ -99,6 +99,7 @@ private Q_SLOTS:
     void endsForEveryTime();
     void endsAfterARefusedHeader_data();
     void endsAfterARefusedHeader();
+    void endsAfterTwoRefusedHeadersThatMultiplyToTooMuch();
     void takesNoMemoryForAHugeStep();
 
     void wrapsOffsetsAtThirtyTwoBits();
@@ -457,6 +458,20 @@ void TestExtraction::endsAfterARefusedHeader()
         QCOMPARE(log.last(), updated);
         QVERIFY(file.GetSamples().size() <= bytes.size());
     }
+}
+
+void TestExtraction::endsAfterTwoRefusedHeadersThatMultiplyToTooMuch()
+{
+    WavFile file;
+    const QByteArray data(100, 'x');
+    const QString manyChannels = m_files.Write(u"channels.wav"_s, WavBytes{.channels = 32767, .data = data}.Build());
+    const QString manyBits = m_files.Write(u"bits.wav"_s, WavBytes{.bits = 0xFFFF, .data = data}.Build());
+    QCOMPARE(file.Open(manyChannels), WavFile::ErrorChannelCount);
+    QCOMPARE(file.Open(manyBits), WavFile::ErrorInvalidFormat);
+    SignalLog log(file);
+    file.ReadData(0, 0.00003, std::numeric_limits<int>::max());
+    QCOMPARE(log.last(), updated);
+    QVERIFY(file.GetSamples().isEmpty());
 }
 
 void TestExtraction::takesNoMemoryForAHugeStep()

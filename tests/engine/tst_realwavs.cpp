@@ -1,6 +1,7 @@
 #include <vantorAudioEngine/WavFile.h>
 
 #include <QtCore/QDir>
+#include <QtCore/QSet>
 #include <QtTest/QtTest>
 
 #include <cmath>
@@ -26,6 +27,7 @@ private Q_SLOTS:
 
 private:
     QDir m_folder{QStringLiteral(VANTOR_REAL_WAVS_DIR)};
+    QSet<QString> m_expected;
 };
 
 void TestRealWavs::opensAndExtracts_data()
@@ -42,9 +44,10 @@ void TestRealWavs::opensAndExtracts_data()
     QTest::addColumn<int>("valueCount");
     QTest::addColumn<float>("firstValue");
     QTest::addColumn<float>("lastValue");
-    const auto add = [](const char* name, int result, F::SampleFormat sampleFormat, int sampleSize,
+    const auto add = [this](const char* name, int result, F::SampleFormat sampleFormat, int sampleSize,
                         int channelCount, int sampleRate, qint64 dataOffset, qint64 dataLength, double duration,
                         int valueCount, float firstValue, float lastValue) {
+        m_expected.insert(u"hound__"_s + QLatin1String(name) + u".wav"_s);
         QTest::newRow(name) << result << int(sampleFormat) << sampleSize << channelCount << sampleRate
                             << dataOffset << dataLength << duration << valueCount << firstValue << lastValue;
     };
@@ -121,7 +124,11 @@ void TestRealWavs::opensAndExtracts()
 
 void TestRealWavs::namesEveryFileOfTheFolder()
 {
-    QCOMPARE(m_folder.entryList({u"*.wav"_s}, QDir::Files).size(), 20);
+    if (m_expected.isEmpty()) {
+        QSKIP("compares the folder with the rows of opensAndExtracts, so run that, too");
+    }
+    const QStringList files = m_folder.entryList({u"*.wav"_s}, QDir::Files);
+    QCOMPARE(QSet<QString>(files.begin(), files.end()), m_expected);
 }
 
 QTEST_GUILESS_MAIN(TestRealWavs)

@@ -29,6 +29,7 @@ private Q_SLOTS:
     void movesTheFileWithALoneTask();
     void comesBackWhenSomebodyElseMovedTheFile();
     void takesAPlaceBehindTheEnd();
+    void movesToAnotherPlace();
     void readsNothingAtANegativePlace();
     void readsNothingFromAClosedFile();
     void readsNothingFromAFileOpenForWritingOnly();
@@ -107,6 +108,26 @@ void TestSharedFileCursor::takesAPlaceBehindTheEnd()
     QVERIFY(!cursor.ReadBlock(10, block));
     QVERIFY(block.isEmpty());
     QCOMPARE(cursor.Position(), place);
+}
+
+void TestSharedFileCursor::movesToAnotherPlace()
+{
+    SharedFileCursor cursor(m_file, m_lock, 100);
+    QByteArray block;
+    QVERIFY(cursor.ReadBlock(50, block));
+    cursor.MoveTo(20);
+    QCOMPARE(cursor.Position(), 20);
+    QCOMPARE(m_file.pos(), 20);
+    QVERIFY(cursor.ReadBlock(50, block));
+    QCOMPARE(block, m_bytes.mid(20, 50));
+    cursor.MoveTo(-1);
+    QCOMPARE(cursor.Position(), 70);
+    cursor.MoveTo(m_bytes.size() + 5);
+    QVERIFY(!cursor.ReadBlock(50, block));
+    m_file.close();
+    SharedFileCursor unplaced(m_file, m_lock, 100);
+    unplaced.MoveTo(20);
+    QCOMPARE(unplaced.Position(), 0);
 }
 
 void TestSharedFileCursor::readsNothingAtANegativePlace()

@@ -61,6 +61,15 @@ private Q_SLOTS:
         QTEST(qint64(TruncateToInt64(value)), "expected");
     }
 
+    void wrapsToThirtyTwoBits()
+    {
+        QCOMPARE(WrapToInt32(2147483647), 2147483647);
+        QCOMPARE(WrapToInt32(2147483648LL), -2147483647 - 1);
+        QCOMPARE(WrapToInt32(4294967295LL), -1);
+        QCOMPARE(WrapToInt32(4294967296LL + 7), 7);
+        QCOMPARE(WrapToInt32(-5), -5);
+    }
+
     void multipliesWithWrapAround_data()
     {
         QTest::addColumn<qint32>("a");

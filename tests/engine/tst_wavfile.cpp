@@ -8,6 +8,8 @@
 
 #include <cmath>
 #include <csignal>
+#include <chrono>
+#include <future>
 #include <thread>
 
 #ifdef Q_OS_UNIX
@@ -520,19 +522,29 @@ void TestWavFile::setsOnlyTheMatchingAbortFlag()
     QVERIFY(access.IsReadAborted());
 }
 
+/** Whether `action`, started on another thread, is still not done after it had every chance to be. */
+template<typename Action>
+bool WaitsWhileLocked(QMutex& mutex, Action action)
+{
+    std::promise<void> done;
+    mutex.lock();
+    std::thread thread([&] {
+        action();
+        done.set_value();
+    });
+    const bool waits = done.get_future().wait_for(std::chrono::milliseconds(100)) == std::future_status::timeout;
+    mutex.unlock();
+    thread.join();
+    return waits;
+}
+
 void TestWavFile::waitsForTheLockToAbort()
 {
     using Abort = void (WavFile::*)();
     for (const Abort abort : {&WavFile::AbortRead, &WavFile::AbortWrite, &WavFile::AbortChannelFilter}) {
         WavFile file;
         WavFileTestAccess access(file);
-        access.Mutex().lock();
-        std::thread thread([&] { (file.*abort)(); });
-        const bool isSetTooEarly =
-            access.IsReadAborted() || access.IsWriteAborted() || access.IsChannelFilterAborted();
-        access.Mutex().unlock();
-        thread.join();
-        QVERIFY(!isSetTooEarly);
+        QVERIFY(WaitsWhileLocked(access.Mutex(), [&] { (file.*abort)(); }));
         QVERIFY(access.IsReadAborted() || access.IsWriteAborted() || access.IsChannelFilterAborted());
     }
 }
@@ -559,13 +571,9 @@ void TestWavFile::sharesItsSamplesUnderTheLock()
     WavFileTestAccess access(file);
     access.Samples() = {1.0F, 2.0F};
     QVERIFY(file.GetSamples().isSharedWith(file.GetSamples()));
-    access.Mutex().lock();
     QList<float> samples;
-    std::thread reader([&] { samples = file.GetSamples(); });
-    access.Samples() = {3.0F};
-    access.Mutex().unlock();
-    reader.join();
-    QCOMPARE(samples, QList<float>({3.0F}));
+    QVERIFY(WaitsWhileLocked(access.Mutex(), [&] { samples = file.GetSamples(); }));
+    QCOMPARE(samples, QList<float>({1.0F, 2.0F}));
 }
 
 void TestWavFile::writesTheHeaderAndGoesBehindIt()

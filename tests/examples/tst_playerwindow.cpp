@@ -13,6 +13,9 @@
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QLabel>
 
+#include <cmath>
+#include <functional>
+
 using namespace Qt::Literals::StringLiterals;
 using vantoraudio::vantorAudioEngine::UI::BGFXWaveformWidget;
 
@@ -88,6 +91,18 @@ int DistinctColors(const QImage& image)
     return static_cast<int>(colors.size());
 }
 
+bool Shows(const QImage& image, const QColor& color)
+{
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            if (image.pixelColor(x, y) == color) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
 } // namespace
 
 class PlayerWindowTest : public QObject
@@ -119,7 +134,7 @@ private Q_SLOTS:
         const double duration = window.Duration();
         QVERIFY(!window.OpenFile(broken));
         QCOMPARE(window.FailureText(),
-                 u"“%1” cannot be opened: it is not a WAV file of 16, 24 or 32 bits."_s.arg(broken));
+                 u"“%1” cannot be opened: it is no audio that can be decoded."_s.arg(broken));
         QVERIFY(window.findChild<QLabel*>(u"failure"_s)->isVisible());
         QCOMPARE(window.Duration(), duration);
         QCOMPARE(window.windowTitle(), u"welcome.wav"_s);
@@ -144,6 +159,33 @@ private Q_SLOTS:
         QCOMPARE(window.FailureText(), u"“%1” cannot be opened: %2."_s.arg(path, reason));
     }
 
+    void showsOrRefusesWhatOtherProgramsWrote_data()
+    {
+        QTest::addColumn<QString>("path");
+        const QDir folder(QStringLiteral(VANTOR_REAL_WAVS_DIR));
+        const QStringList names = folder.entryList({u"*.wav"_s}, QDir::Files);
+        if (names.isEmpty()) {
+            QSKIP("the folder of files from other programs is not there");
+        }
+        for (const QString& name : names) {
+            QTest::newRow(qPrintable(name)) << folder.filePath(name);
+        }
+    }
+    void showsOrRefusesWhatOtherProgramsWrote()
+    {
+        QFETCH(const QString, path);
+        WavFile file;
+        const bool isReadable = file.Open(path) == WavFile::Success;
+        PlayerWindow window;
+        window.show();
+        const bool isShown = OpenCompletely(window, path);
+        QVERIFY2(isShown || !isReadable, qPrintable(window.FailureText()));
+        QCOMPARE(window.FailureText().isEmpty(), isShown);
+        WaveformOf(window)->SetWaveformColor(Qt::red);
+        const bool hasLine = window.Duration() > 1.5 / 48000; // a single sample makes none
+        QCOMPARE(Shows(DiagramOf(window)->grab().toImage(), Qt::red), hasLine);
+    }
+
     void opensADroppedFile()
     {
         PlayerWindow window;
@@ -152,6 +194,105 @@ private Q_SLOTS:
         Drop(window, {QUrl::fromLocalFile(Recording)});
         QVERIFY(!completed.isEmpty() || completed.wait(10000));
         QCOMPARE(window.windowTitle(), u"welcome.wav"_s);
+    }
+
+    void opensACompressedFile()
+    {
+        QTemporaryDir folder;
+        const QString compressed = folder.filePath(u"spoken words #1.mp3"_s);
+        QCOMPARE(QProcess::execute(u"lame"_s, {u"--quiet"_s, Recording, compressed}), 0);
+        PlayerWindow window;
+        window.show();
+        QVERIFY2(OpenCompletely(window, compressed), qPrintable(window.FailureText()));
+        QCOMPARE(window.windowTitle(), u"spoken words #1.mp3"_s);
+        QVERIFY(std::abs(window.Duration() - 17.06) < 0.2);
+    }
+
+    void exportsWhatTheLibraryWrites_data()
+    {
+        using Export = std::function<void(PlayerWindow&, const QString&)>;
+        using Direct = std::function<void(WavFile&, const QString&)>;
+        QTest::addColumn<Export>("byHost");
+        QTest::addColumn<Direct>("directly");
+        QTest::addRow("selection") << Export([](PlayerWindow& window, const QString& path) {
+            window.ExportSelection(path, 1.0, 2.5);
+        }) << Direct([](WavFile& file, const QString& path) { file.CreateSnippet(path, 1.0, 2.5); });
+        QTest::addRow("left channel") << Export([](PlayerWindow& window, const QString& path) {
+            window.ExportChannel(path, WavFile::ChannelLeft);
+        }) << Direct([](WavFile& file, const QString& path) {
+            file.SetSelectedChannel(WavFile::ChannelLeft);
+            file.FilterChannel(path);
+        });
+        QAudioFormat format;
+        format.setSampleFormat(QAudioFormat::Float);
+        format.setSampleRate(16000);
+        format.setChannelCount(1);
+        QTest::addRow("converted") << Export([format](PlayerWindow& window, const QString& path) {
+            window.ConvertFile(path, format);
+        }) << Direct([format](WavFile& file, const QString& path) { file.Convert(format, path); });
+    }
+    void exportsWhatTheLibraryWrites()
+    {
+        using Export = std::function<void(PlayerWindow&, const QString&)>;
+        using Direct = std::function<void(WavFile&, const QString&)>;
+        QFETCH(const Export, byHost);
+        QFETCH(const Direct, directly);
+        QTemporaryDir folder;
+        PlayerWindow window;
+        window.show();
+        QVERIFY(OpenCompletely(window, Recording));
+        QSignalSpy ended(&window, &PlayerWindow::ExportEnded);
+        byHost(window, folder.filePath(u"host.wav"_s));
+        QVERIFY(!ended.isEmpty() || ended.wait(20000));
+        QCOMPARE(window.FailureText(), QString());
+
+        WavFile file;
+        QCOMPARE(file.Open(Recording), WavFile::Success);
+        directly(file, folder.filePath(u"direct.wav"_s));
+        QFile host(folder.filePath(u"host.wav"_s));
+        QFile direct(folder.filePath(u"direct.wav"_s));
+        QVERIFY(host.open(QIODevice::ReadOnly) && direct.open(QIODevice::ReadOnly));
+        QVERIFY(host.size() > 44);
+        QCOMPARE(host.readAll(), direct.readAll());
+    }
+
+    void leavesAnExistingFileAlone()
+    {
+        QTemporaryDir folder;
+        const QString path = folder.filePath(u"dear.wav"_s);
+        QFile dear(path);
+        QVERIFY(dear.open(QIODevice::WriteOnly) && dear.write("dear") == 4);
+        dear.close();
+        PlayerWindow window;
+        QVERIFY(OpenCompletely(window, Recording));
+        window.ExportSelection(path, 1.0, 2.0);
+        QCOMPARE(window.FailureText(), u"“%1” is there already: please choose another name."_s.arg(path));
+        QVERIFY(dear.open(QIODevice::ReadOnly));
+        QCOMPARE(dear.readAll(), "dear");
+    }
+
+    void tellsWhenAnExportCannotBeWritten()
+    {
+        PlayerWindow window;
+        QVERIFY(OpenCompletely(window, Recording));
+        QSignalSpy ended(&window, &PlayerWindow::ExportEnded);
+        window.ExportChannel(u"/nowhere/left.wav"_s, WavFile::ChannelLeft);
+        QVERIFY(!ended.isEmpty() || ended.wait(10000));
+        QVERIFY2(window.FailureText().startsWith(u"“/nowhere/left.wav” cannot be written"_s),
+                 qPrintable(window.FailureText()));
+    }
+
+    void removesWhatACancelledExportWrote()
+    {
+        QTemporaryDir folder;
+        const QString path = folder.filePath(u"left.wav"_s);
+        PlayerWindow window;
+        QVERIFY(OpenCompletely(window, Recording));
+        QSignalSpy ended(&window, &PlayerWindow::ExportEnded);
+        window.ExportChannel(path, WavFile::ChannelLeft);
+        window.CancelExport();
+        QVERIFY(!ended.isEmpty() || ended.wait(10000));
+        QVERIFY(!QFile::exists(path));
     }
 
     void playsAndPauses()

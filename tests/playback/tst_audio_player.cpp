@@ -77,6 +77,8 @@ private Q_SLOTS:
     void setSelectionMovesThePositionAndKeepsTheState();
     void setSelectionAcceptsTimesThatNoPositionCanHold_data();
     void setSelectionAcceptsTimesThatNoPositionCanHold();
+    void setSelectionAcceptsAStartBehindTheFile_data();
+    void setSelectionAcceptsAStartBehindTheFile();
     void clearSelectionTakesTheDurationAndKeepsThePosition();
     void clearSelectionOfAnEmptyPlayerEndsAtZero();
     void loopPlaybackChangesNothingElse();
@@ -332,6 +334,39 @@ void AudioPlayerTest::setSelectionAcceptsTimesThatNoPositionCanHold_data()
     QTest::newRow("minus infinity") << -infinity << infinity;
     QTest::newRow("negative") << -5.0 << -1.0;
     QTest::newRow("largest negative") << std::numeric_limits<double>::lowest() << 0.0;
+}
+
+void AudioPlayerTest::setSelectionAcceptsAStartBehindTheFile_data()
+{
+    QTest::addColumn<double>("start");
+    QTest::newRow("the end") << 30.0;
+    QTest::newRow("behind the end") << 31.0;
+    QTest::newRow("months") << 1e7;
+    QTest::newRow("more microseconds than fit") << 1e15;
+    QTest::newRow("the largest number") << std::numeric_limits<double>::max();
+    QTest::newRow("infinity") << std::numeric_limits<double>::infinity();
+}
+
+void AudioPlayerTest::setSelectionAcceptsAStartBehindTheFile()
+{
+    QFETCH(double, start);
+    for (const bool playing : {false, true}) {
+        AudioPlayer player;
+        player.SetAudio(m_long, 30.0);
+        playing ? player.play() : player.pause();
+        player.SetSelection(start, start);
+        QCOMPARE(Access::SelectionStart(player), start);
+        QCOMPARE(player.position(), 30000);
+        QTRY_COMPARE_WITH_TIMEOUT(player.playbackState(), QMediaPlayer::PausedState, patience);
+        player.SetSelection(5.0, 20.0);
+        QCOMPARE(player.position(), 5000);
+        // The end that was just left may still be reported, and pauses once more.
+        const auto playsOn = [&player] {
+            player.play();
+            return player.position() > 5000;
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(playsOn(), patience);
+    }
 }
 
 void AudioPlayerTest::setSelectionAcceptsTimesThatNoPositionCanHold()

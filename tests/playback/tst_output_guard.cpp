@@ -68,6 +68,7 @@ private Q_SLOTS:
     void playsElsewhereWhenItsDeviceLeftWhileStopped();
     void goesOnElsewhereWhenItsDeviceLeavesWhilePlaying();
     void returnsToTheChosenDevice();
+    void setsAPlayerGoingAgainThatStandsStill();
     void ignoresADeviceThatHasGone();
     void leavesAnOutputOfTheHostAlone();
 
@@ -283,6 +284,21 @@ void OutputGuardTest::returnsToTheChosenDevice()
     QCOMPARE(player->GetAudioOutputDevice().id(), QByteArray("one"));
     QVERIFY(m_server.AddSink(QStringLiteral("one")));
     QTRY_COMPARE_WITH_TIMEOUT(Access::Output(*player)->device().id(), QByteArray("one"), patience);
+}
+
+void OutputGuardTest::setsAPlayerGoingAgainThatStandsStill()
+{
+    SetSinks({QStringLiteral("one")});
+    const SoundRecording one(QStringLiteral("one"));
+    const auto player = Player();
+    player->play();
+    QTRY_VERIFY_WITH_TIMEOUT(HearsTheTone(one), patience);
+    // An output that comes back to a running player gets nothing to play.
+    player->setAudioOutput(nullptr);
+    QTRY_VERIFY_WITH_TIMEOUT(one.IsSilent(), patience);
+    player->setAudioOutput(Access::Output(*player));
+    QTRY_VERIFY_WITH_TIMEOUT(HearsTheTone(one), patience);
+    QCOMPARE(player->playbackState(), QMediaPlayer::PlayingState);
 }
 
 void OutputGuardTest::ignoresADeviceThatHasGone()

@@ -2,6 +2,8 @@
 
 #include <vantorAudioEngine/WavFile.h>
 
+#include <optional>
+
 /** The private members of WavFile, for tests. */
 class WavFileTestAccess
 {
@@ -28,6 +30,17 @@ public:
     static constexpr Reader readS24Block = &WavFile::ReadS24Block;
     static constexpr Reader readS32Block = &WavFile::ReadS32Block;
     static constexpr Reader readF32Block = &WavFile::ReadF32Block;
+
+    using Writer = void (WavFile::*)(const QByteArray&, WavFile&, const QAudioFormat&, WavFile::ChannelFormat);
+    static constexpr Writer writeS16Block = &WavFile::WriteS16Block;
+    static constexpr Writer writeS32Block = &WavFile::WriteS32Block;
+    static constexpr Writer writeF32Block = &WavFile::WriteF32Block;
+    static constexpr Writer convertS24BlockToF32Block = &WavFile::ConvertS24BlockToF32Block;
+
+    static std::optional<WavFile::ChannelLayout> SelectChannelLayout(const QAudioFormat& format)
+    {
+        return WavFile::SelectChannelLayout(format);
+    }
 
     float ReadS24S(const unsigned char* bytes, const QAudioFormat& format)
     {

@@ -47,7 +47,8 @@ void BGFXWaveformWidget::DrawRuler(QPainter& painter)
         DrawRulerTick(painter, x, diagram);
         const QString label = UI::FormatToTime(time);
         const int width = painter.fontMetrics().horizontalAdvance(label);
-        painter.drawText(QRectF(x - width / 2, diagram.top() - 20, width, 16), Qt::AlignHCenter | Qt::AlignBottom,
+        const int halfWidth = width / 2;
+        painter.drawText(QRectF(x - halfWidth, diagram.top() - 20, width, 16), Qt::AlignHCenter | Qt::AlignBottom,
                          label);
     }
 }
@@ -59,10 +60,10 @@ void BGFXWaveformWidget::DrawAmplitudeLabels(QPainter& painter) const
         const double y = diagram.bottom() - diagram.height() * 0.5 * k;
         const double value = m_diagram->GetSceneRect().height() * (k - 1);
         const QString text = QStringLiteral("%1 ").arg(value, 0, 'g', -1, u' ');
-        const int width = painter.fontMetrics().horizontalAdvance(text);
+        const int halfWidth = painter.fontMetrics().horizontalAdvance(text) / 2;
         painter.drawLine(QPointF(diagram.left() - 4, y), QPointF(diagram.left() - 1, y));
         // Half of the text's width left of the widget's own edge: there the numbers stand beside their ticks.
-        painter.drawText(QRectF(-(width / 2), y - 10, 30, 16), Qt::AlignRight | Qt::AlignBottom, text);
+        painter.drawText(QRectF(-halfWidth, y - 10, 30, 16), Qt::AlignRight | Qt::AlignBottom, text);
     }
 }
 

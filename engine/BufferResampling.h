@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QtCore/QByteArray>
+#include <QtCore/QList>
+
+#include <span>
+
+/** Linear interpolation between sample rates, one decoded buffer at a time, and conversion to float samples. */
+namespace vantoraudio::AudioEngine {
+
+/** The interleaved samples of one decoded buffer. */
+template<typename Sample>
+struct SampleBuffer
+{
+    std::span<const Sample> samples;
+    int channelCount = 0;
+    /** In Hz. */
+    int sampleRate = 0;
+};
+
+/**
+ * The bytes of the buffer's samples at `targetRate`; sample type and channel count stay. Exists for quint8,
+ * qint16, qint32 and float.
+ *
+ * A buffer that has the target rate already is copied. Any other becomes frames * targetRate / sampleRate frames,
+ * where the product is the lowest 32 bits: below 1, and for rates and channel counts below 1, nothing is left.
+ * Integers are truncated toward zero.
+ */
+template<typename Sample>
+[[nodiscard]] QByteArray Resample(const SampleBuffer<Sample>& buffer, int targetRate);
+
+/** The samples as floats between -1 and 1; half the range of an unsigned type is 0. Exists for quint8, qint16 and
+ *  qint32. */
+template<typename Sample>
+[[nodiscard]] QList<float> ToFloat(std::span<const Sample> samples);
+
+} // namespace vantoraudio::AudioEngine

@@ -1,0 +1,262 @@
+#include "engine/BufferResampling.h"
+#include "engine/FileReplacement.h"
+#include "engine/PendingFile.h"
+#include "engine/WavHeader.h"
+
+#include <vantorAudioEngine/Decoder.h>
+
+#include <QtCore/QEventLoop>
+#include <QtCore/QFileInfo>
+#include <QtCore/QTimer>
+#include <QtCore/QUrl>
+#include <QtMultimedia/QAudioBuffer>
+#include <QtMultimedia/QAudioDecoder>
+
+#include <chrono>
+#include <optional>
+#include <span>
+
+using namespace std::chrono_literals;
+using namespace vantoraudio::AudioEngine;
+
+namespace {
+
+constexpr int defaultSampleRate = 96000;
+
+/** The platform's decoder may keep silent for ever about a file that it cannot decode, so its silence ends the
+ *  call. The first limit leaves room for the look into the file within the 2 s that such a call may take. */
+constexpr auto longestSilenceAtStart = 1500ms;
+constexpr auto longestSilence = 10s;
+
+template<typename Sample>
+SampleBuffer<Sample> SamplesOf(const QAudioBuffer& buffer)
+{
+    const auto count = static_cast<std::size_t>(buffer.byteCount()) / sizeof(Sample);
+    return {{buffer.constData<Sample>(), count}, buffer.format().channelCount(), buffer.format().sampleRate()};
+}
+
+template<typename Sample>
+QByteArray ResampleAsFloat(const SampleBuffer<Sample>& buffer, int targetRate)
+{
+    const QList<float> samples = ToFloat(buffer.samples);
+    return Resample<float>({samples, buffer.channelCount, buffer.sampleRate}, targetRate);
+}
+
+/** Nothing for a sample type that has no resampler. */
+std::optional<QByteArray> ResampleAsDecoded(const QAudioBuffer& buffer, int targetRate)
+{
+    switch (buffer.format().sampleFormat()) {
+    case QAudioFormat::UInt8:
+        return Resample(SamplesOf<quint8>(buffer), targetRate);
+    case QAudioFormat::Int16:
+        return Resample(SamplesOf<qint16>(buffer), targetRate);
+    case QAudioFormat::Int32:
+        return Resample(SamplesOf<qint32>(buffer), targetRate);
+    case QAudioFormat::Float:
+        return Resample(SamplesOf<float>(buffer), targetRate);
+    default:
+        return {};
+    }
+}
+
+std::optional<QByteArray> ResampleAsFloat(const QAudioBuffer& buffer, int targetRate)
+{
+    switch (buffer.format().sampleFormat()) {
+    case QAudioFormat::UInt8:
+        return ResampleAsFloat(SamplesOf<quint8>(buffer), targetRate);
+    case QAudioFormat::Int16:
+        return ResampleAsFloat(SamplesOf<qint16>(buffer), targetRate);
+    case QAudioFormat::Int32:
+        return ResampleAsFloat(SamplesOf<qint32>(buffer), targetRate);
+    default:
+        return ResampleAsDecoded(buffer, targetRate);
+    }
+}
+
+bool CanBeRead(const QString& path)
+{
+    // Opening a pipe would wait for its other end.
+    return QFileInfo(path).isFile() && QFile(path).open(QIODevice::ReadOnly);
+}
+
+/** The only copy of someone's audio makes way for nothing that a power failure could take. */
+bool Commit(PendingFile& output, bool replacesInput)
+{
+    return (!replacesInput || FlushToDisk(output.File())) && output.Commit();
+}
+
+} // namespace
+
+/**
+ * One decoding. It lies on the stack of its call and refers to nothing outside but the output, because anything
+ * else may be gone when the event loop comes back.
+ */
+class Decoder::Run
+{
+public:
+    Run(QFile& output, int sampleRate, SampleType type);
+
+    WavFile::AudioEngineReturnValue Decode(const QString& inPath);
+
+private:
+    void SetSource(const QString& path);
+    void OnBufferReady();
+    void OnFinished();
+    void OnSilence();
+    void Write(const QByteArray& bytes);
+    void End(WavFile::AudioEngineReturnValue result);
+
+    QFile& m_output;
+    const int m_sampleRate;
+    const SampleType m_type;
+    int m_channelCount = 2;
+    qint64 m_dataSize = 0;
+    std::optional<WavFile::AudioEngineReturnValue> m_result;
+    QEventLoop m_loop;
+    QTimer m_silence;
+    QFile m_source;
+    QAudioDecoder m_decoder;
+};
+
+Decoder::Run::Run(QFile& output, int sampleRate, SampleType type)
+    : m_output(output), m_sampleRate(sampleRate), m_type(type)
+{
+    m_silence.setSingleShot(true);
+    QObject::connect(&m_decoder, &QAudioDecoder::bufferReady, &m_loop, [this] { OnBufferReady(); });
+    QObject::connect(&m_decoder, &QAudioDecoder::finished, &m_loop, [this] { OnFinished(); });
+    QObject::connect(&m_decoder, qOverload<QAudioDecoder::Error>(&QAudioDecoder::error), &m_loop,
+                     [this] { End(WavFile::ErrorInvalidFormat); });
+    QObject::connect(&m_silence, &QTimer::timeout, &m_loop, [this] { OnSilence(); });
+}
+
+WavFile::AudioEngineReturnValue Decoder::Run::Decode(const QString& inPath)
+{
+    m_output.seek(writtenHeaderSize);
+    SetSource(inPath);
+    m_silence.start(longestSilenceAtStart);
+    m_decoder.start();
+    if (!m_result) {
+        m_loop.exec();
+    }
+    // An event loop without a result was ended from outside, together with the application.
+    return m_result.value_or(WavFile::ErrorInvalidFormat);
+}
+
+void Decoder::Run::SetSource(const QString& path)
+{
+    const QUrl url = QUrl::fromLocalFile(path);
+    // Some platform decoders look for a file under the escaped name.
+    const bool isEscaped = url.toEncoded().contains('%');
+    m_source.setFileName(path);
+    if (isEscaped && m_source.open(QIODevice::ReadOnly)) {
+        m_decoder.setSourceDevice(&m_source);
+    } else {
+        m_decoder.setSource(url);
+    }
+}
+
+void Decoder::Run::OnBufferReady()
+{
+    if (m_result) {
+        return;
+    }
+    m_silence.start(longestSilence);
+    const QAudioBuffer buffer = m_decoder.read();
+    m_channelCount = buffer.format().channelCount();
+    const auto bytes = m_type == SampleType::Float ? ResampleAsFloat(buffer, m_sampleRate)
+                                                   : ResampleAsDecoded(buffer, m_sampleRate);
+    if (bytes) {
+        Write(*bytes);
+    } else {
+        End(WavFile::ErrorInvalidFormat);
+    }
+}
+
+void Decoder::Run::OnFinished()
+{
+    if (m_result) {
+        return;
+    }
+    // The header counts in 32 bits.
+    const int dataSize = static_cast<int>(m_dataSize);
+    const bool isWritten = WriteHeader(m_output, dataSize, m_sampleRate, m_channelCount) == 1;
+    End(isWritten ? WavFile::Success : WavFile::ErrorWriteHeader);
+}
+
+void Decoder::Run::OnSilence()
+{
+    // A program that was busy itself may have a buffer waiting behind this event; it would start the timer anew.
+    const auto endIfStillSilent = [this] {
+        if (!m_silence.isActive()) {
+            End(WavFile::ErrorInvalidFormat);
+        }
+    };
+    QMetaObject::invokeMethod(&m_loop, endIfStillSilent, Qt::QueuedConnection);
+}
+
+void Decoder::Run::Write(const QByteArray& bytes)
+{
+    m_dataSize += bytes.size();
+    if (m_output.write(bytes) != bytes.size()) {
+        End(WavFile::ErrorWriteHeader);
+    }
+}
+
+void Decoder::Run::End(WavFile::AudioEngineReturnValue result)
+{
+    if (!m_result) {
+        m_result = result;
+        m_loop.quit();
+    }
+}
+
+Decoder::Decoder() = default;
+
+Decoder::~Decoder() = default;
+
+WavFile::AudioEngineReturnValue Decoder::Convert(const QString& inPath, const QString& outPath, int sampleRate)
+{
+    return Decode(inPath, outPath, sampleRate, SampleType::AsDecoded);
+}
+
+WavFile::AudioEngineReturnValue Decoder::ConvertToFloat(const QString& inPath, const QString& outPath,
+                                                        int sampleRate)
+{
+    return Decode(inPath, outPath, sampleRate, SampleType::Float);
+}
+
+WavFile::AudioEngineReturnValue Decoder::Decode(const QString& inPath, const QString& outPath, int sampleRate,
+                                                SampleType type)
+{
+    if (inPath.isEmpty() || outPath.isEmpty()) {
+        return WavFile::ErrorOpenFile;
+    }
+    PendingFile output(outPath);
+    if (!CanBeRead(inPath) || !output.Open()) {
+        return WavFile::ErrorOpenFile;
+    }
+    const QString source = QFileInfo(inPath).absoluteFilePath();
+    if (!HoldsAudio(source)) {
+        return WavFile::ErrorInvalidFormat;
+    }
+    const int targetRate = sampleRate == -1 ? defaultSampleRate : sampleRate;
+    auto result = Run(output.File(), targetRate, type).Decode(source);
+    const bool replacesInput = IsSameFile(inPath, outPath);
+    if (result == WavFile::Success && !Commit(output, replacesInput)) {
+        result = WavFile::ErrorWriteHeader;
+    }
+    if (result != WavFile::Success && !replacesInput) {
+        output.RemoveFormer();
+    }
+    return result;
+}
+
+int Decoder::WriteHeader(QFile& file, int dataSize, int sampleRate, int channelCount)
+{
+    QAudioFormat format;
+    format.setSampleFormat(QAudioFormat::Float);
+    format.setSampleRate(sampleRate);
+    format.setChannelCount(channelCount);
+    const QByteArray header = ComposeWavHeader(format, dataSize);
+    return file.seek(0) && file.write(header) == header.size() && file.flush() ? 1 : 0;
+}

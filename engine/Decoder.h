@@ -1,0 +1,96 @@
+#pragma once
+
+#include <vantorAudioEngine/Export.h>
+#include <vantorAudioEngine/WavFile.h>
+
+#include <QtCore/QFile>
+#include <QtCore/QObject>
+#include <QtCore/QString>
+
+struct AVCodecContext;
+struct AVFormatContext;
+
+/**
+ * Turns audio files of any kind that the platform's media framework decodes (MP3 above all) into WAV files, and
+ * tells how long such files last. All of it is static; nothing is kept between the calls.
+ *
+ * Threads: any thread of a program that has its QCoreApplication. Calls on several threads do not meet.
+ */
+class VANTORAUDIOENGINE_EXPORT Decoder : public QObject
+{
+    Q_OBJECT
+
+public:
+    Decoder();
+    ~Decoder() override;
+
+    /**
+     * Decodes the audio file `inPath` into a WAV file `outPath` at `sampleRate` Hz; -1 stands for 96000.
+     *
+     * The samples keep the type in which the framework delivers them, while the header always declares 32-bit
+     * float. So the result is sound for what is decoded to float (MP3, Ogg Vorbis, AAC), and noise for what is
+     * decoded to integers (FLAC, WAV). ConvertToFloat() is right for both.
+     *
+     * Runs an event loop until the decoding has ended, at most 2 s for a file that turns out not to be decodable:
+     * the caller may be called, closed and even destroyed meanwhile, and other conversions may start. Ending the
+     * application ends the call too.
+     *
+     * - Success: `outPath` is the whole new file. Both paths may name the same file: it is read to its end first.
+     * - ErrorOpenFile: a path is empty, `inPath` cannot be read or `outPath` cannot be written.
+     * - ErrorInvalidFormat: not audio, or it cannot be decoded to its end: an unknown sample type, an error of the
+     *   framework, 10 s without progress, the end of the application.
+     * - ErrorWriteHeader: the new file could not be written whole.
+     *
+     * The audio grows in an unnamed or temporary file, so that no part of it ever stands under `outPath`. What the
+     * call refuses before decoding leaves both files as they were, without creating one. A later failure removes
+     * an older file at `outPath`, which would be taken for the result, unless it is the input. Only where
+     * `outPath` may be written but its folder not, its bytes are overwritten in place at the end, and a failure
+     * at that point leaves it empty.
+     *
+     * More than 4 GiB of samples exceed what the header can state: its size fields wrap around.
+     */
+    static WavFile::AudioEngineReturnValue Convert(const QString& inPath, const QString& outPath, int sampleRate);
+
+    /** As Convert(), but turns every sample into a float between -1 and 1, so that the header is true. */
+    static WavFile::AudioEngineReturnValue ConvertToFloat(const QString& inPath, const QString& outPath,
+                                                          int sampleRate);
+
+    /**
+     * How long the audio of `path` lasts, in milliseconds: what the container states, or the audio stream where
+     * the container states nothing. 0 when the path is empty or that cannot be found; the debug log tells why.
+     * Reads a few megabytes of the file at most and leaves it closed.
+     */
+    static int GetDuration(const QString& path);
+
+private:
+    friend class DecoderTestAccess;
+
+    class OpenAudio;
+    class Run;
+
+    enum class SampleType
+    {
+        AsDecoded,
+        Float
+    };
+
+    static WavFile::AudioEngineReturnValue Decode(const QString& inPath, const QString& outPath, int sampleRate,
+                                                  SampleType type);
+
+    /** Whether FFmpeg finds an audio stream in `path` and its beginning can be decoded. */
+    static bool HoldsAudio(const QString& path);
+
+    /**
+     * Opens `path` into `format`, finds its first audio stream and opens a decoder for it in `codec`. Both must
+     * be allocated and not open. 0 on success, -1 on failure, with the cause on the debug log.
+     *
+     * The caller closes and frees both, except that a file that cannot be opened frees `format`: `streamIndex`
+     * keeps its value then, while in every other case it becomes the stream's index or -1.
+     */
+    static int GetAudioCodecContext(AVFormatContext* format, AVCodecContext* codec, int& streamIndex,
+                                    const QString& path);
+
+    /** Writes the header of `dataSize` bytes of 32-bit float samples to the start of `file`. 1 when all of its
+     *  44 bytes were written, else 0. */
+    static int WriteHeader(QFile& file, int dataSize, int sampleRate, int channelCount);
+};

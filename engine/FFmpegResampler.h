@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QtCore/QByteArray>
+
+#include <memory>
+#include <optional>
+
+namespace vantoraudio::AudioEngine {
+
+/** One side of a conversion: interleaved samples. */
+struct PcmLayout
+{
+    /** FFmpeg's number of the sample format. */
+    int sampleFormat = -1;
+    /** 1 or 2. */
+    int channelCount = 0;
+    int sampleRate = 0;
+};
+
+/**
+ * Turns PCM into another sample format, channel count and rate, block by block, by FFmpeg's resampler. What fails
+ * is told on the standard error stream.
+ */
+class FFmpegResampler
+{
+public:
+    /** Blocks of up to `blockFrames` frames will come; below 1 the resampler cannot be made ready. */
+    FFmpegResampler(const PcmLayout& source, const PcmLayout& target, int blockFrames);
+    ~FFmpegResampler();
+    Q_DISABLE_COPY_MOVE(FFmpegResampler)
+
+    bool IsReady() const;
+
+    /** The result of the next `frames` source frames, which may be empty while the resampler collects more. It
+     *  stays valid until the next call. Nothing after a failure, which ends the conversion. */
+    std::optional<QByteArrayView> Convert(const char* source, int frames);
+    /** What is still inside when the source has ended. */
+    std::optional<QByteArrayView> Drain();
+
+private:
+    class Data;
+    std::unique_ptr<Data> m_data;
+};
+
+} // namespace vantoraudio::AudioEngine

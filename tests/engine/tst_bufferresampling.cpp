@@ -1,0 +1,161 @@
+#include "engine/BufferResampling.h"
+
+#include <QtTest/QTest>
+
+#include <cstring>
+#include <limits>
+#include <vector>
+
+using namespace vantoraudio::AudioEngine;
+
+namespace {
+
+template<typename Sample>
+QList<Sample> Resampled(const QList<Sample>& samples, int channels, int rate, int targetRate)
+{
+    const QByteArray bytes = Resample<Sample>({samples, channels, rate}, targetRate);
+    QList<Sample> result(bytes.size() / static_cast<qsizetype>(sizeof(Sample)));
+    std::memcpy(result.data(), bytes.constData(), static_cast<std::size_t>(bytes.size()));
+    return result;
+}
+
+template<typename Sample>
+QList<float> Converted(const QList<Sample>& samples)
+{
+    return ToFloat(std::span<const Sample>(samples));
+}
+
+} // namespace
+
+class TestBufferResampling : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void copiesABufferOfTheTargetRateByteForByte()
+    {
+        const QList<float> odd{1.0e30F, -0.0F, std::numeric_limits<float>::denorm_min(), 7.0F, 0.1F};
+        const QByteArray bytes(reinterpret_cast<const char*>(odd.constData()), odd.size() * 4);
+        QCOMPARE(Resample<float>({odd, 2, 96000}, 96000), bytes);
+        QCOMPARE(Resampled<quint8>({1, 2, 3}, 2, 8000, 8000), (QList<quint8>{1, 2, 3}));
+    }
+
+    void makes480FramesOf441()
+    {
+        QList<qint16> samples;
+        for (int frame = 0; frame < 441; ++frame) {
+            samples << qint16(frame * 50) << qint16(-frame * 70);
+        }
+        const QList<qint16> result = Resampled(samples, 2, 44100, 48000);
+        QCOMPARE(result.size(), 480 * 2);
+        QCOMPARE(result.first(2), samples.first(2));
+        QCOMPARE(result.last(2), samples.last(2));
+        // Frame 1 lies at 441 / 480 = 0.91875, frame 240 at 220.5.
+        QCOMPARE(result.mid(2, 2), (QList<qint16>{45, -64}));
+        QCOMPARE(result.mid(480, 2), (QList<qint16>{11025, -15435}));
+    }
+
+    void interpolatesEveryChannelByItself()
+    {
+        QCOMPARE(Resampled<float>({0.0F, 1.0F, 1.0F, -1.0F}, 2, 100, 200),
+                 (QList<float>{0.0F, 1.0F, 0.5F, 0.0F, 1.0F, -1.0F, 1.0F, -1.0F}));
+        QCOMPARE(Resampled<float>({0.0F, 1.0F}, 1, 100, 400),
+                 (QList<float>{0.0F, 0.25F, 0.5F, 0.75F, 1.0F, 1.0F, 1.0F, 1.0F}));
+        QCOMPARE(Resampled<qint32>({10, 20, 30, 40, 50, 60}, 3, 100, 200),
+                 (QList<qint32>{10, 20, 30, 25, 35, 45, 40, 50, 60, 40, 50, 60}));
+    }
+
+    void leavesFramesOutOnTheWayDown()
+    {
+        QCOMPARE(Resampled<qint32>({0, 10, 20, 30, 40, 50}, 1, 300, 100), (QList<qint32>{0, 30}));
+        QCOMPARE(Resampled<qint32>({0, 10, 20}, 1, 300, 200), (QList<qint32>{0, 15}));
+    }
+
+    void truncatesIntegersTowardZero()
+    {
+        QCOMPARE(Resampled<qint16>({0, 3}, 1, 100, 200), (QList<qint16>{0, 1, 3, 3}));
+        QCOMPARE(Resampled<qint16>({0, -3}, 1, 100, 200), (QList<qint16>{0, -1, -3, -3}));
+        QCOMPARE(Resampled<qint32>({-7, 0}, 1, 100, 200), (QList<qint32>{-7, -3, 0, 0}));
+    }
+
+    void readsEightBitsAsUnsigned()
+    {
+        QCOMPARE(Resampled<quint8>({100, 255}, 1, 100, 200), (QList<quint8>{100, 177, 255, 255}));
+    }
+
+    void keepsTheExtremesOfEveryType()
+    {
+        const auto low = std::numeric_limits<qint32>::min();
+        const auto high = std::numeric_limits<qint32>::max();
+        for (const int targetRate : {101, 199, 333, 1009}) {
+            for (const qint32 value : Resampled<qint32>({low, low, low}, 1, 100, targetRate)) {
+                QCOMPARE(value, low);
+            }
+            for (const qint32 value : Resampled<qint32>({high, high, high}, 1, 100, targetRate)) {
+                QVERIFY(value >= high - 1);
+            }
+        }
+        QCOMPARE(Resampled<qint32>({low, high}, 1, 100, 200), (QList<qint32>{low, 0, high, high}));
+        QCOMPARE(Resampled<qint16>({-32768, 32767}, 1, 100, 200), (QList<qint16>{-32768, 0, 32767, 32767}));
+    }
+
+    void computesFloatsInDouble()
+    {
+        // In float, 16777216 * 2/3 + 16777217 * 1/3 and the like would lose the fraction much earlier.
+        const float first = 0.1F;
+        const float second = 0.7F;
+        const QList<float> result = Resampled<float>({first, second}, 1, 100, 300);
+        QCOMPARE(result.size(), 6);
+        const double third = 1.0 * 2 / 6;
+        const auto expected = static_cast<float>(first * (1.0 - third) + second * third);
+        QVERIFY(std::memcmp(&result[1], &expected, sizeof expected) == 0);
+    }
+
+    void givesNothingWhereNoFrameIsLeft_data()
+    {
+        QTest::addColumn<int>("frames");
+        QTest::addColumn<int>("channels");
+        QTest::addColumn<int>("rate");
+        QTest::addColumn<int>("targetRate");
+        QTest::addRow("empty buffer") << 0 << 2 << 44100 << 48000;
+        QTest::addRow("empty buffer of the target rate") << 0 << 2 << 48000 << 48000;
+        QTest::addRow("one frame on the way down") << 1 << 1 << 96000 << 48000;
+        QTest::addRow("target rate 0") << 100 << 1 << 44100 << 0;
+        QTest::addRow("negative target rate") << 100 << 1 << 44100 << -8000;
+        QTest::addRow("buffer rate 0") << 100 << 1 << 0 << 48000;
+        QTest::addRow("negative buffer rate") << 100 << 1 << -44100 << 48000;
+        QTest::addRow("buffer rate -1, product at the lowest") << 32768 << 1 << -1 << 65536;
+        QTest::addRow("no channels") << 100 << 0 << 44100 << 48000;
+        QTest::addRow("product wraps to below zero") << 1152 << 1 << 44100 << 2147483647;
+        QTest::addRow("product wraps to zero") << 65536 << 1 << 44100 << 65536;
+    }
+    void givesNothingWhereNoFrameIsLeft()
+    {
+        QFETCH(const int, frames);
+        QFETCH(const int, channels);
+        QFETCH(const int, rate);
+        QFETCH(const int, targetRate);
+        const QList<qint16> samples(frames * channels, 1);
+        QCOMPARE(Resampled(samples, channels, rate, targetRate), QList<qint16>());
+    }
+
+    void wrapsTheFrameProductAt32Bits()
+    {
+        // 65537 * 65536 is 65536 in 32 bits; divided by 8192 that makes 8 frames.
+        const QList<quint8> samples(65537, 9);
+        QCOMPARE(Resampled(samples, 1, 8192, 65536), QList<quint8>(8, 9));
+    }
+
+    void turnsEveryIntegerTypeIntoFloats()
+    {
+        QCOMPARE(Converted<quint8>({0, 64, 128, 192, 255}), (QList<float>{-1.0F, -0.5F, 0.0F, 0.5F, 0.9921875F}));
+        QCOMPARE(Converted<qint16>({-32768, -16384, 0, 8192, 32767}),
+                 (QList<float>{-1.0F, -0.5F, 0.0F, 0.25F, 0.999969482421875F}));
+        QCOMPARE(Converted<qint32>({std::numeric_limits<qint32>::min(), 0, 1 << 30}),
+                 (QList<float>{-1.0F, 0.0F, 0.5F}));
+        QCOMPARE(Converted<qint16>({}), QList<float>());
+    }
+};
+
+QTEST_APPLESS_MAIN(TestBufferResampling)
+#include "tst_bufferresampling.moc"

@@ -1,0 +1,514 @@
+#include "tests/support/AudioPrograms.h"
+#include "tests/support/DecoderTestAccess.h"
+#include "tests/support/TemporaryFiles.h"
+
+#include <vantorAudioEngine/Decoder.h>
+#include <vantorAudioEngine/WavFile.h>
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QDir>
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QFileInfo>
+#include <QtCore/QRandomGenerator>
+#include <QtCore/QThread>
+#include <QtCore/QTimer>
+#include <QtMultimedia/QAudioDecoder>
+#include <QtTest/QTest>
+
+#include <csignal>
+#include <functional>
+#include <memory>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+/** Files that are no audio and what cannot be read are refused within 2 s, on a busy machine a little later. */
+constexpr qint64 longestRefusal = 2500;
+
+QByteArray RandomBytes(int size)
+{
+    QRandomGenerator generator(7);
+    QByteArray bytes(size, Qt::Uninitialized);
+    for (char& byte : bytes) {
+        byte = static_cast<char>(generator.bounded(256));
+    }
+    return bytes;
+}
+
+QStringList AllIn(const QString& folder)
+{
+    return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
+                                  QDir::Name);
+}
+
+/** Sees what the platform's decoder sends to its Qt object, and may keep it to itself. */
+class Interceptor : public QObject
+{
+public:
+    /** Called with the number of the message; true swallows it. */
+    using Handler = std::function<bool(QAudioDecoder&, int)>;
+
+    explicit Interceptor(Handler handler) : m_handler(std::move(handler))
+    {
+        QCoreApplication::instance()->installEventFilter(this);
+    }
+
+    int Count() const { return m_count; }
+
+    bool eventFilter(QObject* object, QEvent* event) override
+    {
+        auto* const decoder = qobject_cast<QAudioDecoder*>(object->parent());
+        return event->type() == QEvent::MetaCall && decoder != nullptr && m_handler(*decoder, m_count++);
+    }
+
+private:
+    Handler m_handler;
+    int m_count = 0;
+};
+
+/** Keeps every file that this process writes from growing beyond a size. */
+class FileSizeLimit
+{
+public:
+    explicit FileSizeLimit(rlim_t bytes) : m_formerHandler(std::signal(SIGXFSZ, SIG_IGN))
+    {
+        getrlimit(RLIMIT_FSIZE, &m_former);
+        const rlimit limit{bytes, m_former.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FileSizeLimit()
+    {
+        setrlimit(RLIMIT_FSIZE, &m_former);
+        std::signal(SIGXFSZ, m_formerHandler);
+    }
+    Q_DISABLE_COPY_MOVE(FileSizeLimit)
+
+private:
+    rlimit m_former{};
+    void (*m_formerHandler)(int);
+};
+
+} // namespace
+
+class TestDecoder : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+
+    void refusesEmptyPathsWithoutCreatingAFile();
+    void refusesWhatCannotBeDecoded_data();
+    void refusesWhatCannotBeDecoded();
+    void refusesAnInputThatWouldBlock();
+    void refusesAnOutputThatCannotBeWritten_data();
+    void refusesAnOutputThatCannotBeWritten();
+    void leavesAnOlderOutputWhenTheInputIsRefused();
+
+    void decodesAFileOntoItself_data();
+    void decodesAFileOntoItself();
+    void keepsTheInputWhenDecodingOntoItFails();
+    void replacesAnOlderOutput();
+
+    void tellsThatTheDiskIsFull_data();
+    void tellsThatTheDiskIsFull();
+    void tellsThatTheFileCannotGrow();
+
+    void endsWhenTheDecoderNeverStarts();
+    void endsWhenTheDecoderFallsSilent();
+    void endsWhenTheDecoderReportsAnError();
+    void refusesABufferOfAnUnknownSampleType();
+    void goesOnWhenTheProgramItselfWasBusy();
+
+    void endsWithTheApplication();
+    void decodesSeveralFilesAtOnce();
+    void decodesTwiceIntoTheSameFile();
+    void worksOnAnyThread();
+    void leavesNoFileOpen();
+
+    void writesTheHeader();
+    void tellsThatTheHeaderWasNotWritten();
+
+private:
+    QString Path(const QString& name) const { return m_files.Path(name); }
+    QByteArray Expected(const QString& name) const { return TemporaryFiles::Read(Path(name + u".expected")); }
+    void MakeFile(const QString& name, int rate, double seconds);
+
+    TemporaryFiles m_files;
+};
+
+void TestDecoder::MakeFile(const QString& name, int rate, double seconds)
+{
+    QVERIFY(AudioPrograms::MakeTone(Path(u"tone.wav"_s), rate, 2, seconds));
+    QVERIFY(AudioPrograms::Encode(u"mp3"_s, Path(u"tone.wav"_s), Path(name)));
+    QCOMPARE(Decoder::Convert(Path(name), Path(name + u".expected"_s), 48000), WavFile::Success);
+    QVERIFY(static_cast<double>(Expected(name).size()) > seconds * 48000 * 7.5);
+}
+
+void TestDecoder::initTestCase()
+{
+    MakeFile(u"short.mp3"_s, 44100, 2.0);
+    MakeFile(u"other.mp3"_s, 22050, 3.0);
+    MakeFile(u"long.mp3"_s, 44100, 60.0);
+}
+
+void TestDecoder::refusesEmptyPathsWithoutCreatingAFile()
+{
+    const TemporaryFiles files;
+    QCOMPARE(Decoder::Convert({}, files.Path(u"out.wav"_s), 96000), WavFile::ErrorOpenFile);
+    QCOMPARE(Decoder::Convert(Path(u"short.mp3"_s), {}, 96000), WavFile::ErrorOpenFile);
+    QCOMPARE(Decoder::Convert({}, {}, 96000), WavFile::ErrorOpenFile);
+    QCOMPARE(Decoder::ConvertToFloat({}, files.Path(u"out.wav"_s), 96000), WavFile::ErrorOpenFile);
+    QVERIFY(AllIn(files.Path({})).isEmpty());
+}
+
+void TestDecoder::refusesWhatCannotBeDecoded_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<int>("result");
+    const QByteArray text = "The quick brown fox jumps over the lazy dog.\n";
+    QTest::addRow("missing file") << QByteArray() << u"missing.mp3"_s << -2;
+    QTest::addRow("folder") << QByteArray() << u"."_s << -2;
+    QTest::addRow("file as a folder") << QByteArray("x") << u"file.mp3/x.mp3"_s << -2;
+    QTest::addRow("empty file") << QByteArray("") << u"file.mp3"_s << -1;
+    QTest::addRow("one byte") << QByteArray("R") << u"file.mp3"_s << -1;
+    QTest::addRow("random bytes, mp3") << RandomBytes(100000) << u"file.mp3"_s << -1;
+    QTest::addRow("random bytes, m4a") << RandomBytes(100000) << u"file.m4a"_s << -1;
+    QTest::addRow("random bytes, ogg") << RandomBytes(1000) << u"file.ogg"_s << -1;
+    QTest::addRow("many random bytes") << RandomBytes(20'000'000) << u"file.mp3"_s << -1;
+    QTest::addRow("zeros") << QByteArray(100000, '\0') << u"file.mp3"_s << -1;
+    QTest::addRow("text, mp3") << text.repeated(1000) << u"file.mp3"_s << -1;
+    QTest::addRow("text, flac") << text << u"file.flac"_s << -1;
+    QTest::addRow("much text, flac") << text.repeated(1000) << u"file.flac"_s << -1;
+    QTest::addRow("text, ogg") << text.repeated(1000) << u"file.ogg"_s << -1;
+    QTest::addRow("text, m4a") << text.repeated(1000) << u"file.m4a"_s << -1;
+    QTest::addRow("text, aac") << text.repeated(1000) << u"file.aac"_s << -1;
+    QTest::addRow("text, wav") << text.repeated(1000) << u"file.b.wav"_s << -1;
+    QTest::addRow("a playlist") << QByteArray("#EXTM3U\n#EXTINF:1,\nmissing.mp3\n") << u"file.mp3"_s << -1;
+    QTest::addRow("a RIFF header alone") << QByteArray("RIFF\x24\0\0\0WAVE", 12) << u"file.b.wav"_s << -1;
+    QTest::addRow("an MP3 tag alone") << QByteArray("ID3\x03\0\0\0\0\0\0", 10) << u"file.mp3"_s << -1;
+}
+
+void TestDecoder::refusesWhatCannotBeDecoded()
+{
+    QFETCH(const QByteArray, bytes);
+    QFETCH(const QString, name);
+    QFETCH(const int, result);
+    const TemporaryFiles files;
+    if (!bytes.isNull()) {
+        QVERIFY(!files.Write(name.section(u'/', 0, 0), bytes).isEmpty());
+    }
+    const QStringList before = AllIn(files.Path({}));
+    QElapsedTimer timer;
+    timer.start();
+    QCOMPARE(int(Decoder::Convert(files.Path(name), files.Path(u"out.wav"_s), 96000)), result);
+    QVERIFY2(timer.elapsed() < longestRefusal, qPrintable(QString::number(timer.elapsed())));
+    QCOMPARE(AllIn(files.Path({})), before);
+}
+
+void TestDecoder::refusesAnInputThatWouldBlock()
+{
+    const TemporaryFiles files;
+    const QString pipe = files.Path(u"pipe.mp3"_s);
+    QCOMPARE(mkfifo(qPrintable(pipe), 0600), 0);
+    QCOMPARE(Decoder::Convert(pipe, files.Path(u"out.wav"_s), 96000), WavFile::ErrorOpenFile);
+    QCOMPARE(Decoder::Convert(u"/dev/zero"_s, files.Path(u"out.wav"_s), 96000), WavFile::ErrorOpenFile);
+    QCOMPARE(AllIn(files.Path({})), QStringList{u"pipe.mp3"_s});
+}
+
+void TestDecoder::refusesAnOutputThatCannotBeWritten_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addRow("a folder") << u"."_s;
+    QTest::addRow("no such folder") << u"missing/out.wav"_s;
+    QTest::addRow("a name that is too long") << QString(300, u'x');
+    QTest::addRow("a pipe that nobody reads") << u"pipe"_s;
+}
+
+void TestDecoder::refusesAnOutputThatCannotBeWritten()
+{
+    QFETCH(const QString, name);
+    const TemporaryFiles files;
+    QCOMPARE(mkfifo(qPrintable(files.Path(u"pipe"_s)), 0600), 0);
+    QCOMPARE(Decoder::Convert(Path(u"short.mp3"_s), files.Path(name), 96000), WavFile::ErrorOpenFile);
+    // The output is looked at before the content of the input.
+    const QString text = files.Write(u"text.mp3"_s, "no audio");
+    QCOMPARE(Decoder::Convert(text, files.Path(name), 96000), WavFile::ErrorOpenFile);
+    QCOMPARE(AllIn(files.Path({})), (QStringList{u"pipe"_s, u"text.mp3"_s}));
+}
+
+void TestDecoder::leavesAnOlderOutputWhenTheInputIsRefused()
+{
+    const TemporaryFiles files;
+    const QString outPath = files.Write(u"out.wav"_s, "older");
+    QCOMPARE(Decoder::Convert(files.Path(u"missing.mp3"_s), outPath, 96000), WavFile::ErrorOpenFile);
+    QCOMPARE(Decoder::Convert(outPath, outPath, 96000), WavFile::ErrorInvalidFormat);
+    QCOMPARE(Decoder::Convert(files.Write(u"text.mp3"_s, "text"), outPath, 96000), WavFile::ErrorInvalidFormat);
+    QCOMPARE(TemporaryFiles::Read(outPath), QByteArray("older"));
+}
+
+void TestDecoder::decodesAFileOntoItself_data()
+{
+    QTest::addColumn<QString>("outName");
+    QTest::addRow("same path") << u"song.mp3"_s;
+    QTest::addRow("another spelling") << u"./../%1/song.mp3"_s;
+    QTest::addRow("through a link") << u"link.mp3"_s;
+}
+
+void TestDecoder::decodesAFileOntoItself()
+{
+    QFETCH(const QString, outName);
+    const TemporaryFiles files;
+    const QString song = files.Path(u"song.mp3"_s);
+    QVERIFY(QFile::copy(Path(u"short.mp3"_s), song));
+    QVERIFY(QFile::link(song, files.Path(u"link.mp3"_s)));
+    const QString folder = QFileInfo(song).dir().dirName();
+    const QString outPath = files.Path(outName.contains(u'%') ? outName.arg(folder) : outName);
+    QCOMPARE(Decoder::Convert(song, outPath, 48000), WavFile::Success);
+    QCOMPARE(TemporaryFiles::Read(song), Expected(u"short.mp3"_s));
+    QCOMPARE(AllIn(files.Path({})), (QStringList{u"link.mp3"_s, u"song.mp3"_s}));
+}
+
+void TestDecoder::keepsTheInputWhenDecodingOntoItFails()
+{
+    const TemporaryFiles files;
+    const QString song = files.Path(u"song.mp3"_s);
+    QVERIFY(QFile::copy(Path(u"short.mp3"_s), song));
+    {
+        const FileSizeLimit limit(300000);
+        QCOMPARE(Decoder::Convert(song, song, 48000), WavFile::ErrorWriteHeader);
+    }
+    QCOMPARE(TemporaryFiles::Read(song), TemporaryFiles::Read(Path(u"short.mp3"_s)));
+    QCOMPARE(AllIn(files.Path({})), QStringList{u"song.mp3"_s});
+}
+
+void TestDecoder::replacesAnOlderOutput()
+{
+    const TemporaryFiles files;
+    const QString outPath = files.Write(u"out.wav"_s, QByteArray(5'000'000, 'x'));
+    QCOMPARE(Decoder::Convert(Path(u"short.mp3"_s), outPath, 48000), WavFile::Success);
+    QCOMPARE(TemporaryFiles::Read(outPath), Expected(u"short.mp3"_s));
+}
+
+void TestDecoder::tellsThatTheDiskIsFull_data()
+{
+    QTest::addColumn<QString>("outPath");
+    QTest::addRow("device") << u"/dev/full"_s;
+    QTest::addRow("through a link") << Path(u"full.wav"_s);
+}
+
+void TestDecoder::tellsThatTheDiskIsFull()
+{
+    QFETCH(const QString, outPath);
+    QFile::link(u"/dev/full"_s, Path(u"full.wav"_s));
+    QCOMPARE(Decoder::Convert(Path(u"short.mp3"_s), outPath, 48000), WavFile::ErrorWriteHeader);
+    QVERIFY(QFileInfo::exists(u"/dev/full"_s) && !QFileInfo(u"/dev/full"_s).isFile());
+}
+
+void TestDecoder::tellsThatTheFileCannotGrow()
+{
+    const TemporaryFiles files;
+    const QString outPath = files.Write(u"out.wav"_s, Expected(u"other.mp3"_s));
+    {
+        // All but the last few bytes fit, so that the very last write is the one that fails.
+        const FileSizeLimit limit(static_cast<rlim_t>(Expected(u"short.mp3"_s).size()) - 10);
+        QCOMPARE(Decoder::Convert(Path(u"short.mp3"_s), outPath, 48000), WavFile::ErrorWriteHeader);
+    }
+    // The older file would pass for the result.
+    QVERIFY(AllIn(files.Path({})).isEmpty());
+}
+
+void TestDecoder::endsWhenTheDecoderNeverStarts()
+{
+    const TemporaryFiles files;
+    const Interceptor interceptor([](QAudioDecoder&, int) { return true; });
+    QElapsedTimer timer;
+    timer.start();
+    QCOMPARE(Decoder::Convert(Path(u"short.mp3"_s), files.Path(u"out.wav"_s), 48000), WavFile::ErrorInvalidFormat);
+    QVERIFY(timer.elapsed() < longestRefusal);
+    QVERIFY(interceptor.Count() > 0);
+    QVERIFY(AllIn(files.Path({})).isEmpty());
+}
+
+void TestDecoder::endsWhenTheDecoderFallsSilent()
+{
+    const TemporaryFiles files;
+    const QString outPath = files.Write(u"out.wav"_s, Expected(u"short.mp3"_s));
+    const Interceptor interceptor([](QAudioDecoder&, int number) { return number > 20; });
+    QElapsedTimer timer;
+    timer.start();
+    QCOMPARE(Decoder::Convert(Path(u"short.mp3"_s), outPath, 48000), WavFile::ErrorInvalidFormat);
+    QVERIFY(timer.elapsed() > 9000 && timer.elapsed() < 12500);
+    QVERIFY(AllIn(files.Path({})).isEmpty());
+}
+
+void TestDecoder::endsWhenTheDecoderReportsAnError()
+{
+    const TemporaryFiles files;
+    const Interceptor interceptor([](QAudioDecoder& decoder, int number) {
+        if (number == 10) {
+            Q_EMIT decoder.error(QAudioDecoder::ResourceError);
+            // What comes after the end of the call changes nothing.
+            Q_EMIT decoder.finished();
+            Q_EMIT decoder.bufferReady();
+        }
+        return false;
+    });
+    QElapsedTimer timer;
+    timer.start();
+    QCOMPARE(Decoder::Convert(Path(u"short.mp3"_s), files.Path(u"out.wav"_s), 48000), WavFile::ErrorInvalidFormat);
+    QVERIFY(timer.elapsed() < longestRefusal);
+    QVERIFY(AllIn(files.Path({})).isEmpty());
+}
+
+void TestDecoder::refusesABufferOfAnUnknownSampleType()
+{
+    const TemporaryFiles files;
+    const Interceptor interceptor([](QAudioDecoder& decoder, int number) {
+        if (number == 0) {
+            // Nothing has been decoded yet: the buffer that is read has no format at all.
+            Q_EMIT decoder.bufferReady();
+        }
+        return true;
+    });
+    QElapsedTimer timer;
+    timer.start();
+    QCOMPARE(Decoder::Convert(Path(u"short.mp3"_s), files.Path(u"out.wav"_s), 48000), WavFile::ErrorInvalidFormat);
+    QVERIFY(timer.elapsed() < 1400);
+    QVERIFY(AllIn(files.Path({})).isEmpty());
+}
+
+void TestDecoder::goesOnWhenTheProgramItselfWasBusy()
+{
+    const TemporaryFiles files;
+    const QString outPath = files.Path(u"out.wav"_s);
+    // Longer than the decoder may be silent at its start.
+    QTimer::singleShot(0, this, [] { QThread::msleep(1800); });
+    QCOMPARE(Decoder::Convert(Path(u"short.mp3"_s), outPath, 48000), WavFile::Success);
+    QCOMPARE(TemporaryFiles::Read(outPath), Expected(u"short.mp3"_s));
+}
+
+void TestDecoder::endsWithTheApplication()
+{
+    const TemporaryFiles files;
+    int result = 1;
+    bool isInside = false;
+    QTimer::singleShot(0, this, [&] {
+        QTimer::singleShot(0, this, [&] {
+            isInside = result == 1;
+            QCoreApplication::quit();
+        });
+        result = Decoder::Convert(Path(u"long.mp3"_s), files.Path(u"out.wav"_s), 48000);
+    });
+    QCoreApplication::exec();
+    QVERIFY(isInside);
+    QCOMPARE(result, int(WavFile::ErrorInvalidFormat));
+    QVERIFY(AllIn(files.Path({})).isEmpty());
+}
+
+void TestDecoder::decodesSeveralFilesAtOnce()
+{
+    const TemporaryFiles files;
+    int innerResult = 1;
+    int innermostResult = 1;
+    QTimer::singleShot(1, this, [&] {
+        QTimer::singleShot(1, this, [&] {
+            innermostResult = Decoder::Convert(files.Path(u"missing"_s), files.Path(u"none.wav"_s), 48000);
+        });
+        innerResult = Decoder::Convert(Path(u"other.mp3"_s), files.Path(u"inner.wav"_s), 48000);
+    });
+    QCOMPARE(Decoder::Convert(Path(u"long.mp3"_s), files.Path(u"outer.wav"_s), 48000), WavFile::Success);
+    QCOMPARE(innerResult, int(WavFile::Success));
+    QCOMPARE(innermostResult, int(WavFile::ErrorOpenFile));
+    QCOMPARE(TemporaryFiles::Read(files.Path(u"inner.wav"_s)), Expected(u"other.mp3"_s));
+    QCOMPARE(TemporaryFiles::Read(files.Path(u"outer.wav"_s)), Expected(u"long.mp3"_s));
+}
+
+void TestDecoder::decodesTwiceIntoTheSameFile()
+{
+    const TemporaryFiles files;
+    const QString outPath = files.Path(u"out.wav"_s);
+    int innerResult = 1;
+    QByteArray inner;
+    QTimer::singleShot(1, this, [&] {
+        innerResult = Decoder::Convert(Path(u"short.mp3"_s), outPath, 48000);
+        inner = TemporaryFiles::Read(outPath);
+    });
+    QCOMPARE(Decoder::Convert(Path(u"long.mp3"_s), outPath, 48000), WavFile::Success);
+    QCOMPARE(innerResult, int(WavFile::Success));
+    // Either of them is whole when its call returns; the last one stays.
+    QVERIFY(inner == Expected(u"short.mp3"_s) || inner == Expected(u"long.mp3"_s));
+    const QByteArray last = TemporaryFiles::Read(outPath);
+    QVERIFY(last == Expected(u"short.mp3"_s) || last == Expected(u"long.mp3"_s));
+    QCOMPARE(AllIn(files.Path({})), QStringList{u"out.wav"_s});
+}
+
+void TestDecoder::worksOnAnyThread()
+{
+    const TemporaryFiles files;
+    int result = 1;
+    const auto decode = [&] {
+        result = Decoder::Convert(Path(u"short.mp3"_s), files.Path(u"thread.wav"_s), 48000);
+    };
+    const std::unique_ptr<QThread> thread(QThread::create(decode));
+    thread->start();
+    QCOMPARE(Decoder::Convert(Path(u"other.mp3"_s), files.Path(u"main.wav"_s), 48000), WavFile::Success);
+    QVERIFY(thread->wait(60000));
+    QCOMPARE(result, int(WavFile::Success));
+    QCOMPARE(TemporaryFiles::Read(files.Path(u"thread.wav"_s)), Expected(u"short.mp3"_s));
+    QCOMPARE(TemporaryFiles::Read(files.Path(u"main.wav"_s)), Expected(u"other.mp3"_s));
+}
+
+void TestDecoder::leavesNoFileOpen()
+{
+    const TemporaryFiles files;
+    const QString text = files.Write(u"text.mp3"_s, "no audio");
+    const auto openFiles = [] {
+        QStringList names;
+        for (const QFileInfo& link : QDir(u"/proc/self/fd"_s).entryInfoList(QDir::AllEntries | QDir::System)) {
+            const QString target = link.symLinkTarget();
+            names += target.startsWith(QDir::tempPath()) ? QStringList{target} : QStringList{};
+        }
+        return names;
+    };
+    const QStringList before = openFiles();
+    Decoder::Convert(Path(u"short.mp3"_s), files.Path(u"out.wav"_s), 48000);
+    Decoder::Convert(text, files.Path(u"out.wav"_s), 48000);
+    Decoder::Convert(Path(u"short.mp3"_s), files.Path(u"missing/out.wav"_s), 48000);
+    QCOMPARE(openFiles(), before);
+}
+
+void TestDecoder::writesTheHeader()
+{
+    const TemporaryFiles files;
+    QFile file(files.Write(u"out.wav"_s, QByteArray(50, 'x')));
+    QVERIFY(file.open(QIODevice::ReadWrite) && file.seek(50));
+    QCOMPARE(DecoderTestAccess::WriteHeader(file, 0x01020304, 22050, 1), 1);
+    QCOMPARE(file.pos(), 44);
+    file.close();
+    const QByteArray expected = QByteArray("RIFF\x28\x03\x02\x01WAVEfmt \x10\0\0\0", 20) +
+                                QByteArray("\x03\0\x01\0\x22\x56\0\0\x88\x58\x01\0\x04\0\x20\0", 16) +
+                                QByteArray("data\x04\x03\x02\x01", 8) + "xxxxxx";
+    QCOMPARE(TemporaryFiles::Read(file.fileName()), expected);
+}
+
+void TestDecoder::tellsThatTheHeaderWasNotWritten()
+{
+    QFile full(u"/dev/full"_s);
+    QVERIFY(full.open(QIODevice::WriteOnly));
+    QCOMPARE(DecoderTestAccess::WriteHeader(full, 8, 44100, 2), 0);
+    const TemporaryFiles files;
+    QFile readOnly(files.Write(u"out.wav"_s, {}));
+    QVERIFY(readOnly.open(QIODevice::ReadOnly));
+    const QByteArray warning =
+        "QIODevice::write (QFile, \"" + readOnly.fileName().toUtf8() + "\"): ReadOnly device";
+    QTest::ignoreMessage(QtWarningMsg, warning.constData());
+    QCOMPARE(DecoderTestAccess::WriteHeader(readOnly, 8, 44100, 2), 0);
+}
+
+QTEST_GUILESS_MAIN(TestDecoder)
+#include "tst_decoder.moc"
