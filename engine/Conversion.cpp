@@ -104,7 +104,9 @@ bool WavFile::ConvertOver(const QString& path, const ConversionSource& source, c
         return false;
     }
     close();
-    return ReplaceFile(place.fileName(), replaced.filePath());
+    const bool isReplaced = ReplaceFile(place.fileName(), replaced.filePath());
+    place.setAutoRemove(!isReplaced);
+    return isReplaced;
 }
 
 /** The header states the size that the length of the source gives. It stays so when the resampler delivers some

@@ -23,6 +23,9 @@ namespace {
 
 constexpr int defaultSampleRate = 96000;
 
+/** Decoded buffers are short; written one by one they would cost as much time as the decoding itself. */
+constexpr qsizetype writtenBlockSize = 1 << 20;
+
 /** The platform's decoder may keep silent for ever about a file that it cannot decode, so its silence ends the
  *  call. The first limit leaves room for the look into the file within the 2 s that such a call may take. */
 constexpr auto longestSilenceAtStart = 1500ms;
@@ -103,7 +106,8 @@ private:
     void OnBufferReady();
     void OnFinished();
     void OnSilence();
-    void Write(const QByteArray& bytes);
+    void Append(const QByteArray& bytes);
+    bool WriteBlock();
     void End(WavFile::AudioEngineReturnValue result);
 
     QFile& m_output;
@@ -111,6 +115,7 @@ private:
     const SampleType m_type;
     int m_channelCount = 2;
     qint64 m_dataSize = 0;
+    QByteArray m_block;
     std::optional<WavFile::AudioEngineReturnValue> m_result;
     QEventLoop m_loop;
     QTimer m_silence;
@@ -121,6 +126,7 @@ private:
 Decoder::Run::Run(QFile& output, int sampleRate, SampleType type)
     : m_output(output), m_sampleRate(sampleRate), m_type(type)
 {
+    m_block.reserve(writtenBlockSize);
     m_silence.setSingleShot(true);
     QObject::connect(&m_decoder, &QAudioDecoder::bufferReady, &m_loop, [this] { OnBufferReady(); });
     QObject::connect(&m_decoder, &QAudioDecoder::finished, &m_loop, [this] { OnFinished(); });
@@ -166,7 +172,7 @@ void Decoder::Run::OnBufferReady()
     const auto bytes = m_type == SampleType::Float ? ResampleAsFloat(buffer, m_sampleRate)
                                                    : ResampleAsDecoded(buffer, m_sampleRate);
     if (bytes) {
-        Write(*bytes);
+        Append(*bytes);
     } else {
         End(WavFile::ErrorInvalidFormat);
     }
@@ -179,7 +185,7 @@ void Decoder::Run::OnFinished()
     }
     // The header counts in 32 bits.
     const int dataSize = static_cast<int>(m_dataSize);
-    const bool isWritten = WriteHeader(m_output, dataSize, m_sampleRate, m_channelCount) == 1;
+    const bool isWritten = WriteBlock() && WriteHeader(m_output, dataSize, m_sampleRate, m_channelCount) == 1;
     End(isWritten ? WavFile::Success : WavFile::ErrorWriteHeader);
 }
 
@@ -194,12 +200,20 @@ void Decoder::Run::OnSilence()
     QMetaObject::invokeMethod(&m_loop, endIfStillSilent, Qt::QueuedConnection);
 }
 
-void Decoder::Run::Write(const QByteArray& bytes)
+void Decoder::Run::Append(const QByteArray& bytes)
 {
     m_dataSize += bytes.size();
-    if (m_output.write(bytes) != bytes.size()) {
+    m_block += bytes;
+    if (m_block.size() >= writtenBlockSize && !WriteBlock()) {
         End(WavFile::ErrorWriteHeader);
     }
+}
+
+bool Decoder::Run::WriteBlock()
+{
+    const bool isWritten = m_output.write(m_block) == m_block.size();
+    m_block.resize(0);
+    return isWritten;
 }
 
 void Decoder::Run::End(WavFile::AudioEngineReturnValue result)

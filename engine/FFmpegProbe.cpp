@@ -9,7 +9,6 @@
 
 #include <cstddef>
 #include <memory>
-#include <optional>
 #include <span>
 
 extern "C" {
@@ -70,12 +69,9 @@ int FindAudioStream(const AVFormatContext& format)
     return -1;
 }
 
-std::optional<StreamDuration> StatedDuration(const AVStream& stream)
+StreamDuration DurationOf(const AVStream& stream)
 {
-    if (stream.duration == AV_NOPTS_VALUE) {
-        return {};
-    }
-    return StreamDuration{stream.duration, stream.time_base.num, stream.time_base.den};
+    return {stream.duration != AV_NOPTS_VALUE, stream.duration, stream.time_base.num, stream.time_base.den};
 }
 
 bool HasFormat(const AVCodecContext& codec)
@@ -121,7 +117,7 @@ Decoder::OpenAudio::OpenAudio(const QString& path)
 int Decoder::OpenAudio::Duration() const
 {
     const AVStream& stream = *Streams(*m_format)[static_cast<std::size_t>(m_streamIndex)];
-    return DurationInMilliseconds(m_format->duration, StatedDuration(stream));
+    return DurationInMilliseconds(m_format->duration, DurationOf(stream));
 }
 
 bool Decoder::OpenAudio::BeginsWithSound()

@@ -108,7 +108,11 @@ bool FFmpegResampler::Data::SetUp()
     if (!isAllocated) {
         return false;
     }
-    return swr_init(m_context.get()) >= 0 || Complain("Failed to initialize the resampling context\n");
+    // Where it has nothing to resample, FFmpeg may let a missing sample format pass.
+    const bool hasFormats =
+        m_source.sampleFormat != AV_SAMPLE_FMT_NONE && m_target.sampleFormat != AV_SAMPLE_FMT_NONE;
+    return (hasFormats && swr_init(m_context.get()) >= 0) ||
+           Complain("Failed to initialize the resampling context\n");
 }
 
 bool FFmpegResampler::Data::AllocateSamples(int blockFrames)

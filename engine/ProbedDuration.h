@@ -4,13 +4,13 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <optional>
 
 namespace vantoraudio::AudioEngine {
 
 /** What an audio stream states of its own length: `ticks` of numerator / denominator seconds each. */
 struct StreamDuration
 {
+    bool isStated = false;
     std::int64_t ticks = 0;
     int numerator = 0;
     int denominator = 1;
@@ -26,11 +26,12 @@ inline std::int64_t Milliseconds(const StreamDuration& stream)
  * Milliseconds from a container's duration in microseconds; where that gives less than one, the longer of it and
  * the stream's own duration. The product wraps at 64 bits, which makes 0 of FFmpeg's mark for "unknown".
  */
-inline int DurationInMilliseconds(std::int64_t containerMicroseconds, const std::optional<StreamDuration>& stream)
+inline int DurationInMilliseconds(std::int64_t containerMicroseconds, const StreamDuration& stream)
 {
     const auto product = static_cast<std::int64_t>(static_cast<std::uint64_t>(containerMicroseconds) * 1000U);
-    const std::int64_t stated = product / 1'000'000;
-    const std::int64_t duration = stated < 1 && stream ? std::max(stated, Milliseconds(*stream)) : stated;
+    const std::int64_t container = product / 1'000'000;
+    const bool asksStream = container < 1 && stream.isStated;
+    const std::int64_t duration = asksStream ? std::max(container, Milliseconds(stream)) : container;
     return TruncateToInt32(static_cast<double>(duration));
 }
 

@@ -232,7 +232,6 @@ private:
 
     struct ChannelCopy;
     ChannelCopy SnapshotForCopy() const;
-    double SnapshotDuration() const;
     AudioEngineReturnValue WriteChannelFile(const QString& outPath, const ChannelCopy& copy, int dataSize);
     bool CopyChannel(const ChannelCopy& copy, WavFile& output);
     qsizetype PassBlocks(const ChannelCopy& copy, qint64 position, qsizetype size);

@@ -18,7 +18,7 @@ namespace {
 constexpr qint64 framesPerBlock = 200;
 
 /** How much is read and written at once; many blocks, and small enough to stay in the processor's cache. */
-constexpr qint64 bytesPerPiece = 128 * 1024;
+constexpr qint64 bytesPerPiece = qint64(128) * 1024;
 
 } // namespace
 
@@ -29,6 +29,8 @@ struct WavFile::ChannelCopy
     int sampleSize = 0;
     ChannelFormat channel = ChannelNone;
     qint64 dataOffset = 0;
+    /** Of the whole file, in seconds. */
+    double duration = 0.0;
 
     /** Positions in this file, in bytes. Whole blocks are copied, so audio behind the end may come along: the
      *  header's size does not tell of it, on purpose. */
@@ -94,7 +96,6 @@ WavFile::BlockWriter WavFile::ChannelCopy::Writer() const
 WavFile::AudioEngineReturnValue WavFile::FilterChannel(const QString& outPath)
 {
     ChannelCopy copy = SnapshotForCopy();
-    const double duration = SnapshotDuration();
     if (copy.format.channelCount() != 2 || (copy.channel != ChannelLeft && copy.channel != ChannelRight)) {
         return Success;
     }
@@ -104,14 +105,13 @@ WavFile::AudioEngineReturnValue WavFile::FilterChannel(const QString& outPath)
         return Success;
     }
     copy.start = copy.dataOffset;
-    copy.end = copy.PositionOf(duration);
+    copy.end = copy.PositionOf(copy.duration);
     copy.abortFlag = &m_abortChannelFilter;
     copy.progressText = tr("Updating...");
     copy.failure = ErrorFilterChannel;
 
-    const double bytesPerSample = copy.OutputFormat().bytesPerSample();
-    return WriteChannelFile(outPath, copy,
-                            TruncateToInt32(double(copy.format.sampleRate()) * duration * bytesPerSample));
+    const double bytesPerSecond = double(copy.format.sampleRate()) * copy.OutputFormat().bytesPerSample();
+    return WriteChannelFile(outPath, copy, TruncateToInt32(copy.duration * bytesPerSecond));
 }
 
 WavFile::AudioEngineReturnValue WavFile::CreateSnippet(const QString& outPath, double start, double end)
@@ -141,13 +141,8 @@ WavFile::ChannelCopy WavFile::SnapshotForCopy() const
     return {.format = m_fileFormat,
             .sampleSize = m_sampleSize,
             .channel = GetSelectedChannel(),
-            .dataOffset = m_dataOffset};
-}
-
-double WavFile::SnapshotDuration() const
-{
-    const QMutexLocker lock(&m_mutex);
-    return m_duration;
+            .dataOffset = m_dataOffset,
+            .duration = m_duration};
 }
 
 WavFile::AudioEngineReturnValue WavFile::WriteChannelFile(const QString& outPath, const ChannelCopy& copy,

@@ -86,6 +86,7 @@ ProgramHandle Resources::CreateProgram(ShaderHandle vertexShader, ShaderHandle f
         return {};
     }
     auto program = device->CreateProgram(vertex->text, fragment->text);
+    deviceLost = deviceLost || device->IsLost();
     return program ? programs.Add({std::move(program)}) : ProgramHandle{};
 }
 

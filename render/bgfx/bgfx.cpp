@@ -4,6 +4,7 @@
 #include "render/bgfx/DeviceLifetime.h"
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QScopeGuard>
 
 namespace vantoraudio::bgfx {
 namespace {
@@ -31,8 +32,9 @@ void Carry(Context& context)
         resources.deviceLost = true;
         return;
     }
+    // Also when memory runs out in between: the host's own context must be current again.
+    const auto end = qScopeGuard([&] { resources.device->EndFrame(); });
     context.lastDrawCount = Execute(resources, context.recorder);
-    resources.device->EndFrame();
 }
 
 } // namespace

@@ -14,6 +14,8 @@ struct Color
 
     /** 0xRRGGBBAA, as a view's clear colour is written. */
     [[nodiscard]] std::uint32_t ToRGBA() const noexcept;
+    /** One byte a channel, red first in memory, as vertices carry it. Both forms cut components to 0..1. */
+    [[nodiscard]] std::uint32_t ToVertexColor() const noexcept;
 };
 
 } // namespace vantoraudio::vantor3D

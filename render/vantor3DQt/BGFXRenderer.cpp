@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cmath>
 #include <cstring>
 #include <vector>
@@ -31,16 +30,9 @@ std::optional<bgfx::ProgramHandle> ColorProgram()
                                                          vantor3D::ColorFragmentShader);
 }
 
-std::uint32_t ToVertexColor(const vantor3D::Color& color)
-{
-    const std::uint32_t rgba = color.ToRGBA();
-    const auto byte = [&](int shift) { return static_cast<std::uint8_t>(rgba >> shift); };
-    return std::bit_cast<std::uint32_t>(std::array{byte(24), byte(16), byte(8), byte(0)});
-}
-
 void Append(std::vector<ColorVertex>& vertices, const vantor3D::Line& line)
 {
-    const std::uint32_t color = ToVertexColor(line.color);
+    const std::uint32_t color = line.color.ToVertexColor();
     for (const auto& point : {line.start, line.end}) {
         vertices.push_back({point[0], point[1], point[2], color});
     }

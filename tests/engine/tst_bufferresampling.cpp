@@ -2,9 +2,9 @@
 
 #include <QtTest/QTest>
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
-#include <vector>
 
 using namespace vantoraudio::AudioEngine;
 
@@ -15,7 +15,7 @@ QList<Sample> Resampled(const QList<Sample>& samples, int channels, int rate, in
 {
     const QByteArray bytes = Resample<Sample>({samples, channels, rate}, targetRate);
     QList<Sample> result(bytes.size() / static_cast<qsizetype>(sizeof(Sample)));
-    std::memcpy(result.data(), bytes.constData(), static_cast<std::size_t>(bytes.size()));
+    std::copy(bytes.begin(), bytes.end(), reinterpret_cast<char*>(result.data()));
     return result;
 }
 
@@ -101,7 +101,6 @@ private Q_SLOTS:
 
     void computesFloatsInDouble()
     {
-        // In float, 16777216 * 2/3 + 16777217 * 1/3 and the like would lose the fraction much earlier.
         const float first = 0.1F;
         const float second = 0.7F;
         const QList<float> result = Resampled<float>({first, second}, 1, 100, 300);

@@ -56,12 +56,21 @@ QByteArray Converted(const QAudioFormat& format, const QByteArray& data, qint64 
         .Build();
 }
 
-/** The lines that the library itself wrote; FFmpeg adds its own, which begin with a name and an address. */
+/** The samples as FFmpeg's own program converts them to float. */
+QByteArray ByFFmpeg(const QString& path, const QAudioFormat& format)
+{
+    return AudioPrograms::Output(u"ffmpeg"_s, {u"-v"_s, u"error"_s, u"-i"_s, path, u"-ac"_s,
+                                               QString::number(format.channelCount()), u"-ar"_s,
+                                               QString::number(format.sampleRate()), u"-f"_s, u"f32le"_s, u"-"_s});
+}
+
+/** The lines that the library itself wrote; FFmpeg adds its own, most of which begin with a name and an address.
+ */
 QByteArray OwnLines(const QByteArray& text)
 {
     QByteArray own;
     for (const QByteArray& line : text.split('\n')) {
-        if (!line.isEmpty() && !line.startsWith("[SWR @")) {
+        if (!line.isEmpty() && !line.startsWith("[SWR @") && line != "Filter length too large") {
             own += line + '\n';
         }
     }
@@ -335,11 +344,12 @@ void TestConvert::copiesWhatNeedsNoConversion()
     QFETCH(const QAudioFormat::SampleFormat, sampleFormat);
     QFETCH(const int, channels);
     QFETCH(const int, frames);
-    const TestAudio audio{.coding = coding, .channels = static_cast<quint16>(channels), .frames = frames};
+    const TestAudio audio{
+        .coding = coding, .channels = static_cast<quint16>(channels), .rate = 32768, .frames = frames};
     WavFile file;
     QCOMPARE(file.Open(Write(audio.File())), WavFile::Success);
     StandardErrorCapture capture;
-    QVERIFY(file.Convert(Format(sampleFormat, channels, 8000), m_out));
+    QVERIFY(file.Convert(Format(sampleFormat, channels, 32768), m_out));
     QCOMPARE(capture.Text(), QByteArray());
     QCOMPARE(Result(), audio.File());
 }
@@ -393,14 +403,15 @@ void TestConvert::widensTwentyFourBits()
 {
     QFETCH(const int, channels);
     QFETCH(const int, frames);
-    const TestAudio audio{.coding = S24, .channels = static_cast<quint16>(channels), .frames = frames};
+    const TestAudio audio{
+        .coding = S24, .channels = static_cast<quint16>(channels), .rate = 32768, .frames = frames};
     QByteArray wide;
     for (int frame = 0; frame < frames; ++frame) {
         for (int channel = 0; channel < channels; ++channel) {
             wide += '\0' + audio.Sample(frame, channel);
         }
     }
-    const QAudioFormat format = Format(QAudioFormat::Int32, channels, 8000);
+    const QAudioFormat format = Format(QAudioFormat::Int32, channels, 32768);
     WavFile file;
     QCOMPARE(file.Open(Write(audio.File())), WavFile::Success);
     QVERIFY(file.Convert(format, m_out));
@@ -436,9 +447,7 @@ void TestConvert::resamplesLikeTheFFmpegProgram()
     const QByteArray data = Result().mid(44);
     QCOMPARE(Result(), Converted(format, data, statedFrames * targetChannels * 4));
 
-    const QByteArray reference = AudioPrograms::Output(
-        u"ffmpeg"_s, {u"-v"_s, u"error"_s, u"-i"_s, file.fileName(), u"-ac"_s, QString::number(targetChannels),
-                      u"-ar"_s, QString::number(targetRate), u"-f"_s, u"f32le"_s, u"-"_s});
+    const QByteArray reference = ByFFmpeg(file.fileName(), format);
     QCOMPARE_GT(reference.size(), 10000);
     // The resampler's delay is drained, so that nothing is missing at the end.
     const qsizetype frameSize = 4 * targetChannels;
@@ -448,40 +457,42 @@ void TestConvert::resamplesLikeTheFFmpegProgram()
 
 void TestConvert::keepsTheComputedSizeInTheHeader()
 {
-    // 3 / 44100 * 8000 frames are 0.54, which is no frame; the resampler delivers one.
+    // 1023 / 8000.0 * 8000 is slightly less than 1023 in double precision.
+    const TestAudio audio{.channels = 1, .frames = 1023};
     const QAudioFormat format = Format(QAudioFormat::Int16, 1, 8000);
     WavFile file;
-    QCOMPARE(file.Open(Write(WavBytes{.data = PackS16({0, 0, 0})})), WavFile::Success);
+    QCOMPARE(file.Open(Write(audio.File())), WavFile::Success);
     QVERIFY(file.Convert(format, m_out));
-    QCOMPARE(Result(), Converted(format, PackS16({0}), -1));
+    QCOMPARE(Result(), Converted(format, audio.Data(), 2 * 1022));
 }
 
 void TestConvert::convertsAFewFrames_data()
 {
     QTest::addColumn<int>("frames");
     QTest::addColumn<int>("rate");
-    for (const int frames : {1, 2, 5, 15, 16, 17, 40, 500}) {
-        for (const int rate : {8000, 11025, 44101, 48000, 192000}) {
+    for (const int frames : {1, 5, 17, 40, 500}) {
+        for (const int rate : {8000, 44101, 192000}) {
             QTest::addRow("%d to %d Hz", frames, rate) << frames << rate;
         }
     }
 }
 
-/** The first passes may yield nothing; the frames come when the resampler is drained. */
+/** A pass may yield nothing, which is no failure; what is shorter than the resampler's filter yields nothing at
+ *  all, as it does in FFmpeg's own program. */
 void TestConvert::convertsAFewFrames()
 {
     QFETCH(const int, frames);
     QFETCH(const int, rate);
-    const QAudioFormat format = Format(QAudioFormat::Int16, 1, rate);
+    const QAudioFormat format = Format(QAudioFormat::Float, 1, rate);
     WavFile file;
     QCOMPARE(file.Open(Write(Tones(frames, 1, 44100))), WavFile::Success);
     StandardErrorCapture capture;
     QVERIFY(file.Convert(format, m_out));
     QCOMPARE(capture.Text(), QByteArray());
-    const int statedFrames = int(double(frames) / 44100 * rate);
     const QByteArray data = Result().mid(44);
-    QCOMPARE(Result(), Converted(format, data, statedFrames == 0 ? -1 : 2 * statedFrames));
-    QCOMPARE_LE(qAbs(data.size() / 2 - statedFrames), 1 + rate / 44100);
+    const int statedFrames = int(double(frames) / 44100 * rate);
+    QCOMPARE(Result(), Converted(format, data, statedFrames == 0 ? -1 : 4 * statedFrames));
+    QCOMPARE(data, ByFFmpeg(file.fileName(), format));
 }
 
 /** The source ends where its file ends: chunks behind the audio are taken for more of it. */

@@ -52,7 +52,7 @@ private Q_SLOTS:
         QFETCH(const qint64, ticks);
         QFETCH(const int, numerator);
         QFETCH(const int, denominator);
-        const StreamDuration stream{ticks, numerator, denominator};
+        const StreamDuration stream{true, ticks, numerator, denominator};
         QTEST(DurationInMilliseconds(microseconds, stream), "milliseconds");
     }
 };

@@ -2,6 +2,8 @@
 
 #include <vantorAudioEngine/AudioPlayer.h>
 
+#include <utility>
+
 /** What the tests see of a player beyond its public side. */
 class AudioPlayerTestAccess
 {

@@ -18,12 +18,7 @@ constexpr float Largest = std::numeric_limits<float>::max();
 
 Pos3fColorRGBA ColorVertex(float x, float y, Color color)
 {
-    const std::uint32_t rgba = color.ToRGBA();
-    const std::array bytes{std::uint8_t(rgba >> 24), std::uint8_t(rgba >> 16), std::uint8_t(rgba >> 8),
-                           std::uint8_t(rgba)};
-    Pos3fColorRGBA vertex{x, y, 0.0F, 0};
-    std::memcpy(&vertex.rgba, bytes.data(), bytes.size());
-    return vertex;
+    return {x, y, 0.0F, color.ToVertexColor()};
 }
 
 void DrawTriangles(BGFXRenderer& renderer, const BGFXViewContext& view, const std::vector<QPointF>& corners,

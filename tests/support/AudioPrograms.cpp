@@ -2,8 +2,8 @@
 
 #include <QtCore/QProcess>
 
+#include <algorithm>
 #include <cmath>
-#include <cstring>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -86,7 +86,7 @@ double ProbedSeconds(const QString& path)
 QList<float> Floats(const QByteArray& bytes)
 {
     QList<float> floats(bytes.size() / 4);
-    std::memcpy(floats.data(), bytes.constData(), static_cast<std::size_t>(floats.size()) * 4);
+    std::copy_n(bytes.begin(), floats.size() * 4, reinterpret_cast<char*>(floats.data()));
     return floats;
 }
 

@@ -25,8 +25,8 @@ namespace vantoraudio::vantorAudioEngine::UI {
  * turns mouse and wheel into zooming, panning, position clicks and selections.
  *
  * Times are seconds from the start of the file. The visible range is the scene rect: x and width in seconds, y and
- * height in amplitude. Without a duration above 0 all input is ignored and only the grid is drawn. GUI thread
- * only; slots may call back in from within any signal.
+ * height in amplitude. Without a duration above 0 all input is ignored and only the grid is drawn, also when
+ * samples, a position or a selection are set. GUI thread only; slots may call back in from within any signal.
  */
 class BGFXWaveformDiagramWidget : public vantor3DQt::BGFXOffscreenWidget
 {
@@ -36,7 +36,9 @@ public:
     explicit BGFXWaveformDiagramWidget(QWidget* parent = nullptr);
     ~BGFXWaveformDiagramWidget() override;
 
-    /** Forgets duration, position and selection; delay, format, edit mode and the drawn samples stay. */
+    /** Forgets duration, position and selection, and draws only the grid until the next duration. Delay, format,
+     *  edit mode and the samples stay; the samples are drawn again, from time 0, if a duration comes before
+     *  others. */
     void Reset();
     void SetAudioFormat(const QAudioFormat& format);
     /** Makes the whole file visible and asks for its samples. */

@@ -7,10 +7,7 @@
 #include <QtGui/QResizeEvent>
 #include <QtGui/QShowEvent>
 
-#include <algorithm>
 #include <array>
-#include <bit>
-#include <cmath>
 #include <cstdint>
 #include <vector>
 
@@ -30,13 +27,6 @@ constexpr float SelectionAlpha = 0.5F;
 Color ColorOf(const QColor& color)
 {
     return {.red = color.redF(), .green = color.greenF(), .blue = color.blueF(), .alpha = color.alphaF()};
-}
-
-std::uint32_t VertexColor(const Color& color)
-{
-    const auto byte = [](float channel) { return static_cast<std::uint8_t>(std::lround(channel * 255.0F)); };
-    const std::array bytes = {byte(color.red), byte(color.green), byte(color.blue), byte(color.alpha)};
-    return std::bit_cast<std::uint32_t>(bytes);
 }
 
 Line HorizontalLine(double left, double right, double y, const QColor& color)
@@ -95,7 +85,7 @@ void BGFXWaveformDiagramWidget::Render()
     m_program.EnsureCreated();
     m_projection = ProjectionOf(m_sceneRect, m_buffer.start);
     DrawGrid();
-    if (m_geometry.IsEmpty()) {
+    if (!HasAudio() || m_geometry.IsEmpty()) {
         return;
     }
     DrawWaveform();
@@ -140,7 +130,9 @@ void BGFXWaveformDiagramWidget::DrawWaveform()
     m_waveformView.SetClear(bgfx::BGFX_CLEAR_DEPTH, 0x000000ff, 1.0F, 0);
     if (m_geometry.IsUploaded()) {
         m_program.SetColor(m_waveformColor);
-        m_geometry.Draw(m_waveformView.Id(), m_program.Handle());
+        const ViewRange view = View();
+        m_geometry.Draw(m_waveformView.Id(), m_program.Handle(), ToFloat(view.left - m_buffer.start),
+                        ToFloat(view.Right() - m_buffer.start));
     }
 }
 
@@ -161,7 +153,7 @@ void BGFXWaveformDiagramWidget::DrawSelection()
     const float extent = ToFloat(m_amplitudeExtent);
     Color color = ColorOf(m_selectionColor);
     color.alpha = SelectionAlpha;
-    const std::uint32_t rgba = VertexColor(color);
+    const std::uint32_t rgba = color.ToVertexColor();
     const std::array<Pos3fColorRGBA, 4> corners = {{{start, -extent, 0.0F, rgba},
                                                     {end, -extent, 0.0F, rgba},
                                                     {end, extent, 0.0F, rgba},

@@ -5,6 +5,7 @@
 #include <vantorAudioEngine/BGFXWaveformWidget.h>
 
 #include <QtCore/QMetaType>
+#include <QtCore/QScopedValueRollback>
 #include <QtCore/QSignalBlocker>
 #include <QtSvg/QSvgRenderer>
 #include <QtWidgets/QHBoxLayout>
@@ -227,7 +228,13 @@ BGFXWaveformWidget::DrawingDevice BGFXWaveformWidget::GetDrawingDevice()
 
 void BGFXWaveformWidget::OnSceneRectChangeRequested(const QRectF& rect)
 {
-    m_diagram->SetSceneRange(rect.left(), rect.right());
+    // Views that follow each other both ways would send the range back and forth without end.
+    if (m_isFollowing) {
+        return;
+    }
+    const QScopedValueRollback following(m_isFollowing, true);
+    const QRectF range = rect.normalized();
+    m_diagram->SetSceneRange(range.left(), range.right());
 }
 
 void BGFXWaveformWidget::OnDiagramChanged()

@@ -31,8 +31,12 @@ class BGFXWaveformDiagramWidget;
  *     });
  *     waveform->Initilize(format, duration);
  *
- * Times are seconds from the start of the file. No call fails: times outside the file or the visible range are
- * brought into them. GUI thread only. Slots may call back into the widget from within any of its signals.
+ * Times are seconds from the start of the file. No call reports a failure: selections and visible ranges outside
+ * the file are brought into it, while duration, delay and position are taken as they are. Without a duration above
+ * 0 only the grid is drawn and all input is ignored. In a view of 1,080,000 seconds (12.5 days) or more ruler and
+ * upright grid lines are missing, and the wheel zooms to no such view: a file much longer shows as a whole only.
+ *
+ * GUI thread only. Slots may call back into the widget from within any of its signals.
  */
 class VANTORAUDIOENGINE_EXPORT BGFXWaveformWidget : public QWidget
 {
@@ -54,21 +58,28 @@ public:
 
     /**
      * Shows another file, `duration` seconds long: position and selection are cleared, the whole file becomes
-     * visible, GetSamples() asks for it, and the delay becomes 0. Of the format only the sample rate is used.
+     * visible, GetSamples() asks for it, and the delay becomes 0. Of the format only the sample rate is used. With
+     * a duration that is not above 0 (or not a number) the view stays empty, though GetSamples() is emitted.
      *
-     * The spelling is what embedding programs call. The first request's step size still reckons with the delay
-     * that was set before, so that it covers the view in which the file appears.
+     * The spelling is what embedding programs call. GetSamples() comes before the delay becomes 0, so its step size
+     * still reckons with the delay of before. Answered from within the signal, the samples stand at their times;
+     * answered after this call, they are drawn with the step size for the new length alone and stand at wrong
+     * times where the two differ. SetDelay(0.0) ahead of this call avoids that.
      */
     void Initilize(QAudioFormat format, double duration);
-    /** Forgets the file. Colours, icon, edit mode, wheel direction and delay stay. */
+    /** Forgets the file: only the grid is drawn until the next Initilize(). Colours, icon, edit mode, wheel
+     *  direction and delay stay. */
     void Reset();
     /** Schedules a repaint. */
     void Update();
     /** The answer to the latest GetSamples(): one value per `stepSize` frames, about -1.0 to 1.0, from its start
-     *  time on. An empty list empties the view. */
+     *  time on; other values are drawn, too, those that are not finite as silence. An empty list leaves only the
+     *  grid or, with a delay, its silence. */
     void UpdateAudioSampleBuffer(const QList<float>& samples);
 
-    /** Moves the position line, and the visible range after it. AudioPositionChanged() is not emitted. */
+    /** Moves the position line, and the visible range after it: a page on, or back to the position. Any position is
+     *  kept as it is, also one outside the file: behind it the view shows the file's end, before 0 it begins at
+     *  the position. AudioPositionChanged() is not emitted. */
     void SetAudioPosition(double position);
     [[nodiscard]] double GetAudioPosition() const;
 
@@ -85,7 +96,9 @@ public:
     [[nodiscard]] double GetSelectionStartTime() const;
     [[nodiscard]] double GetSelectionEndTime() const;
 
-    /** Seconds of silence shown behind the audio. */
+    /** Seconds of silence shown behind the audio. Makes everything visible again. The samples at hand get their
+     *  silence with the next UpdateAudioSampleBuffer(). A negative delay takes its length off the end of what can
+     *  be shown; one that is not finite leaves nothing to show until another is set. */
     void SetDelay(double delay);
     [[nodiscard]] double GetDelay() const;
 
@@ -127,7 +140,8 @@ Q_SIGNALS:
     void SceneRectChanged(const QRectF& sceneRect);
 
 public Q_SLOTS:
-    /** Shows the range of another view: left and right of `rect`, brought into the file's length. */
+    /** Shows the range of another view: left and right of `rect`, in either order, brought into the file's length.
+     *  Ignored while it is already running, so that two views may be connected both ways. */
     void OnSceneRectChangeRequested(const QRectF& rect);
 
 private Q_SLOTS:
@@ -154,6 +168,7 @@ private:
     QColor m_scaleColor{150, 150, 150, 255};
     QColor m_positionMarkerColor{115, 140, 200, 255};
     double m_scale = 1.0;
+    bool m_isFollowing = false;
     QSvgRenderer* m_positionIcon;
     QScrollBar* m_scrollBar;
 };

@@ -10,6 +10,11 @@
 namespace vantoraudio::vantorAudioEngine::UI {
 namespace {
 
+double XInDiagram(const ViewRange& view, double time, int diagramWidth)
+{
+    return diagramWidth * (time - view.left) / view.width;
+}
+
 void DrawRulerTick(QPainter& painter, double x, const QRect& diagram)
 {
     painter.drawLine(QPointF(x, diagram.top() - 1), QPointF(x, diagram.top() - 4));
@@ -43,7 +48,7 @@ void BGFXWaveformWidget::DrawRuler(QPainter& painter)
     const TimeAxis axis = {
         .view = view, .bufferStart = m_diagram->GetBufferStart(), .totalLength = m_diagram->GetTotalLength()};
     for (const double time : RulerTimes(axis, m_scale)) {
-        const double x = diagram.left() + m_diagram->width() * (time - view.left) / view.width;
+        const double x = diagram.left() + XInDiagram(view, time, m_diagram->width());
         DrawRulerTick(painter, x, diagram);
         const QString label = UI::FormatToTime(time);
         const int width = painter.fontMetrics().horizontalAdvance(label);
@@ -71,7 +76,7 @@ void BGFXWaveformWidget::DrawPositionMarker(QPainter& painter) const
 {
     const QRect diagram = m_diagram->geometry();
     const ViewRange view = HorizontalRange(m_diagram->GetSceneRect());
-    const double x = PixelAtTime(view, m_diagram->GetAudioPosition(), m_diagram->width());
+    const double x = XInDiagram(view, m_diagram->GetAudioPosition(), m_diagram->width());
     if (!(0.0 <= x && x <= diagram.width())) {
         return;
     }

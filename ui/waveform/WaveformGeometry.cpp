@@ -52,9 +52,10 @@ void WaveformGeometry::Upload(const std::vector<Pos2f>& vertices)
     }
 }
 
-void WaveformGeometry::Draw(bgfx::ViewId view, bgfx::ProgramHandle program) const
+void WaveformGeometry::Draw(bgfx::ViewId view, bgfx::ProgramHandle program, float left, float right) const
 {
-    bgfx::setVertexBuffer(0, m_vertexBuffer);
+    const VertexRange range = VisibleVertices(m_vertices, left, right);
+    bgfx::setVertexBuffer(0, m_vertexBuffer, range.first, range.count);
     bgfx::setState(BGFXRenderer::STATE_LINESTRIP, 0);
     bgfx::submit(view, program, 0, bgfx::BGFX_DISCARD_ALL);
 }

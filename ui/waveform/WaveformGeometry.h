@@ -32,8 +32,9 @@ public:
     /** False as long as the device never took the vertices. */
     [[nodiscard]] bool IsUploaded() const { return bgfx::isValid(m_vertexBuffer); }
 
-    /** Submits the strip to a view; uniforms are the caller's. */
-    void Draw(bgfx::ViewId view, bgfx::ProgramHandle program) const;
+    /** Submits to a view what lies between two times, in seconds from the first vertex; uniforms are the
+     *  caller's. */
+    void Draw(bgfx::ViewId view, bgfx::ProgramHandle program, float left, float right) const;
 
 private:
     friend class WaveformTestAccess;

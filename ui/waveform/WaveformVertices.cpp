@@ -66,6 +66,18 @@ std::vector<Pos2f> BuildVertices(std::span<const float> samples, std::int32_t ve
     return vertices;
 }
 
+VertexRange VisibleVertices(std::span<const Pos2f> vertices, float left, float right)
+{
+    const auto [low, high] = std::minmax(left, right);
+    const auto begin = std::ranges::lower_bound(vertices, low, {}, &Pos2f::x);
+    const auto end = std::ranges::upper_bound(begin, vertices.end(), high, {}, &Pos2f::x);
+    const auto first = std::max<std::ptrdiff_t>(begin - vertices.begin() - 1, 0);
+    const auto last = std::min<std::ptrdiff_t>(end - vertices.begin() + 1, std::ssize(vertices));
+    constexpr std::ptrdiff_t most = std::numeric_limits<std::uint32_t>::max();
+    return {.first = static_cast<std::uint32_t>(std::min(first, most)),
+            .count = static_cast<std::uint32_t>(std::min(last - first, most))};
+}
+
 double BufferLength(std::int32_t vertexCount, const SampleSpacing& spacing)
 {
     if (spacing.sampleRate <= 0) {

@@ -35,6 +35,25 @@ struct SampleSpacing
 [[nodiscard]] std::vector<vantor3D::Vertex::Pos2f>
 BuildVertices(std::span<const float> samples, std::int32_t vertexCount, const SampleSpacing& spacing);
 
+/** Neighbours in a strip. */
+struct VertexRange
+{
+    std::uint32_t first = 0;
+    std::uint32_t count = 0;
+
+    friend bool operator==(const VertexRange&, const VertexRange&) = default;
+};
+
+/**
+ * The vertices between two times, edges included, and one more on both sides: lines lead there from the edges.
+ * `vertices` stand in ascending x; `left` and `right` come in either order.
+ *
+ * They are searched for rather than reckoned from the spacing: x is rounded to single precision, which late in a
+ * long file is many vertices off. A frame so costs what is visible, whatever the strip's length.
+ */
+[[nodiscard]] VertexRange VisibleVertices(std::span<const vantor3D::Vertex::Pos2f> vertices, float left,
+                                          float right);
+
 /** The length in seconds that `vertexCount` vertices stand for. */
 [[nodiscard]] double BufferLength(std::int32_t vertexCount, const SampleSpacing& spacing);
 

@@ -104,6 +104,8 @@ public:
     /** Targets are used between a successful BeginFrame() and EndFrame(). False: the device is lost for good. */
     virtual bool BeginFrame() = 0;
     virtual void EndFrame() = 0;
+    /** Whether any call has found the device lost; a call that was only refused leaves this false. */
+    [[nodiscard]] virtual bool IsLost() const { return false; }
 
     /** The shaders in the device's own form: OpenGL takes GLSL text without a version line (attributes named
      *  a_position and a_color0, the transform u_modelViewProj), Software takes the shader's name. Null: refused.

@@ -184,14 +184,18 @@ public:
     [[nodiscard]] RendererType::Enum Type() const override { return RendererType::OpenGL; }
     [[nodiscard]] std::uint32_t MaxTextureSize() const override { return m_maxSize; }
     [[nodiscard]] bool OriginBottomLeft() const override { return true; }
+    [[nodiscard]] bool IsLost() const override { return m_isLost; }
 
     bool BeginFrame() override
     {
+        // First gives back what a frame without an end has left: assigned over, it would end inside the new one.
+        m_current.reset();
         m_current = std::make_unique<CurrentOpenGL>(*m_context);
         if (m_current->IsValid()) {
             return true;
         }
         m_current.reset();
+        m_isLost = true;
         return false;
     }
     void EndFrame() override { m_current.reset(); }
@@ -199,11 +203,12 @@ public:
     std::unique_ptr<Program> CreateProgram(std::string_view vertexShader, std::string_view fragmentShader) override
     {
         const CurrentOpenGL current(*m_context);
-        auto program = std::make_unique<OpenGLProgram>(*m_context);
-        if (!current.IsValid() || !program->Build(vertexShader, fragmentShader)) {
+        if (!current.IsValid()) {
+            m_isLost = true;
             return nullptr;
         }
-        return program;
+        auto program = std::make_unique<OpenGLProgram>(*m_context);
+        return program->Build(vertexShader, fragmentShader) ? std::move(program) : nullptr;
     }
 
     std::unique_ptr<Target> CreateTarget(int width, int height) override
@@ -236,14 +241,28 @@ private:
     GLuint m_vertexBuffer = 0;
     std::uint32_t m_maxSize = 0;
     CurrentIfValid m_current;
+    bool m_isLost = false;
 };
+
+/** Some drivers make a context and then fail at the first thing that it is asked to do. */
+bool CanDraw(OpenGLDevice& device)
+{
+    const auto program = device.CreateProgram(
+        "attribute vec2 a_position;\nvoid main() { gl_Position = vec4(a_position, 0.0, 1.0); }\n",
+        "uniform vec4 u_color;\nvoid main() { gl_FragColor = u_color; }\n");
+    return program && device.CreateTarget(1, 1);
+}
 
 } // namespace
 
 std::unique_ptr<Device> MakeOpenGLDevice()
 {
     auto context = OpenGLContext::Make();
-    return context ? std::make_unique<OpenGLDevice>(std::move(context)) : nullptr;
+    if (!context) {
+        return nullptr;
+    }
+    auto device = std::make_unique<OpenGLDevice>(std::move(context));
+    return CanDraw(*device) ? std::move(device) : nullptr;
 }
 
 } // namespace vantoraudio::bgfx::device

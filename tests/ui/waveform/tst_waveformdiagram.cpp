@@ -1,9 +1,11 @@
+#include "PaintCounter.h"
 #include "SignalRecorder.h"
 #include "WaveformTestAccess.h"
 
 #include <QtTest/QtTest>
 
 #include <cmath>
+#include <functional>
 #include <limits>
 
 using namespace vantoraudio::vantorAudioEngine::UI;
@@ -38,20 +40,6 @@ struct LoadedDiagram
 
     BGFXWaveformDiagramWidget diagram;
     SignalRecorder recorder{diagram};
-};
-
-class PaintCounter : public QObject
-{
-public:
-    explicit PaintCounter(QWidget& widget) { widget.installEventFilter(this); }
-    int m_paints = 0;
-
-protected:
-    bool eventFilter(QObject*, QEvent* event) override
-    {
-        m_paints += event->type() == QEvent::Paint ? 1 : 0;
-        return false;
-    }
 };
 
 } // namespace
@@ -515,11 +503,50 @@ private Q_SLOTS:
         QCOMPARE(loaded.recorder.Take(), (QStringList{u"SelectionChanged(15, 20)"_s, u"Update"_s}));
     }
 
+    void resetKeepsThePairForASingleEnd()
+    {
+        LoadedDiagram loaded;
+        loaded.diagram.SetSelectedSnippet({10.0, 20.0});
+        loaded.diagram.Reset();
+        QCOMPARE(loaded.diagram.GetSelectionEndTime(), 0.0);
+        loaded.diagram.SetDuration(100.0);
+        loaded.recorder.Take();
+        loaded.diagram.SetSelectionStartTime(15.0);
+        QCOMPARE(loaded.recorder.Take(), (QStringList{u"SelectionChanged(15, 20)"_s, u"Update"_s}));
+    }
+
     void aFirstSingleEndPairsWithZero()
     {
         LoadedDiagram loaded;
         loaded.diagram.SetSelectionEndTime(15.0);
         QCOMPARE(loaded.recorder.Take(), (QStringList{u"SelectionChanged(0, 15)"_s, u"Update"_s}));
+    }
+
+    void callsThatChangeThePictureRepaint_data()
+    {
+        using Diagram = BGFXWaveformDiagramWidget;
+        QTest::addColumn<std::function<void(Diagram&)>>("call");
+        const auto add = [](const char* name, std::function<void(Diagram&)> call) {
+            QTest::newRow(name) << std::move(call);
+        };
+        add("Reset", [](Diagram& diagram) { diagram.Reset(); });
+        add("SetAudioPosition", [](Diagram& diagram) { diagram.SetAudioPosition(5.0, false); });
+        add("SetSelectedSnippet", [](Diagram& diagram) { diagram.SetSelectedSnippet({5.0, 6.0}); });
+        add("SetSceneRange", [](Diagram& diagram) { diagram.SetSceneRange(5.0, 6.0); });
+        add("ScrollTo", [](Diagram& diagram) { diagram.ScrollTo(5.0); });
+        add("UpdateAudioSampleBuffer", [](Diagram& diagram) { diagram.UpdateAudioSampleBuffer({0.5F}); });
+    }
+
+    void callsThatChangeThePictureRepaint()
+    {
+        QFETCH(const std::function<void(BGFXWaveformDiagramWidget&)>, call);
+        LoadedDiagram loaded;
+        loaded.diagram.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&loaded.diagram));
+        QCoreApplication::processEvents();
+        PaintCounter counter(loaded.diagram);
+        call(loaded.diagram);
+        QTRY_COMPARE(counter.m_paints, 1);
     }
 
     void singleEndsScheduleNoRepaint()

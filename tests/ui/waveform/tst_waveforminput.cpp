@@ -1,9 +1,11 @@
+#include "PaintCounter.h"
 #include "SignalRecorder.h"
 #include "WaveformTestAccess.h"
 
 #include <QtGui/QWheelEvent>
 #include <QtTest/QtTest>
 
+#include <functional>
 #include <limits>
 
 using namespace vantoraudio::vantorAudioEngine::UI;
@@ -511,6 +513,43 @@ private Q_SLOTS:
         Bench bench;
         QVERIFY(!Turn(bench.diagram, {.angle = {0, 120}, .pixels = {}, .modifiers = modifiers}));
         QCOMPARE(bench.recorder.Take(), QStringList{});
+    }
+
+    void inputThatChangesThePictureRepaints_data()
+    {
+        QTest::addColumn<std::function<void(QWidget&)>>("input");
+        const auto add = [](const char* name, std::function<void(QWidget&)> input) {
+            QTest::newRow(name) << std::move(input);
+        };
+        const auto dragTo = [](QWidget& widget, double x) {
+            SendMouse(widget, QEvent::MouseMove, QPointF(x, 50.0), Qt::LeftButton);
+        };
+        add("pan", [](QWidget& widget) { Turn(widget, {.angle = {0, -120}}); });
+        add("zoom", [](QWidget& widget) { Turn(widget, {.angle = {0, 120}, .modifiers = Qt::ControlModifier}); });
+        add("hover", [](QWidget& widget) { Hover(widget, 300); });
+        add("drag", [=](QWidget& widget) { dragTo(widget, 300.0); });
+        add("click", [](QWidget& widget) {
+            SendMouse(widget, QEvent::MouseButtonRelease, QPointF(0.0, 50.0), Qt::NoButton);
+        });
+        add("release behind a drag", [](QWidget& widget) {
+            SendMouse(widget, QEvent::MouseButtonRelease, QPointF(300.0, 50.0), Qt::NoButton);
+        });
+        add("double click", [](QWidget& widget) {
+            SendMouse(widget, QEvent::MouseButtonDblClick, QPointF(300.0, 50.0), Qt::LeftButton);
+        });
+    }
+
+    void inputThatChangesThePictureRepaints()
+    {
+        QFETCH(const std::function<void(QWidget&)>, input);
+        Bench bench;
+        bench.diagram.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&bench.diagram));
+        bench.diagram.SetSceneRange(20.0, 60.0);
+        QCoreApplication::processEvents();
+        PaintCounter counter(bench.diagram);
+        input(bench.diagram);
+        QTRY_COMPARE(counter.m_paints, 1);
     }
 
     void anOwnerMayResetFromWithinADrag()

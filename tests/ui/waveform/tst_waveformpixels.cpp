@@ -102,6 +102,23 @@ private Q_SLOTS:
         }
     }
 
+    void dashesAreFourPixelsWithGapsOfFour()
+    {
+        DiagramBench bench;
+        const WaveformPicture picture(bench.diagram);
+        if (picture.Image().width() != 400) {
+            QSKIP("counted in pixels of a screen of scale 1");
+        }
+        const int row = WaveformPicture::IsAbout(picture.Image().pixelColor(2, 100), grid) ? 100 : 99;
+        for (int x = 0; x < 400; ++x) {
+            // Beside the upright lines.
+            if (x % 40 >= 2 && x % 40 <= 38) {
+                const bool isDash = WaveformPicture::IsAbout(picture.Image().pixelColor(x, row), grid);
+                QVERIFY2(isDash == (x % 8 < 4), qPrintable(QString::number(x)));
+            }
+        }
+    }
+
     void drawsNoOtherLinesAcross()
     {
         DiagramBench bench;
@@ -189,6 +206,86 @@ private Q_SLOTS:
         QVERIFY(picture.ShareInRow(waveform, 50.0, 205.0, 398.0) < 0.02);
     }
 
+    void afterAResetOnlyTheGridIsDrawn()
+    {
+        DiagramBench bench;
+        bench.diagram.UpdateAudioSampleBuffer(QList<float>(10'000, 0.5F));
+        bench.diagram.SetSelectedSnippet({2.0, 4.0});
+        bench.diagram.SetAudioPosition(5.5, false);
+        const QRectF all(0, 0, 399, 199);
+        const WaveformPicture before(bench.diagram);
+        QVERIFY(before.ShareOf(waveform, all) > 0.0);
+        QVERIFY(before.ShareOf(position, all) > 0.0);
+        bench.diagram.Reset();
+        bench.diagram.SetSelectedSnippet({0.2, 0.4});
+        bench.diagram.SetAudioPosition(0.5, false);
+        const WaveformPicture after(bench.diagram);
+        QVERIFY(after.ShareOf(grid, all) > 0.0);
+        for (int y = 0; y < after.Image().height(); ++y) {
+            for (int x = 0; x < after.Image().width(); ++x) {
+                const QColor color = after.Image().pixelColor(x, y);
+                QVERIFY(WaveformPicture::IsAbout(color, grid) || WaveformPicture::IsAbout(color, background));
+            }
+        }
+    }
+
+    void drawsTheLatestSamplesWhateverTheirNumber()
+    {
+        DiagramBench bench;
+        const auto upload = [&](qsizetype count, float level) {
+            bench.diagram.UpdateAudioSampleBuffer(QList<float>(count, level));
+            bench.diagram.SetAudioPosition(0.05, false);
+            return WaveformPicture(bench.diagram);
+        };
+        const auto isDrawn = [](const WaveformPicture& picture, double y, double left, double right) {
+            return picture.ShareInRow(waveform, y, left, right) > 0.95;
+        };
+        const auto isEmpty = [](const WaveformPicture& picture, double y, double left, double right) {
+            return picture.ShareInRow(waveform, y, left, right) == 0.0;
+        };
+        const WaveformPicture half = upload(5'000, 0.5F);
+        QVERIFY(isDrawn(half, 50.0, 5.0, 197.0));
+        QVERIFY(isEmpty(half, 50.0, 203.0, 399.0));
+
+        const WaveformPicture more = upload(10'000, -0.5F);
+        QVERIFY(isDrawn(more, 150.0, 5.0, 396.0));
+        QVERIFY(isEmpty(more, 50.0, 5.0, 399.0));
+
+        const WaveformPicture fewer = upload(2'500, 0.75F);
+        QVERIFY(isDrawn(fewer, 25.0, 5.0, 97.0));
+        QVERIFY(isEmpty(fewer, 25.0, 103.0, 399.0));
+        QVERIFY(isEmpty(fewer, 150.0, 5.0, 399.0));
+
+        const WaveformPicture none = upload(0, 0.0F);
+        QCOMPARE(none.ShareOf(waveform, QRectF(0, 0, 399, 199)), 0.0);
+
+        const WaveformPicture again = upload(10'000, 0.25F);
+        QVERIFY(isDrawn(again, 75.0, 5.0, 396.0));
+        QVERIFY(isEmpty(again, 25.0, 5.0, 399.0));
+    }
+
+    void drawsTheSamplesOfEveryRange_data()
+    {
+        QTest::addColumn<double>("left");
+        QTest::addColumn<double>("right");
+        QTest::newRow("the whole file") << 0.0 << 10.0;
+        QTest::newRow("the middle") << 4.0 << 6.0;
+        QTest::newRow("between two samples") << 5.0002 << 5.0008;
+        QTest::newRow("the end") << 9.0 << 10.0;
+    }
+
+    void drawsTheSamplesOfEveryRange()
+    {
+        QFETCH(const double, left);
+        QFETCH(const double, right);
+        DiagramBench bench;
+        bench.diagram.UpdateAudioSampleBuffer(QList<float>(10'001, 0.5F));
+        bench.diagram.SetSceneRange(left, right);
+        const WaveformPicture picture(bench.diagram);
+        QVERIFY(picture.ShareInRow(waveform, 50.0, 1.0, 399.0) > 0.95);
+        QVERIFY(picture.ShareInRow(waveform, 150.0, 1.0, 399.0) == 0.0);
+    }
+
     void drawsTheDelayAsSilence()
     {
         DiagramBench bench;
@@ -238,6 +335,18 @@ private Q_SLOTS:
         // The waveform shines through: half of (200, 200, 0) over (220, 0, 0).
         QVERIFY(picture.ShareInRow(QColor(210, 100, 0), 100.0, 85.0, 155.0) > 0.95);
         QCOMPARE(picture.At(100.0, 10.0).alpha(), 255);
+    }
+
+    void drawsTheSelectionOverThePosition()
+    {
+        DiagramBench bench;
+        bench.diagram.UpdateAudioSampleBuffer(QList<float>(10'000, 0.0F));
+        bench.diagram.SetSelectedSnippet({2.0, 4.0});
+        bench.diagram.SetAudioPosition(3.5, false);
+        const WaveformPicture picture(bench.diagram);
+        // Half of (200, 200, 0) over white.
+        QVERIFY(picture.ShareInColumn(QColor(228, 228, 128), 140.0, 1.0, 198.0) > 0.98);
+        QCOMPARE(picture.ShareOf(position, QRectF(0, 0, 399, 199)), 0.0);
     }
 
     void drawsTheFrameAroundTheDiagram()

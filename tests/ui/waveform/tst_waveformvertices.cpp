@@ -183,6 +183,71 @@ private Q_SLOTS:
         QCOMPARE(ToFloat(-std::numeric_limits<double>::infinity()), -largest);
         QVERIFY(std::isnan(ToFloat(std::numeric_limits<double>::quiet_NaN())));
     }
+
+    void drawsWhatIsVisibleAndANeighbourOnBothSides_data()
+    {
+        QTest::addColumn<float>("left");
+        QTest::addColumn<float>("right");
+        QTest::addColumn<VertexRange>("range");
+        // Ten samples a tenth of a second apart, then silence up to 4.9 seconds, of which two vertices are made.
+        QTest::newRow("all") << 0.0F << 4.9F << VertexRange{0, 12};
+        QTest::newRow("far around") << -largest << largest << VertexRange{0, 12};
+        QTest::newRow("infinitely far around") << -infinity << infinity << VertexRange{0, 12};
+        QTest::newRow("between vertices") << 0.25F << 0.55F << VertexRange{2, 5};
+        QTest::newRow("between two neighbours") << 0.31F << 0.39F << VertexRange{3, 2};
+        QTest::newRow("from vertex to vertex") << 0.25F << 0.5F << VertexRange{2, 5};
+        QTest::newRow("the other way round") << 0.55F << 0.25F << VertexRange{2, 5};
+        QTest::newRow("a point on a vertex") << 0.5F << 0.5F << VertexRange{4, 3};
+        QTest::newRow("at the start") << 0.0F << 0.15F << VertexRange{0, 3};
+        QTest::newRow("over the start") << -3.0F << 0.15F << VertexRange{0, 3};
+        QTest::newRow("into the silence") << 0.85F << 2.0F << VertexRange{8, 4};
+        QTest::newRow("within the silence") << 2.0F << 3.0F << VertexRange{10, 2};
+        QTest::newRow("over the end") << 4.0F << 9.0F << VertexRange{10, 2};
+        QTest::newRow("before the start") << -3.0F << -2.0F << VertexRange{0, 1};
+        QTest::newRow("behind the end") << 6.0F << 7.0F << VertexRange{11, 1};
+    }
+
+    void drawsWhatIsVisibleAndANeighbourOnBothSides()
+    {
+        QFETCH(const float, left);
+        QFETCH(const float, right);
+        const auto vertices =
+            BuildVertices(QList<float>(10, 0.5F), 50, {.stepSize = 1, .sampleRate = 10});
+        QCOMPARE(vertices.size(), 12U);
+        QTEST(VisibleVertices(vertices, left, right), "range");
+    }
+
+    void anyRangeOfAnyStripStaysWithinIt()
+    {
+        const std::vector<vantoraudio::vantor3D::Vertex::Pos2f> none;
+        QCOMPARE(VisibleVertices(none, 0.0F, 1.0F), (VertexRange{0, 0}));
+        const auto timeless = BuildVertices(QList<float>(5, 0.5F), 5, {.stepSize = 1, .sampleRate = 0});
+        QCOMPARE(VisibleVertices(timeless, -1.0F, 1.0F), (VertexRange{0, 5}));
+        for (const float left : {notANumber, -infinity, 0.0F, infinity}) {
+            for (const float right : {notANumber, -infinity, 0.0F, infinity}) {
+                const VertexRange range = VisibleVertices(timeless, left, right);
+                QVERIFY(range.first + range.count <= 5U);
+            }
+        }
+    }
+
+    /** Late in a long file several vertices share a time in single precision. */
+    void missesNoVertexThatRoundingMovedIntoView()
+    {
+        const auto vertices =
+            BuildVertices(QList<float>(2'000'000, 0.5F), 2'000'000, {.stepSize = 100, .sampleRate = 48'000});
+        const float left = 4000.0F;
+        const float right = 4000.05F;
+        const VertexRange range = VisibleVertices(vertices, left, right);
+        for (std::size_t i = 0; i < vertices.size(); ++i) {
+            const bool isDrawn = i >= range.first && i < range.first + range.count;
+            const bool isVisible = vertices[i].x >= left && vertices[i].x <= right;
+            if (isVisible && !isDrawn) {
+                QFAIL("a visible vertex is left out");
+            }
+        }
+        QVERIFY(range.count >= 24 && range.count <= 30);
+    }
 };
 
 QTEST_APPLESS_MAIN(TestWaveformVertices)

@@ -1,3 +1,4 @@
+#include "PaintCounter.h"
 #include "SignalRecorder.h"
 #include "WaveformTestAccess.h"
 
@@ -39,20 +40,6 @@ struct Bench
     BGFXWaveformDiagramWidget& diagram = Access::DiagramOf(widget);
     QScrollBar& scrollBar = Access::ScrollBarOf(widget);
     SignalRecorder recorder{widget};
-};
-
-class PaintCounter : public QObject
-{
-public:
-    explicit PaintCounter(QWidget& widget) { widget.installEventFilter(this); }
-    int m_paints = 0;
-
-protected:
-    bool eventFilter(QObject*, QEvent* event) override
-    {
-        m_paints += event->type() == QEvent::Paint ? 1 : 0;
-        return false;
-    }
 };
 
 } // namespace
@@ -263,6 +250,19 @@ private Q_SLOTS:
         QTRY_COMPARE(diagramPaints.m_paints, 2);
     }
 
+    void everyChangeOfTheDiagramRepaintsTheWidget()
+    {
+        Bench bench;
+        bench.widget.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&bench.widget));
+        QCoreApplication::processEvents();
+        PaintCounter paints(bench.widget);
+        Q_EMIT bench.diagram.Update();
+        QTRY_COMPARE(paints.m_paints, 1);
+        Q_EMIT bench.diagram.SceneRectChanged(bench.diagram.GetSceneRect());
+        QTRY_COMPARE(paints.m_paints, 2);
+    }
+
     void anIconThatCannotBeLoadedLeavesNone()
     {
         BGFXWaveformWidget widget;
@@ -278,6 +278,32 @@ private Q_SLOTS:
         bench.widget.OnSceneRectChangeRequested(QRectF(90.0, 5.0, 40.0, 9.0));
         QCOMPARE(bench.diagram.GetSceneRect(), QRectF(90.0, 0.0, 10.0, 1.0));
         QCOMPARE(bench.recorder.Take(), (QStringList{u"SceneRectChanged(90, 100)"_s}));
+    }
+
+    void aSceneRectOfNegativeWidthIsTakenTheOtherWayRound()
+    {
+        Bench bench;
+        bench.widget.OnSceneRectChangeRequested(QRectF(40.0, 0.0, -15.0, 1.0));
+        QCOMPARE(bench.diagram.GetSceneRect(), QRectF(25.0, 0.0, 15.0, 1.0));
+        QCOMPARE(bench.recorder.Take(),
+                 (QStringList{u"SceneRectChanged(25, 40)"_s, u"GetSamples(17.5, 47.5, 1)"_s}));
+    }
+
+    void twoViewsMayFollowEachOther()
+    {
+        Bench one;
+        Bench other;
+        using View = BGFXWaveformWidget;
+        connect(&one.widget, &View::SceneRectChanged, &other.widget, &View::OnSceneRectChangeRequested);
+        connect(&other.widget, &View::SceneRectChanged, &one.widget, &View::OnSceneRectChangeRequested);
+        one.widget.OnSceneRectChangeRequested(QRectF(20.0, 0.0, 30.0, 1.0));
+        QCOMPARE(one.diagram.GetSceneRect(), QRectF(20.0, 0.0, 30.0, 1.0));
+        QCOMPARE(other.diagram.GetSceneRect(), QRectF(20.0, 0.0, 30.0, 1.0));
+        other.scrollBar.setValue(10000);
+        QCOMPARE(one.diagram.GetSceneRect(), QRectF(10.0, 0.0, 30.0, 1.0));
+        QCOMPARE(other.diagram.GetSceneRect(), QRectF(10.0, 0.0, 30.0, 1.0));
+        one.diagram.ScrollTo(50.0);
+        QCOMPARE(other.diagram.GetSceneRect(), QRectF(50.0, 0.0, 30.0, 1.0));
     }
 
     void scrollBarFollowsTheVisibleRangeInMilliseconds()

@@ -1,0 +1,56 @@
+#!/usr/bin/env bash
+# Times the library's file tasks against ffmpeg and sox in one run, on files in the page cache, and prints a table of
+# median times, ratios and memory. Takes a few minutes and 3 GB of disk.
+#
+#   benchmarks/compare.sh [RUNS]
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+runs=${1:-5}
+cmake --preset release >/dev/null
+cmake --build --preset release --target vantoraudio-task >/dev/null
+task=$PWD/build/release/benchmarks/vantoraudio-task
+
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+cd "$work"
+
+sox -n -r 48000 -c 2 -b 16 hour.wav synth 3600 pinknoise vol 0.5
+sox hour.wav ten.wav trim 0 600
+lame --quiet -b 192 ten.wav ten.mp3
+cat hour.wav ten.wav ten.mp3 >/dev/null
+
+median() { # COMMAND
+  hyperfine --shell=none --warmup 1 --runs "$runs" --export-csv times.csv "$1" >/dev/null 2>&1
+  awk -F, 'NR == 2 { print $6 }' times.csv
+}
+
+peak() { # COMMAND...
+  /usr/bin/time -f %M "$@" 2>&1 >/dev/null | tail -n 1
+}
+
+idle=$(peak "$task" idle)
+row() { # NAME "TASK" "FFMPEG ARGUMENTS" "SOX COMMAND or -" LIMIT
+  local ours ffmpeg sox="-" memory
+  ours=$(median "$task $2")
+  ffmpeg=$(median "ffmpeg -nostdin -loglevel error -y $3")
+  [ "$4" = - ] || sox=$(median "$4")
+  # shellcheck disable=SC2086
+  memory=$(peak "$task" $2)
+  awk -v name="$1" -v ours="$ours" -v ffmpeg="$ffmpeg" -v sox="$sox" -v limit="$5" \
+      -v memory="$((memory - idle))" 'BEGIN {
+    printf "| %s | %.2f s | %.2f s | %s | %.2f | %s | %.0f MiB |\n", name, ours, ffmpeg,
+      sox == "-" ? "-" : sprintf("%.2f s", sox), ours / ffmpeg, limit, memory / 1024
+  }'
+}
+
+echo "| task | this library | ffmpeg | sox | ratio to ffmpeg | at most | memory above idle |"
+echo "|---|---|---|---|---|---|---|"
+row "left channel of 1 h, 48 kHz, 16 bit, stereo" "left hour.wav ours.wav" \
+  "-i hour.wav -af pan=mono|c0=c0 -c:a pcm_s16le peer.wav" "sox hour.wav peer.wav remix 1" 0.35
+row "10 min of it mixed to mono" "mix hour.wav ours.wav 600" \
+  "-t 600 -i hour.wav -ac 1 -c:a pcm_s16le peer.wav" "sox hour.wav peer.wav trim 0 600 remix 1,2" 0.35
+row "10 min MP3 to 96 kHz float" "decode ten.mp3 ours.wav 96000" \
+  "-i ten.mp3 -ar 96000 -c:a pcm_f32le peer.wav" "sox ten.mp3 -r 96000 -e float -b 32 peer.wav" 1.0
+row "10 min 48 kHz stereo to 44.1 kHz mono float" "convert ten.wav ours.wav 44100" \
+  "-i ten.wav -ar 44100 -ac 1 -c:a pcm_f32le peer.wav" "sox ten.wav -r 44100 -c 1 -e float -b 32 peer.wav" 1.0
