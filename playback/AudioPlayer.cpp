@@ -3,7 +3,9 @@
 
 #include <vantorAudioEngine/AudioPlayer.h>
 
+#include <QtCore/QDir>
 #include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 #include <QtCore/QScopedValueRollback>
 #include <QtCore/QSignalBlocker>
 #include <QtCore/QUrl>
@@ -27,11 +29,19 @@ namespace {
 
 constexpr double millisecondsPerSecond = 1000.0;
 
-// The FFmpeg backend of Qt 6.4 opens the name that this encoding of the URL gives, and it garbles every letter
-// that is not ASCII.
+// The FFmpeg backend of Qt 6.4 opens the name that this encoding of the URL gives: it garbles every letter that is
+// not ASCII, and what stands before a colon in a relative name is taken for a protocol.
 bool OpensByUrl(const QUrl& url)
 {
-    return url.toEncoded(QUrl::PreferLocalFile) == QFile::encodeName(url.toLocalFile());
+    const QString path = url.toLocalFile();
+    const bool seemsToNameAProtocol = QDir::isRelativePath(path) && path.contains(u':');
+    return !seemsToNameAProtocol && url.toEncoded(QUrl::PreferLocalFile) == QFile::encodeName(path);
+}
+
+/** A pipe would block for ever when it is opened. */
+bool OpensForReading(QFile& file)
+{
+    return QFileInfo(file).isFile() && file.open(QIODevice::ReadOnly);
 }
 
 } // namespace
@@ -66,13 +76,14 @@ void AudioPlayer::SetAudio(const QString& filePath, double duration)
     LoadSource(filePath);
     m_selectionStart = 0.0;
     m_selectionEnd = duration;
+    m_endsAtOnce = false;
 }
 
 void AudioPlayer::LoadSource(const QString& filePath)
 {
     const QUrl url = QUrl::fromLocalFile(filePath);
     auto file = std::make_unique<QFile>(filePath);
-    if (OpensByUrl(url) || !file->open(QIODevice::ReadOnly)) {
+    if (OpensByUrl(url) || !OpensForReading(*file)) {
         setSource(url);
         return;
     }
@@ -89,6 +100,12 @@ void AudioPlayer::DropUnusedSourceFile()
 }
 
 void AudioPlayer::play()
+{
+    m_endsAtOnce = false;
+    PlayGuarded();
+}
+
+void AudioPlayer::PlayGuarded()
 {
     m_outputGuard->Refresh();
     QMediaPlayer::play();
@@ -107,7 +124,18 @@ void AudioPlayer::SetSelection(double start, double end)
 {
     m_selectionStart = start;
     m_selectionEnd = end;
-    setPosition(PositionAt(start));
+    m_endsAtOnce = false;
+    const qint64 position = PositionAt(start);
+    setPosition(position);
+    SeekAgainIfLost(position);
+}
+
+// The running audio thread of the FFmpeg backend of Qt 6.4 can take the clock back behind a seek.
+void AudioPlayer::SeekAgainIfLost(qint64 wanted)
+{
+    if (position() != wanted) {
+        setPosition(wanted);
+    }
 }
 
 // The FFmpeg backend of Qt 6.4 stands still for minutes after a seek far behind the end of the file.
@@ -209,17 +237,22 @@ void AudioPlayer::RestartAfterReport()
 {
     const auto restart = [this] {
         // Whoever stopped, sought, played or loaded something since then knows better.
-        if (mediaStatus() == EndOfMedia && playbackState() == StoppedState) {
+        const bool isStillAtEnd = mediaStatus() == EndOfMedia && playbackState() == StoppedState;
+        // A file without audio, or a selection that starts at the very end, ends again at once. One restart is
+        // enough then: the next would follow on its end, and so on at full speed.
+        if (isStillAtEnd && !m_endsAtOnce) {
+            m_endsAtOnce = PositionAt(m_selectionStart) >= duration();
             RestartPlayback();
         }
     };
     QMetaObject::invokeMethod(this, restart, Qt::QueuedConnection);
 }
 
-// The end of the media is reported right behind its last position: see RestartAfterReport().
+// The end of the media is reported right behind its last position, see RestartAfterReport(), unless there is no
+// device to play it to.
 bool AudioPlayer::IsAtEndOfMedia() const
 {
-    return duration() > 0 && position() >= duration();
+    return audioOutput() && duration() > 0 && position() >= duration();
 }
 
 void AudioPlayer::RestartPlayback()
@@ -228,11 +261,8 @@ void AudioPlayer::RestartPlayback()
     const qint64 start = PositionAt(m_selectionStart);
     setPosition(start);
     pause();
-    if (position() != start) {
-        // The running audio thread of the FFmpeg backend of Qt 6.4 can take the clock back behind the seek.
-        setPosition(start);
-    }
+    SeekAgainIfLost(start);
     if (m_loop) {
-        play();
+        PlayGuarded();
     }
 }

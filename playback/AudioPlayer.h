@@ -28,7 +28,14 @@ class OutputGuard;
  * Nothing here reports failures: listen to errorOccurred() of the base class. While the machine has no output
  * device at all, a player that has a source runs without an audio output, so that play() is safe then; playback
  * stands still and goes on by itself when a device appears. When the device in use disappears, another one takes
- * over.
+ * over. With a Qt older than 6.5 on Linux that needs an event loop that is never busy for more than some 50 ms
+ * while playing: a sound thread that lost its only device blocks for good otherwise.
+ *
+ * At the end of the file the way back to the selection's start is taken in the next round of the event loop; until
+ * then the player is stopped. A selection that starts at or behind the end of the file, or a file without audio,
+ * ends as soon as it is played and is not looped.
+ *
+ * The audio output belongs to the player: it may be watched and set, but not deleted.
  *
  * Threads: use the player on the thread that created it, which must run an event loop.
  */
@@ -64,13 +71,15 @@ public:
     /** Whether the selection's end, or the file's, leads back into playing. Takes effect when it is reached. */
     void LoopPlayback(bool loop);
 
-    /** The volume in percent of the linear amplitude, passed on unclamped. */
+    /** The volume in percent of the linear amplitude, passed on as it is: the output brings what is below 0 or
+     *  above 100 into that range. */
     void SetVolume(int volume);
 
     /** The volume in percent, truncated. It can be one less than what SetVolume() was given, because the output
      *  holds a float: 57 reads back as 56. */
     int Volume() const;
 
+    /** Muting leaves the volume as it is. */
     void SetMuted(bool muted);
     bool IsMuted() const;
 
@@ -89,8 +98,10 @@ private Q_SLOTS:
 private:
     friend class AudioPlayerTestAccess;
 
+    void PlayGuarded();
     void RestartPlayback();
     void RestartAfterReport();
+    void SeekAgainIfLost(qint64 wanted);
     bool IsAtEndOfMedia() const;
     qint64 PositionAt(double seconds) const;
     void LoadSource(const QString& filePath);
@@ -103,6 +114,7 @@ private:
     double m_selectionEnd = 0.0;
 
     bool m_restarting = false;
+    bool m_endsAtOnce = false;
     std::unique_ptr<QFile> m_sourceFile;
     std::unique_ptr<vantoraudio::AudioEngine::OutputGuard> m_outputGuard;
 };

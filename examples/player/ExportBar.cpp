@@ -24,14 +24,18 @@ ExportBar::ExportBar(QWidget* parent) : QWidget(parent), m_progress(new QProgres
     connect(cancel, &QPushButton::clicked, this, &ExportBar::Cancel);
     connect(&m_watcher, &QFutureWatcher<bool>::finished, this, &ExportBar::OnFinished);
     m_refresh.setInterval(50ms);
-    m_refresh.callOnTimeout(this, [this] { m_progress->setValue(m_percent); });
+    m_refresh.callOnTimeout(this, [this] {
+        m_progress->setValue(m_percent);
+        AbortIfCancelled();
+    });
 }
 
 ExportBar::~ExportBar()
 {
     m_watcher.disconnect(this);
-    while (IsRunning()) {
-        Cancel();
+    Cancel();
+    while (m_watcher.isRunning()) {
+        AbortIfCancelled();
         QThread::yieldCurrentThread();
     }
     if (m_isCancelled) {
@@ -41,13 +45,14 @@ ExportBar::~ExportBar()
 
 bool ExportBar::IsRunning() const
 {
-    return m_watcher.isRunning();
+    return m_isRunning;
 }
 
 void ExportBar::Start(const QString& sourcePath, WavFile::ChannelFormat channel, const QString& outPath, Task task)
 {
     m_source = std::make_unique<WavFile>();
     m_outPath = outPath;
+    m_isRunning = true;
     m_isCancelled = false;
     m_percent = 0;
     m_source->SetSelectedChannel(channel);
@@ -68,12 +73,21 @@ void ExportBar::Cancel()
         return;
     }
     m_isCancelled = true;
-    m_source->AbortWrite();
-    m_source->AbortChannelFilter();
+    AbortIfCancelled();
+}
+
+/** A task that is still queued clears the flags when it starts, so they are set again and again. */
+void ExportBar::AbortIfCancelled()
+{
+    if (m_isCancelled) {
+        m_source->AbortWrite();
+        m_source->AbortChannelFilter();
+    }
 }
 
 void ExportBar::OnFinished()
 {
+    m_isRunning = false;
     m_refresh.stop();
     hide();
     if (m_isCancelled) {

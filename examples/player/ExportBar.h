@@ -40,12 +40,14 @@ Q_SIGNALS:
     void Cancelled(const QString& path);
 
 private:
+    void AbortIfCancelled();
     void OnFinished();
 
     std::unique_ptr<WavFile> m_source;
     QString m_outPath;
     QFutureWatcher<bool> m_watcher;
     std::atomic<int> m_percent = 0;
+    bool m_isRunning = false;
     bool m_isCancelled = false;
     QTimer m_refresh;
     QProgressBar* m_progress;

@@ -76,7 +76,12 @@ QRect BGFXOffscreenWidget::ViewportRect() const
 
 void BGFXOffscreenWidget::Flush()
 {
-    QImage picture = m_renderer.Picture();
+    if (bgfx::DeviceLifetime::IsLost()) {
+        update();
+    }
+    // On the picture itself: a copy of it would be one more pass over all pixels in every frame.
+    m_renderer.SetPixelRatio(devicePixelRatioF());
+    const QImage& picture = m_renderer.Picture();
     if (picture.isNull()) {
         return;
     }
@@ -84,13 +89,9 @@ void BGFXOffscreenWidget::Flush()
                        ToDevicePixels(height(), devicePixelRatioF()));
     QPainter painter(this);
     if (picture.size() == wanted) {
-        picture.setDevicePixelRatio(devicePixelRatioF());
         painter.drawImage(QPointF(0.0, 0.0), picture);
     } else {
         painter.drawImage(rect(), picture);
-    }
-    if (bgfx::DeviceLifetime::IsLost()) {
-        update();
     }
 }
 

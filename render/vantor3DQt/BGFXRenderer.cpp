@@ -168,10 +168,13 @@ void BGFXRenderer::PresentSubmittedFrame(bool)
     if (rows.isNull()) {
         return;
     }
-    rows.fill(0);
     bgfx::blit(lastView, m_readBack, 0, 0, bgfx::getTexture(m_frameBuffer));
     const std::uint32_t available = bgfx::readTexture(m_readBack, rows.bits());
     while (bgfx::frame() < available) {
+    }
+    // Then nothing was written into the rows.
+    if (bgfx::DeviceLifetime::IsLost()) {
+        return;
     }
     m_picture = bgfx::getCaps()->originBottomLeft ? rows.mirrored() : rows;
 }

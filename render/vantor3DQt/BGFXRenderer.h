@@ -53,7 +53,10 @@ public:
                        std::span<const std::uint16_t> indices, std::uint64_t state);
     /** Lets the device draw what was submitted since StartFrame() and fetches the picture. */
     void PresentSubmittedFrame(bool waitForVerticalSync);
-    /** The last presented picture, first row on top; null before the first. */
+    /** The scale that the last picture is shown at. */
+    void SetPixelRatio(double ratio) { m_picture.setDevicePixelRatio(ratio); }
+    /** The last presented picture, first row on top; null before the first. A frame that finds the device lost
+     *  leaves it. */
     [[nodiscard]] const QImage& Picture() const { return m_picture; }
 
 private:

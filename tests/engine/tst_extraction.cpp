@@ -1,3 +1,4 @@
+#include "tests/support/SignalLog.h"
 #include "tests/support/TemporaryFiles.h"
 #include "tests/support/WavBytes.h"
 #include "tests/support/WavFileTestAccess.h"
@@ -39,23 +40,6 @@ Values RampValues(int first, int end, int step)
     }
     return values;
 }
-
-/** Writes down a WavFile's signals, one line each, on the thread that emits them. */
-class SignalLog : public QStringList
-{
-public:
-    explicit SignalLog(WavFile& file)
-    {
-        QObject::connect(
-            &file, &WavFile::NewData, &file, [this] { append(u"NewData"_s); }, Qt::DirectConnection);
-        QObject::connect(
-            &file, &WavFile::ProgressChanged, &file,
-            [this](int progress, int min, int max, const QString& text) {
-                append(u"%1 of %2..%3 %4"_s.arg(progress).arg(min).arg(max).arg(text));
-            },
-            Qt::DirectConnection);
-    }
-};
 
 const QString updated = u"0 of 0..1 Updated"_s;
 
@@ -464,7 +448,8 @@ void TestExtraction::endsAfterTwoRefusedHeadersThatMultiplyToTooMuch()
 {
     WavFile file;
     const QByteArray data(100, 'x');
-    const QString manyChannels = m_files.Write(u"channels.wav"_s, WavBytes{.channels = 32767, .data = data}.Build());
+    const QString manyChannels =
+        m_files.Write(u"channels.wav"_s, WavBytes{.channels = 32767, .data = data}.Build());
     const QString manyBits = m_files.Write(u"bits.wav"_s, WavBytes{.bits = 0xFFFF, .data = data}.Build());
     QCOMPARE(file.Open(manyChannels), WavFile::ErrorChannelCount);
     QCOMPARE(file.Open(manyBits), WavFile::ErrorInvalidFormat);

@@ -85,7 +85,7 @@ private Q_SLOTS:
 
     void setVolumePassesPercentagesOn_data();
     void setVolumePassesPercentagesOn();
-    void setVolumeDoesNotTouchAnOutputThatHoldsTheValue();
+    void setVolumeLeavesAnOutputThatHoldsTheValueQuiet();
     void volumeIsTruncatedNotRounded();
     void setMutedForwardsToTheOutput();
     void everyOutputOperationIsHarmlessWithoutAnOutput();
@@ -100,6 +100,8 @@ private Q_SLOTS:
     void anEmptySelectionPausesAtTheFirstPosition();
     void ignoresEveryMediaStatusButTheEnd();
     void theEndOfTheMediaRestartsInOrder();
+    void whatEndsAtOnceIsNotRestartedForEver_data();
+    void whatEndsAtOnceIsNotRestartedForEver();
     void pausesAtTheSelectionStartBehindTheEndOfTheFile();
     void loopsOverTheEndOfTheFile();
     void stoppingAtTheEndOfTheFileStaysStopped();
@@ -113,6 +115,7 @@ private:
 
     QTemporaryDir m_folder;
     QString m_long;
+    QString m_empty;
     QString m_short;
 };
 
@@ -128,6 +131,7 @@ void AudioPlayerTest::initTestCase()
 {
     QTRY_COMPARE_WITH_TIMEOUT(QMediaDevices::audioOutputs().size(), 2, patience);
     m_long = File(QStringLiteral("long.wav"), 30.0);
+    m_empty = File(QStringLiteral("empty.wav"), 0.0);
     m_short = File(QStringLiteral("short.wav"), 0.3);
     QVERIFY(QFile::exists(m_long) && QFile::exists(m_short));
 }
@@ -314,6 +318,7 @@ void AudioPlayerTest::setSelectionMovesThePositionAndKeepsTheState()
     AudioPlayer player;
     player.SetAudio(m_long, 30.0);
     player.play();
+    QTRY_VERIFY_WITH_TIMEOUT(player.position() > 0, patience);
     const StateLog log(player);
     player.SetSelection(2.0019, 25.0);
     QCOMPARE(player.position(), 2001);
@@ -357,12 +362,12 @@ void AudioPlayerTest::setSelectionAcceptsAStartBehindTheFile()
         player.SetSelection(start, start);
         QCOMPARE(Access::SelectionStart(player), start);
         QCOMPARE(player.position(), 30000);
-        QTRY_COMPARE_WITH_TIMEOUT(player.playbackState(), QMediaPlayer::PausedState, patience);
+        QTRY_VERIFY_WITH_TIMEOUT(player.playbackState() != QMediaPlayer::PlayingState, patience);
         player.SetSelection(5.0, 20.0);
         QCOMPARE(player.position(), 5000);
         // The end that was just left may still be reported, and pauses once more.
         const auto playsOn = [&player] {
-            if (player.playbackState() == QMediaPlayer::PausedState) {
+            if (player.playbackState() != QMediaPlayer::PlayingState) {
                 player.play();
             }
             return player.position() > 5000;
@@ -442,7 +447,39 @@ void AudioPlayerTest::setVolumePassesPercentagesOn()
     QCOMPARE(player.Volume(), readBack);
 }
 
-void AudioPlayerTest::setVolumeDoesNotTouchAnOutputThatHoldsTheValue()
+void AudioPlayerTest::whatEndsAtOnceIsNotRestartedForEver_data()
+{
+    QTest::addColumn<bool>("empty");
+    QTest::addColumn<bool>("loop");
+    QTest::newRow("selection at the end") << false << false;
+    QTest::newRow("selection at the end, looping") << false << true;
+    QTest::newRow("file without audio") << true << false;
+    QTest::newRow("file without audio, looping") << true << true;
+}
+
+void AudioPlayerTest::whatEndsAtOnceIsNotRestartedForEver()
+{
+    QFETCH(bool, empty);
+    QFETCH(bool, loop);
+    AudioPlayer player;
+    QSignalSpy statuses(&player, &QMediaPlayer::mediaStatusChanged);
+    QSignalSpy states(&player, &QMediaPlayer::playbackStateChanged);
+    player.LoopPlayback(loop);
+    if (empty) {
+        player.SetAudio(m_empty, 0.0);
+    } else {
+        player.SetAudio(m_long, 30.0);
+        player.SetSelection(30.0, 30.0);
+    }
+    player.play();
+    QTRY_VERIFY_WITH_TIMEOUT(player.playbackState() != QMediaPlayer::PlayingState, patience);
+    // A storm would report thousands of changes in this time.
+    QTest::qWait(500);
+    QVERIFY2(statuses.size() + states.size() < 40, qPrintable(QString::number(statuses.size() + states.size())));
+    QVERIFY(player.playbackState() != QMediaPlayer::PlayingState);
+}
+
+void AudioPlayerTest::setVolumeLeavesAnOutputThatHoldsTheValueQuiet()
 {
     AudioPlayer player;
     player.SetVolume(25);
@@ -606,13 +643,11 @@ void AudioPlayerTest::theEndOfTheMediaRestartsInOrder()
     Access::OnMediaStatusChanged(player, QMediaPlayer::EndOfMedia);
     QCOMPARE(order, QStringList({QStringLiteral("2000"), QStringLiteral("paused")}));
 
+    player.setPosition(3000);
     order.clear();
     player.LoopPlayback(true);
-    player.play();
-    player.setPosition(3000);
     Access::RestartPlayback(player);
-    QCOMPARE(order, QStringList({QStringLiteral("playing"), QStringLiteral("3000"), QStringLiteral("2000"),
-                                 QStringLiteral("paused"), QStringLiteral("playing")}));
+    QCOMPARE(order, QStringList({QStringLiteral("2000"), QStringLiteral("playing")}));
 }
 
 void AudioPlayerTest::pausesAtTheSelectionStartBehindTheEndOfTheFile()
@@ -626,11 +661,13 @@ void AudioPlayerTest::pausesAtTheSelectionStartBehindTheEndOfTheFile()
         QTRY_COMPARE_WITH_TIMEOUT(player.playbackState(), QMediaPlayer::PausedState, patience);
         QCOMPARE(player.position(), 100);
 
-        // Nothing that was still under way may move it again.
-        const StateLog log(player);
+        // The file's end can be under way already when the selection's end just before it is reached. Its report
+        // must lead back to the same place.
         QSignalSpy positions(&player, &QMediaPlayer::positionChanged);
-        QVERIFY(!positions.wait(300));
-        QCOMPARE(log.States(), {});
+        while (positions.wait(300)) {
+        }
+        QCOMPARE(player.playbackState(), QMediaPlayer::PausedState);
+        QCOMPARE(player.position(), 100);
 
         player.PauseResume();
         QCOMPARE(player.playbackState(), QMediaPlayer::PlayingState);

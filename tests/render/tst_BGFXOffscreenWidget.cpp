@@ -1,8 +1,11 @@
+#include "FakeDevice.h"
 #include "render/vantor3DQt/BGFXOffscreenWidget.h"
 #include "tests/render/Drawing.h"
 
 #include <QtGui/QOpenGLContext>
 #include <QtTest/QtTest>
+#include <QtWidgets/QDockWidget>
+#include <QtWidgets/QMainWindow>
 #include <QtWidgets/QVBoxLayout>
 
 #include <cmath>
@@ -76,7 +79,44 @@ private Q_SLOTS:
     void asksForCleanupAndRecovers();
     void drawsNothingWhileEmpty();
     void boundsAbsurdSizes();
+    void goesOnInSoftwareWhenTheDeviceIsLost();
+    void survivesFloatingAndDocking();
 };
+
+void tst_BGFXOffscreenWidget::goesOnInSoftwareWhenTheDeviceIsLost()
+{
+    FakeLog log;
+    Adopt(log, {.begins = false});
+    TestWidget widget;
+    widget.resize(40, 20);
+    widget.show();
+    QTRY_COMPARE(bgfx::getRendererType(), bgfx::RendererType::Software);
+    QCOMPARE(log.begun, 1);
+    QTRY_VERIFY(widget.frames >= 2);
+    QCOMPARE(ColorAt(widget, {20, 10}), QColor(0x20, 0x40, 0x60));
+}
+
+void tst_BGFXOffscreenWidget::survivesFloatingAndDocking()
+{
+    QMainWindow window;
+    window.resize(300, 200);
+    QDockWidget dock;
+    auto* widget = new TestWidget;
+    widget->setMinimumSize(100, 60);
+    dock.setWidget(widget);
+    window.addDockWidget(Qt::LeftDockWidgetArea, &dock);
+    window.show();
+    QTRY_VERIFY(widget->frames > 0);
+    for (const bool floats : {true, false, true}) {
+        const int before = widget->frames;
+        dock.setFloating(floats);
+        QCOMPARE(dock.isFloating(), floats);
+        QTRY_VERIFY(widget->frames > before);
+        QTRY_COMPARE(widget->Renderer().Picture().size(), widget->ViewportRect().size());
+        QCOMPARE(ColorAt(*widget, {50, 30}), QColor(0x20, 0x40, 0x60));
+        QCOMPARE(bgfx::getStats()->numFrameBuffers, std::uint16_t{1});
+    }
+}
 
 void tst_BGFXOffscreenWidget::choosesTheDeviceByItself()
 {

@@ -1,3 +1,4 @@
+#include "FakeDevice.h"
 #include "render/bgfx/bx.h"
 #include "tests/render/Drawing.h"
 
@@ -111,7 +112,77 @@ private Q_SLOTS:
     void writesColoursAsRedGreenBlueAlpha();
     void knowsItsProgramsByName();
     void dropsItsProgramsAtShutdown();
+    void writesVertexColoursRedFirstInMemory();
+    void endsAFrameThatThrows();
+    void drawsInSoftwareOnceTheDeviceIsLost();
+    void aRefusedProgramDoesNotLoseTheDevice();
+    void aDeviceLostWhileMakingAProgramIsReplaced();
 };
+
+void tst_Bgfx::writesVertexColoursRedFirstInMemory()
+{
+    const auto bytesOf = [](const Color& color) {
+        const std::uint32_t value = color.ToVertexColor();
+        QByteArray bytes(4, '\0');
+        std::memcpy(bytes.data(), &value, 4);
+        return bytes.toHex();
+    };
+    QCOMPARE(bytesOf({1.0F, 0.5F, 0.0F, 0.25F}), QByteArray("ff800040"));
+    QCOMPARE(bytesOf({2.0F, -1.0F, std::nanf(""), 1.0F}), QByteArray("ff0000ff"));
+}
+
+void tst_Bgfx::endsAFrameThatThrows()
+{
+    FakeLog log;
+    Adopt(log, {.throwsOnClear = true});
+    Frame frame(1, 1);
+    frame.Clear(0, 0x112233ff);
+    QVERIFY_THROWS_EXCEPTION(std::bad_alloc, bgfx::frame());
+    QCOMPARE(log.begun, 1);
+    QCOMPARE(log.ended, 1);
+}
+
+void tst_Bgfx::drawsInSoftwareOnceTheDeviceIsLost()
+{
+    FakeLog log;
+    Adopt(log, {.begins = false});
+    Frame frame(1, 1);
+    frame.Clear(0, 0x112233ff);
+    QVERIFY(!bgfx::DeviceLifetime::IsLost());
+    frame.Fetch(200);
+    QVERIFY(bgfx::DeviceLifetime::IsLost());
+    QCOMPARE(log.begun, 1);
+    QCOMPARE(log.ended, 0);
+    bgfx::frame();
+    QCOMPARE(log.begun, 1);
+
+    QSignalSpy shutdowns(&bgfx::DeviceLifetime::Get(), &bgfx::DeviceLifetime::HasShutDown);
+    QVERIFY(bgfx::DeviceLifetime::Ensure());
+    QCOMPARE(shutdowns.count(), 1);
+    QVERIFY(!bgfx::DeviceLifetime::IsLost());
+    QCOMPARE(bgfx::getRendererType(), bgfx::RendererType::Software);
+    frame.Clear(0, 0x112233ff);
+    frame.Fetch(200);
+    QCOMPARE(frame.At(0), 0x112233ffU);
+}
+
+void tst_Bgfx::aRefusedProgramDoesNotLoseTheDevice()
+{
+    FakeLog log;
+    Adopt(log, {});
+    QVERIFY(!vantor3D::ProgramFactory::Get().CreateProgram("vs_color_3d", "fs_color"));
+    QVERIFY(!bgfx::DeviceLifetime::IsLost());
+}
+
+void tst_Bgfx::aDeviceLostWhileMakingAProgramIsReplaced()
+{
+    FakeLog log;
+    Adopt(log, {.losesPrograms = true});
+    QVERIFY(!vantor3D::ProgramFactory::Get().CreateProgram("vs_color_3d", "fs_color"));
+    QVERIFY(bgfx::DeviceLifetime::IsLost());
+    QVERIFY(bgfx::DeviceLifetime::Ensure());
+    QVERIFY(vantor3D::ProgramFactory::Get().CreateProgram("vs_color_3d", "fs_color"));
+}
 
 void tst_Bgfx::keepsTheConstantsThatHostsWriteAsNumbers()
 {

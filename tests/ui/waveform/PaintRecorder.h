@@ -49,11 +49,11 @@ private:
         bool begin(QPaintDevice*) override { return true; }
         bool end() override { return true; }
         [[nodiscard]] Type type() const override { return User; }
-        void updateState(const QPaintEngineState& state) override
+        void updateState(const QPaintEngineState& changed) override
         {
-            m_pen = state.state() & DirtyPen ? state.pen() : m_pen;
-            m_brush = state.state() & DirtyBrush ? state.brush() : m_brush;
-            m_transform = state.state() & DirtyTransform ? state.transform() : m_transform;
+            m_pen = changed.state() & DirtyPen ? changed.pen() : m_pen;
+            m_brush = changed.state() & DirtyBrush ? changed.brush() : m_brush;
+            m_transform = changed.state() & DirtyTransform ? changed.transform() : m_transform;
         }
         void drawLines(const QLineF* lines, int count) override
         {

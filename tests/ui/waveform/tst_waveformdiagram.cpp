@@ -42,6 +42,19 @@ struct LoadedDiagram
     SignalRecorder recorder{diagram};
 };
 
+/** Tells whether painting accepted its event. */
+class AcceptanceWatcher : public BGFXWaveformDiagramWidget
+{
+public:
+    void paintEvent(QPaintEvent* event) override
+    {
+        event->ignore();
+        BGFXWaveformDiagramWidget::paintEvent(event);
+        m_accepted = event->isAccepted();
+    }
+    bool m_accepted = false;
+};
+
 } // namespace
 
 class TestWaveformDiagram : public QObject
@@ -630,6 +643,23 @@ private Q_SLOTS:
         loaded.diagram.show();
         QVERIFY(QTest::qWaitForWindowExposed(&loaded.diagram));
         QTest::qWait(0);
+    }
+
+    void acceptsItsPaintEvents()
+    {
+        AcceptanceWatcher diagram;
+        diagram.resize(100, 50);
+        diagram.grab();
+        QVERIFY(diagram.m_accepted);
+    }
+
+    void acceptsAPaintEventThatFindsNothingToDrawInto()
+    {
+        AcceptanceWatcher diagram;
+        diagram.resize(0, 50);
+        QPaintEvent event(QRect(0, 0, 1, 1));
+        diagram.paintEvent(&event);
+        QVERIFY(diagram.m_accepted);
     }
 
     void paintsAndMovesWithoutAnEvent()

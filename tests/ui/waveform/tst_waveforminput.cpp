@@ -524,8 +524,10 @@ private Q_SLOTS:
         const auto dragTo = [](QWidget& widget, double x) {
             SendMouse(widget, QEvent::MouseMove, QPointF(x, 50.0), Qt::LeftButton);
         };
-        add("pan", [](QWidget& widget) { Turn(widget, {.angle = {0, -120}}); });
-        add("zoom", [](QWidget& widget) { Turn(widget, {.angle = {0, 120}, .modifiers = Qt::ControlModifier}); });
+        add("pan", [](QWidget& widget) { Turn(widget, Wheel{.angle = {0, -120}, .pixels = {}}); });
+        add("zoom", [](QWidget& widget) {
+            Turn(widget, Wheel{.angle = {0, 120}, .pixels = {}, .modifiers = Qt::ControlModifier});
+        });
         add("hover", [](QWidget& widget) { Hover(widget, 300); });
         add("drag", [=](QWidget& widget) { dragTo(widget, 300.0); });
         add("click", [](QWidget& widget) {

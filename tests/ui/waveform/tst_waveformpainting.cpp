@@ -53,7 +53,6 @@ public:
         m_painter.setFont(widget.font());
     }
 
-    QPainter& Painter() { return m_painter; }
     [[nodiscard]] int WidthOf(const QString& text) const
     {
         return m_painter.fontMetrics().horizontalAdvance(text);

@@ -286,6 +286,21 @@ private Q_SLOTS:
         QVERIFY(picture.ShareInRow(waveform, 150.0, 1.0, 399.0) == 0.0);
     }
 
+    void twoDiagramsKeepTheirColours()
+    {
+        DiagramBench one;
+        DiagramBench other;
+        const QColor blue(40, 120, 250);
+        other.diagram.m_waveformColor = blue;
+        for (DiagramBench* bench : {&one, &other}) {
+            bench->diagram.UpdateAudioSampleBuffer(QList<float>(10'000, 0.5F));
+        }
+        for (int i = 0; i < 2; ++i) {
+            QVERIFY(WaveformPicture(one.diagram).ShareInRow(waveform, 50.0, 5.0, 396.0) > 0.95);
+            QVERIFY(WaveformPicture(other.diagram).ShareInRow(blue, 50.0, 5.0, 396.0) > 0.95);
+        }
+    }
+
     void drawsTheDelayAsSilence()
     {
         DiagramBench bench;

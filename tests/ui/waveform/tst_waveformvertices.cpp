@@ -184,6 +184,14 @@ private Q_SLOTS:
         QVERIFY(std::isnan(ToFloat(std::numeric_limits<double>::quiet_NaN())));
     }
 
+    void projectsASceneRectThatBeginsAboveZeroAroundTheMiddle()
+    {
+        // Bottom is 1 - 3 and top 3 - 1: what the rect leaves out below, it leaves out above.
+        const QMatrix4x4 projection = ProjectionOf(QRectF(5.0, 1.0, 4.0, 3.0), 3.0);
+        QCOMPARE(projection.map(QPointF(2.0, -2.0)), QPointF(-1.0, -1.0));
+        QCOMPARE(projection.map(QPointF(6.0, 2.0)), QPointF(1.0, 1.0));
+    }
+
     void drawsWhatIsVisibleAndANeighbourOnBothSides_data()
     {
         QTest::addColumn<float>("left");
@@ -211,8 +219,7 @@ private Q_SLOTS:
     {
         QFETCH(const float, left);
         QFETCH(const float, right);
-        const auto vertices =
-            BuildVertices(QList<float>(10, 0.5F), 50, {.stepSize = 1, .sampleRate = 10});
+        const auto vertices = BuildVertices(QList<float>(10, 0.5F), 50, {.stepSize = 1, .sampleRate = 10});
         QCOMPARE(vertices.size(), 12U);
         QTEST(VisibleVertices(vertices, left, right), "range");
     }
