@@ -9,7 +9,6 @@
 
 #include <array>
 
-using vantoraudio::vantorAudioEngine::UI::BGFXWaveformWidget;
 
 namespace {
 

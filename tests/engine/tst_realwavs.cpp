@@ -45,8 +45,8 @@ void TestRealWavs::opensAndExtracts_data()
     QTest::addColumn<float>("firstValue");
     QTest::addColumn<float>("lastValue");
     const auto add = [this](const char* name, int result, F::SampleFormat sampleFormat, int sampleSize,
-                        int channelCount, int sampleRate, qint64 dataOffset, qint64 dataLength, double duration,
-                        int valueCount, float firstValue, float lastValue) {
+                            int channelCount, int sampleRate, qint64 dataOffset, qint64 dataLength,
+                            double duration, int valueCount, float firstValue, float lastValue) {
         m_expected.insert(u"hound__"_s + QLatin1String(name) + u".wav"_s);
         QTest::newRow(name) << result << int(sampleFormat) << sampleSize << channelCount << sampleRate
                             << dataOffset << dataLength << duration << valueCount << firstValue << lastValue;

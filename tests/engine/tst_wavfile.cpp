@@ -6,9 +6,9 @@
 #include <QtCore/QTranslator>
 #include <QtTest/QtTest>
 
+#include <chrono>
 #include <cmath>
 #include <csignal>
-#include <chrono>
 #include <future>
 #include <thread>
 

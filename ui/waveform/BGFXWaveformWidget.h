@@ -61,10 +61,10 @@ public:
      * visible, GetSamples() asks for it, and the delay becomes 0. Of the format only the sample rate is used. With
      * a duration that is not above 0 (or not a number) the view stays empty, though GetSamples() is emitted.
      *
-     * The spelling is what embedding programs call. GetSamples() comes before the delay becomes 0, so its step size
-     * still reckons with the delay of before. Answered from within the signal, the samples stand at their times;
-     * answered after this call, they are drawn with the step size for the new length alone and stand at wrong
-     * times where the two differ. SetDelay(0.0) ahead of this call avoids that.
+     * The spelling is what embedding programs call. GetSamples() comes before the delay becomes 0, so its step
+     * size still reckons with the delay of before. Answered from within the signal, the samples stand at their
+     * times; answered after this call, they are drawn with the step size for the new length alone and stand at
+     * wrong times where the two differ. SetDelay(0.0) ahead of this call avoids that.
      */
     void Initilize(QAudioFormat format, double duration);
     /** Forgets the file: only the grid is drawn until the next Initilize(). Colours, icon, edit mode, wheel
@@ -77,8 +77,8 @@ public:
      *  grid or, with a delay, its silence. */
     void UpdateAudioSampleBuffer(const QList<float>& samples);
 
-    /** Moves the position line, and the visible range after it: a page on, or back to the position. Any position is
-     *  kept as it is, also one outside the file: behind it the view shows the file's end, before 0 it begins at
+    /** Moves the position line, and the visible range after it: a page on, or back to the position. Any position
+     * is kept as it is, also one outside the file: behind it the view shows the file's end, before 0 it begins at
      *  the position. AudioPositionChanged() is not emitted. */
     void SetAudioPosition(double position);
     [[nodiscard]] double GetAudioPosition() const;
