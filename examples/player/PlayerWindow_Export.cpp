@@ -9,7 +9,6 @@
 
 #include <array>
 
-
 namespace {
 
 struct Target
