@@ -22,7 +22,8 @@ cat hour.wav ten.wav ten.mp3 >/dev/null
 
 median() { # COMMAND
   hyperfine --shell=none --warmup 1 --runs "$runs" --export-csv times.csv "$1" >/dev/null 2>&1
-  awk -F, 'NR == 2 { print $6 }' times.csv
+  # Counted from the end, since the command in front may hold commas: median, user, system, min, max.
+  awk -F, 'NR == 2 { print $(NF - 4) }' times.csv
 }
 
 peak() { # COMMAND...
