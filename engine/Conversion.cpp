@@ -3,6 +3,7 @@
 #include "engine/SampleEncoding.h"
 #include "engine/SharedFileCursor.h"
 #include "engine/Truncation.h"
+#include "engine/WavHeader.h"
 
 #include <vantorAudioEngine/WavFile.h>
 
@@ -101,6 +102,11 @@ bool WavFile::ConvertOver(const QString& path, const ConversionSource& source, c
     WavFile output;
     if (!ConvertInto(output, place.fileName(), source, target, resampler) || !FlushToDisk(output) ||
         !output.FinishWriting()) {
+        return false;
+    }
+    // A few frames at another rate can be too few for the resampler: nothing must not replace the only copy of
+    // them.
+    if (QFileInfo(place.fileName()).size() <= writtenHeaderSize) {
         return false;
     }
     close();

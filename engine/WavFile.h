@@ -136,8 +136,9 @@ public:
      *
      * True when everything was converted and written. False leaves an `outPath` as far as it was written, and this
      * file as it was: when it is not open, when the target's rate or channel count is below 1 or its sample format
-     * Unknown or UInt8, when the file holds no frame, and when the output cannot be written. What the resampler
-     * refuses is told on the standard error stream.
+     * Unknown or UInt8, when the file holds no frame, when a conversion in place of a few frames to another rate
+     * would leave none, and when the output cannot be written. What the resampler refuses is told on the standard
+     * error stream.
      *
      * Throws std::bad_optional_access when one side has neither one nor two channels. No progress and no abort;
      * the object must not be used by anyone else meanwhile, except for the tasks in the background when the

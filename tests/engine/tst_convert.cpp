@@ -161,6 +161,7 @@ private Q_SLOTS:
     void replacesOnlyTheSecondNameOfTheSource();
     void keepsTheSourceWhenThereIsNoRoom_data();
     void keepsTheSourceWhenThereIsNoRoom();
+    void keepsTheSourceOfWhichNothingWouldBeLeft();
     void keepsTheSourceWithoutTheRightToReplaceIt();
     void keepsTheSourceWhenTheResamplerFails();
     void createsNothingForASourceThatWasRemoved();
@@ -679,6 +680,16 @@ void TestConvert::keepsTheSourceWhenThereIsNoRoom()
         QVERIFY(TemporaryFiles::Read(file.fileName()) == source);
         QCOMPARE(Names(), QStringList({u"source.wav"_s}));
     }
+}
+
+void TestConvert::keepsTheSourceOfWhichNothingWouldBeLeft()
+{
+    const QByteArray source = Tones(5, 1, 44100).Build();
+    WavFile file;
+    QCOMPARE(file.Open(Write(source)), WavFile::Success);
+    QVERIFY(!file.Convert(Format(QAudioFormat::Float, 1, 8000), {}));
+    QVERIFY(TemporaryFiles::Read(file.fileName()) == source);
+    QCOMPARE(Names(), QStringList({u"source.wav"_s}));
 }
 
 void TestConvert::keepsTheSourceWithoutTheRightToReplaceIt()
