@@ -134,7 +134,7 @@ bool WavFile::ConvertBlocks(WavFile& output, const ConversionSource& source, FFm
         return converted && !output.m_hasLostBytes;
     };
     SharedFileCursor cursor(*this, m_deviceMutex, m_dataOffset);
-    const qint64 blockSize = qint64(source.BlockFrames()) * source.storedFrameSize;
+    const qint64 blockSize = qint64(resampler.BlockFrames()) * source.storedFrameSize;
     QByteArray block;
     while (cursor.ReadBlock(blockSize, block)) {
         const QByteArray frames = source.Widened(block);

@@ -1,22 +1,22 @@
 #include "engine/BufferResampling.h"
 #include "engine/FileReplacement.h"
 #include "engine/PendingFile.h"
+#include "engine/SilenceWatch.h"
 #include "engine/WavHeader.h"
 
 #include <vantorAudioEngine/Decoder.h>
 
 #include <QtCore/QEventLoop>
 #include <QtCore/QFileInfo>
-#include <QtCore/QTimer>
 #include <QtCore/QUrl>
 #include <QtMultimedia/QAudioBuffer>
 #include <QtMultimedia/QAudioDecoder>
 
-#include <chrono>
+#include <memory>
 #include <optional>
 #include <span>
+#include <utility>
 
-using namespace std::chrono_literals;
 using namespace vantoraudio::AudioEngine;
 
 namespace {
@@ -25,11 +25,6 @@ constexpr int defaultSampleRate = 96000;
 
 /** Decoded buffers are short; written one by one they would cost as much time as the decoding itself. */
 constexpr qsizetype writtenBlockSize = 1 << 20;
-
-/** The platform's decoder may keep silent for ever about a file that it cannot decode, so its silence ends the
- *  call. The first limit leaves room for the look into the file within the 2 s that such a call may take. */
-constexpr auto longestSilenceAtStart = 1500ms;
-constexpr auto longestSilence = 10s;
 
 template<typename Sample>
 SampleBuffer<Sample> SamplesOf(const QAudioBuffer& buffer)
@@ -102,7 +97,8 @@ public:
     WavFile::AudioEngineReturnValue Decode(const QString& inPath);
 
 private:
-    void SetSource(const QString& path);
+    void Start(SilenceWatch::Patience patience);
+    void SetSource();
     void OnBufferReady();
     void OnFinished();
     void OnSilence();
@@ -117,30 +113,26 @@ private:
     qint64 m_dataSize = 0;
     QByteArray m_block;
     std::optional<WavFile::AudioEngineReturnValue> m_result;
+    bool m_hasSounded = false;
+    bool m_isSecondTry = false;
     QEventLoop m_loop;
-    QTimer m_silence;
+    /** The platform's decoder may keep silent for ever about a file that it cannot decode. */
+    SilenceWatch m_silence;
     QFile m_source;
-    QAudioDecoder m_decoder;
+    std::unique_ptr<QAudioDecoder> m_decoder;
 };
 
 Decoder::Run::Run(QFile& output, int sampleRate, SampleType type)
-    : m_output(output), m_sampleRate(sampleRate), m_type(type)
+    : m_output(output), m_sampleRate(sampleRate), m_type(type), m_silence([this] { OnSilence(); })
 {
     m_block.reserve(writtenBlockSize);
-    m_silence.setSingleShot(true);
-    QObject::connect(&m_decoder, &QAudioDecoder::bufferReady, &m_loop, [this] { OnBufferReady(); });
-    QObject::connect(&m_decoder, &QAudioDecoder::finished, &m_loop, [this] { OnFinished(); });
-    QObject::connect(&m_decoder, qOverload<QAudioDecoder::Error>(&QAudioDecoder::error), &m_loop,
-                     [this] { End(WavFile::ErrorInvalidFormat); });
-    QObject::connect(&m_silence, &QTimer::timeout, &m_loop, [this] { OnSilence(); });
 }
 
 WavFile::AudioEngineReturnValue Decoder::Run::Decode(const QString& inPath)
 {
     m_output.seek(writtenHeaderSize);
-    SetSource(inPath);
-    m_silence.start(longestSilenceAtStart);
-    m_decoder.start();
+    m_source.setFileName(inPath);
+    Start(SilenceWatch::Patience::WithNobody);
     if (!m_result) {
         m_loop.exec();
     }
@@ -148,16 +140,38 @@ WavFile::AudioEngineReturnValue Decoder::Run::Decode(const QString& inPath)
     return m_result.value_or(WavFile::ErrorInvalidFormat);
 }
 
-void Decoder::Run::SetSource(const QString& path)
+void Decoder::Run::Start(SilenceWatch::Patience patience)
 {
-    const QUrl url = QUrl::fromLocalFile(path);
+    m_decoder = std::make_unique<QAudioDecoder>();
+    QObject::connect(m_decoder.get(), &QAudioDecoder::bufferReady, &m_loop, [this] { OnBufferReady(); });
+    QObject::connect(m_decoder.get(), &QAudioDecoder::finished, &m_loop, [this] { OnFinished(); });
+    QObject::connect(m_decoder.get(), qOverload<QAudioDecoder::Error>(&QAudioDecoder::error), &m_loop,
+                     [this] { End(WavFile::ErrorInvalidFormat); });
+    SetSource();
+    m_decoder->start();
+    m_silence.Start(patience);
+}
+
+void Decoder::Run::SetSource()
+{
+    const QUrl url = QUrl::fromLocalFile(m_source.fileName());
     // Some platform decoders look for a file under the escaped name.
     const bool isEscaped = url.toEncoded().contains('%');
-    m_source.setFileName(path);
-    if (isEscaped && m_source.open(QIODevice::ReadOnly)) {
-        m_decoder.setSourceDevice(&m_source);
+    if (isEscaped && (m_source.isOpen() ? m_source.seek(0) : m_source.open(QIODevice::ReadOnly))) {
+        m_decoder->setSourceDevice(&m_source);
     } else {
-        m_decoder.setSource(url);
+        m_decoder->setSource(url);
+    }
+}
+
+/** Qt 6.4's decoder now and then misses its own signal to start and stands still; another one hardly does so, too.
+ */
+void Decoder::Run::OnSilence()
+{
+    if (m_hasSounded || std::exchange(m_isSecondTry, true)) {
+        End(WavFile::ErrorInvalidFormat);
+    } else {
+        Start(SilenceWatch::Patience::WithTheBusy);
     }
 }
 
@@ -166,8 +180,9 @@ void Decoder::Run::OnBufferReady()
     if (m_result) {
         return;
     }
-    m_silence.start(longestSilence);
-    const QAudioBuffer buffer = m_decoder.read();
+    m_silence.OnSound();
+    m_hasSounded = true;
+    const QAudioBuffer buffer = m_decoder->read();
     m_channelCount = buffer.format().channelCount();
     const auto bytes = m_type == SampleType::Float ? ResampleAsFloat(buffer, m_sampleRate)
                                                    : ResampleAsDecoded(buffer, m_sampleRate);
@@ -187,17 +202,6 @@ void Decoder::Run::OnFinished()
     const int dataSize = static_cast<int>(m_dataSize);
     const bool isWritten = WriteBlock() && WriteHeader(m_output, dataSize, m_sampleRate, m_channelCount) == 1;
     End(isWritten ? WavFile::Success : WavFile::ErrorWriteHeader);
-}
-
-void Decoder::Run::OnSilence()
-{
-    // A program that was busy itself may have a buffer waiting behind this event; it would start the timer anew.
-    const auto endIfStillSilent = [this] {
-        if (!m_silence.isActive()) {
-            End(WavFile::ErrorInvalidFormat);
-        }
-    };
-    QMetaObject::invokeMethod(&m_loop, endIfStillSilent, Qt::QueuedConnection);
 }
 
 void Decoder::Run::Append(const QByteArray& bytes)
@@ -247,6 +251,10 @@ WavFile::AudioEngineReturnValue Decoder::Decode(const QString& inPath, const QSt
     }
     PendingFile output(outPath);
     if (!CanBeRead(inPath) || !output.Open()) {
+        return WavFile::ErrorOpenFile;
+    }
+    // Overwritten byte by byte, the only copy of the audio could end as neither the old nor the new file.
+    if (IsSameFile(inPath, outPath) && !output.ReplacesInOneStep()) {
         return WavFile::ErrorOpenFile;
     }
     const QString source = QFileInfo(inPath).absoluteFilePath();

@@ -31,12 +31,14 @@ public:
      * float. So the result is sound for what is decoded to float (MP3, Ogg Vorbis, AAC), and noise for what is
      * decoded to integers (FLAC, WAV). ConvertToFloat() is right for both.
      *
-     * Runs an event loop until the decoding has ended, at most 2 s for a file that turns out not to be decodable:
-     * the caller may be called, closed and even destroyed meanwhile, and other conversions may start. Ending the
-     * application ends the call too.
+     * Runs an event loop until the decoding has ended, at most 2 s for a file that turns out not to be decodable
+     * (10 s where the framework says nothing of it and the program works at something else meanwhile): the caller
+     * may be called, closed and even destroyed meanwhile, and other conversions may start. Ending the application
+     * ends the call too.
      *
      * - Success: `outPath` is the whole new file. Both paths may name the same file: it is read to its end first.
-     * - ErrorOpenFile: a path is empty, `inPath` cannot be read or `outPath` cannot be written.
+     * - ErrorOpenFile: a path is empty, `inPath` cannot be read, `outPath` cannot be written, or both are the same
+     *   file in a folder that may not be written, where it could not be replaced in one step.
      * - ErrorInvalidFormat: not audio, or it cannot be decoded to its end: an unknown sample type, an error of the
      *   framework, 10 s without progress, the end of the application.
      * - ErrorWriteHeader: the new file could not be written whole.

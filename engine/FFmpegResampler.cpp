@@ -16,6 +16,9 @@ namespace vantoraudio::AudioEngine {
 
 namespace {
 
+/** How much a block may become at once; what is more is handed over in parts. */
+constexpr int64_t mostTargetFrames = 1 << 20;
+
 struct FreeContext
 {
     void operator()(SwrContext* context) const { swr_free(&context); }
@@ -76,6 +79,7 @@ public:
     }
 
     bool IsReady() const { return m_isReady; }
+    int BlockFrames() const { return m_blockFrames; }
     std::optional<QByteArrayView> Convert(const uint8_t** source, int frames);
 
 private:
@@ -83,12 +87,14 @@ private:
     bool AllocateSamples(int blockFrames);
     bool MakeRoom(int frames);
     int TargetFrames(int64_t sourceFrames) const;
+    bool CanCountTarget(int blockFrames) const;
 
     PcmLayout m_source;
     PcmLayout m_target;
     std::unique_ptr<SwrContext, FreeContext> m_context;
     SampleArray m_targetSamples;
     int m_targetCapacity = 0;
+    int m_blockFrames = 0;
     bool m_isReady = false;
 };
 
@@ -123,9 +129,18 @@ bool FFmpegResampler::Data::AllocateSamples(int blockFrames)
     if (sourceSamples.Allocate(m_source, blockFrames) < 0) {
         return Complain("Could not allocate source samples\n");
     }
-    m_targetCapacity = TargetFrames(blockFrames);
-    return m_targetSamples.Allocate(m_target, m_targetCapacity) >= 0 ||
+    const int64_t bearable = av_rescale(mostTargetFrames, m_source.sampleRate, m_target.sampleRate);
+    m_blockFrames = static_cast<int>(std::clamp<int64_t>(bearable, 1, blockFrames));
+    m_targetCapacity = TargetFrames(m_blockFrames);
+    return (CanCountTarget(blockFrames) && m_targetSamples.Allocate(m_target, m_targetCapacity) >= 0) ||
            Complain("Could not allocate destination samples\n");
+}
+
+/** Rates that are too far apart for a whole block are refused, though a part of it would find room. */
+bool FFmpegResampler::Data::CanCountTarget(int blockFrames) const
+{
+    return av_samples_get_buffer_size(nullptr, m_target.channelCount, TargetFrames(blockFrames),
+                                      AVSampleFormat(m_target.sampleFormat), 0) >= 0;
 }
 
 /** More frames than an int counts are more than can be allocated, and fail there. */
@@ -181,6 +196,11 @@ FFmpegResampler::~FFmpegResampler() = default;
 bool FFmpegResampler::IsReady() const
 {
     return m_data->IsReady();
+}
+
+int FFmpegResampler::BlockFrames() const
+{
+    return m_data->BlockFrames();
 }
 
 std::optional<QByteArrayView> FFmpegResampler::Convert(const char* source, int frames)

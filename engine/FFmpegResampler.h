@@ -24,12 +24,17 @@ struct PcmLayout
 class FFmpegResampler
 {
 public:
-    /** Blocks of up to `blockFrames` frames will come; below 1 the resampler cannot be made ready. */
+    /** The source comes in blocks of `blockFrames` frames; below 1, or where a block becomes more than can be
+     *  counted, the resampler cannot be made ready. */
     FFmpegResampler(const PcmLayout& source, const PcmLayout& target, int blockFrames);
     ~FFmpegResampler();
     Q_DISABLE_COPY_MOVE(FFmpegResampler)
 
     bool IsReady() const;
+
+    /** How many source frames to hand over at once: as many as announced, or fewer where each of them becomes so
+     *  many that a whole block would take all memory. */
+    int BlockFrames() const;
 
     /** The result of the next `frames` source frames, which may be empty while the resampler collects more. It
      *  stays valid until the next call. Nothing after a failure, which ends the conversion. */

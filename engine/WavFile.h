@@ -130,8 +130,8 @@ public:
      * `outPath`, over what is there. The header states the size that the length of the source gives; the data may
      * be a few frames longer or shorter.
      *
-     * An empty `outPath`, or one that leads to this very file, converts in place: the result takes the place of
-     * the file only when it is complete and stored, and this object is closed then. Otherwise the object stays
+     * An empty `outPath`, or one that leads to this very file, converts in place: only when the result is complete
+     * and stored, this object is closed and the result takes the place of the file. Otherwise the object stays
      * open, behind what was read.
      *
      * True when everything was converted and written. False leaves an `outPath` as far as it was written, and this

@@ -1,5 +1,7 @@
 #include "tests/support/AudioPrograms.h"
+#include "tests/support/BrokenReading.h"
 #include "tests/support/FileSizeLimit.h"
+#include "tests/support/OrdinaryUser.h"
 #include "tests/support/SignalLog.h"
 #include "tests/support/StandardErrorCapture.h"
 #include "tests/support/TemporaryFiles.h"
@@ -86,29 +88,6 @@ double LargestDifference(const QList<float>& a, const QList<float>& b)
     return largest;
 }
 
-/** Makes files as somebody who is not the superuser, whom no permission stops. */
-class AsOrdinaryUser
-{
-public:
-    AsOrdinaryUser() : m_former(::geteuid())
-    {
-        if (m_former == 0) {
-            m_isSwitched = ::seteuid(65534) == 0;
-        }
-    }
-    ~AsOrdinaryUser()
-    {
-        if (m_isSwitched) {
-            m_isSwitched = ::seteuid(m_former) != 0;
-        }
-    }
-    Q_DISABLE_COPY_MOVE(AsOrdinaryUser)
-
-private:
-    uid_t m_former;
-    bool m_isSwitched = false;
-};
-
 } // namespace
 
 class TestConvert : public QObject
@@ -134,6 +113,7 @@ private Q_SLOTS:
     void failsForASourceWithoutAFrame();
     void failsForARateThatCannotBeResampled_data();
     void failsForARateThatCannotBeResampled();
+    void failsForRatesTooFarApart();
 
     void copiesWhatNeedsNoConversion_data();
     void copiesWhatNeedsNoConversion();
@@ -144,6 +124,7 @@ private Q_SLOTS:
     void resamplesLikeTheFFmpegProgram_data();
     void resamplesLikeTheFFmpegProgram();
     void keepsTheComputedSizeInTheHeader();
+    void statesNoSizeForALengthBeyondTwoGiB();
     void convertsAFewFrames_data();
     void convertsAFewFrames();
     void convertsUpToTheEndOfTheFile();
@@ -164,6 +145,7 @@ private Q_SLOTS:
     void keepsTheSourceOfWhichNothingWouldBeLeft();
     void keepsTheSourceWithoutTheRightToReplaceIt();
     void keepsTheSourceWhenTheResamplerFails();
+    void keepsTheSourceThatCannotBeReadToItsEnd();
     void createsNothingForASourceThatWasRemoved();
     void failsWhenTheOutputCannotBeOpened();
     void failsWhenTheOutputCannotBeFilled_data();
@@ -322,6 +304,19 @@ void TestConvert::failsForARateThatCannotBeResampled()
     QVERIFY(!QFile::exists(m_out));
 }
 
+void TestConvert::failsForRatesTooFarApart()
+{
+    // 1024 frames of a second each become 614,400,000 frames of 4 bytes: more than 2 GiB.
+    WavBytes wav = Tones(3000, 1, 8000);
+    wav.sampleRate = 1;
+    WavFile file;
+    QCOMPARE(file.Open(Write(wav)), WavFile::Success);
+    StandardErrorCapture capture;
+    QVERIFY(!file.Convert(Format(QAudioFormat::Float, 1, 600000), m_out));
+    QCOMPARE(OwnLines(capture.Text()), QByteArray("Could not allocate destination samples\n"));
+    QCOMPARE(Names(), QStringList({u"source.wav"_s}));
+}
+
 void TestConvert::copiesWhatNeedsNoConversion_data()
 {
     QTest::addColumn<Coding>("coding");
@@ -465,6 +460,18 @@ void TestConvert::keepsTheComputedSizeInTheHeader()
     QCOMPARE(file.Open(Write(audio.File())), WavFile::Success);
     QVERIFY(file.Convert(format, m_out));
     QCOMPARE(Result(), Converted(format, audio.Data(), 2 * 1022));
+}
+
+/** The length counts in 32 bits, where this one is below 0. */
+void TestConvert::statesNoSizeForALengthBeyondTwoGiB()
+{
+    WavBytes wav = Tones(100, 1, 8000);
+    wav.statedDataSize = 3'000'000'000;
+    const QAudioFormat format = Format(QAudioFormat::Int16, 1, 8000);
+    WavFile file;
+    QCOMPARE(file.Open(Write(wav)), WavFile::Success);
+    QVERIFY(file.Convert(format, m_out));
+    QCOMPARE(Result(), Converted(format, wav.data, -1));
 }
 
 void TestConvert::convertsAFewFrames_data()
@@ -702,7 +709,8 @@ void TestConvert::keepsTheSourceWithoutTheRightToReplaceIt()
     QVERIFY(
         QFile::setPermissions(folder, QFile::ReadOwner | QFile::ExeOwner | QFile::ReadOther | QFile::ExeOther));
     {
-        const AsOrdinaryUser user;
+        const OrdinaryUser user;
+        QVERIFY(user.IsOrdinary());
         QVERIFY(!file.Convert(Format(QAudioFormat::Float, 1, 8000), {}));
     }
     QVERIFY(QFile::setPermissions(folder, permissions));
@@ -720,6 +728,21 @@ void TestConvert::keepsTheSourceWhenTheResamplerFails()
     QCOMPARE(OwnLines(capture.Text()), QByteArray("Failed to initialize the resampling context\n"));
     QVERIFY(TemporaryFiles::Read(file.fileName()) == source);
     QCOMPARE(Names(), QStringList({u"source.wav"_s}));
+}
+
+void TestConvert::keepsTheSourceThatCannotBeReadToItsEnd()
+{
+    const QByteArray source = Tones(30000, 1, 8000).Build();
+    const QAudioFormat target = Format(QAudioFormat::Float, 1, 8000);
+    for (const QString& outPath : {QString(), m_out}) {
+        WavFile file;
+        QCOMPARE(file.Open(Write(source)), WavFile::Success);
+        QVERIFY(BreakReading(file));
+        QVERIFY(!file.Convert(target, outPath));
+        QVERIFY(TemporaryFiles::Read(file.fileName()) == source);
+    }
+    // What was converted until then stays where it is nobody's only copy.
+    QCOMPARE(Names(), QStringList({u"out.wav"_s, u"source.wav"_s}));
 }
 
 void TestConvert::createsNothingForASourceThatWasRemoved()

@@ -1,18 +1,16 @@
+#include "tests/support/AbortDuringReport.h"
+#include "tests/support/BrokenReading.h"
+#include "tests/support/ContextTranslator.h"
 #include "tests/support/FileSizeLimit.h"
-#include "tests/support/SignalLog.h"
-#include "tests/support/TemporaryFiles.h"
-#include "tests/support/TestAudio.h"
+#include "tests/support/OpenedWav.h"
 #include "tests/support/WavFileTestAccess.h"
 
 #include <QtCore/QDir>
-#include <QtCore/QTranslator>
 #include <QtTest/QtTest>
 
 #include <cmath>
 #include <limits>
-#include <semaphore>
 #include <sys/stat.h>
-#include <thread>
 #include <unistd.h>
 
 using namespace Qt::Literals::StringLiterals;
@@ -40,12 +38,6 @@ class TestCreateSnippet : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        m_out = m_files.Path(u"out.wav"_s);
-        QFile::remove(m_out);
-    }
-
     void writesTheRange_data();
     void writesTheRange();
     void writesFloatForATwentyFourBitFile();
@@ -55,6 +47,7 @@ private Q_SLOTS:
     void writesOnlyAHeaderForAnEmptyRange_data();
     void writesOnlyAHeaderForAnEmptyRange();
     void endsAtTheEndOfTheFile();
+    void endsWhereTheFileCannotBeRead();
     void copiesAWholeLastBlockBehindTheAudio();
     void startsBeforeTheAudioForANegativeTime();
     void overwritesAnExistingFile();
@@ -85,13 +78,6 @@ private Q_SLOTS:
     void failsWhenTheOutputCannotBeFilled();
     void failsForAnUnknownSampleFormat();
     void resetsTheProgressForASampleFormatWithoutWriter();
-
-private:
-    QString Write(const TestAudio& audio) { return m_files.Write(u"source.wav"_s, audio.File()); }
-    QByteArray Result() const { return TemporaryFiles::Read(m_out); }
-
-    TemporaryFiles m_files;
-    QString m_out;
 };
 
 void TestCreateSnippet::writesTheRange_data()
@@ -139,21 +125,18 @@ void TestCreateSnippet::writesTheRange()
     QFETCH(const int, statedFrames);
     TestAudio audio = Mono(1600, coding);
     audio.channels = static_cast<quint16>(channels);
-    WavFile file;
-    QCOMPARE(file.Open(Write(audio)), WavFile::Success);
-    file.SetSelectedChannel(channel);
-    QCOMPARE(file.CreateSnippet(m_out, start, end), WavFile::Success);
-    QCOMPARE(Result(), audio.Exported(audio.ExportedData(firstFrame, endFrame, channel),
-                                      statedFrames * audio.ExportedBytes()));
+    ExportSetup setup(audio, channel);
+    QCOMPARE(setup.file.CreateSnippet(setup.out, start, end), WavFile::Success);
+    QCOMPARE(setup.Result(), audio.Exported(audio.ExportedData(firstFrame, endFrame, channel),
+                                            statedFrames * audio.ExportedBytes()));
 }
 
 void TestCreateSnippet::writesFloatForATwentyFourBitFile()
 {
-    WavFile file;
-    QCOMPARE(file.Open(Write(Mono(300, S24))), WavFile::Success);
-    QCOMPARE(file.CreateSnippet(m_out, 0, 0.025), WavFile::Success);
+    ExportSetup setup(Mono(300, S24));
+    QCOMPARE(setup.file.CreateSnippet(setup.out, 0, 0.025), WavFile::Success);
     WavFile written;
-    QCOMPARE(written.Open(m_out), WavFile::Success);
+    QCOMPARE(written.Open(setup.out), WavFile::Success);
     QCOMPARE(written.GetFileFormat().sampleFormat(), QAudioFormat::Float);
     QCOMPARE(written.GetFileFormat().channelCount(), 1);
     QCOMPARE(written.GetDataLength(), 800);
@@ -180,20 +163,18 @@ void TestCreateSnippet::statesTheSizeInWholeMilliseconds()
     QFETCH(const int, frames);
     TestAudio audio = Mono(1000);
     audio.rate = static_cast<quint32>(rate);
-    WavFile file;
-    QCOMPARE(file.Open(Write(audio)), WavFile::Success);
-    QCOMPARE(file.CreateSnippet(m_out, 0, end), WavFile::Success);
-    QCOMPARE(Result(), audio.Exported(audio.ExportedData(0, frames, WavFile::ChannelNone), statedSize));
+    ExportSetup setup(audio);
+    QCOMPARE(setup.file.CreateSnippet(setup.out, 0, end), WavFile::Success);
+    QCOMPARE(setup.Result(), audio.Exported(audio.ExportedData(0, frames, WavFile::ChannelNone), statedSize));
 }
 
 void TestCreateSnippet::statesTheLowestBitsOfAHugeSize()
 {
     const TestAudio audio = Mono(300, F32);
-    WavFile file;
-    QCOMPARE(file.Open(Write(audio)), WavFile::Success);
+    ExportSetup setup(audio);
     // 134,217,736 s have 1,073,741,888,000 frames, of which 2,147,483,647 can be counted; times 4 they wrap to -4.
-    QCOMPARE(file.CreateSnippet(m_out, 0, 134217736), WavFile::Success);
-    QCOMPARE(Result().mid(40, 4), LittleEndian(qint32(-4)));
+    QCOMPARE(setup.file.CreateSnippet(setup.out, 0, 134217736), WavFile::Success);
+    QCOMPARE(setup.Result().mid(40, 4), LittleEndian(qint32(-4)));
 }
 
 void TestCreateSnippet::writesOnlyAHeaderForAnEmptyRange_data()
@@ -211,12 +192,10 @@ void TestCreateSnippet::writesOnlyAHeaderForAnEmptyRange()
     QFETCH(const double, start);
     QFETCH(const double, end);
     const TestAudio audio = Mono(1600);
-    WavFile file;
-    QCOMPARE(file.Open(Write(audio)), WavFile::Success);
-    SignalLog log(file);
-    QCOMPARE(file.CreateSnippet(m_out, start, end), WavFile::Success);
-    QCOMPARE(Result(), audio.Exported({}, -1));
-    QVERIFY(log.isEmpty());
+    ExportSetup setup(audio);
+    QCOMPARE(setup.file.CreateSnippet(setup.out, start, end), WavFile::Success);
+    QCOMPARE(setup.Result(), audio.Exported({}, -1));
+    QVERIFY(setup.log.isEmpty());
 }
 
 void TestCreateSnippet::endsAtTheEndOfTheFile()
@@ -224,22 +203,31 @@ void TestCreateSnippet::endsAtTheEndOfTheFile()
     TestAudio audio = Mono(450);
     audio.statedDataSize = 100000;
     audio.trailer = "x";
-    WavFile file;
-    QCOMPARE(file.Open(Write(audio)), WavFile::Success);
-    SignalLog log(file);
-    QCOMPARE(file.CreateSnippet(m_out, 0, file.GetDuration()), WavFile::Success);
-    QCOMPARE(Result(), audio.Exported(audio.ExportedData(0, 450, WavFile::ChannelNone), 100000));
-    QCOMPARE(QStringList(log), QStringList({Creating(0), Creating(0), Creating(0)}));
+    ExportSetup setup(audio);
+    QCOMPARE(setup.file.CreateSnippet(setup.out, 0, setup.file.GetDuration()), WavFile::Success);
+    QCOMPARE(setup.Result(), audio.Exported(audio.ExportedData(0, 450, WavFile::ChannelNone), 100000));
+    QCOMPARE(QStringList(setup.log), QStringList({Creating(0), Creating(0), Creating(0)}));
+}
+
+void TestCreateSnippet::endsWhereTheFileCannotBeRead()
+{
+    const TestAudio audio = Mono(80000);
+    ExportSetup setup(audio);
+    QVERIFY(BreakReading(setup.file));
+    QCOMPARE(setup.file.CreateSnippet(setup.out, 0, 10), WavFile::Success);
+    const QByteArray whole = audio.Exported(audio.ExportedData(0, 80000, WavFile::ChannelNone), 160000);
+    QCOMPARE_LT(setup.Result().size(), whole.size());
+    QCOMPARE(setup.Result(), whole.left(setup.Result().size()));
+    QCOMPARE_GE(setup.Result().size(), 44);
 }
 
 void TestCreateSnippet::copiesAWholeLastBlockBehindTheAudio()
 {
     TestAudio audio = Mono(250);
     audio.trailer = QByteArray(1000, '\x01');
-    WavFile file;
-    QCOMPARE(file.Open(Write(audio)), WavFile::Success);
-    QCOMPARE(file.CreateSnippet(m_out, 0, file.GetDuration()), WavFile::Success);
-    QCOMPARE(Result(),
+    ExportSetup setup(audio);
+    QCOMPARE(setup.file.CreateSnippet(setup.out, 0, setup.file.GetDuration()), WavFile::Success);
+    QCOMPARE(setup.Result(),
              audio.Exported(audio.ExportedData(0, 250, WavFile::ChannelNone) + QByteArray(300, '\x01'), 31 * 16));
 }
 
@@ -248,41 +236,36 @@ void TestCreateSnippet::copiesAWholeLastBlockBehindTheAudio()
 void TestCreateSnippet::startsBeforeTheAudioForANegativeTime()
 {
     const TestAudio audio = Mono(1600);
-    WavFile file;
-    QCOMPARE(file.Open(Write(audio)), WavFile::Success);
-    QCOMPARE(file.CreateSnippet(m_out, -0.002, 0.02), WavFile::Success);
-    QCOMPARE(Result(), audio.Exported(audio.File().mid(12, 400), 22 * 16));
-    QCOMPARE(file.CreateSnippet(m_out, -1, 0.02), WavFile::Success);
-    QCOMPARE(Result(), audio.Exported({}, 1020 * 16));
+    ExportSetup setup(audio);
+    QCOMPARE(setup.file.CreateSnippet(setup.out, -0.002, 0.02), WavFile::Success);
+    QCOMPARE(setup.Result(), audio.Exported(audio.File().mid(12, 400), 22 * 16));
+    QCOMPARE(setup.file.CreateSnippet(setup.out, -1, 0.02), WavFile::Success);
+    QCOMPARE(setup.Result(), audio.Exported({}, 1020 * 16));
 }
 
 void TestCreateSnippet::overwritesAnExistingFile()
 {
     const TestAudio audio = Mono(200);
-    WavFile file;
-    QCOMPARE(file.Open(Write(audio)), WavFile::Success);
-    QCOMPARE(m_files.Write(u"out.wav"_s, QByteArray(5000, 'x')), m_out);
-    QCOMPARE(file.CreateSnippet(m_out, 0, 0.025), WavFile::Success);
-    QCOMPARE(Result(), audio.Exported(audio.ExportedData(0, 200, WavFile::ChannelNone), 400));
+    ExportSetup setup(audio);
+    QCOMPARE(setup.files.Write(u"out.wav"_s, QByteArray(5000, 'x')), setup.out);
+    QCOMPARE(setup.file.CreateSnippet(setup.out, 0, 0.025), WavFile::Success);
+    QCOMPARE(setup.Result(), audio.Exported(audio.ExportedData(0, 200, WavFile::ChannelNone), 400));
 }
 
 void TestCreateSnippet::reportsProgressFromTheStartOfTheFile()
 {
-    WavFile file;
-    QCOMPARE(file.Open(Write(Mono(1600))), WavFile::Success);
-    SignalLog log(file);
-    QCOMPARE(file.CreateSnippet(m_out, 0.1, 0.2), WavFile::Success);
+    ExportSetup setup(Mono(1600));
+    QCOMPARE(setup.file.CreateSnippet(setup.out, 0.1, 0.2), WavFile::Success);
     // Positions 1644, 2044, 2444 and 2844 of 3244.
-    QCOMPARE(QStringList(log), QStringList({Creating(50), Creating(63), Creating(75), Creating(87)}));
+    QCOMPARE(QStringList(setup.log), QStringList({Creating(50), Creating(63), Creating(75), Creating(87)}));
 }
 
 void TestCreateSnippet::leavesTheSourceOpenBehindTheLastBlock()
 {
-    WavFile file;
-    QCOMPARE(file.Open(Write(Mono(1600))), WavFile::Success);
-    QCOMPARE(file.CreateSnippet(m_out, 0.01, 0.03), WavFile::Success);
-    QVERIFY(file.isOpen());
-    QCOMPARE(file.pos(), 44 + 280 * 2);
+    ExportSetup setup(Mono(1600));
+    QCOMPARE(setup.file.CreateSnippet(setup.out, 0.01, 0.03), WavFile::Success);
+    QVERIFY(setup.file.isOpen());
+    QCOMPARE(setup.file.pos(), 44 + 280 * 2);
 }
 
 void TestCreateSnippet::stopsBetweenBlocksWhenAborted_data()
@@ -297,110 +280,75 @@ void TestCreateSnippet::stopsBetweenBlocksWhenAborted()
 {
     QFETCH(const int, block);
     const TestAudio audio = Mono(80000);
-    WavFile file;
-    QCOMPARE(file.Open(Write(audio)), WavFile::Success);
-    SignalLog log(file);
-    connect(&file, &WavFile::ProgressChanged, &file, [&] {
-        if (log.size() == block) {
-            file.AbortWrite();
+    ExportSetup setup(audio);
+    connect(&setup.file, &WavFile::ProgressChanged, &setup.file, [&] {
+        if (setup.log.size() == block) {
+            setup.file.AbortWrite();
         }
     });
-    QCOMPARE(file.CreateSnippet(m_out, 0, 10), WavFile::Success);
-    QCOMPARE(Result(), audio.Exported(audio.ExportedData(0, block * 200, WavFile::ChannelNone), 160000));
-    QCOMPARE(log.size(), block + 1);
-    QCOMPARE(log.last(), reset);
-    QCOMPARE(file.pos(), 44 + block * 400);
+    QCOMPARE(setup.file.CreateSnippet(setup.out, 0, 10), WavFile::Success);
+    QCOMPARE(setup.Result(), audio.Exported(audio.ExportedData(0, block * 200, WavFile::ChannelNone), 160000));
+    QCOMPARE(setup.log.size(), block + 1);
+    QCOMPARE(setup.log.last(), reset);
+    QCOMPARE(setup.file.pos(), 44 + block * 400);
 }
 
 void TestCreateSnippet::resetsTheProgressWhenAbortedAtAnEarlyEnd()
 {
-    WavFile file;
-    QCOMPARE(file.Open(Write(Mono(200))), WavFile::Success);
-    SignalLog log(file);
-    connect(&file, &WavFile::ProgressChanged, &file, &WavFile::AbortWrite);
-    QCOMPARE(file.CreateSnippet(m_out, 0, 1), WavFile::Success);
-    QCOMPARE(QStringList(log), QStringList({Creating(0), reset}));
+    ExportSetup setup(Mono(200));
+    connect(&setup.file, &WavFile::ProgressChanged, &setup.file, &WavFile::AbortWrite);
+    QCOMPARE(setup.file.CreateSnippet(setup.out, 0, 1), WavFile::Success);
+    QCOMPARE(QStringList(setup.log), QStringList({Creating(0), reset}));
 }
 
 void TestCreateSnippet::finishesWhenAbortedDuringTheLastBlock()
 {
-    WavFile file;
-    QCOMPARE(file.Open(Write(Mono(200))), WavFile::Success);
-    SignalLog log(file);
-    connect(&file, &WavFile::ProgressChanged, &file, &WavFile::AbortWrite);
-    QCOMPARE(file.CreateSnippet(m_out, 0, 0.025), WavFile::Success);
-    QCOMPARE(QStringList(log), QStringList({Creating(9)}));
+    ExportSetup setup(Mono(200));
+    connect(&setup.file, &WavFile::ProgressChanged, &setup.file, &WavFile::AbortWrite);
+    QCOMPARE(setup.file.CreateSnippet(setup.out, 0, 0.025), WavFile::Success);
+    QCOMPARE(QStringList(setup.log), QStringList({Creating(9)}));
 }
 
 void TestCreateSnippet::stopsWhenAbortedFromAnotherThread()
 {
     const TestAudio audio = Mono(80000);
-    WavFile file;
-    QCOMPARE(file.Open(Write(audio)), WavFile::Success);
-    std::binary_semaphore isRunning(0);
-    std::binary_semaphore isAborted(0);
-    int count = 0;
-    connect(
-        &file, &WavFile::ProgressChanged, &file,
-        [&] {
-            if (++count == 1) {
-                isRunning.release();
-                isAborted.acquire();
-            }
-        },
-        Qt::DirectConnection);
+    ExportSetup setup(audio);
     WavFile::AudioEngineReturnValue result = WavFile::ErrorCreateSnippet;
-    std::thread worker([&] { result = file.CreateSnippet(m_out, 0, 10); });
-    isRunning.acquire();
-    file.AbortWrite();
-    isAborted.release();
-    worker.join();
+    const int count = AbortDuringFirstReport(
+        setup.file, [&] { result = setup.file.CreateSnippet(setup.out, 0, 10); },
+        [&] { setup.file.AbortWrite(); });
     QCOMPARE(result, WavFile::Success);
     QCOMPARE(count, 2);
-    QCOMPARE(Result(), audio.Exported(audio.ExportedData(0, 200, WavFile::ChannelNone), 160000));
+    QCOMPARE(setup.Result(), audio.Exported(audio.ExportedData(0, 200, WavFile::ChannelNone), 160000));
 }
 
 void TestCreateSnippet::ignoresAnAbortBeforeItStarts()
 {
-    WavFile file;
-    QCOMPARE(file.Open(Write(Mono(400))), WavFile::Success);
-    file.AbortWrite();
-    QCOMPARE(file.CreateSnippet(m_out, 0, 0.05), WavFile::Success);
-    QCOMPARE(Result().size(), 44 + 800);
-    QVERIFY(!WavFileTestAccess(file).IsWriteAborted());
+    ExportSetup setup(Mono(400));
+    setup.file.AbortWrite();
+    QCOMPARE(setup.file.CreateSnippet(setup.out, 0, 0.05), WavFile::Success);
+    QCOMPARE(setup.Result().size(), 44 + 800);
+    QVERIFY(!WavFileTestAccess(setup.file).IsWriteAborted());
 }
 
 void TestCreateSnippet::ignoresTheOtherAbortFlags()
 {
-    WavFile file;
-    QCOMPARE(file.Open(Write(Mono(400))), WavFile::Success);
-    connect(&file, &WavFile::ProgressChanged, &file, &WavFile::AbortRead);
-    connect(&file, &WavFile::ProgressChanged, &file, &WavFile::AbortChannelFilter);
-    QCOMPARE(file.CreateSnippet(m_out, 0, 0.05), WavFile::Success);
-    QCOMPARE(Result().size(), 44 + 800);
-    QVERIFY(WavFileTestAccess(file).IsReadAborted());
-    QVERIFY(WavFileTestAccess(file).IsChannelFilterAborted());
+    ExportSetup setup(Mono(400));
+    connect(&setup.file, &WavFile::ProgressChanged, &setup.file, &WavFile::AbortRead);
+    connect(&setup.file, &WavFile::ProgressChanged, &setup.file, &WavFile::AbortChannelFilter);
+    QCOMPARE(setup.file.CreateSnippet(setup.out, 0, 0.05), WavFile::Success);
+    QCOMPARE(setup.Result().size(), 44 + 800);
+    QVERIFY(WavFileTestAccess(setup.file).IsReadAborted());
+    QVERIFY(WavFileTestAccess(setup.file).IsChannelFilterAborted());
 }
 
 void TestCreateSnippet::translatesItsTexts()
 {
-    class Translator : public QTranslator
-    {
-    public:
-        QString translate(const char* context, const char* text, const char*, int) const override
-        {
-            return QLatin1StringView(context) + u'/' + QLatin1StringView(text);
-        }
-        bool isEmpty() const override { return false; }
-    } translator;
-    QCoreApplication::installTranslator(&translator);
-    WavFile file;
-    QCOMPARE(file.Open(Write(Mono(400))), WavFile::Success);
-    SignalLog log(file);
-    connect(&file, &WavFile::ProgressChanged, &file, &WavFile::AbortWrite);
-    QCOMPARE(file.CreateSnippet(m_out, 0, 0.05), WavFile::Success);
-    QCoreApplication::removeTranslator(&translator);
-    QCOMPARE(QStringList(log),
+    const ContextTranslator translator;
+    ExportSetup setup(Mono(400));
+    connect(&setup.file, &WavFile::ProgressChanged, &setup.file, &WavFile::AbortWrite);
+    QCOMPARE(setup.file.CreateSnippet(setup.out, 0, 0.05), WavFile::Success);
+    QCOMPARE(QStringList(setup.log),
              QStringList({u"5 of 0..100 WavFile/Creating snippet..."_s, u"0 of 0..100 WavFile/"_s}));
 }
 
@@ -408,12 +356,11 @@ void TestCreateSnippet::usesTheChannelSelectedWhenItStarted()
 {
     TestAudio audio = Mono(80000);
     audio.channels = 2;
-    WavFile file;
-    QCOMPARE(file.Open(Write(audio)), WavFile::Success);
-    file.SetSelectedChannel(WavFile::ChannelRight);
-    connect(&file, &WavFile::ProgressChanged, &file, [&] { file.SetSelectedChannel(WavFile::ChannelLeft); });
-    QCOMPARE(file.CreateSnippet(m_out, 0, 10), WavFile::Success);
-    QCOMPARE(Result(), audio.Exported(audio.ExportedData(0, 80000, WavFile::ChannelRight), 160000));
+    ExportSetup setup(audio, WavFile::ChannelRight);
+    connect(&setup.file, &WavFile::ProgressChanged, &setup.file,
+            [&] { setup.file.SetSelectedChannel(WavFile::ChannelLeft); });
+    QCOMPARE(setup.file.CreateSnippet(setup.out, 0, 10), WavFile::Success);
+    QCOMPARE(setup.Result(), audio.Exported(audio.ExportedData(0, 80000, WavFile::ChannelRight), 160000));
 }
 
 void TestCreateSnippet::endsForEveryTime_data()
@@ -433,103 +380,101 @@ void TestCreateSnippet::endsForEveryTime()
 {
     QFETCH(const double, start);
     QFETCH(const double, end);
-    WavFile file;
-    QCOMPARE(file.Open(Write(Mono(400))), WavFile::Success);
-    QCOMPARE(file.CreateSnippet(m_out, start, end), WavFile::Success);
-    QVERIFY(Result().startsWith("RIFF"));
-    QCOMPARE_LE(Result().size(), 2 * 44 + 800);
+    ExportSetup setup(Mono(400));
+    QCOMPARE(setup.file.CreateSnippet(setup.out, start, end), WavFile::Success);
+    QVERIFY(setup.Result().startsWith("RIFF"));
+    QCOMPARE_LE(setup.Result().size(), 2 * 44 + 800);
 }
 
 void TestCreateSnippet::wrapsPositionsAtThirtyTwoBits()
 {
     const TestAudio audio = Mono(1600, F32);
-    WavFile file;
-    QCOMPARE(file.Open(Write(audio)), WavFile::Success);
+    ExportSetup setup(audio);
     // 134,217.728 s are 2^30 frames: 2^32 bytes, which wrap to 0.
     constexpr double lap = 134217.728;
-    QCOMPARE(file.CreateSnippet(m_out, lap, lap + 0.05), WavFile::Success);
-    QCOMPARE(Result(), audio.Exported(audio.ExportedData(0, 400, WavFile::ChannelNone), 1600));
+    QCOMPARE(setup.file.CreateSnippet(setup.out, lap, lap + 0.05), WavFile::Success);
+    QCOMPARE(setup.Result(), audio.Exported(audio.ExportedData(0, 400, WavFile::ChannelNone), 1600));
 }
 
 void TestCreateSnippet::endsWithSuccessForAClosedFile()
 {
     const TestAudio audio = Mono(400);
-    WavFile file;
-    QCOMPARE(file.Open(Write(audio)), WavFile::Success);
-    file.close();
-    QCOMPARE(file.CreateSnippet(m_out, 0, 0.05), WavFile::Success);
-    QCOMPARE(Result(), audio.Exported({}, 800));
+    ExportSetup setup(audio);
+    setup.file.close();
+    QCOMPARE(setup.file.CreateSnippet(setup.out, 0, 0.05), WavFile::Success);
+    QCOMPARE(setup.Result(), audio.Exported({}, 800));
 }
 
 /** What the two headers left behind makes blocks of 200 frames that are larger than any memory. */
 void TestCreateSnippet::copiesNothingAfterARefusedHeader()
 {
+    const TemporaryFiles files;
+    const QString out = files.Path(u"out.wav"_s);
     WavFile file;
     const QByteArray data(100, 'x');
-    const auto open = [&](const WavBytes& wav) { return file.Open(m_files.Write(u"source.wav"_s, wav.Build())); };
+    const auto open = [&](const WavBytes& wav) { return file.Open(files.Write(u"source.wav"_s, wav.Build())); };
     QCOMPARE(open({.data = data}), WavFile::Success);
     QCOMPARE(open({.channels = 32767, .data = data}), WavFile::ErrorChannelCount);
     QCOMPARE(open({.bits = 0xFFFF, .data = data}), WavFile::ErrorInvalidFormat);
-    QCOMPARE(file.CreateSnippet(m_out, 0, 0.00003), WavFile::Success);
-    QCOMPARE_GE(Result().size(), 44);
-    QCOMPARE_LE(Result().size(), 44 + 200);
+    QCOMPARE(file.CreateSnippet(out, 0, 0.00003), WavFile::Success);
+    QCOMPARE_GE(QFileInfo(out).size(), 44);
+    QCOMPARE_LE(QFileInfo(out).size(), 44 + 200);
 }
 
 void TestCreateSnippet::refusesItsOwnFile_data()
 {
     QTest::addColumn<QString>("name");
-    QTest::addRow("by its path") << m_files.Path(u"source.wav"_s);
-    QTest::addRow("by another spelling") << m_files.Path(u"folder/../source.wav"_s);
-    QTest::addRow("by a relative path") << QDir::current().relativeFilePath(m_files.Path(u"source.wav"_s));
-    QTest::addRow("through a link") << m_files.Path(u"link.wav"_s);
-    QTest::addRow("through a linked folder") << m_files.Path(u"linked folder/source.wav"_s);
-    QTest::addRow("by its second name") << m_files.Path(u"second.wav"_s);
+    QTest::addColumn<bool>("isRelative");
+    QTest::addRow("by its path") << u"source.wav"_s << false;
+    QTest::addRow("by another spelling") << u"folder/../source.wav"_s << false;
+    QTest::addRow("by a relative path") << u"source.wav"_s << true;
+    QTest::addRow("through a link") << u"link.wav"_s << false;
+    QTest::addRow("through a linked folder") << u"linked folder/source.wav"_s << false;
+    QTest::addRow("by its second name") << u"second.wav"_s << false;
 }
 
 void TestCreateSnippet::refusesItsOwnFile()
 {
     QFETCH(const QString, name);
+    QFETCH(const bool, isRelative);
     const TestAudio audio = Mono(400);
-    WavFile file;
-    QCOMPARE(file.Open(Write(audio)), WavFile::Success);
-    QDir(m_files.Path({})).mkdir(u"folder"_s);
-    QFile::link(file.fileName(), m_files.Path(u"link.wav"_s));
-    QFile::link(m_files.Path({}), m_files.Path(u"linked folder"_s));
-    ::link(QFile::encodeName(file.fileName()).constData(),
-           QFile::encodeName(m_files.Path(u"second.wav"_s)).constData());
-    file.AbortWrite();
-    SignalLog log(file);
-    QCOMPARE(file.CreateSnippet(name, 0, 0.05), WavFile::ErrorCreateSnippet);
-    QCOMPARE(TemporaryFiles::Read(file.fileName()), audio.File());
-    QVERIFY(log.isEmpty());
-    QVERIFY(WavFileTestAccess(file).IsWriteAborted());
+    ExportSetup setup(audio);
+    QDir(setup.files.Path({})).mkdir(u"folder"_s);
+    QFile::link(setup.file.fileName(), setup.files.Path(u"link.wav"_s));
+    QFile::link(setup.files.Path({}), setup.files.Path(u"linked folder"_s));
+    ::link(QFile::encodeName(setup.file.fileName()).constData(),
+           QFile::encodeName(setup.files.Path(u"second.wav"_s)).constData());
+    setup.file.AbortWrite();
+    const QString path = setup.files.Path(name);
+    const QString outPath = isRelative ? QDir::current().relativeFilePath(path) : path;
+    QCOMPARE(setup.file.CreateSnippet(outPath, 0, 0.05), WavFile::ErrorCreateSnippet);
+    QCOMPARE(TemporaryFiles::Read(setup.file.fileName()), audio.File());
+    QVERIFY(setup.log.isEmpty());
+    QVERIFY(WavFileTestAccess(setup.file).IsWriteAborted());
 }
 
 void TestCreateSnippet::failsWhereTheOutputCannotBeCreated()
 {
-    WavFile file;
-    QCOMPARE(file.Open(Write(Mono(400))), WavFile::Success);
-    SignalLog log(file);
-    QCOMPARE(file.CreateSnippet(m_files.Path(u"missing/out.wav"_s), 0, 0.05), WavFile::ErrorCreateSnippet);
-    QCOMPARE(file.CreateSnippet(m_files.Path({}), 0, 0.05), WavFile::ErrorCreateSnippet);
-    QCOMPARE(file.CreateSnippet({}, 0, 0.05), WavFile::ErrorCreateSnippet);
-    QVERIFY(log.isEmpty());
+    ExportSetup setup(Mono(400));
+    QCOMPARE(setup.file.CreateSnippet(setup.files.Path(u"missing/out.wav"_s), 0, 0.05),
+             WavFile::ErrorCreateSnippet);
+    QCOMPARE(setup.file.CreateSnippet(setup.files.Path({}), 0, 0.05), WavFile::ErrorCreateSnippet);
+    QCOMPARE(setup.file.CreateSnippet({}, 0, 0.05), WavFile::ErrorCreateSnippet);
+    QVERIFY(setup.log.isEmpty());
 }
 
 void TestCreateSnippet::failsForADevice()
 {
-    WavFile file;
-    QCOMPARE(file.Open(Write(Mono(400))), WavFile::Success);
-    QCOMPARE(file.CreateSnippet(u"/dev/full"_s, 0, 0.05), WavFile::ErrorCreateSnippet);
+    ExportSetup setup(Mono(400));
+    QCOMPARE(setup.file.CreateSnippet(u"/dev/full"_s, 0, 0.05), WavFile::ErrorCreateSnippet);
 }
 
 void TestCreateSnippet::doesNotWaitForTheReaderOfAPipe()
 {
-    WavFile file;
-    QCOMPARE(file.Open(Write(Mono(400))), WavFile::Success);
-    const QString pipe = m_files.Path(u"pipe"_s);
+    ExportSetup setup(Mono(400));
+    const QString pipe = setup.files.Path(u"pipe"_s);
     QCOMPARE(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
-    QCOMPARE(file.CreateSnippet(pipe, 0, 0.05), WavFile::ErrorCreateSnippet);
+    QCOMPARE(setup.file.CreateSnippet(pipe, 0, 0.05), WavFile::ErrorCreateSnippet);
 }
 
 void TestCreateSnippet::failsWhenTheOutputCannotBeFilled_data()
@@ -546,36 +491,32 @@ void TestCreateSnippet::failsWhenTheOutputCannotBeFilled()
 {
     QFETCH(const int, bytes);
     const TestAudio audio = Mono(80000);
-    WavFile file;
-    QCOMPARE(file.Open(Write(audio)), WavFile::Success);
+    ExportSetup setup(audio);
     {
         const FileSizeLimit limit(static_cast<rlim_t>(bytes));
-        QCOMPARE(file.CreateSnippet(m_out, 0, 10), WavFile::ErrorCreateSnippet);
+        QCOMPARE(setup.file.CreateSnippet(setup.out, 0, 10), WavFile::ErrorCreateSnippet);
     }
     const QByteArray whole = audio.Exported(audio.ExportedData(0, 80000, WavFile::ChannelNone), 160000);
-    QCOMPARE(Result(), whole.left(Result().size()));
-    QCOMPARE_LE(Result().size(), bytes);
+    QCOMPARE(setup.Result(), whole.left(setup.Result().size()));
+    QCOMPARE_LE(setup.Result().size(), bytes);
 }
 
 void TestCreateSnippet::failsForAnUnknownSampleFormat()
 {
+    ExportSetup setup(Mono(400));
     WavFile fresh;
-    QCOMPARE(fresh.CreateSnippet(m_out, 0, 1), WavFile::ErrorCreateSnippet);
-    WavFile file;
-    QCOMPARE(file.Open(Write(Mono(400))), WavFile::Success);
-    WavFileTestAccess(file).FileFormat().setSampleFormat(QAudioFormat::UInt8);
-    QCOMPARE(file.CreateSnippet(m_out, 0, 0.05), WavFile::ErrorCreateSnippet);
+    QCOMPARE(fresh.CreateSnippet(setup.out, 0, 1), WavFile::ErrorCreateSnippet);
+    WavFileTestAccess(setup.file).FileFormat().setSampleFormat(QAudioFormat::UInt8);
+    QCOMPARE(setup.file.CreateSnippet(setup.out, 0, 0.05), WavFile::ErrorCreateSnippet);
 }
 
 /** With 24 bits the output is Float whatever the source, so that only the missing writer stops it. */
 void TestCreateSnippet::resetsTheProgressForASampleFormatWithoutWriter()
 {
-    WavFile file;
-    QCOMPARE(file.Open(Write(Mono(400, S24))), WavFile::Success);
-    WavFileTestAccess(file).FileFormat().setSampleFormat(QAudioFormat::UInt8);
-    SignalLog log(file);
-    QCOMPARE(file.CreateSnippet(m_out, 0, 0.05), WavFile::ErrorCreateSnippet);
-    QCOMPARE(QStringList(log), QStringList({reset}));
+    ExportSetup setup(Mono(400, S24));
+    WavFileTestAccess(setup.file).FileFormat().setSampleFormat(QAudioFormat::UInt8);
+    QCOMPARE(setup.file.CreateSnippet(setup.out, 0, 0.05), WavFile::ErrorCreateSnippet);
+    QCOMPARE(QStringList(setup.log), QStringList({reset}));
 }
 
 QTEST_GUILESS_MAIN(TestCreateSnippet)

@@ -1,5 +1,7 @@
 #include "tests/support/AudioPrograms.h"
 #include "tests/support/DecoderTestAccess.h"
+#include "tests/support/FileSizeLimit.h"
+#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryFiles.h"
 
 #include <vantorAudioEngine/Decoder.h>
@@ -9,16 +11,15 @@
 #include <QtCore/QDir>
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QFileInfo>
+#include <QtCore/QPointer>
 #include <QtCore/QRandomGenerator>
 #include <QtCore/QThread>
 #include <QtCore/QTimer>
 #include <QtMultimedia/QAudioDecoder>
 #include <QtTest/QTest>
 
-#include <csignal>
 #include <functional>
 #include <memory>
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 using namespace Qt::Literals::StringLiterals;
@@ -69,28 +70,6 @@ private:
     int m_count = 0;
 };
 
-/** Keeps every file that this process writes from growing beyond a size. */
-class FileSizeLimit
-{
-public:
-    explicit FileSizeLimit(rlim_t bytes) : m_formerHandler(std::signal(SIGXFSZ, SIG_IGN))
-    {
-        getrlimit(RLIMIT_FSIZE, &m_former);
-        const rlimit limit{bytes, m_former.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit()
-    {
-        setrlimit(RLIMIT_FSIZE, &m_former);
-        std::signal(SIGXFSZ, m_formerHandler);
-    }
-    Q_DISABLE_COPY_MOVE(FileSizeLimit)
-
-private:
-    rlimit m_former{};
-    void (*m_formerHandler)(int);
-};
-
 } // namespace
 
 class TestDecoder : public QObject
@@ -111,13 +90,16 @@ private Q_SLOTS:
     void decodesAFileOntoItself_data();
     void decodesAFileOntoItself();
     void keepsTheInputWhenDecodingOntoItFails();
+    void doesNotOverwriteItsInputByteByByte();
     void replacesAnOlderOutput();
 
     void tellsThatTheDiskIsFull_data();
     void tellsThatTheDiskIsFull();
     void tellsThatTheFileCannotGrow();
+    void decodesNoFurtherWhenTheDiskIsFull();
 
     void endsWhenTheDecoderNeverStarts();
+    void startsAnotherDecoderWhenTheFirstSaysNothing();
     void endsWhenTheDecoderFallsSilent();
     void endsWhenTheDecoderReportsAnError();
     void refusesABufferOfAnUnknownSampleType();
@@ -288,6 +270,25 @@ void TestDecoder::keepsTheInputWhenDecodingOntoItFails()
     QCOMPARE(AllIn(files.Path({})), QStringList{u"song.mp3"_s});
 }
 
+/** Where the folder may not be written, a disk that fills up would leave neither the input nor the result. */
+void TestDecoder::doesNotOverwriteItsInputByteByByte()
+{
+    const TemporaryFiles files;
+    const QString song = files.Path(u"song.mp3"_s);
+    QVERIFY(QFile::copy(Path(u"short.mp3"_s), song));
+    QVERIFY(OrdinaryUser::TakesOver(song) && OrdinaryUser::TakesOver(files.Path({})));
+    QVERIFY(QFile::setPermissions(files.Path({}), QFile::ReadOwner | QFile::ExeOwner));
+    int result = 1;
+    {
+        const OrdinaryUser user;
+        QVERIFY(user.IsOrdinary());
+        result = Decoder::Convert(song, song, 48000);
+    }
+    QVERIFY(QFile::setPermissions(files.Path({}), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    QCOMPARE(result, int(WavFile::ErrorOpenFile));
+    QCOMPARE(TemporaryFiles::Read(song), TemporaryFiles::Read(Path(u"short.mp3"_s)));
+}
+
 void TestDecoder::replacesAnOlderOutput()
 {
     const TemporaryFiles files;
@@ -324,6 +325,21 @@ void TestDecoder::tellsThatTheFileCannotGrow()
     QVERIFY(AllIn(files.Path({})).isEmpty());
 }
 
+void TestDecoder::decodesNoFurtherWhenTheDiskIsFull()
+{
+    const TemporaryFiles files;
+    const QString outPath = files.Path(u"out.wav"_s);
+    const Interceptor interceptor([](QAudioDecoder&, int) { return false; });
+    QCOMPARE(Decoder::Convert(Path(u"long.mp3"_s), outPath, 48000), WavFile::Success);
+    const int messagesOfAll = interceptor.Count();
+    {
+        const FileSizeLimit limit(2'000'000);
+        QCOMPARE(Decoder::Convert(Path(u"long.mp3"_s), outPath, 48000), WavFile::ErrorWriteHeader);
+    }
+    QCOMPARE_LT(interceptor.Count() - messagesOfAll, messagesOfAll / 2);
+    QVERIFY(AllIn(files.Path({})).isEmpty());
+}
+
 void TestDecoder::endsWhenTheDecoderNeverStarts()
 {
     const TemporaryFiles files;
@@ -334,6 +350,22 @@ void TestDecoder::endsWhenTheDecoderNeverStarts()
     QVERIFY(timer.elapsed() < longestRefusal);
     QVERIFY(interceptor.Count() > 0);
     QVERIFY(AllIn(files.Path({})).isEmpty());
+}
+
+void TestDecoder::startsAnotherDecoderWhenTheFirstSaysNothing()
+{
+    const TemporaryFiles files;
+    QPointer<QAudioDecoder> first;
+    const Interceptor interceptor([&](QAudioDecoder& decoder, int number) {
+        if (number == 0) {
+            first = &decoder;
+        }
+        return first == &decoder;
+    });
+    const QString outPath = files.Path(u"out.wav"_s);
+    QCOMPARE(Decoder::Convert(Path(u"short.mp3"_s), outPath, 48000), WavFile::Success);
+    QVERIFY(first.isNull());
+    QCOMPARE(TemporaryFiles::Read(outPath), Expected(u"short.mp3"_s));
 }
 
 void TestDecoder::endsWhenTheDecoderFallsSilent()
@@ -389,7 +421,7 @@ void TestDecoder::goesOnWhenTheProgramItselfWasBusy()
     const TemporaryFiles files;
     const QString outPath = files.Path(u"out.wav"_s);
     // Longer than the decoder may be silent at its start.
-    QTimer::singleShot(0, this, [] { QThread::msleep(1800); });
+    QTimer::singleShot(0, this, [] { QThread::msleep(2500); });
     QCOMPARE(Decoder::Convert(Path(u"short.mp3"_s), outPath, 48000), WavFile::Success);
     QCOMPARE(TemporaryFiles::Read(outPath), Expected(u"short.mp3"_s));
 }

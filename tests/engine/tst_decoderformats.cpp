@@ -6,6 +6,7 @@
 #include <vantorAudioEngine/WavFile.h>
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QElapsedTimer>
 #include <QtTest/QTest>
 
 #include <cmath>
@@ -26,17 +27,29 @@ QByteArray FloatHeader(int dataSize, int rate, int channels)
            LittleEndian(quint16(32)) + "data" + LittleEndian(quint32(dataSize));
 }
 
+using Conversion = WavFile::AudioEngineReturnValue (*)(const QString&, const QString&, int);
+
+QByteArray Converted(Conversion convert, const QString& inPath, const QString& outPath, int rate)
+{
+    QElapsedTimer time;
+    time.start();
+    const auto result = convert(inPath, outPath, rate);
+    if (result != WavFile::Success) {
+        qWarning("%s: result %d after %lld ms", qPrintable(inPath), int(result), time.elapsed());
+        return {};
+    }
+    return TemporaryFiles::Read(outPath);
+}
+
 /** A file with sound in it, decoded by the library. */
 QByteArray Decoded(const QString& inPath, const QString& outPath, int rate)
 {
-    return Decoder::Convert(inPath, outPath, rate) == WavFile::Success ? TemporaryFiles::Read(outPath)
-                                                                       : QByteArray();
+    return Converted(&Decoder::Convert, inPath, outPath, rate);
 }
 
 QByteArray DecodedToFloat(const QString& inPath, const QString& outPath, int rate)
 {
-    return Decoder::ConvertToFloat(inPath, outPath, rate) == WavFile::Success ? TemporaryFiles::Read(outPath)
-                                                                              : QByteArray();
+    return Converted(&Decoder::ConvertToFloat, inPath, outPath, rate);
 }
 
 bool Near(double value, double expected, double tolerance)

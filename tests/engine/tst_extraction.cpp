@@ -1,9 +1,8 @@
-#include "tests/support/SignalLog.h"
-#include "tests/support/TemporaryFiles.h"
-#include "tests/support/WavBytes.h"
+#include "tests/support/AbortDuringReport.h"
+#include "tests/support/ContextTranslator.h"
+#include "tests/support/OpenedWav.h"
 #include "tests/support/WavFileTestAccess.h"
 
-#include <QtCore/QTranslator>
 #include <QtTest/QtTest>
 
 #include <atomic>
@@ -107,7 +106,7 @@ private:
     QString Write(const WavBytes& wav) { return m_files.Write(u"file.wav"_s, wav.Build()); }
 
     /** 100,000 frames of a ramp, 16-bit mono at 32768 Hz, where frame numbers and seconds convert exactly. */
-    QString WriteRamp() { return Write({.sampleRate = 32768, .data = Ramp16(100000, 1)}); }
+    static QByteArray Ramp() { return WavBytes{.sampleRate = 32768, .data = Ramp16(100000, 1)}.Build(); }
 
     static double Seconds(qint64 frame) { return double(frame) / 32768.0; }
 
@@ -116,11 +115,9 @@ private:
 
 void TestExtraction::readsOneSecondInTwentyFourBlocks()
 {
-    WavFile file;
-    QCOMPARE(file.Open(Write({.channels = 2, .sampleRate = 48000, .data = Ramp16(60000, 2)})), WavFile::Success);
-    file.SetSelectedChannel(WavFile::ChannelLeft);
-    SignalLog log(file);
-    file.ReadData(0, 1, 10);
+    OpenedWav wav(WavBytes{.channels = 2, .sampleRate = 48000, .data = Ramp16(60000, 2)}.Build());
+    wav.file.SetSelectedChannel(WavFile::ChannelLeft);
+    wav.file.ReadData(0, 1, 10);
 
     QStringList expected;
     for (const int progress :
@@ -128,21 +125,19 @@ void TestExtraction::readsOneSecondInTwentyFourBlocks()
         expected << Updating(progress);
     }
     QCOMPARE(expected.size(), 24);
-    QCOMPARE(QStringList(log), expected << u"NewData"_s << updated);
-    QCOMPARE(file.GetSamples().size(), 4800);
-    QCOMPARE(file.GetSamples(), RampValues(0, 48000, 10));
-    QCOMPARE(file.pos(), 44 + 192000);
+    QCOMPARE(QStringList(wav.log), expected << u"NewData"_s << updated);
+    QCOMPARE(wav.file.GetSamples().size(), 4800);
+    QCOMPARE(wav.file.GetSamples(), RampValues(0, 48000, 10));
+    QCOMPARE(wav.file.pos(), 44 + 192000);
 }
 
 void TestExtraction::emitsNewDataBetweenTheLastBlockAndUpdated()
 {
-    WavFile file;
-    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
+    OpenedWav wav(Ramp());
     Values atNewData;
-    connect(&file, &WavFile::NewData, &file, [&] { atNewData = file.GetSamples(); });
-    SignalLog log(file);
-    file.ReadData(0, Seconds(400), 1);
-    QCOMPARE(QStringList(log), QStringList({Updating(5), Updating(52), u"NewData"_s, updated}));
+    connect(&wav.file, &WavFile::NewData, &wav.file, [&] { atNewData = wav.file.GetSamples(); });
+    wav.file.ReadData(0, Seconds(400), 1);
+    QCOMPARE(QStringList(wav.log), QStringList({Updating(5), Updating(52), u"NewData"_s, updated}));
     QCOMPARE(atNewData, RampValues(0, 400, 1));
 }
 
@@ -160,13 +155,11 @@ void TestExtraction::takesTheSelectedChannel_data()
 void TestExtraction::takesTheSelectedChannel()
 {
     QFETCH(const int, channel);
-    WavFile file;
-    QCOMPARE(
-        file.Open(Write({.formatTag = 3, .channels = 2, .bits = 32, .data = PackF32({0.5F, 0.0F, 1.0F, 3.0F})})),
-        WavFile::Success);
-    file.SetSelectedChannel(WavFile::ChannelFormat(channel));
-    file.ReadData(0, 1, 1);
-    QTEST(file.GetSamples(), "expected");
+    OpenedWav wav(
+        WavBytes{.formatTag = 3, .channels = 2, .bits = 32, .data = PackF32({0.5F, 0.0F, 1.0F, 3.0F})}.Build());
+    wav.file.SetSelectedChannel(WavFile::ChannelFormat(channel));
+    wav.file.ReadData(0, 1, 1);
+    QTEST(wav.file.GetSamples(), "expected");
 }
 
 void TestExtraction::takesAStepBelowOneAsOne_data()
@@ -181,12 +174,10 @@ void TestExtraction::takesAStepBelowOneAsOne_data()
 void TestExtraction::takesAStepBelowOneAsOne()
 {
     QFETCH(const int, step);
-    WavFile file;
-    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
-    SignalLog log(file);
-    file.ReadData(0, Seconds(600), step);
-    QCOMPARE(file.GetSamples(), RampValues(0, 600, 1));
-    QCOMPARE(log.size(), 3 + 2);
+    OpenedWav wav(Ramp());
+    wav.file.ReadData(0, Seconds(600), step);
+    QCOMPARE(wav.file.GetSamples(), RampValues(0, 600, 1));
+    QCOMPARE(wav.log.size(), 3 + 2);
 }
 
 void TestExtraction::keepsThePicksEvenlySpacedAcrossBlocks_data()
@@ -204,52 +195,43 @@ void TestExtraction::keepsThePicksEvenlySpacedAcrossBlocks()
 {
     QFETCH(const int, first);
     QFETCH(const int, step);
-    WavFile file;
-    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
-    file.ReadData(Seconds(first), file.GetDuration(), step);
-    QCOMPARE(file.GetSamples(), RampValues(first, 100000, step));
+    OpenedWav wav(Ramp());
+    wav.file.ReadData(Seconds(first), wav.file.GetDuration(), step);
+    QCOMPARE(wav.file.GetSamples(), RampValues(first, 100000, step));
 }
 
 void TestExtraction::keepsAllValuesOfTheLastBlock()
 {
-    WavFile file;
-    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
-    file.ReadData(0, Seconds(1), 1);
-    QCOMPARE(file.GetSamples(), RampValues(0, 200, 1));
-    file.ReadData(Seconds(100), Seconds(301), 1);
-    QCOMPARE(file.GetSamples(), RampValues(100, 500, 1));
+    OpenedWav wav(Ramp());
+    wav.file.ReadData(0, Seconds(1), 1);
+    QCOMPARE(wav.file.GetSamples(), RampValues(0, 200, 1));
+    wav.file.ReadData(Seconds(100), Seconds(301), 1);
+    QCOMPARE(wav.file.GetSamples(), RampValues(100, 500, 1));
 }
 
 void TestExtraction::measuresProgressFromTheStartOfTheFile()
 {
-    WavFile file;
-    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
-    SignalLog log(file);
-    file.ReadData(Seconds(1000), Seconds(1500), 1);
+    OpenedWav wav(Ramp());
+    wav.file.ReadData(Seconds(1000), Seconds(1500), 1);
     // Ends at byte 3044; blocks start at 2044, 2444 and 2844.
-    QCOMPARE(QStringList(log), QStringList({Updating(67), Updating(80), Updating(93), u"NewData"_s, updated}));
+    QCOMPARE(QStringList(wav.log), QStringList({Updating(67), Updating(80), Updating(93), u"NewData"_s, updated}));
 }
 
 void TestExtraction::stopsAtTheEndOfTheFile()
 {
-    WavFile file;
-    QCOMPARE(file.Open(Write({.sampleRate = 32768, .data = Ramp16(450, 1), .statedDataSize = 4000})),
-             WavFile::Success);
-    SignalLog log(file);
-    file.ReadData(0, Seconds(2000), 1);
-    QCOMPARE(file.GetSamples(), RampValues(0, 450, 1));
+    OpenedWav wav(WavBytes{.sampleRate = 32768, .data = Ramp16(450, 1), .statedDataSize = 4000}.Build());
+    wav.file.ReadData(0, Seconds(2000), 1);
+    QCOMPARE(wav.file.GetSamples(), RampValues(0, 450, 1));
     // Ends at byte 4044; blocks start at 44, 444 and 844, and at 944 nothing is left.
-    QCOMPARE(QStringList(log),
+    QCOMPARE(QStringList(wav.log),
              QStringList({Updating(1), Updating(10), Updating(20), Updating(23), u"NewData"_s, updated}));
 }
 
 void TestExtraction::readsOnIntoChunksBehindTheData()
 {
-    WavFile file;
-    QCOMPARE(file.Open(Write({.data = PackS16({32767}), .afterData = {{QByteArray(4, '\0'), "", 0}}})),
-             WavFile::Success);
-    file.ReadData(0, file.GetDuration(), 1);
-    QCOMPARE(file.GetSamples(), Values({1.0F, 0.0F, 0.0F, 0.0F, 0.0F}));
+    OpenedWav wav(WavBytes{.data = PackS16({32767}), .afterData = {{QByteArray(4, '\0'), "", 0}}}.Build());
+    wav.file.ReadData(0, wav.file.GetDuration(), 1);
+    QCOMPARE(wav.file.GetSamples(), Values({1.0F, 0.0F, 0.0F, 0.0F, 0.0F}));
 }
 
 void TestExtraction::readsAllSampleFormats_data()
@@ -272,10 +254,9 @@ void TestExtraction::readsAllSampleFormats_data()
 void TestExtraction::readsAllSampleFormats()
 {
     QFETCH(const QByteArray, bytes);
-    WavFile file;
-    QCOMPARE(file.Open(m_files.Write(u"file.wav"_s, bytes)), WavFile::Success);
-    file.ReadData(0, 1, 1);
-    QTEST(file.GetSamples(), "expected");
+    OpenedWav wav(bytes);
+    wav.file.ReadData(0, 1, 1);
+    QTEST(wav.file.GetSamples(), "expected");
 }
 
 void TestExtraction::dropsATrailingPartialFrame_data()
@@ -311,18 +292,16 @@ void TestExtraction::dropsATrailingPartialFrame()
 
 void TestExtraction::leavesTheFileBehindTheLastBlock()
 {
-    WavFile file;
-    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
-    file.ReadData(Seconds(100), Seconds(301), 1);
-    QCOMPARE(file.pos(), 44 + 500 * 2);
+    OpenedWav wav(Ramp());
+    wav.file.ReadData(Seconds(100), Seconds(301), 1);
+    QCOMPARE(wav.file.pos(), 44 + 500 * 2);
 }
 
 void TestExtraction::leavesTheFileAtTheStartOfAnEmptyRange()
 {
-    WavFile file;
-    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
-    file.ReadData(Seconds(100), Seconds(100), 1);
-    QCOMPARE(file.pos(), 44 + 100 * 2);
+    OpenedWav wav(Ramp());
+    wav.file.ReadData(Seconds(100), Seconds(100), 1);
+    QCOMPARE(wav.file.pos(), 44 + 100 * 2);
 }
 
 void TestExtraction::storesAnEmptyListForAnEmptyRange_data()
@@ -339,38 +318,32 @@ void TestExtraction::storesAnEmptyListForAnEmptyRange()
 {
     QFETCH(const double, start);
     QFETCH(const double, end);
-    WavFile file;
-    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
-    WavFileTestAccess(file).Samples() = {1.0F};
-    SignalLog log(file);
-    file.ReadData(start, end, 1);
-    QCOMPARE(QStringList(log), QStringList({u"NewData"_s, updated}));
-    QVERIFY(file.GetSamples().isEmpty());
+    OpenedWav wav(Ramp());
+    WavFileTestAccess(wav.file).Samples() = {1.0F};
+    wav.file.ReadData(start, end, 1);
+    QCOMPARE(QStringList(wav.log), QStringList({u"NewData"_s, updated}));
+    QVERIFY(wav.file.GetSamples().isEmpty());
 }
 
 void TestExtraction::storesAnEmptyListForAnUnknownSampleFormat()
 {
-    WavFile file;
-    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
-    WavFileTestAccess access(file);
+    OpenedWav wav(Ramp());
+    WavFileTestAccess access(wav.file);
     access.Samples() = {1.0F};
     access.FileFormat().setSampleFormat(QAudioFormat::UInt8);
-    SignalLog log(file);
-    file.ReadData(0, Seconds(400), 1);
-    QCOMPARE(QStringList(log), QStringList({Updating(5), Updating(52), u"NewData"_s, updated}));
-    QVERIFY(file.GetSamples().isEmpty());
+    wav.file.ReadData(0, Seconds(400), 1);
+    QCOMPARE(QStringList(wav.log), QStringList({Updating(5), Updating(52), u"NewData"_s, updated}));
+    QVERIFY(wav.file.GetSamples().isEmpty());
 }
 
 void TestExtraction::storesAnEmptyListForAClosedFile()
 {
-    WavFile file;
-    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
-    file.close();
-    WavFileTestAccess(file).Samples() = {1.0F};
-    SignalLog log(file);
-    file.ReadData(Seconds(100), Seconds(200), 1);
-    QCOMPARE(QStringList(log), QStringList({Updating(0), u"NewData"_s, updated}));
-    QVERIFY(file.GetSamples().isEmpty());
+    OpenedWav wav(Ramp());
+    wav.file.close();
+    WavFileTestAccess(wav.file).Samples() = {1.0F};
+    wav.file.ReadData(Seconds(100), Seconds(200), 1);
+    QCOMPARE(QStringList(wav.log), QStringList({Updating(0), u"NewData"_s, updated}));
+    QVERIFY(wav.file.GetSamples().isEmpty());
 }
 
 void TestExtraction::storesAnEmptyListForAFreshObject()
@@ -404,17 +377,14 @@ void TestExtraction::endsForEveryTime()
     QFETCH(const quint32, rate);
     QFETCH(const double, start);
     QFETCH(const double, end);
-    WavFile file;
-    QCOMPARE(file.Open(Write({.channels = 2, .sampleRate = rate, .bits = 24, .data = QByteArray(3000, 'x')})),
-             WavFile::Success);
+    OpenedWav wav(WavBytes{.channels = 2, .sampleRate = rate, .bits = 24, .data = QByteArray(3000, 'x')}.Build());
     bool isInRange = true;
-    connect(&file, &WavFile::ProgressChanged, &file,
+    connect(&wav.file, &WavFile::ProgressChanged, &wav.file,
             [&](int progress, int min, int max) { isInRange = isInRange && min <= progress && progress <= max; });
-    SignalLog log(file);
-    file.ReadData(start, end, 3);
+    wav.file.ReadData(start, end, 3);
     QVERIFY(isInRange);
-    QCOMPARE(QStringList(log.mid(log.size() - 2)), QStringList({u"NewData"_s, updated}));
-    QVERIFY(file.GetSamples().size() <= 3044 / 6);
+    QCOMPARE(QStringList(wav.log.mid(wav.log.size() - 2)), QStringList({u"NewData"_s, updated}));
+    QVERIFY(wav.file.GetSamples().size() <= 3044 / 6);
 }
 
 void TestExtraction::endsAfterARefusedHeader_data()
@@ -434,7 +404,7 @@ void TestExtraction::endsAfterARefusedHeader()
 {
     QFETCH(const QByteArray, bytes);
     WavFile file;
-    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
+    QCOMPARE(file.Open(m_files.Write(u"ramp.wav"_s, Ramp())), WavFile::Success);
     QVERIFY(file.Open(m_files.Write(u"refused.wav"_s, bytes)) != WavFile::Success);
     for (const int step : {1, 100, std::numeric_limits<int>::max()}) {
         SignalLog log(file);
@@ -461,11 +431,10 @@ void TestExtraction::endsAfterTwoRefusedHeadersThatMultiplyToTooMuch()
 
 void TestExtraction::takesNoMemoryForAHugeStep()
 {
-    WavFile file;
-    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
-    file.ReadData(0, file.GetDuration(), std::numeric_limits<int>::max());
-    QCOMPARE(file.GetSamples(), Values({0.0F}));
-    QVERIFY(file.GetSamples().capacity() < 1000);
+    OpenedWav wav(Ramp());
+    wav.file.ReadData(0, wav.file.GetDuration(), std::numeric_limits<int>::max());
+    QCOMPARE(wav.file.GetSamples(), Values({0.0F}));
+    QVERIFY(wav.file.GetSamples().capacity() < 1000);
 }
 
 // A stereo 16-bit frame has 4 bytes, so frame 2^29 lies at 2 GiB and frame 2^30 at 4 GiB.
@@ -511,124 +480,84 @@ void TestExtraction::readsNothingWhenTheStartWrapsBelowTheFile()
 
 void TestExtraction::keepsThePreviousSamplesWhenAborted()
 {
-    WavFile file;
-    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
-    file.ReadData(0, Seconds(200), 1);
-    const Values previous = file.GetSamples();
-    const auto connection = connect(&file, &WavFile::ProgressChanged, &file, &WavFile::AbortRead);
-    SignalLog log(file);
-    file.ReadData(0, Seconds(1000), 7);
+    OpenedWav wav(Ramp());
+    wav.file.ReadData(0, Seconds(200), 1);
+    const Values previous = wav.file.GetSamples();
+    const auto connection = connect(&wav.file, &WavFile::ProgressChanged, &wav.file, &WavFile::AbortRead);
+    wav.log.clear();
+    wav.file.ReadData(0, Seconds(1000), 7);
     disconnect(connection);
-    QCOMPARE(file.GetSamples(), previous);
-    QVERIFY(file.GetSamples().isSharedWith(previous));
-    QCOMPARE(QStringList(log), QStringList({Updating(2), updated}));
+    QCOMPARE(wav.file.GetSamples(), previous);
+    QVERIFY(wav.file.GetSamples().isSharedWith(previous));
+    QCOMPARE(QStringList(wav.log), QStringList({Updating(2), updated}));
 }
 
 void TestExtraction::stopsAfterTheBlockDuringWhichItWasAborted()
 {
-    WavFile file;
-    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
-    SignalLog log(file);
-    connect(&file, &WavFile::ProgressChanged, &file, [&] {
-        if (log.size() == 3) {
-            file.AbortRead();
+    OpenedWav wav(Ramp());
+    connect(&wav.file, &WavFile::ProgressChanged, &wav.file, [&] {
+        if (wav.log.size() == 3) {
+            wav.file.AbortRead();
         }
     });
-    file.ReadData(0, Seconds(2000), 1);
-    QCOMPARE(QStringList(log), QStringList({Updating(1), Updating(10), Updating(20), updated}));
-    QCOMPARE(file.pos(), 44 + 3 * 400);
+    wav.file.ReadData(0, Seconds(2000), 1);
+    QCOMPARE(QStringList(wav.log), QStringList({Updating(1), Updating(10), Updating(20), updated}));
+    QCOMPARE(wav.file.pos(), 44 + 3 * 400);
 }
 
 void TestExtraction::stopsWhenAbortedFromAnotherThread()
 {
-    WavFile file;
-    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
-    std::binary_semaphore isRunning(0);
-    std::binary_semaphore isAborted(0);
-    std::atomic<int> progressCount = 0;
-    std::atomic<bool> hasNewData = false;
-    connect(
-        &file, &WavFile::ProgressChanged, &file,
-        [&] {
-            if (++progressCount == 1) {
-                isRunning.release();
-                isAborted.acquire();
-            }
-        },
-        Qt::DirectConnection);
-    connect(
-        &file, &WavFile::NewData, &file, [&] { hasNewData = true; }, Qt::DirectConnection);
-
-    std::thread worker([&] { file.ReadData(0, file.GetDuration(), 1); });
-    isRunning.acquire();
-    file.AbortRead();
-    isAborted.release();
-    worker.join();
-    QCOMPARE(progressCount.load(), 2);
-    QVERIFY(!hasNewData);
-    QVERIFY(file.GetSamples().isEmpty());
+    OpenedWav wav(Ramp());
+    AbortDuringFirstReport(
+        wav.file, [&] { wav.file.ReadData(0, wav.file.GetDuration(), 1); }, [&] { wav.file.AbortRead(); });
+    QCOMPARE(QStringList(wav.log), QStringList({Updating(0), updated}));
+    QVERIFY(wav.file.GetSamples().isEmpty());
 }
 
 void TestExtraction::ignoresAnAbortBeforeItStarts()
 {
-    WavFile file;
-    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
-    file.AbortRead();
-    file.ReadData(0, Seconds(200), 1);
-    QCOMPARE(file.GetSamples(), RampValues(0, 200, 1));
-    QVERIFY(!WavFileTestAccess(file).IsReadAborted());
+    OpenedWav wav(Ramp());
+    wav.file.AbortRead();
+    wav.file.ReadData(0, Seconds(200), 1);
+    QCOMPARE(wav.file.GetSamples(), RampValues(0, 200, 1));
+    QVERIFY(!WavFileTestAccess(wav.file).IsReadAborted());
 }
 
 void TestExtraction::ignoresTheOtherAbortFlags()
 {
-    WavFile file;
-    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
-    connect(&file, &WavFile::ProgressChanged, &file, &WavFile::AbortWrite);
-    connect(&file, &WavFile::ProgressChanged, &file, &WavFile::AbortChannelFilter);
-    file.ReadData(0, Seconds(1000), 1);
-    QCOMPARE(file.GetSamples(), RampValues(0, 1000, 1));
-    QVERIFY(WavFileTestAccess(file).IsWriteAborted());
-    QVERIFY(WavFileTestAccess(file).IsChannelFilterAborted());
+    OpenedWav wav(Ramp());
+    connect(&wav.file, &WavFile::ProgressChanged, &wav.file, &WavFile::AbortWrite);
+    connect(&wav.file, &WavFile::ProgressChanged, &wav.file, &WavFile::AbortChannelFilter);
+    wav.file.ReadData(0, Seconds(1000), 1);
+    QCOMPARE(wav.file.GetSamples(), RampValues(0, 1000, 1));
+    QVERIFY(WavFileTestAccess(wav.file).IsWriteAborted());
+    QVERIFY(WavFileTestAccess(wav.file).IsChannelFilterAborted());
 }
 
 void TestExtraction::runsAgainAfterAnAbort()
 {
-    WavFile file;
-    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
-    const auto connection = connect(&file, &WavFile::ProgressChanged, &file, &WavFile::AbortRead);
-    file.ReadData(0, Seconds(1000), 1);
+    OpenedWav wav(Ramp());
+    const auto connection = connect(&wav.file, &WavFile::ProgressChanged, &wav.file, &WavFile::AbortRead);
+    wav.file.ReadData(0, Seconds(1000), 1);
     disconnect(connection);
-    QVERIFY(file.GetSamples().isEmpty());
-    file.ReadData(0, Seconds(1000), 1);
-    QCOMPARE(file.GetSamples(), RampValues(0, 1000, 1));
+    QVERIFY(wav.file.GetSamples().isEmpty());
+    wav.file.ReadData(0, Seconds(1000), 1);
+    QCOMPARE(wav.file.GetSamples(), RampValues(0, 1000, 1));
 }
 
 void TestExtraction::translatesItsTexts()
 {
-    class Translator : public QTranslator
-    {
-    public:
-        QString translate(const char* context, const char* text, const char*, int) const override
-        {
-            return QLatin1StringView(context) + u'/' + QLatin1StringView(text);
-        }
-        bool isEmpty() const override { return false; }
-    } translator;
-    QCoreApplication::installTranslator(&translator);
-    WavFile file;
-    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
-    SignalLog log(file);
-    file.ReadData(0, Seconds(100), 1);
-    QCoreApplication::removeTranslator(&translator);
-    QCOMPARE(QStringList(log),
+    const ContextTranslator translator;
+    OpenedWav wav(Ramp());
+    wav.file.ReadData(0, Seconds(100), 1);
+    QCOMPARE(QStringList(wav.log),
              QStringList({u"18 of 0..100 WavFile/Updating..."_s, u"NewData"_s, u"0 of 0..1 WavFile/Updated"_s}));
 }
 
 void TestExtraction::holdsNoLockWhileItEmits()
 {
-    WavFile file;
-    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
-    WavFileTestAccess access(file);
+    OpenedWav wav(Ramp());
+    WavFileTestAccess access(wav.file);
     int count = 0;
     const auto takeBothLocks = [&] {
         QVERIFY(access.Mutex().tryLock());
@@ -637,52 +566,50 @@ void TestExtraction::holdsNoLockWhileItEmits()
         access.DeviceMutex().unlock();
         ++count;
     };
-    connect(&file, &WavFile::ProgressChanged, &file, takeBothLocks);
-    connect(&file, &WavFile::NewData, &file, takeBothLocks);
-    file.ReadData(0, Seconds(400), 1);
+    connect(&wav.file, &WavFile::ProgressChanged, &wav.file, takeBothLocks);
+    connect(&wav.file, &WavFile::NewData, &wav.file, takeBothLocks);
+    wav.file.ReadData(0, Seconds(400), 1);
     QCOMPARE(count, 4);
 }
 
 void TestExtraction::usesTheChannelSelectedWhenItStarted()
 {
-    WavFile file;
-    QCOMPARE(file.Open(Write({.channels = 2, .sampleRate = 32768, .data = Ramp16(1000, 2)})), WavFile::Success);
-    file.SetSelectedChannel(WavFile::ChannelLeft);
-    connect(&file, &WavFile::ProgressChanged, &file, [&] { file.SetSelectedChannel(WavFile::ChannelRight); });
-    file.ReadData(0, Seconds(1000), 1);
-    QCOMPARE(file.GetSamples(), RampValues(0, 1000, 1));
+    OpenedWav wav(WavBytes{.channels = 2, .sampleRate = 32768, .data = Ramp16(1000, 2)}.Build());
+    wav.file.SetSelectedChannel(WavFile::ChannelLeft);
+    connect(&wav.file, &WavFile::ProgressChanged, &wav.file,
+            [&] { wav.file.SetSelectedChannel(WavFile::ChannelRight); });
+    wav.file.ReadData(0, Seconds(1000), 1);
+    QCOMPARE(wav.file.GetSamples(), RampValues(0, 1000, 1));
 }
 
 void TestExtraction::showsOldOrNewSamplesWhole()
 {
-    WavFile file;
-    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
+    OpenedWav wav(Ramp());
     const Values shorter = RampValues(0, 1000, 1);
     const Values longer = RampValues(0, 5000, 1);
     std::atomic<bool> isDone = false;
     std::thread worker([&] {
         for (int i = 0; i < 50; ++i) {
-            file.ReadData(0, Seconds(1000), 1);
-            file.ReadData(0, Seconds(5000), 1);
+            wav.file.ReadData(0, Seconds(1000), 1);
+            wav.file.ReadData(0, Seconds(5000), 1);
         }
         isDone = true;
     });
     bool isWhole = true;
     while (!isDone) {
-        const Values samples = file.GetSamples();
+        const Values samples = wav.file.GetSamples();
         isWhole = isWhole && (samples.isEmpty() || samples == shorter || samples == longer);
-        file.SetSelectedChannel(file.GetSelectedChannel() == WavFile::ChannelLeft ? WavFile::ChannelRight
-                                                                                  : WavFile::ChannelLeft);
+        wav.file.SetSelectedChannel(wav.file.GetSelectedChannel() == WavFile::ChannelLeft ? WavFile::ChannelRight
+                                                                                          : WavFile::ChannelLeft);
     }
     worker.join();
     QVERIFY(isWhole);
-    QCOMPARE(file.GetSamples(), longer);
+    QCOMPARE(wav.file.GetSamples(), longer);
 }
 
 void TestExtraction::letsTwoExtractionsShareTheFile()
 {
-    WavFile file;
-    QCOMPARE(file.Open(WriteRamp()), WavFile::Success);
+    OpenedWav wav(Ramp());
     const Values low = RampValues(0, 40000, 1);
     const Values high = RampValues(60000, 100000, 1);
     for (int round = 0; round < 10; ++round) {
@@ -690,7 +617,7 @@ void TestExtraction::letsTwoExtractionsShareTheFile()
         std::binary_semaphore isUnderWay(0);
         std::atomic<int> progressCount = 0;
         const auto connection = connect(
-            &file, &WavFile::ProgressChanged, &file,
+            &wav.file, &WavFile::ProgressChanged, &wav.file,
             [&] {
                 if (++progressCount == 20) {
                     isUnderWay.release();
@@ -700,16 +627,16 @@ void TestExtraction::letsTwoExtractionsShareTheFile()
         QList<Values> results;
         QMutex resultsLock;
         const auto collect = connect(
-            &file, &WavFile::NewData, &file,
+            &wav.file, &WavFile::NewData, &wav.file,
             [&] {
                 const QMutexLocker lock(&resultsLock);
-                results << file.GetSamples();
+                results << wav.file.GetSamples();
             },
             Qt::DirectConnection);
-        std::thread first([&] { file.ReadData(0, Seconds(40000), 1); });
+        std::thread first([&] { wav.file.ReadData(0, Seconds(40000), 1); });
         std::thread second([&] {
             isUnderWay.acquire();
-            file.ReadData(Seconds(60000), Seconds(100000), 1);
+            wav.file.ReadData(Seconds(60000), Seconds(100000), 1);
         });
         first.join();
         second.join();

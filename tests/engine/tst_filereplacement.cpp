@@ -1,4 +1,5 @@
 #include "engine/FileReplacement.h"
+#include "tests/support/FileSizeLimit.h"
 #include "tests/support/TemporaryFiles.h"
 
 #include <QtCore/QDir>
@@ -103,6 +104,13 @@ void TestFileReplacement::tellsThatAFileCannotBeFlushed()
     QVERIFY(full.open(QIODevice::WriteOnly));
     QCOMPARE(full.write("abc"), 3);
     QVERIFY(!FlushToDisk(full));
+
+    // Here the bytes do not even get out of the program, while the disk has nothing to complain of.
+    QFile file(m_files.Path(u"limited"_s));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write("abc"), 3);
+    const FileSizeLimit limit(2);
+    QVERIFY(!FlushToDisk(file));
 }
 
 QTEST_GUILESS_MAIN(TestFileReplacement)

@@ -1,17 +1,14 @@
+#include "tests/support/AbortDuringReport.h"
+#include "tests/support/BrokenReading.h"
+#include "tests/support/ContextTranslator.h"
 #include "tests/support/FileSizeLimit.h"
-#include "tests/support/SignalLog.h"
-#include "tests/support/TemporaryFiles.h"
-#include "tests/support/TestAudio.h"
+#include "tests/support/OpenedWav.h"
 #include "tests/support/WavFileTestAccess.h"
 
-#include <QtCore/QDir>
-#include <QtCore/QTranslator>
 #include <QtTest/QtTest>
 
 #include <cmath>
 #include <limits>
-#include <semaphore>
-#include <thread>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace WavTest;
@@ -38,12 +35,6 @@ class TestFilterChannel : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        m_out = m_files.Path(u"out.wav"_s);
-        QFile::remove(m_out);
-    }
-
     void writesTheSelectedChannel_data();
     void writesTheSelectedChannel();
     void writesFloatForATwentyFourBitFile();
@@ -72,6 +63,7 @@ private Q_SLOTS:
     void usesTheChannelSelectedWhenItStarted();
 
     void endsWithSuccessWhereTheFileEndsEarly();
+    void endsWithSuccessWhereTheFileCannotBeRead();
     void endsWithSuccessForAClosedFile();
     void endsForEveryDuration_data();
     void endsForEveryDuration();
@@ -81,13 +73,6 @@ private Q_SLOTS:
     void failsWhenTheOutputCannotBeFilled();
     void failsForAnUnknownSampleFormat();
     void resetsTheProgressForASampleFormatWithoutWriter();
-
-private:
-    QString Write(const TestAudio& audio) { return m_files.Write(u"source.wav"_s, audio.File()); }
-    QByteArray Result() const { return TemporaryFiles::Read(m_out); }
-
-    TemporaryFiles m_files;
-    QString m_out;
 };
 
 void TestFilterChannel::writesTheSelectedChannel_data()
@@ -110,21 +95,18 @@ void TestFilterChannel::writesTheSelectedChannel()
     QFETCH(const WavFile::ChannelFormat, channel);
     QFETCH(const int, frames);
     const TestAudio audio = Stereo(frames, coding);
-    WavFile file;
-    QCOMPARE(file.Open(Write(audio)), WavFile::Success);
-    file.SetSelectedChannel(channel);
-    QCOMPARE(file.FilterChannel(m_out), WavFile::Success);
-    QCOMPARE(Result(), audio.Exported(audio.ExportedData(0, frames, channel), frames * audio.ExportedBytes()));
+    ExportSetup setup(audio, channel);
+    QCOMPARE(setup.file.FilterChannel(setup.out), WavFile::Success);
+    QCOMPARE(setup.Result(),
+             audio.Exported(audio.ExportedData(0, frames, channel), frames * audio.ExportedBytes()));
 }
 
 void TestFilterChannel::writesFloatForATwentyFourBitFile()
 {
-    WavFile file;
-    QCOMPARE(file.Open(Write(Stereo(300, S24))), WavFile::Success);
-    file.SetSelectedChannel(WavFile::ChannelRight);
-    QCOMPARE(file.FilterChannel(m_out), WavFile::Success);
+    ExportSetup setup(Stereo(300, S24), WavFile::ChannelRight);
+    QCOMPARE(setup.file.FilterChannel(setup.out), WavFile::Success);
     WavFile written;
-    QCOMPARE(written.Open(m_out), WavFile::Success);
+    QCOMPARE(written.Open(setup.out), WavFile::Success);
     QCOMPARE(written.GetFileFormat().sampleFormat(), QAudioFormat::Float);
     QCOMPARE(written.GetFileFormat().channelCount(), 1);
     QCOMPARE(written.GetSampleSize(), 32);
@@ -137,22 +119,18 @@ void TestFilterChannel::writesFloatForATwentyFourBitFile()
 void TestFilterChannel::losesTheLastFrameWhereTheDurationComesOutShort()
 {
     const TestAudio audio{.channels = 2, .rate = 44100, .frames = 1001};
-    WavFile file;
-    QCOMPARE(file.Open(Write(audio)), WavFile::Success);
-    file.SetSelectedChannel(WavFile::ChannelLeft);
-    QCOMPARE(file.FilterChannel(m_out), WavFile::Success);
-    QCOMPARE(Result(), audio.Exported(audio.ExportedData(0, 1000, WavFile::ChannelLeft), 2001));
+    ExportSetup setup(audio, WavFile::ChannelLeft);
+    QCOMPARE(setup.file.FilterChannel(setup.out), WavFile::Success);
+    QCOMPARE(setup.Result(), audio.Exported(audio.ExportedData(0, 1000, WavFile::ChannelLeft), 2001));
 }
 
 void TestFilterChannel::keepsTheFrameThatOnlyTheHeaderLoses()
 {
     // Here, too, the duration comes out short, but the only block is not full and brings the frame along.
     const TestAudio audio{.channels = 2, .rate = 44100, .frames = 15};
-    WavFile file;
-    QCOMPARE(file.Open(Write(audio)), WavFile::Success);
-    file.SetSelectedChannel(WavFile::ChannelLeft);
-    QCOMPARE(file.FilterChannel(m_out), WavFile::Success);
-    QCOMPARE(Result(), audio.Exported(audio.ExportedData(0, 15, WavFile::ChannelLeft), 29));
+    ExportSetup setup(audio, WavFile::ChannelLeft);
+    QCOMPARE(setup.file.FilterChannel(setup.out), WavFile::Success);
+    QCOMPARE(setup.Result(), audio.Exported(audio.ExportedData(0, 15, WavFile::ChannelLeft), 29));
 }
 
 /** Blocks are whole, so chunks behind the audio are taken for more of it; the header does not count them. */
@@ -160,13 +138,11 @@ void TestFilterChannel::copiesAWholeLastBlockBehindTheAudio()
 {
     TestAudio audio = Stereo(250);
     audio.trailer = Chunk{"LIST", QByteArray(1000, '\x01')}.Build();
-    WavFile file;
-    QCOMPARE(file.Open(Write(audio)), WavFile::Success);
-    file.SetSelectedChannel(WavFile::ChannelLeft);
-    QCOMPARE(file.FilterChannel(m_out), WavFile::Success);
+    ExportSetup setup(audio, WavFile::ChannelLeft);
+    QCOMPARE(setup.file.FilterChannel(setup.out), WavFile::Success);
     // 148 frames of the chunk's body follow "LIST" and its size of 1000 bytes.
     const QByteArray behind = QByteArray("LI") + LittleEndian(quint16(1000)) + QByteArray(148 * 2, '\x01');
-    QCOMPARE(Result(), audio.Exported(audio.ExportedData(0, 250, WavFile::ChannelLeft) + behind, 500));
+    QCOMPARE(setup.Result(), audio.Exported(audio.ExportedData(0, 250, WavFile::ChannelLeft) + behind, 500));
 }
 
 void TestFilterChannel::takesWideSamplesOfAnyStatedWidth_data()
@@ -190,11 +166,9 @@ void TestFilterChannel::takesWideSamplesOfAnyStatedWidth()
                                       .bits = static_cast<quint16>(bits),
                                       .data = audio.Data()}
                                  .Build();
-    WavFile file;
-    QCOMPARE(file.Open(m_files.Write(u"source.wav"_s, bytes)), WavFile::Success);
-    file.SetSelectedChannel(WavFile::ChannelRight);
-    QCOMPARE(file.FilterChannel(m_out), WavFile::Success);
-    QCOMPARE(Result(), audio.Exported(audio.ExportedData(0, 400, WavFile::ChannelRight), statedSize));
+    ExportSetup setup(bytes, WavFile::ChannelRight);
+    QCOMPARE(setup.file.FilterChannel(setup.out), WavFile::Success);
+    QCOMPARE(setup.Result(), audio.Exported(audio.ExportedData(0, 400, WavFile::ChannelRight), statedSize));
 }
 
 void TestFilterChannel::doesNothingForOtherChannels_data()
@@ -208,69 +182,56 @@ void TestFilterChannel::doesNothingForOtherChannels_data()
 void TestFilterChannel::doesNothingForOtherChannels()
 {
     QFETCH(const WavFile::ChannelFormat, channel);
-    WavFile file;
-    QCOMPARE(file.Open(Write(Stereo(300))), WavFile::Success);
-    file.SetSelectedChannel(channel);
-    SignalLog log(file);
-    QCOMPARE(file.FilterChannel(m_out), WavFile::Success);
-    QVERIFY(!QFile::exists(m_out));
-    QVERIFY(log.isEmpty());
+    ExportSetup setup(Stereo(300), channel);
+    QCOMPARE(setup.file.FilterChannel(setup.out), WavFile::Success);
+    QVERIFY(!QFile::exists(setup.out));
+    QVERIFY(setup.log.isEmpty());
 }
 
 void TestFilterChannel::doesNothingForAMonoFile()
 {
-    WavFile file;
-    QCOMPARE(file.Open(Write({.frames = 300})), WavFile::Success);
+    ExportSetup setup({.frames = 300});
     for (const auto channel : {WavFile::ChannelLeft, WavFile::ChannelRight, WavFile::ChannelMono}) {
-        file.SetSelectedChannel(channel);
-        QCOMPARE(file.FilterChannel(m_out), WavFile::Success);
-        QVERIFY(!QFile::exists(m_out));
+        setup.file.SetSelectedChannel(channel);
+        QCOMPARE(setup.file.FilterChannel(setup.out), WavFile::Success);
+        QVERIFY(!QFile::exists(setup.out));
     }
 }
 
 void TestFilterChannel::leavesAnExistingFileUntouched()
 {
-    WavFile file;
-    QCOMPARE(file.Open(Write(Stereo(300))), WavFile::Success);
-    file.SetSelectedChannel(WavFile::ChannelLeft);
-    QCOMPARE(m_files.Write(u"out.wav"_s, "kept"), m_out);
-    SignalLog log(file);
-    QCOMPARE(file.FilterChannel(m_out), WavFile::Success);
-    QCOMPARE(Result(), QByteArray("kept"));
-    QVERIFY(log.isEmpty());
+    ExportSetup setup(Stereo(300), WavFile::ChannelLeft);
+    QCOMPARE(setup.files.Write(u"out.wav"_s, "kept"), setup.out);
+    QCOMPARE(setup.file.FilterChannel(setup.out), WavFile::Success);
+    QCOMPARE(setup.Result(), QByteArray("kept"));
+    QVERIFY(setup.log.isEmpty());
 }
 
 void TestFilterChannel::leavesItsOwnFileUntouched()
 {
     const TestAudio audio = Stereo(300);
-    WavFile file;
-    QCOMPARE(file.Open(Write(audio)), WavFile::Success);
-    file.SetSelectedChannel(WavFile::ChannelLeft);
-    QCOMPARE(file.FilterChannel(file.fileName()), WavFile::Success);
-    QCOMPARE(TemporaryFiles::Read(file.fileName()), audio.File());
+    ExportSetup setup(audio, WavFile::ChannelLeft);
+    QCOMPARE(setup.file.FilterChannel(setup.file.fileName()), WavFile::Success);
+    QCOMPARE(TemporaryFiles::Read(setup.file.fileName()), audio.File());
 }
 
 void TestFilterChannel::reportsProgressFromTheStartOfTheFile()
 {
-    WavFile file;
-    QCOMPARE(file.Open(Write(Stereo(1000))), WavFile::Success);
-    file.SetSelectedChannel(WavFile::ChannelLeft);
-    SignalLog log(file);
-    QCOMPARE(file.FilterChannel(m_out), WavFile::Success);
+    ExportSetup setup(Stereo(1000), WavFile::ChannelLeft);
+    QCOMPARE(setup.file.FilterChannel(setup.out), WavFile::Success);
     // Positions 44, 844, 1644, 2444 and 3244 of 4044.
-    QCOMPARE(QStringList(log), QStringList({Updating(1), Updating(20), Updating(40), Updating(60), Updating(80)}));
+    QCOMPARE(QStringList(setup.log),
+             QStringList({Updating(1), Updating(20), Updating(40), Updating(60), Updating(80)}));
 }
 
 void TestFilterChannel::leavesTheSourceOpenBehindTheLastBlock()
 {
     TestAudio audio = Stereo(250);
     audio.trailer = QByteArray(10000, 'x');
-    WavFile file;
-    QCOMPARE(file.Open(Write(audio)), WavFile::Success);
-    file.SetSelectedChannel(WavFile::ChannelLeft);
-    QCOMPARE(file.FilterChannel(m_out), WavFile::Success);
-    QVERIFY(file.isOpen());
-    QCOMPARE(file.pos(), 44 + 400 * 4);
+    ExportSetup setup(audio, WavFile::ChannelLeft);
+    QCOMPARE(setup.file.FilterChannel(setup.out), WavFile::Success);
+    QVERIFY(setup.file.isOpen());
+    QCOMPARE(setup.file.pos(), 44 + 400 * 4);
 }
 
 void TestFilterChannel::stopsAfterTheBlockDuringWhichItWasAborted_data()
@@ -285,139 +246,100 @@ void TestFilterChannel::stopsAfterTheBlockDuringWhichItWasAborted()
 {
     QFETCH(const int, block);
     const TestAudio audio = Stereo(70000);
-    WavFile file;
-    QCOMPARE(file.Open(Write(audio)), WavFile::Success);
-    file.SetSelectedChannel(WavFile::ChannelLeft);
-    SignalLog log(file);
-    connect(&file, &WavFile::ProgressChanged, &file, [&] {
-        if (log.size() == block) {
-            file.AbortChannelFilter();
+    ExportSetup setup(audio, WavFile::ChannelLeft);
+    connect(&setup.file, &WavFile::ProgressChanged, &setup.file, [&] {
+        if (setup.log.size() == block) {
+            setup.file.AbortChannelFilter();
         }
     });
-    QCOMPARE(file.FilterChannel(m_out), WavFile::Success);
-    QCOMPARE(Result(), audio.Exported(audio.ExportedData(0, block * 200, WavFile::ChannelLeft), 140000));
-    QCOMPARE(log.size(), block + 1);
-    QCOMPARE(log.last(), reset);
-    QCOMPARE(file.pos(), 44 + block * 800);
+    QCOMPARE(setup.file.FilterChannel(setup.out), WavFile::Success);
+    QCOMPARE(setup.Result(), audio.Exported(audio.ExportedData(0, block * 200, WavFile::ChannelLeft), 140000));
+    QCOMPARE(setup.log.size(), block + 1);
+    QCOMPARE(setup.log.last(), reset);
+    QCOMPARE(setup.file.pos(), 44 + block * 800);
 }
 
 void TestFilterChannel::stopsWhenAbortedFromAnotherThread()
 {
     const TestAudio audio = Stereo(70000);
-    WavFile file;
-    QCOMPARE(file.Open(Write(audio)), WavFile::Success);
-    file.SetSelectedChannel(WavFile::ChannelRight);
-    std::binary_semaphore isRunning(0);
-    std::binary_semaphore isAborted(0);
-    int count = 0;
-    connect(
-        &file, &WavFile::ProgressChanged, &file,
-        [&] {
-            if (++count == 1) {
-                isRunning.release();
-                isAborted.acquire();
-            }
-        },
-        Qt::DirectConnection);
+    ExportSetup setup(audio, WavFile::ChannelRight);
     WavFile::AudioEngineReturnValue result = WavFile::ErrorFilterChannel;
-    std::thread worker([&] { result = file.FilterChannel(m_out); });
-    isRunning.acquire();
-    file.AbortChannelFilter();
-    isAborted.release();
-    worker.join();
+    const int count = AbortDuringFirstReport(
+        setup.file, [&] { result = setup.file.FilterChannel(setup.out); },
+        [&] { setup.file.AbortChannelFilter(); });
     QCOMPARE(result, WavFile::Success);
     QCOMPARE(count, 2);
-    QCOMPARE(Result(), audio.Exported(audio.ExportedData(0, 200, WavFile::ChannelRight), 140000));
+    QCOMPARE(setup.Result(), audio.Exported(audio.ExportedData(0, 200, WavFile::ChannelRight), 140000));
 }
 
 void TestFilterChannel::ignoresAnAbortBeforeItStarts()
 {
     const TestAudio audio = Stereo(300);
-    WavFile file;
-    QCOMPARE(file.Open(Write(audio)), WavFile::Success);
-    file.SetSelectedChannel(WavFile::ChannelLeft);
-    file.AbortChannelFilter();
-    QCOMPARE(file.FilterChannel(m_out), WavFile::Success);
-    QCOMPARE(Result().size(), 44 + 600);
-    QVERIFY(!WavFileTestAccess(file).IsChannelFilterAborted());
+    ExportSetup setup(audio, WavFile::ChannelLeft);
+    setup.file.AbortChannelFilter();
+    QCOMPARE(setup.file.FilterChannel(setup.out), WavFile::Success);
+    QCOMPARE(setup.Result().size(), 44 + 600);
+    QVERIFY(!WavFileTestAccess(setup.file).IsChannelFilterAborted());
 }
 
 void TestFilterChannel::ignoresTheOtherAbortFlags()
 {
-    WavFile file;
-    QCOMPARE(file.Open(Write(Stereo(1000))), WavFile::Success);
-    file.SetSelectedChannel(WavFile::ChannelLeft);
-    connect(&file, &WavFile::ProgressChanged, &file, &WavFile::AbortRead);
-    connect(&file, &WavFile::ProgressChanged, &file, &WavFile::AbortWrite);
-    QCOMPARE(file.FilterChannel(m_out), WavFile::Success);
-    QCOMPARE(Result().size(), 44 + 2000);
-    QVERIFY(WavFileTestAccess(file).IsReadAborted());
-    QVERIFY(WavFileTestAccess(file).IsWriteAborted());
+    ExportSetup setup(Stereo(1000), WavFile::ChannelLeft);
+    connect(&setup.file, &WavFile::ProgressChanged, &setup.file, &WavFile::AbortRead);
+    connect(&setup.file, &WavFile::ProgressChanged, &setup.file, &WavFile::AbortWrite);
+    QCOMPARE(setup.file.FilterChannel(setup.out), WavFile::Success);
+    QCOMPARE(setup.Result().size(), 44 + 2000);
+    QVERIFY(WavFileTestAccess(setup.file).IsReadAborted());
+    QVERIFY(WavFileTestAccess(setup.file).IsWriteAborted());
 }
 
 void TestFilterChannel::runsAgainAfterAnAbort()
 {
-    WavFile file;
-    QCOMPARE(file.Open(Write(Stereo(1000))), WavFile::Success);
-    file.SetSelectedChannel(WavFile::ChannelLeft);
-    const auto connection = connect(&file, &WavFile::ProgressChanged, &file, &WavFile::AbortChannelFilter);
-    QCOMPARE(file.FilterChannel(m_out), WavFile::Success);
-    QCOMPARE(Result().size(), 44 + 400);
+    ExportSetup setup(Stereo(1000), WavFile::ChannelLeft);
+    const auto connection =
+        connect(&setup.file, &WavFile::ProgressChanged, &setup.file, &WavFile::AbortChannelFilter);
+    QCOMPARE(setup.file.FilterChannel(setup.out), WavFile::Success);
+    QCOMPARE(setup.Result().size(), 44 + 400);
     disconnect(connection);
-    QVERIFY(QFile::remove(m_out));
-    QCOMPARE(file.FilterChannel(m_out), WavFile::Success);
-    QCOMPARE(Result().size(), 44 + 2000);
+    QVERIFY(QFile::remove(setup.out));
+    QCOMPARE(setup.file.FilterChannel(setup.out), WavFile::Success);
+    QCOMPARE(setup.Result().size(), 44 + 2000);
 }
 
 void TestFilterChannel::translatesItsTexts()
 {
-    class Translator : public QTranslator
-    {
-    public:
-        QString translate(const char* context, const char* text, const char*, int) const override
-        {
-            return QLatin1StringView(context) + u'/' + QLatin1StringView(text);
-        }
-        bool isEmpty() const override { return false; }
-    } translator;
-    QCoreApplication::installTranslator(&translator);
-    WavFile file;
-    QCOMPARE(file.Open(Write(Stereo(1000))), WavFile::Success);
-    file.SetSelectedChannel(WavFile::ChannelLeft);
-    SignalLog log(file);
-    connect(&file, &WavFile::ProgressChanged, &file, &WavFile::AbortChannelFilter);
-    QCOMPARE(file.FilterChannel(m_out), WavFile::Success);
-    QCoreApplication::removeTranslator(&translator);
-    QCOMPARE(QStringList(log), QStringList({u"1 of 0..100 WavFile/Updating..."_s, u"0 of 0..100 WavFile/"_s}));
+    const ContextTranslator translator;
+    ExportSetup setup(Stereo(1000), WavFile::ChannelLeft);
+    connect(&setup.file, &WavFile::ProgressChanged, &setup.file, &WavFile::AbortChannelFilter);
+    QCOMPARE(setup.file.FilterChannel(setup.out), WavFile::Success);
+    QCOMPARE(QStringList(setup.log),
+             QStringList({u"1 of 0..100 WavFile/Updating..."_s, u"0 of 0..100 WavFile/"_s}));
 }
 
 void TestFilterChannel::holdsNoLockWhileItEmits()
 {
-    WavFile file;
-    QCOMPARE(file.Open(Write(Stereo(1000))), WavFile::Success);
-    file.SetSelectedChannel(WavFile::ChannelLeft);
-    WavFileTestAccess access(file);
+    ExportSetup setup(Stereo(1000), WavFile::ChannelLeft);
+    WavFileTestAccess access(setup.file);
     int count = 0;
-    connect(&file, &WavFile::ProgressChanged, &file, [&] {
+    connect(&setup.file, &WavFile::ProgressChanged, &setup.file, [&] {
         QVERIFY(access.Mutex().tryLock());
         access.Mutex().unlock();
         QVERIFY(access.DeviceMutex().tryLock());
         access.DeviceMutex().unlock();
         ++count;
     });
-    QCOMPARE(file.FilterChannel(m_out), WavFile::Success);
+    QCOMPARE(setup.file.FilterChannel(setup.out), WavFile::Success);
     QCOMPARE(count, 5);
 }
 
 void TestFilterChannel::usesTheChannelSelectedWhenItStarted()
 {
     const TestAudio audio = Stereo(70000);
-    WavFile file;
-    QCOMPARE(file.Open(Write(audio)), WavFile::Success);
-    file.SetSelectedChannel(WavFile::ChannelRight);
-    connect(&file, &WavFile::ProgressChanged, &file, [&] { file.SetSelectedChannel(WavFile::ChannelNone); });
-    QCOMPARE(file.FilterChannel(m_out), WavFile::Success);
-    QCOMPARE(Result(), audio.Exported(audio.ExportedData(0, 70000, WavFile::ChannelRight), 140000));
+    ExportSetup setup(audio, WavFile::ChannelRight);
+    connect(&setup.file, &WavFile::ProgressChanged, &setup.file,
+            [&] { setup.file.SetSelectedChannel(WavFile::ChannelNone); });
+    QCOMPARE(setup.file.FilterChannel(setup.out), WavFile::Success);
+    QCOMPARE(setup.Result(), audio.Exported(audio.ExportedData(0, 70000, WavFile::ChannelRight), 140000));
 }
 
 void TestFilterChannel::endsWithSuccessWhereTheFileEndsEarly()
@@ -425,24 +347,31 @@ void TestFilterChannel::endsWithSuccessWhereTheFileEndsEarly()
     TestAudio audio = Stereo(1050);
     audio.statedDataSize = 40000;
     audio.trailer = "abc";
-    WavFile file;
-    QCOMPARE(file.Open(Write(audio)), WavFile::Success);
-    file.SetSelectedChannel(WavFile::ChannelLeft);
-    SignalLog log(file);
-    QCOMPARE(file.FilterChannel(m_out), WavFile::Success);
-    QCOMPARE(Result(), audio.Exported(audio.ExportedData(0, 1050, WavFile::ChannelLeft), 20000));
-    QCOMPARE(log.size(), 6);
+    ExportSetup setup(audio, WavFile::ChannelLeft);
+    QCOMPARE(setup.file.FilterChannel(setup.out), WavFile::Success);
+    QCOMPARE(setup.Result(), audio.Exported(audio.ExportedData(0, 1050, WavFile::ChannelLeft), 20000));
+    QCOMPARE(setup.log.size(), 6);
+}
+
+void TestFilterChannel::endsWithSuccessWhereTheFileCannotBeRead()
+{
+    const TestAudio audio = Stereo(70000);
+    ExportSetup setup(audio, WavFile::ChannelLeft);
+    QVERIFY(BreakReading(setup.file));
+    QCOMPARE(setup.file.FilterChannel(setup.out), WavFile::Success);
+    const QByteArray whole = audio.Exported(audio.ExportedData(0, 70000, WavFile::ChannelLeft), 140000);
+    QCOMPARE_LT(setup.Result().size(), whole.size());
+    QCOMPARE(setup.Result(), whole.left(setup.Result().size()));
+    QCOMPARE_GE(setup.Result().size(), 44);
 }
 
 void TestFilterChannel::endsWithSuccessForAClosedFile()
 {
     const TestAudio audio = Stereo(300);
-    WavFile file;
-    QCOMPARE(file.Open(Write(audio)), WavFile::Success);
-    file.SetSelectedChannel(WavFile::ChannelLeft);
-    file.close();
-    QCOMPARE(file.FilterChannel(m_out), WavFile::Success);
-    QCOMPARE(Result(), audio.Exported({}, 600));
+    ExportSetup setup(audio, WavFile::ChannelLeft);
+    setup.file.close();
+    QCOMPARE(setup.file.FilterChannel(setup.out), WavFile::Success);
+    QCOMPARE(setup.Result(), audio.Exported({}, 600));
 }
 
 void TestFilterChannel::endsForEveryDuration_data()
@@ -460,35 +389,28 @@ void TestFilterChannel::endsForEveryDuration_data()
 void TestFilterChannel::endsForEveryDuration()
 {
     QFETCH(const double, duration);
-    WavFile file;
-    QCOMPARE(file.Open(Write(Stereo(300))), WavFile::Success);
-    file.SetSelectedChannel(WavFile::ChannelLeft);
-    WavFileTestAccess(file).Duration() = duration;
-    QCOMPARE(file.FilterChannel(m_out), WavFile::Success);
-    QVERIFY(Result().startsWith("RIFF"));
+    ExportSetup setup(Stereo(300), WavFile::ChannelLeft);
+    WavFileTestAccess(setup.file).Duration() = duration;
+    QCOMPARE(setup.file.FilterChannel(setup.out), WavFile::Success);
+    QVERIFY(setup.Result().startsWith("RIFF"));
 }
 
 void TestFilterChannel::writesOnlyAHeaderWhenTheEndWraps()
 {
     const TestAudio audio = Stereo(300);
-    WavFile file;
-    QCOMPARE(file.Open(Write(audio)), WavFile::Success);
-    file.SetSelectedChannel(WavFile::ChannelLeft);
+    ExportSetup setup(audio, WavFile::ChannelLeft);
     // 20000 s of 131072 bytes are more than 2 GiB, and become negative.
-    WavFileTestAccess(file).Duration() = 20000;
-    QCOMPARE(file.FilterChannel(m_out), WavFile::Success);
-    QCOMPARE(Result(), audio.Exported({}, 1310720000));
+    WavFileTestAccess(setup.file).Duration() = 20000;
+    QCOMPARE(setup.file.FilterChannel(setup.out), WavFile::Success);
+    QCOMPARE(setup.Result(), audio.Exported({}, 1310720000));
 }
 
 void TestFilterChannel::failsWhereTheOutputCannotBeCreated()
 {
-    WavFile file;
-    QCOMPARE(file.Open(Write(Stereo(300))), WavFile::Success);
-    file.SetSelectedChannel(WavFile::ChannelLeft);
-    SignalLog log(file);
-    QCOMPARE(file.FilterChannel(m_files.Path(u"missing/out.wav"_s)), WavFile::ErrorFilterChannel);
-    QCOMPARE(file.FilterChannel({}), WavFile::ErrorFilterChannel);
-    QVERIFY(log.isEmpty());
+    ExportSetup setup(Stereo(300), WavFile::ChannelLeft);
+    QCOMPARE(setup.file.FilterChannel(setup.files.Path(u"missing/out.wav"_s)), WavFile::ErrorFilterChannel);
+    QCOMPARE(setup.file.FilterChannel({}), WavFile::ErrorFilterChannel);
+    QVERIFY(setup.log.isEmpty());
 }
 
 void TestFilterChannel::failsWhenTheOutputCannotBeFilled_data()
@@ -505,38 +427,31 @@ void TestFilterChannel::failsWhenTheOutputCannotBeFilled()
 {
     QFETCH(const int, bytes);
     const TestAudio audio = Stereo(70000);
-    WavFile file;
-    QCOMPARE(file.Open(Write(audio)), WavFile::Success);
-    file.SetSelectedChannel(WavFile::ChannelLeft);
+    ExportSetup setup(audio, WavFile::ChannelLeft);
     {
         const FileSizeLimit limit(static_cast<rlim_t>(bytes));
-        QCOMPARE(file.FilterChannel(m_out), WavFile::ErrorFilterChannel);
+        QCOMPARE(setup.file.FilterChannel(setup.out), WavFile::ErrorFilterChannel);
     }
     // What was written stays.
     const QByteArray whole = audio.Exported(audio.ExportedData(0, 70000, WavFile::ChannelLeft), 140000);
-    QCOMPARE(Result(), whole.left(Result().size()));
-    QCOMPARE_LE(Result().size(), bytes);
+    QCOMPARE(setup.Result(), whole.left(setup.Result().size()));
+    QCOMPARE_LE(setup.Result().size(), bytes);
 }
 
 void TestFilterChannel::failsForAnUnknownSampleFormat()
 {
-    WavFile file;
-    QCOMPARE(file.Open(Write(Stereo(300))), WavFile::Success);
-    file.SetSelectedChannel(WavFile::ChannelLeft);
-    WavFileTestAccess(file).FileFormat().setSampleFormat(QAudioFormat::UInt8);
-    QCOMPARE(file.FilterChannel(m_out), WavFile::ErrorFilterChannel);
+    ExportSetup setup(Stereo(300), WavFile::ChannelLeft);
+    WavFileTestAccess(setup.file).FileFormat().setSampleFormat(QAudioFormat::UInt8);
+    QCOMPARE(setup.file.FilterChannel(setup.out), WavFile::ErrorFilterChannel);
 }
 
 /** With 24 bits the output is Float whatever the source, so that only the missing writer stops it. */
 void TestFilterChannel::resetsTheProgressForASampleFormatWithoutWriter()
 {
-    WavFile file;
-    QCOMPARE(file.Open(Write(Stereo(300, S24))), WavFile::Success);
-    file.SetSelectedChannel(WavFile::ChannelLeft);
-    WavFileTestAccess(file).FileFormat().setSampleFormat(QAudioFormat::UInt8);
-    SignalLog log(file);
-    QCOMPARE(file.FilterChannel(m_out), WavFile::ErrorFilterChannel);
-    QCOMPARE(QStringList(log), QStringList({reset}));
+    ExportSetup setup(Stereo(300, S24), WavFile::ChannelLeft);
+    WavFileTestAccess(setup.file).FileFormat().setSampleFormat(QAudioFormat::UInt8);
+    QCOMPARE(setup.file.FilterChannel(setup.out), WavFile::ErrorFilterChannel);
+    QCOMPARE(QStringList(setup.log), QStringList({reset}));
 }
 
 QTEST_GUILESS_MAIN(TestFilterChannel)

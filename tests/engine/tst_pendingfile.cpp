@@ -1,38 +1,18 @@
 #include "engine/PendingFile.h"
+#include "tests/support/FileSizeLimit.h"
+#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryFiles.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
 #include <QtTest/QTest>
 
-#include <unistd.h>
+#include <functional>
 
 using namespace Qt::Literals::StringLiterals;
 using vantoraudio::AudioEngine::PendingFile;
 
 namespace {
-
-constexpr uid_t nobody = 65534;
-
-/** The administrator may write everywhere; for this object's life the test is somebody else. */
-class OrdinaryUser
-{
-public:
-    OrdinaryUser() : m_former(geteuid()) { m_isOrdinary = m_former != 0 || seteuid(nobody) == 0; }
-    ~OrdinaryUser() { static_cast<void>(seteuid(m_former)); }
-    Q_DISABLE_COPY_MOVE(OrdinaryUser)
-
-    bool IsOrdinary() const { return m_isOrdinary; }
-
-private:
-    uid_t m_former;
-    bool m_isOrdinary;
-};
-
-bool GiveToOrdinaryUser(const QString& path)
-{
-    return geteuid() != 0 || chown(qPrintable(path), nobody, nobody) == 0;
-}
 
 QStringList AllIn(const QString& folder)
 {
@@ -137,18 +117,12 @@ private Q_SLOTS:
     {
         const TemporaryFiles files;
         const QString path = files.Write(u"out"_s, "a longer old file");
-        const QString folder = QFileInfo(path).path();
-        QVERIFY(GiveToOrdinaryUser(path) && GiveToOrdinaryUser(folder));
-        QVERIFY(QFile::setPermissions(folder, QFile::ReadOwner | QFile::ExeOwner));
         bool isWritten = false;
-        {
-            const OrdinaryUser user;
-            QVERIFY(user.IsOrdinary());
+        AsOrdinaryUserOfAClosedFolder(path, [&] {
             QVERIFY(!QFile(files.Path(u"other"_s)).open(QIODevice::WriteOnly));
             PendingFile pending(path);
             isWritten = pending.Open() && pending.File().write("new") == 3 && pending.Commit();
-        }
-        QVERIFY(QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+        });
         QVERIFY(isWritten);
         QCOMPARE(TemporaryFiles::Read(path), QByteArray("new"));
     }
@@ -157,7 +131,7 @@ private Q_SLOTS:
     {
         const TemporaryFiles files;
         const QString path = files.Write(u"out"_s, "old");
-        QVERIFY(GiveToOrdinaryUser(path) && GiveToOrdinaryUser(QFileInfo(path).path()));
+        QVERIFY(OrdinaryUser::TakesOver(path) && OrdinaryUser::TakesOver(QFileInfo(path).path()));
         QVERIFY(QFile::setPermissions(path, QFile::ReadOwner));
         const OrdinaryUser user;
         PendingFile pending(path);
@@ -184,12 +158,67 @@ private Q_SLOTS:
         QVERIFY(!QFileInfo(u"/dev/full"_s).isFile() && QFileInfo::exists(u"/dev/full"_s));
     }
 
+    void tellsWhetherItReplacesInOneStep()
+    {
+        const TemporaryFiles files;
+        PendingFile beside(files.Write(u"out"_s, "old"));
+        QVERIFY(beside.Open());
+        QVERIFY(beside.ReplacesInOneStep());
+        PendingFile device(u"/dev/null"_s);
+        QVERIFY(device.Open());
+        QVERIFY(!device.ReplacesInOneStep());
+    }
+
     void removesTheFormerFile()
     {
         const TemporaryFiles files;
         const QString path = files.Write(u"out"_s, "old");
         PendingFile(path).RemoveFormer();
         QVERIFY(!QFile::exists(path));
+    }
+
+    void emptiesTheFormerFileThatCannotBeRemoved()
+    {
+        const TemporaryFiles files;
+        const QString path = files.Write(u"out"_s, "old");
+        AsOrdinaryUserOfAClosedFolder(path, [&] { PendingFile(path).RemoveFormer(); });
+        QVERIFY(QFile::exists(path));
+        QCOMPARE(TemporaryFiles::Read(path), QByteArray());
+    }
+
+    /** A part of the new file must not pass for all of it. */
+    void emptiesTheFileThatCannotBeOverwrittenWhole()
+    {
+        const TemporaryFiles files;
+        const QString path = files.Write(u"out"_s, "old");
+        bool isOpen = false;
+        bool isCommitted = true;
+        AsOrdinaryUserOfAClosedFolder(path, [&] {
+            PendingFile pending(path);
+            isOpen = pending.Open() && pending.File().write(QByteArray(100000, 'n')) == 100000;
+            isOpen = isOpen && pending.File().flush();
+            const FileSizeLimit limit(50000);
+            isCommitted = pending.Commit();
+        });
+        QVERIFY(isOpen);
+        QVERIFY(!isCommitted);
+        QVERIFY(QFile::exists(path));
+        QCOMPARE(TemporaryFiles::Read(path), QByteArray());
+    }
+
+private:
+    /** Runs `task` as somebody who may write the file but not its folder. */
+    static void AsOrdinaryUserOfAClosedFolder(const QString& path, const std::function<void()>& task)
+    {
+        const QString folder = QFileInfo(path).path();
+        QVERIFY(OrdinaryUser::TakesOver(path) && OrdinaryUser::TakesOver(folder));
+        QVERIFY(QFile::setPermissions(folder, QFile::ReadOwner | QFile::ExeOwner));
+        {
+            const OrdinaryUser user;
+            QVERIFY(user.IsOrdinary());
+            task();
+        }
+        QVERIFY(QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
     }
 };
 

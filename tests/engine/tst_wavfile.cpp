@@ -1,9 +1,9 @@
+#include "tests/support/ContextTranslator.h"
 #include "tests/support/TemporaryFiles.h"
 #include "tests/support/WavBytes.h"
 #include "tests/support/WavFileTestAccess.h"
 
 #include <QtCore/QMetaEnum>
-#include <QtCore/QTranslator>
 #include <QtTest/QtTest>
 
 #include <chrono>
@@ -163,18 +163,8 @@ void TestWavFile::declaresItsSignalsInOrder()
 
 void TestWavFile::translatesInItsOwnContext()
 {
-    class Translator : public QTranslator
-    {
-    public:
-        QString translate(const char* context, const char* text, const char*, int) const override
-        {
-            return QLatin1StringView(context) + u'/' + QLatin1StringView(text);
-        }
-        bool isEmpty() const override { return false; }
-    } translator;
-    QCoreApplication::installTranslator(&translator);
+    const ContextTranslator translator;
     QCOMPARE(WavFile::tr("Updating...", nullptr, -1), u"WavFile/Updating..."_s);
-    QCoreApplication::removeTranslator(&translator);
 }
 
 void TestWavFile::storesChannelFormatsInVariants()

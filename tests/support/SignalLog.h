@@ -4,19 +4,31 @@
 
 #include <QtCore/QStringList>
 
-/** Writes down a WavFile's signals, one line each, on the thread that emits them. */
+#include <mutex>
+
+/** Writes down a WavFile's signals, one line each, on the threads that emit them. Read it when these are over. */
 class SignalLog : public QStringList
 {
 public:
     explicit SignalLog(WavFile& file)
     {
         QObject::connect(
-            &file, &WavFile::NewData, &file, [this] { append(QStringLiteral("NewData")); }, Qt::DirectConnection);
+            &file, &WavFile::NewData, &file, [this] { Write(QStringLiteral("NewData")); }, Qt::DirectConnection);
         QObject::connect(
             &file, &WavFile::ProgressChanged, &file,
             [this](int progress, int min, int max, const QString& text) {
-                append(QStringLiteral("%1 of %2..%3 %4").arg(progress).arg(min).arg(max).arg(text));
+                Write(QStringLiteral("%1 of %2..%3 %4").arg(progress).arg(min).arg(max).arg(text));
             },
             Qt::DirectConnection);
     }
+
+private:
+    void Write(const QString& line)
+    {
+        const std::lock_guard lock(m_mutex);
+        append(line);
+    }
+
+    /** Not Qt's, whose waiting the thread sanitizer does not see. */
+    std::mutex m_mutex;
 };
