@@ -6,6 +6,8 @@
  *   vantoraudio-task mix IN OUT SECONDS                both channels averaged, from the start
  *   vantoraudio-task decode IN OUT RATE                any audio to a WAV file of floats
  *   vantoraudio-task convert IN OUT RATE               a WAV file to mono floats
+ *   vantoraudio-task read IN FROM TO STEP              samples for a view, with nobody listening
+ *   vantoraudio-task listen IN FROM TO STEP            the same with a receiver on another thread
  */
 #include <vantorAudioEngine/Decoder.h>
 #include <vantorAudioEngine/WavFile.h>
@@ -13,6 +15,7 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QFile>
 #include <QtCore/QStringList>
+#include <QtCore/QThread>
 
 #include <cstdio>
 
@@ -35,6 +38,28 @@ bool ConvertToMono(WavFile& file, const QString& out, int rate)
     return file.Convert(format, out);
 }
 
+bool Read(WavFile& file, const QStringList& range)
+{
+    file.SetSelectedChannel(WavFile::ChannelLeftRight);
+    file.ReadData(range.value(0).toDouble(), range.value(1).toDouble(), range.value(2).toInt());
+    return !file.GetSamples().isEmpty();
+}
+
+bool ReadWithListener(WavFile& file, const QStringList& range)
+{
+    QThread thread;
+    QObject listener;
+    qint64 reports = 0;
+    listener.moveToThread(&thread);
+    QObject::connect(&file, &WavFile::ProgressChanged, &listener, [&] { ++reports; });
+    thread.start();
+    const bool isRead = Read(file, range);
+    // The thread ends after the reports that came before this.
+    QMetaObject::invokeMethod(&listener, [&] { thread.quit(); });
+    thread.wait();
+    return isRead && reports > 0;
+}
+
 bool Run(const QStringList& arguments)
 {
     const QString task = arguments.value(1);
@@ -43,6 +68,12 @@ bool Run(const QStringList& arguments)
     const QString number = arguments.value(4);
     if (task == u"idle"_s) {
         return true;
+    }
+    const QStringList range = arguments.mid(3);
+    if (task == u"read"_s || task == u"listen"_s) {
+        WavFile file;
+        return file.Open(in) == WavFile::Success &&
+               (task == u"read"_s ? Read(file, range) : ReadWithListener(file, range));
     }
     QFile::remove(out);
     if (task == u"decode"_s) {

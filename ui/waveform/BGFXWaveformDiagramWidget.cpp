@@ -123,11 +123,11 @@ void BGFXWaveformDiagramWidget::UpdateAudioSampleBuffer(const QList<float>& samp
 {
     {
         const QMutexLocker lock(&m_bufferLock);
-        m_amplitudeExtent = AmplitudeExtent(samples);
         const SampleSpacing spacing{.stepSize = m_stepSize, .sampleRate = m_format.sampleRate()};
         // The end deliberately counts from 0, not from the start: with samples that begin later, nearly every move
         // of the view asks for new ones.
         m_buffer = {.start = m_requestedStart, .end = m_geometry.SetSamples(samples, m_delay, spacing)};
+        m_amplitudeExtent = AmplitudeExtent(m_geometry.Peak());
     }
     Changed();
 }

@@ -128,12 +128,12 @@ void BGFXWaveformDiagramWidget::DrawWaveform()
 {
     BeginView(m_waveformView);
     m_waveformView.SetClear(bgfx::BGFX_CLEAR_DEPTH, 0x000000ff, 1.0F, 0);
-    if (m_geometry.IsUploaded()) {
-        m_program.SetColor(m_waveformColor);
-        const ViewRange view = View();
-        m_geometry.Draw(m_waveformView.Id(), m_program.Handle(), ToFloat(view.left - m_buffer.start),
-                        ToFloat(view.Right() - m_buffer.start));
-    }
+    m_program.SetColor(m_waveformColor);
+    const ViewRange view = View();
+    m_geometry.Draw(m_waveformView.Id(), m_program.Handle(),
+                    {.left = ToFloat(view.left - m_buffer.start),
+                     .right = ToFloat(view.Right() - m_buffer.start),
+                     .columns = PixelColumns(m_projection, ViewportRect().width())});
 }
 
 void BGFXWaveformDiagramWidget::DrawPosition()

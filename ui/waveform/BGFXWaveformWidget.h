@@ -74,7 +74,8 @@ public:
     void Update();
     /** The answer to the latest GetSamples(): one value per `stepSize` frames, about -1.0 to 1.0, from its start
      *  time on; other values are drawn, too, those that are not finite as silence. An empty list leaves only the
-     *  grid or, with a delay, its silence. */
+     *  grid or, with a delay, its silence. The list is shared with the caller, not copied; the view keeps what it
+     *  holds now, also when the caller changes it later. */
     void UpdateAudioSampleBuffer(const QList<float>& samples);
 
     /** Moves the position line, and the visible range after it: a page on, or back to the position. Any position

@@ -2,24 +2,12 @@
 
 #include "render/vantor3DQt/BGFXRenderer.h"
 
-#include <algorithm>
-#include <limits>
 #include <utility>
 
 namespace vantoraudio::vantorAudioEngine::UI {
-namespace {
 
 using vantor3D::Vertex::Pos2f;
 using vantor3DQt::BGFXRenderer;
-
-/** Memory is measured in 32 bits; what lies beyond that is not drawn. */
-std::uint32_t ByteCount(std::size_t vertexCount, std::uint32_t stride)
-{
-    const std::size_t most = std::numeric_limits<std::uint32_t>::max() / stride;
-    return static_cast<std::uint32_t>(std::min(vertexCount, most)) * stride;
-}
-
-} // namespace
 
 WaveformGeometry::~WaveformGeometry()
 {
@@ -31,33 +19,42 @@ WaveformGeometry::~WaveformGeometry()
     }
 }
 
-double WaveformGeometry::SetSamples(std::span<const float> samples, double delay, const SampleSpacing& spacing)
+double WaveformGeometry::SetSamples(const QList<float>& samples, double delay, const SampleSpacing& spacing)
 {
-    const std::int32_t count = VertexCount(samples.size(), delay, spacing.sampleRate);
-    std::vector<Pos2f> vertices = BuildVertices(samples, count, spacing);
-    // The device still reads the old vertices until it was given the new ones, which moving leaves in place.
-    Upload(vertices);
-    m_vertices = std::move(vertices);
+    const auto sampleCount = static_cast<std::size_t>(samples.size());
+    const std::int32_t count = VertexCount(sampleCount, delay, spacing.sampleRate);
+    // First what may run out of memory: the strip and its extremes belong together.
+    SampleExtremes extremes(samples);
+    m_strip = WaveformStrip(samples, count, spacing);
+    m_extremes = std::move(extremes);
+    m_uploaded.reset();
     return BufferLength(count, spacing);
 }
 
-void WaveformGeometry::Upload(const std::vector<Pos2f>& vertices)
+void WaveformGeometry::Draw(bgfx::ViewId view, bgfx::ProgramHandle program, const StripView& visible)
+{
+    if (m_uploaded != visible) {
+        Upload(DrawnVertices(m_strip, m_extremes, VisibleVertices(m_strip, visible.left, visible.right),
+                             visible.columns));
+        m_uploaded = visible;
+    }
+    bgfx::setVertexBuffer(0, m_vertexBuffer);
+    bgfx::setState(BGFXRenderer::STATE_LINESTRIP, 0);
+    bgfx::submit(view, program, 0, bgfx::BGFX_DISCARD_ALL);
+}
+
+void WaveformGeometry::Upload(std::vector<Pos2f> vertices)
 {
     m_layout = Pos2f::Layout();
-    const bgfx::Memory* memory = bgfx::makeRef(vertices.data(), ByteCount(vertices.size(), m_layout.getStride()));
+    const auto size = static_cast<std::uint32_t>(vertices.size()) * m_layout.getStride();
+    const bgfx::Memory* memory = bgfx::makeRef(vertices.data(), size);
     if (bgfx::isValid(m_vertexBuffer)) {
         bgfx::update(m_vertexBuffer, 0, memory);
     } else {
         m_vertexBuffer = bgfx::createDynamicVertexBuffer(memory, m_layout, bgfx::BGFX_BUFFER_ALLOW_RESIZE);
     }
-}
-
-void WaveformGeometry::Draw(bgfx::ViewId view, bgfx::ProgramHandle program, float left, float right) const
-{
-    const VertexRange range = VisibleVertices(m_vertices, left, right);
-    bgfx::setVertexBuffer(0, m_vertexBuffer, range.first, range.count);
-    bgfx::setState(BGFXRenderer::STATE_LINESTRIP, 0);
-    bgfx::submit(view, program, 0, bgfx::BGFX_DISCARD_ALL);
+    // The device read the old vertices until now; moving leaves the new ones in place.
+    m_vertices = std::move(vertices);
 }
 
 } // namespace vantoraudio::vantorAudioEngine::UI

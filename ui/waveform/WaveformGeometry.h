@@ -2,19 +2,35 @@
 
 #include "render/bgfx/bgfx.h"
 #include "render/vantor3D/Vertex.h"
+#include "ui/waveform/DrawnVertices.h"
+#include "ui/waveform/SampleExtremes.h"
 #include "ui/waveform/WaveformVertices.h"
 
+#include <QtCore/QList>
+
 #include <cstdint>
-#include <span>
+#include <optional>
 #include <vector>
 
 namespace vantoraudio::vantorAudioEngine::UI {
 
+/** What a picture shows of the strip. */
+struct StripView
+{
+    /** Times in seconds from the first vertex. */
+    float left = 0.0F;
+    float right = 0.0F;
+    PixelColumns columns;
+
+    friend bool operator==(const StripView&, const StripView&) = default;
+};
+
 /**
- * The waveform's line strip: its vertices and what the drawing device holds of them. GUI thread only.
+ * The waveform's line strip: its samples and what the drawing device holds of it. GUI thread only.
  *
- * The device reads the vertices where they lie, without a copy, until the next SetSamples() or the end of this
- * object.
+ * The device gets only the vertices that show in the picture, a few for each pixel column, and reads them where
+ * they lie, without a copy. A frame so costs about the same whatever it shows, and nothing but drawing when it
+ * shows the same as the one before.
  */
 class WaveformGeometry
 {
@@ -24,29 +40,34 @@ public:
     WaveformGeometry(const WaveformGeometry&) = delete;
     WaveformGeometry& operator=(const WaveformGeometry&) = delete;
 
-    /** Replaces the strip by `samples` and `delay` seconds of silence behind them. Gives the strip's length in
-     *  seconds. */
-    double SetSamples(std::span<const float> samples, double delay, const SampleSpacing& spacing);
+    /** Replaces the strip by `samples`, which are shared, and `delay` seconds of silence behind them. Gives the
+     *  strip's length in seconds. */
+    double SetSamples(const QList<float>& samples, double delay, const SampleSpacing& spacing);
 
-    [[nodiscard]] bool IsEmpty() const { return m_vertices.empty(); }
-    /** False as long as the device never took the vertices. */
-    [[nodiscard]] bool IsUploaded() const { return bgfx::isValid(m_vertexBuffer); }
+    [[nodiscard]] bool IsEmpty() const { return m_strip.IsEmpty(); }
+    /** The greatest magnitude of the samples; those that are infinite or not-a-number do not count. */
+    [[nodiscard]] float Peak() const { return m_extremes.Peak(); }
 
-    /** Submits to a view what lies between two times, in seconds from the first vertex; uniforms are the
-     *  caller's. */
-    void Draw(bgfx::ViewId view, bgfx::ProgramHandle program, float left, float right) const;
+    /** Submits to a bgfx view what shows of the strip; uniforms are the caller's. */
+    void Draw(bgfx::ViewId view, bgfx::ProgramHandle program, const StripView& visible);
 
 private:
     friend class WaveformTestAccess;
 
-    void Upload(const std::vector<vantor3D::Vertex::Pos2f>& vertices);
+    void Upload(std::vector<vantor3D::Vertex::Pos2f> vertices);
+
+    WaveformStrip m_strip;
+    SampleExtremes m_extremes;
 
     bgfx::IndexBufferHandle m_indexBuffer;
     bgfx::DynamicVertexBufferHandle m_vertexBuffer;
     /** A strip needs no indices. */
     std::vector<std::uint16_t> m_indices;
+    /** What the vertex buffer refers to. */
     std::vector<vantor3D::Vertex::Pos2f> m_vertices;
     vantor3D::VertexLayout m_layout;
+    /** What the vertices were chosen for; absent when they are outdated. */
+    std::optional<StripView> m_uploaded;
 };
 
 } // namespace vantoraudio::vantorAudioEngine::UI

@@ -1,6 +1,7 @@
 #include "ui/waveform/WaveformVertices.h"
 
 #include "engine/Truncation.h"
+#include "ui/waveform/PartitionPoint.h"
 
 #include <algorithm>
 #include <cmath>
@@ -14,26 +15,10 @@ using AudioEngine::MultiplyWrapping;
 using AudioEngine::TruncateToInt32;
 using vantor3D::Vertex::Pos2f;
 
-bool IsFinite(float value)
-{
-    return std::abs(value) <= std::numeric_limits<float>::max();
-}
-
-/** The product is taken in double precision, which is exact for it and, unlike 64-bit integers, vectorised. */
-float VertexTime(std::size_t index, double stepSize, float sampleRate)
-{
-    return static_cast<float>(static_cast<double>(static_cast<std::int32_t>(index)) * stepSize) / sampleRate;
-}
-
 } // namespace
 
-double AmplitudeExtent(std::span<const float> samples)
+double AmplitudeExtent(float peak)
 {
-    float peak = 0.0F;
-    for (const float sample : samples) {
-        const float magnitude = std::abs(sample);
-        peak = magnitude > peak && magnitude <= std::numeric_limits<float>::max() ? magnitude : peak;
-    }
     return std::max(1.0, std::trunc(static_cast<double>(peak)));
 }
 
@@ -46,36 +31,44 @@ std::int32_t VertexCount(std::size_t sampleCount, double delay, int sampleRate)
     return static_cast<std::int32_t>(std::min(sampleCount + silent, most));
 }
 
-std::vector<Pos2f> BuildVertices(std::span<const float> samples, std::int32_t vertexCount,
-                                 const SampleSpacing& spacing)
+WaveformStrip::WaveformStrip(const QList<float>& samples, std::int32_t vertexCount, const SampleSpacing& spacing)
+    : m_samples(samples)
 {
-    const bool hasTimes = spacing.sampleRate > 0;
-    const double step = hasTimes ? spacing.stepSize : 0.0;
-    const float rate = hasTimes ? static_cast<float>(spacing.sampleRate) : 1.0F;
     const auto end = static_cast<std::size_t>(vertexCount);
-    const std::size_t silent = end > samples.size() ? end - samples.size() : 0;
-
-    std::vector<Pos2f> vertices(samples.size() + std::min<std::size_t>(silent, 2));
-    for (std::size_t i = 0; i < samples.size(); ++i) {
-        vertices[i] = {.x = VertexTime(i, step, rate), .y = IsFinite(samples[i]) ? samples[i] : 0.0F};
+    if (end > SampleCount()) {
+        m_silentCount = std::min<std::size_t>(end - SampleCount(), 2);
+        m_lastSilent = end - 1;
     }
-    if (silent > 0) {
-        vertices[samples.size()].x = VertexTime(samples.size(), step, rate);
-        vertices.back().x = VertexTime(end - 1, step, rate);
+    if (spacing.sampleRate > 0) {
+        m_step = spacing.stepSize;
+        m_rate = static_cast<float>(spacing.sampleRate);
     }
-    return vertices;
 }
 
-VertexRange VisibleVertices(std::span<const Pos2f> vertices, float left, float right)
+Pos2f WaveformStrip::operator[](std::size_t index) const
 {
-    const auto [low, high] = std::minmax(left, right);
-    const auto begin = std::ranges::lower_bound(vertices, low, {}, &Pos2f::x);
-    const auto end = std::ranges::upper_bound(begin, vertices.end(), high, {}, &Pos2f::x);
-    const auto first = std::max<std::ptrdiff_t>(begin - vertices.begin() - 1, 0);
-    const auto last = std::min<std::ptrdiff_t>(end - vertices.begin() + 1, std::ssize(vertices));
-    constexpr std::ptrdiff_t most = std::numeric_limits<std::uint32_t>::max();
-    return {.first = static_cast<std::uint32_t>(std::min(first, most)),
-            .count = static_cast<std::uint32_t>(std::min(last - first, most))};
+    const bool isSilent = index >= SampleCount();
+    return {.x = TimeAt(index), .y = isSilent ? 0.0F : DrawnLevel(m_samples[static_cast<qsizetype>(index)])};
+}
+
+float WaveformStrip::TimeAt(std::size_t index) const
+{
+    const std::size_t sample = index > SampleCount() ? m_lastSilent : index;
+    // In double precision the product is exact.
+    return static_cast<float>(static_cast<double>(static_cast<std::int32_t>(sample)) * m_step) / m_rate;
+}
+
+VertexRange VisibleVertices(const WaveformStrip& strip, float left, float right)
+{
+    const float low = std::min(left, right);
+    const float high = std::max(left, right);
+    const std::size_t begin =
+        PartitionPoint(0, strip.Size(), [&](std::size_t i) { return strip.TimeAt(i) < low; });
+    const std::size_t end =
+        PartitionPoint(begin, strip.Size(), [&](std::size_t i) { return strip.TimeAt(i) <= high; });
+    const std::size_t first = begin > 0 ? begin - 1 : 0;
+    const std::size_t last = std::min(end + 1, strip.Size());
+    return {.first = first, .count = last - first};
 }
 
 double BufferLength(std::int32_t vertexCount, const SampleSpacing& spacing)

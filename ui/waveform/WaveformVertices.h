@@ -2,10 +2,11 @@
 
 #include "render/vantor3D/Vertex.h"
 
+#include <QtCore/QList>
+
 #include <cstddef>
 #include <cstdint>
-#include <span>
-#include <vector>
+#include <limits>
 
 /** What the samples of the audio become on the time and amplitude axes. */
 namespace vantoraudio::vantorAudioEngine::UI {
@@ -20,39 +21,69 @@ struct SampleSpacing
 };
 
 /** Half the height of the drawn amplitude range: 1.0, or the whole part of the greatest magnitude when that is
- *  more. Samples that are infinite or not-a-number do not count. */
-[[nodiscard]] double AmplitudeExtent(std::span<const float> samples);
+ *  more. */
+[[nodiscard]] double AmplitudeExtent(float peak);
 
 /** How many vertices stand for some samples and `delay` seconds of silence behind them; at most what an int holds.
  */
 [[nodiscard]] std::int32_t VertexCount(std::size_t sampleCount, double delay, int sampleRate);
 
+/** The height at which a sample is drawn: samples that are infinite or not-a-number count as silence. */
+[[nodiscard]] inline float DrawnLevel(float sample)
+{
+    constexpr float largest = std::numeric_limits<float>::max();
+    return sample >= -largest && sample <= largest ? sample : 0.0F;
+}
+
 /**
- * One vertex a sample, then silence up to `vertexCount`; x in seconds from the first vertex. Samples that are
- * infinite or not-a-number are drawn as silence. Silence is a straight line, so only the first and the last of its
- * vertices are made: a long delay costs nothing.
+ * The waveform's line strip: one vertex a sample, then silence up to `vertexCount`; x in seconds from the first
+ * vertex, in ascending order. Silence is a straight line, so only the first and the last of its vertices exist: a
+ * long delay costs nothing.
+ *
+ * Vertices are made when they are asked for. The samples are shared with whoever supplied them, so that the strip
+ * itself takes no memory, however long it is.
  */
-[[nodiscard]] std::vector<vantor3D::Vertex::Pos2f>
-BuildVertices(std::span<const float> samples, std::int32_t vertexCount, const SampleSpacing& spacing);
+class WaveformStrip
+{
+public:
+    WaveformStrip() = default;
+    WaveformStrip(const QList<float>& samples, std::int32_t vertexCount, const SampleSpacing& spacing);
+
+    [[nodiscard]] std::size_t Size() const { return SampleCount() + m_silentCount; }
+    [[nodiscard]] bool IsEmpty() const { return Size() == 0; }
+    /** `index` is below Size(). */
+    [[nodiscard]] vantor3D::Vertex::Pos2f operator[](std::size_t index) const;
+    [[nodiscard]] float TimeAt(std::size_t index) const;
+
+    /** What the first vertices stand for. */
+    [[nodiscard]] const QList<float>& Samples() const { return m_samples; }
+    [[nodiscard]] std::size_t SampleCount() const { return static_cast<std::size_t>(m_samples.size()); }
+
+private:
+    QList<float> m_samples;
+    std::size_t m_silentCount = 0;
+    std::size_t m_lastSilent = 0;
+    double m_step = 0.0;
+    float m_rate = 1.0F;
+};
 
 /** Neighbours in a strip. */
 struct VertexRange
 {
-    std::uint32_t first = 0;
-    std::uint32_t count = 0;
+    std::size_t first = 0;
+    std::size_t count = 0;
 
     friend bool operator==(const VertexRange&, const VertexRange&) = default;
 };
 
 /**
  * The vertices between two times, edges included, and one more on both sides: lines lead there from the edges.
- * `vertices` stand in ascending x; `left` and `right` come in either order.
+ * `left` and `right` come in either order.
  *
  * They are searched for rather than reckoned from the spacing: x is rounded to single precision, which late in a
- * long file is many vertices off. A frame so costs what is visible, whatever the strip's length.
+ * long file is many vertices off.
  */
-[[nodiscard]] VertexRange VisibleVertices(std::span<const vantor3D::Vertex::Pos2f> vertices, float left,
-                                          float right);
+[[nodiscard]] VertexRange VisibleVertices(const WaveformStrip& strip, float left, float right);
 
 /** The length in seconds that `vertexCount` vertices stand for. */
 [[nodiscard]] double BufferLength(std::int32_t vertexCount, const SampleSpacing& spacing);

@@ -108,6 +108,31 @@ void Canvas::Fill(const PixelBox& box, Pixel pixel)
 }
 
 template<typename Paint>
+void Canvas::PaintColumns(const StripColumns& columns, const Rgba& color, Paint paint)
+{
+    // Row by row, as the pixels lie in memory.
+    const PixelBox bounds = columns.Bounds();
+    for (int row = bounds.bottom; row < bounds.top; ++row) {
+        Pixel* pixel = &At(bounds.left, row);
+        for (const RowSpan& span : columns.rows) {
+            if (span.Contains(row)) {
+                paint(*pixel, color);
+            }
+            ++pixel;
+        }
+    }
+}
+
+void Canvas::FillColumns(const StripColumns& columns, const Rgba& color, const Brush& brush)
+{
+    if (IsSolid(brush, color)) {
+        PaintColumns(columns, color, SolidPaint{Quantize(color)});
+    } else {
+        PaintColumns(columns, color, BlendingPaint{brush});
+    }
+}
+
+template<typename Paint>
 void Canvas::TraceLine(const Corner& start, const Corner& end, const PixelBox& box, Paint paint)
 {
     const double dx = end.at.x - start.at.x;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "render/bgfx/device/Geometry.h"
+#include "render/bgfx/device/StripColumns.h"
 
 #include <array>
 #include <cstdint>
@@ -48,6 +48,7 @@ public:
     [[nodiscard]] const std::vector<Pixel>& Pixels() const { return m_pixels; }
 
     void Fill(const PixelBox& box, Pixel pixel);
+    void FillColumns(const StripColumns& columns, const Rgba& color, const Brush& brush);
     void DrawLine(const Corner& start, const Corner& end, const PixelBox& box, const Brush& brush);
     void DrawTriangle(const std::array<Corner, 3>& corners, const PixelBox& box, const Brush& brush);
 
@@ -56,6 +57,8 @@ private:
     {
         return m_pixels[std::size_t(m_height - 1 - yFromBottom) * std::size_t(m_width) + std::size_t(x)];
     }
+    template<typename Paint>
+    void PaintColumns(const StripColumns& columns, const Rgba& color, Paint paint);
     template<typename Paint>
     void TraceLine(const Corner& start, const Corner& end, const PixelBox& box, Paint paint);
     template<typename Paint>

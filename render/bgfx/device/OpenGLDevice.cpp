@@ -1,11 +1,12 @@
 #include "render/bgfx/device/OpenGLDevice.h"
 
 #include "render/bgfx/device/OpenGLContext.h"
+#include "render/bgfx/device/OpenGLObjects.h"
 #include "render/bgfx/device/OpenGLProgram.h"
+#include "render/bgfx/device/StripColumns.h"
 #include "render/bgfx/device/WindowLines.h"
 
 #include <QtOpenGL/QOpenGLFramebufferObject>
-#include <QtOpenGL/QOpenGLVertexArrayObject>
 
 #include <algorithm>
 #include <array>
@@ -32,8 +33,8 @@ std::vector<std::uint8_t> Unindexed(const DrawCall& call)
 class OpenGLTarget final : public Target
 {
 public:
-    OpenGLTarget(OpenGLContext& context, QOpenGLVertexArrayObject& vertexArray, GLuint vertexBuffer, QSize size)
-        : m_context(context), m_vertexArray(vertexArray), m_vertexBuffer(vertexBuffer), m_frameBuffer(size)
+    OpenGLTarget(OpenGLContext& context, OpenGLObjects& objects, QSize size)
+        : m_context(context), m_objects(objects), m_frameBuffer(size)
     {
     }
     ~OpenGLTarget() override
@@ -62,8 +63,8 @@ public:
         const auto& shading = static_cast<const OpenGLProgram&>(program);
         if (call.topology == Topology::Triangles) {
             DrawTriangles(gl, shading, call);
-        } else {
-            DrawLines(gl, shading, call, ToWindowLines(call, m_frameBuffer->height()));
+        } else if (!DrawColumns(gl, shading, call)) {
+            DrawLines(gl, shading, call);
         }
     }
 
@@ -102,9 +103,33 @@ private:
                                GL_ONE_MINUS_SRC_ALPHA);
     }
 
-    void DrawLines(QOpenGLFunctions& gl, const OpenGLProgram& program, const DrawCall& call,
-                   const std::vector<LineVertex>& lines)
+    /** One rectangle, however many lines there are: drivers that draw without a graphics card take milliseconds
+     *  for a thousand lines. False for what cannot be drawn so. */
+    bool DrawColumns(QOpenGLFunctions& gl, const OpenGLProgram& program, const DrawCall& call)
     {
+        const auto columns = ToColumns(call, m_frameBuffer->width(), m_frameBuffer->height());
+        const OpenGLProgram* shading = columns ? program.ForColumns() : nullptr;
+        if (!shading) {
+            return false;
+        }
+        const PixelBox bounds = columns->Bounds();
+        if (bounds.IsEmpty()) {
+            return true;
+        }
+        m_objects.BindColumns(gl, *columns, m_frameBuffer->width());
+        shading->Use(FromWindow(call.viewport, m_frameBuffer->height()), call.uniforms);
+        shading->SetTargetWidth(m_frameBuffer->width());
+        const LineVertex lower{float(bounds.left), float(bounds.bottom)};
+        const LineVertex upper{float(bounds.right), float(bounds.top)};
+        const std::array<LineVertex, 6> corners{lower, {upper.x, lower.y}, upper,
+                                                upper, {lower.x, upper.y}, lower};
+        DrawVertices(gl, GL_TRIANGLES, LineVertexLayout(), corners.data(), corners.size());
+        return true;
+    }
+
+    void DrawLines(QOpenGLFunctions& gl, const OpenGLProgram& program, const DrawCall& call)
+    {
+        const std::vector<LineVertex> lines = ToWindowLines(call, m_frameBuffer->height());
         if (lines.empty()) {
             return;
         }
@@ -125,8 +150,8 @@ private:
     void DrawVertices(QOpenGLFunctions& gl, GLenum mode, const VertexLayout& layout, const void* vertices,
                       std::size_t count)
     {
-        const QOpenGLVertexArrayObject::Binder vertexArray(&m_vertexArray);
-        gl.glBindBuffer(GL_ARRAY_BUFFER, m_vertexBuffer);
+        const QOpenGLVertexArrayObject::Binder vertexArray(&m_objects.VertexArray());
+        gl.glBindBuffer(GL_ARRAY_BUFFER, m_objects.VertexBuffer());
         gl.glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(count * layout.getStride()), vertices,
                         GL_STREAM_DRAW);
         for (unsigned i = 0; i < Attrib::Count; ++i) {
@@ -153,8 +178,7 @@ private:
     }
 
     OpenGLContext& m_context;
-    QOpenGLVertexArrayObject& m_vertexArray;
-    GLuint m_vertexBuffer;
+    OpenGLObjects& m_objects;
     std::optional<QOpenGLFramebufferObject> m_frameBuffer;
 };
 
@@ -165,9 +189,7 @@ public:
     {
         const CurrentOpenGL current(*m_context);
         auto& gl = m_context->Functions();
-        // A core profile draws with such an object only; others may lack it.
-        m_vertexArray.create();
-        gl.glGenBuffers(1, &m_vertexBuffer);
+        m_objects.Create(gl);
         gl.glDisable(GL_DITHER);
         m_maxSize = QueryMaxSize(gl);
     }
@@ -175,10 +197,7 @@ public:
     {
         m_current.reset();
         const CurrentOpenGL current(*m_context);
-        m_vertexArray.destroy();
-        if (current.IsValid()) {
-            m_context->Functions().glDeleteBuffers(1, &m_vertexBuffer);
-        }
+        m_objects.Destroy(m_context->Functions(), current.IsValid());
     }
 
     [[nodiscard]] RendererType::Enum Type() const override { return RendererType::OpenGL; }
@@ -217,8 +236,7 @@ public:
         if (!current.IsValid()) {
             return nullptr;
         }
-        auto target =
-            std::make_unique<OpenGLTarget>(*m_context, m_vertexArray, m_vertexBuffer, QSize(width, height));
+        auto target = std::make_unique<OpenGLTarget>(*m_context, m_objects, QSize(width, height));
         if (!target->IsValid()) {
             return nullptr;
         }
@@ -237,8 +255,7 @@ private:
     }
 
     std::unique_ptr<OpenGLContext> m_context;
-    QOpenGLVertexArrayObject m_vertexArray;
-    GLuint m_vertexBuffer = 0;
+    OpenGLObjects m_objects;
     std::uint32_t m_maxSize = 0;
     CurrentIfValid m_current;
     bool m_isLost = false;

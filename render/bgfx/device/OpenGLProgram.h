@@ -5,7 +5,9 @@
 
 #include <QtOpenGL/QOpenGLShaderProgram>
 
+#include <memory>
 #include <optional>
+#include <string>
 
 namespace vantoraudio::bgfx::device {
 
@@ -20,11 +22,23 @@ public:
     bool Build(std::string_view vertexShader, std::string_view fragmentShader);
     void Use(const Matrix& transform, std::span<const UniformValue> uniforms) const;
 
+    /** The same program, but it leaves out all pixels but those of some columns; null when the driver refuses it.
+     *  A texture of one texel for each column of a target says which: red and green are the first row's number,
+     *  blue and alpha that of the row behind the last one, higher bytes first. Our context is current. */
+    [[nodiscard]] const OpenGLProgram* ForColumns() const;
+    /** For a program for columns that is in use. Its texture is the one that is bound. */
+    void SetTargetWidth(int width) const;
+
 private:
     bool AddShader(QOpenGLShader::ShaderType stage, std::string_view text);
 
     OpenGLContext& m_context;
     std::optional<QOpenGLShaderProgram> m_program;
+    std::string m_vertexShader;
+    std::string m_fragmentShader;
+    /** Made when first asked for. */
+    mutable std::unique_ptr<OpenGLProgram> m_forColumns;
+    mutable bool m_isForColumnsRefused = false;
 };
 
 } // namespace vantoraudio::bgfx::device

@@ -1,7 +1,7 @@
 #include "render/bgfx/device/SoftwareDevice.h"
 
 #include "render/bgfx/device/Canvas.h"
-#include "render/bgfx/device/StripReduction.h"
+#include "render/bgfx/device/StripColumns.h"
 
 #include <algorithm>
 #include <cstring>
@@ -70,8 +70,8 @@ public:
     void Draw(const Program& program, const DrawCall& call) override
     {
         const auto& shading = static_cast<const SoftwareProgram&>(program);
-        if (IsReducible(call)) {
-            DrawReduced(shading, call);
+        if (const auto columns = ToColumns(call, m_canvas.Width(), m_canvas.Height())) {
+            m_canvas.FillColumns(*columns, shading.ColorOf(call, 0), BrushOf(call));
         } else if (call.topology == Topology::Triangles) {
             DrawTriangles(shading, call);
         } else {
@@ -91,26 +91,6 @@ private:
     [[nodiscard]] PixelBox BoxOf(const DrawCall& call) const
     {
         return ClipToTarget(call.viewport, m_canvas.Width(), m_canvas.Height());
-    }
-
-    void DrawReduced(const SoftwareProgram& program, const DrawCall& call)
-    {
-        const ReducedStrip strip = ReduceStrip(call, m_canvas.Height());
-        const PixelBox box = BoxOf(call);
-        const Rgba color = program.ColorOf(call, 0);
-        for (std::size_t run = 0; run < strip.runStarts.size(); ++run) {
-            const bool isLast = run + 1 == strip.runStarts.size();
-            const std::size_t end = isLast ? strip.points.size() : strip.runStarts[run + 1];
-            for (std::size_t i = strip.runStarts[run] + 1; i < end; ++i) {
-                m_canvas.DrawLine(CornerAt(strip.points[i - 1], color), CornerAt(strip.points[i], color), box,
-                                  BrushOf(call));
-            }
-        }
-    }
-
-    static Corner CornerAt(StripPoint point, const Rgba& color)
-    {
-        return {{double(point.x), double(point.y)}, color};
     }
 
     void DrawLines(const SoftwareProgram& program, const DrawCall& call)

@@ -16,28 +16,11 @@ namespace {
 void AppendLine(std::vector<LineVertex>& lines, LineVertex start, LineVertex end)
 {
     constexpr float Hair = 1.0F / 64.0F;
-    const bool steep = std::fabs(end.at.y - start.at.y) > std::fabs(end.at.x - start.at.x);
+    const bool steep = std::fabs(end.y - start.y) > std::fabs(end.x - start.x);
     for (LineVertex* vertex : {&start, &end}) {
-        (steep ? vertex->at.x : vertex->at.y) += Hair;
+        (steep ? vertex->x : vertex->y) += Hair;
         lines.push_back(*vertex);
     }
-}
-
-/** All runs as separate lines, to be drawn in one go. */
-std::vector<LineVertex> ToLines(const ReducedStrip& strip)
-{
-    std::vector<LineVertex> lines;
-    lines.reserve(strip.points.size() * 2);
-    auto nextStart = strip.runStarts.begin();
-    for (std::size_t i = 0; i < strip.points.size(); ++i) {
-        const bool startsRun = nextStart != strip.runStarts.end() && *nextStart == i;
-        if (startsRun) {
-            ++nextStart;
-        } else {
-            AppendLine(lines, {strip.points[i - 1]}, {strip.points[i]});
-        }
-    }
-    return lines;
 }
 
 std::optional<LineVertex> ToLineVertex(const DrawCall& call, int targetHeight, std::size_t i)
@@ -45,8 +28,8 @@ std::optional<LineVertex> ToLineVertex(const DrawCall& call, int targetHeight, s
     const std::uint32_t index = call.indices.empty() ? static_cast<std::uint32_t>(i) : call.indices[i];
     const ClipPoint clip = Transform(call.transform, PositionReader(call.layout, call.vertices)(index));
     const WindowPoint window = ToWindow(call.viewport, targetHeight, clip);
-    LineVertex vertex{{float(window.x), float(window.y)}};
-    if (!std::isfinite(vertex.at.x) || !std::isfinite(vertex.at.y)) {
+    LineVertex vertex{float(window.x), float(window.y)};
+    if (!std::isfinite(vertex.x) || !std::isfinite(vertex.y)) {
         return std::nullopt;
     }
     if (call.layout.has(Attrib::Color0)) {
@@ -55,21 +38,6 @@ std::optional<LineVertex> ToLineVertex(const DrawCall& call, int targetHeight, s
         std::ranges::copy(call.vertices.subspan(offset, vertex.color.size()), vertex.color.begin());
     }
     return vertex;
-}
-
-std::vector<LineVertex> ToLines(const DrawCall& call, int targetHeight)
-{
-    const std::size_t count = call.indices.empty() ? call.vertexCount : call.indices.size();
-    const std::size_t step = call.topology == Topology::Lines ? 2 : 1;
-    std::vector<LineVertex> lines;
-    for (std::size_t i = 0; i + 1 < count; i += step) {
-        const auto start = ToLineVertex(call, targetHeight, i);
-        const auto end = ToLineVertex(call, targetHeight, i + 1);
-        if (start && end) {
-            AppendLine(lines, *start, *end);
-        }
-    }
-    return lines;
 }
 
 } // namespace
@@ -86,7 +54,17 @@ VertexLayout LineVertexLayout()
 
 std::vector<LineVertex> ToWindowLines(const DrawCall& call, int targetHeight)
 {
-    return IsReducible(call) ? ToLines(ReduceStrip(call, targetHeight)) : ToLines(call, targetHeight);
+    const std::size_t count = call.indices.empty() ? call.vertexCount : call.indices.size();
+    const std::size_t step = call.topology == Topology::Lines ? 2 : 1;
+    std::vector<LineVertex> lines;
+    for (std::size_t i = 0; i + 1 < count; i += step) {
+        const auto start = ToLineVertex(call, targetHeight, i);
+        const auto end = ToLineVertex(call, targetHeight, i + 1);
+        if (start && end) {
+            AppendLine(lines, *start, *end);
+        }
+    }
+    return lines;
 }
 
 Matrix FromWindow(const Rect& viewport, int targetHeight)

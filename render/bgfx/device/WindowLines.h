@@ -1,6 +1,6 @@
 #pragma once
 
-#include "render/bgfx/device/StripReduction.h"
+#include "render/bgfx/device/Geometry.h"
 
 #include <array>
 #include <vector>
@@ -10,15 +10,16 @@ namespace vantoraudio::bgfx::device {
 /** An end of a line, in the window coordinates of a target. */
 struct LineVertex
 {
-    StripPoint at;
+    float x = 0.0F;
+    float y = 0.0F;
     std::array<std::uint8_t, 4> color{};
 };
 
 VertexLayout LineVertexLayout();
 
 /**
- * The lines of a line list or strip, two vertices each, ready to be drawn with FromWindow(). Reduced where that is
- * possible; lines at vertices that are not finite are left out.
+ * The lines of a line list or strip, two vertices each, ready to be drawn with FromWindow(). Lines at vertices
+ * that are not finite are left out.
  */
 std::vector<LineVertex> ToWindowLines(const DrawCall& call, int targetHeight);
 

@@ -39,9 +39,13 @@ public:
     static QMutex& BufferLock(Diagram& diagram) { return diagram.m_bufferLock; }
     static bool HasProgram(const Diagram& diagram) { return diagram.m_program.m_isCreated; }
     static bool HasUniform(const Diagram& diagram) { return bgfx::isValid(diagram.m_program.m_colorUniform); }
-    static bool HasVertexBuffer(const Diagram& diagram) { return diagram.m_geometry.IsUploaded(); }
+    static bool HasVertexBuffer(const Diagram& diagram)
+    {
+        return bgfx::isValid(diagram.m_geometry.m_vertexBuffer);
+    }
     static bool HasIndexBuffer(const Diagram& diagram) { return bgfx::isValid(diagram.m_geometry.m_indexBuffer); }
-    static const auto& Vertices(const Diagram& diagram) { return diagram.m_geometry.m_vertices; }
+    static const WaveformStrip& Vertices(const Diagram& diagram) { return diagram.m_geometry.m_strip; }
+    static const auto& DrawnVertices(const Diagram& diagram) { return diagram.m_geometry.m_vertices; }
     static void PaintWithoutEvent(Diagram& diagram) { diagram.paintEvent(nullptr); }
     static void MoveWithoutEvent(Diagram& diagram) { diagram.mouseMoveEvent(nullptr); }
 };

@@ -89,7 +89,7 @@ private Q_SLOTS:
         QCOMPARE(Access::AmplitudeExtentOf(diagram), 1.0);
         QVERIFY(!Access::HasVertexBuffer(diagram));
         QVERIFY(!Access::HasIndexBuffer(diagram));
-        QVERIFY(Access::Vertices(diagram).empty());
+        QVERIFY(Access::Vertices(diagram).IsEmpty());
         QVERIFY(!Access::HasProgram(diagram));
         QVERIFY(!Access::HasUniform(diagram));
     }
@@ -261,9 +261,11 @@ private Q_SLOTS:
         QCOMPARE(loaded.recorder.Take(), QStringList{u"Update"_s});
         QCOMPARE(loaded.diagram.GetBufferStart(), 35.0);
         const auto& vertices = Access::Vertices(loaded.diagram);
-        QCOMPARE(vertices.size(), 5U);
+        QCOMPARE(vertices.Size(), 5U);
         QCOMPARE(vertices[3].x, 0.012F);
         QCOMPARE(vertices[3].y, 1.0F);
+        QVERIFY(!Access::HasVertexBuffer(loaded.diagram)); // made in the first frame
+        loaded.diagram.grab();
         QVERIFY(Access::HasVertexBuffer(loaded.diagram));
         QVERIFY(!Access::HasIndexBuffer(loaded.diagram));
     }
@@ -297,7 +299,7 @@ private Q_SLOTS:
         QCOMPARE(vertices[100].y, 0.0F);
         QCOMPARE(vertices[100].x, 1.0F);
         // 100 steps and 2000 samples, each counted as one step of 10.
-        QCOMPARE(vertices.back().x, 20.99F);
+        QCOMPARE(vertices[vertices.Size() - 1].x, 20.99F);
         QCOMPARE(Access::Buffer(loaded.diagram).end, 21.0);
     }
 
@@ -317,10 +319,10 @@ private Q_SLOTS:
     {
         LoadedDiagram loaded;
         loaded.diagram.UpdateAudioSampleBuffer({});
-        QVERIFY(Access::Vertices(loaded.diagram).empty());
+        QVERIFY(Access::Vertices(loaded.diagram).IsEmpty());
         loaded.diagram.UpdateAudioSampleBuffer({0.5F, 0.5F});
         loaded.diagram.UpdateAudioSampleBuffer({});
-        QVERIFY(Access::Vertices(loaded.diagram).empty());
+        QVERIFY(Access::Vertices(loaded.diagram).IsEmpty());
         QCOMPARE(Access::Buffer(loaded.diagram).end, 0.0);
     }
 
@@ -346,7 +348,7 @@ private Q_SLOTS:
         QElapsedTimer timer;
         timer.start();
         loaded.diagram.UpdateAudioSampleBuffer(samples);
-        QCOMPARE(Access::Vertices(loaded.diagram).size(), 13'230'000U);
+        QCOMPARE(Access::Vertices(loaded.diagram).Size(), 13'230'000U);
         QVERIFY2(timer.elapsed() < 5000, qPrintable(QString::number(timer.elapsed())));
     }
 
@@ -586,10 +588,10 @@ private Q_SLOTS:
                         QList<float>(static_cast<qsizetype>((end - start) * 1000.0 / stepSize), 0.5F));
                 });
         loaded.diagram.SetDuration(100.0);
-        QCOMPARE(Access::Vertices(loaded.diagram).size(), 100'000U);
+        QCOMPARE(Access::Vertices(loaded.diagram).Size(), 100'000U);
         loaded.diagram.SetSceneRange(40.0, 50.0);
         QCOMPARE(loaded.diagram.GetBufferStart(), 35.0);
-        QCOMPARE(Access::Vertices(loaded.diagram).size(), 20'000U);
+        QCOMPARE(Access::Vertices(loaded.diagram).Size(), 20'000U);
     }
 
     void anOwnerMayResetFromASignal()

@@ -1,4 +1,5 @@
 #include "ui/waveform/Projection.h"
+#include "ui/waveform/SampleExtremes.h"
 #include "ui/waveform/WaveformVertices.h"
 
 #include <QtTest/QtTest>
@@ -38,15 +39,15 @@ private Q_SLOTS:
     void growsTheExtentOnlyForPeaksOfTwoAndMore()
     {
         QFETCH(const QList<float>, samples);
-        QTEST(AmplitudeExtent(samples), "extent");
+        QTEST(AmplitudeExtent(SampleExtremes(samples).Peak()), "extent");
     }
 
-    void buildsOneVertexPerSample()
+    void hasOneVertexPerSample()
     {
         const QList<float> samples = {0.5F, -1.0F, 2.5F};
-        const auto vertices =
-            BuildVertices(samples, static_cast<int>(samples.size()), {.stepSize = 100, .sampleRate = 8000});
-        QCOMPARE(vertices.size(), 3U);
+        const WaveformStrip vertices(samples, static_cast<int>(samples.size()),
+                                     {.stepSize = 100, .sampleRate = 8000});
+        QCOMPARE(vertices.Size(), 3U);
         QCOMPARE(vertices[0].x, 0.0F);
         QCOMPARE(vertices[1].x, 0.0125F);
         QCOMPARE(vertices[2].x, 0.025F);
@@ -58,8 +59,8 @@ private Q_SLOTS:
     void dividesInSinglePrecision()
     {
         const QList<float> samples(40'000'003, 0.0F);
-        const auto vertices =
-            BuildVertices(samples, static_cast<int>(samples.size()), {.stepSize = 3, .sampleRate = 44100});
+        const WaveformStrip vertices(samples, static_cast<int>(samples.size()),
+                                     {.stepSize = 3, .sampleRate = 44100});
         // 120,000,003 is no float; its nearest, 120,000,000, is divided.
         const float expected = 120'000'000.0F / 44100.0F;
         QVERIFY(vertices[40'000'001].x == expected);
@@ -68,8 +69,8 @@ private Q_SLOTS:
     void drawsSilenceBehindTheSamplesByItsTwoEnds()
     {
         const QList<float> samples = {0.5F, 0.5F};
-        const auto vertices = BuildVertices(samples, 12, {.stepSize = 10, .sampleRate = 100});
-        QCOMPARE(vertices.size(), 4U);
+        const WaveformStrip vertices(samples, 12, {.stepSize = 10, .sampleRate = 100});
+        QCOMPARE(vertices.Size(), 4U);
         QCOMPARE(vertices[1].y, 0.5F);
         QCOMPARE(vertices[2].x, 0.2F);
         QCOMPARE(vertices[2].y, 0.0F);
@@ -79,8 +80,8 @@ private Q_SLOTS:
 
     void drawsOneVertexOfSilence()
     {
-        const auto vertices = BuildVertices({}, 1, {.stepSize = 10, .sampleRate = 100});
-        QCOMPARE(vertices.size(), 1U);
+        const WaveformStrip vertices({}, 1, {.stepSize = 10, .sampleRate = 100});
+        QCOMPARE(vertices.Size(), 1U);
         QCOMPARE(vertices[0].x, 0.0F);
     }
 
@@ -88,8 +89,8 @@ private Q_SLOTS:
     {
         // Two seconds of silence at 100 Hz are 200 vertices whatever the step size, so that they look longer.
         QCOMPARE(VertexCount(7, 2.0, 100), 207);
-        const auto vertices = BuildVertices({}, 200, {.stepSize = 10, .sampleRate = 100});
-        QCOMPARE(vertices.back().x, 19.9F);
+        const WaveformStrip vertices({}, 200, {.stepSize = 10, .sampleRate = 100});
+        QCOMPARE(vertices[vertices.Size() - 1].x, 19.9F);
         QCOMPARE(BufferLength(200, {.stepSize = 10, .sampleRate = 100}), 20.0);
     }
 
@@ -121,17 +122,17 @@ private Q_SLOTS:
     void aDelayOfAnyLengthCostsNothing()
     {
         const QList<float> samples(10, 0.5F);
-        const auto vertices =
-            BuildVertices(samples, std::numeric_limits<int>::max(), {.stepSize = 1000, .sampleRate = 1});
-        QCOMPARE(vertices.size(), 12U);
-        QCOMPARE(vertices.back().x, 2147483646000.0F);
+        const WaveformStrip vertices(samples, std::numeric_limits<int>::max(),
+                                     {.stepSize = 1000, .sampleRate = 1});
+        QCOMPARE(vertices.Size(), 12U);
+        QCOMPARE(vertices[vertices.Size() - 1].x, 2147483646000.0F);
     }
 
     void drawsSamplesThatAreNoNumbersAsSilence()
     {
         const QList<float> samples = {notANumber, infinity, -infinity, largest, -largest};
-        const auto vertices =
-            BuildVertices(samples, static_cast<int>(samples.size()), {.stepSize = 1, .sampleRate = 8000});
+        const WaveformStrip vertices(samples, static_cast<int>(samples.size()),
+                                     {.stepSize = 1, .sampleRate = 8000});
         QCOMPARE(vertices[0].y, 0.0F);
         QCOMPARE(vertices[1].y, 0.0F);
         QCOMPARE(vertices[2].y, 0.0F);
@@ -151,8 +152,8 @@ private Q_SLOTS:
         QFETCH(const int, rate);
         const SampleSpacing spacing = {.stepSize = 5, .sampleRate = rate};
         const QList<float> samples = {1.0F, 0.25F};
-        const auto vertices = BuildVertices(samples, 3, spacing);
-        QCOMPARE(vertices.size(), 3U);
+        const WaveformStrip vertices(samples, 3, spacing);
+        QCOMPARE(vertices.Size(), 3U);
         QCOMPARE(vertices[1].x, 0.0F);
         QCOMPARE(vertices[2].x, 0.0F);
         QCOMPARE(vertices[1].y, 0.25F);
@@ -219,16 +220,16 @@ private Q_SLOTS:
     {
         QFETCH(const float, left);
         QFETCH(const float, right);
-        const auto vertices = BuildVertices(QList<float>(10, 0.5F), 50, {.stepSize = 1, .sampleRate = 10});
-        QCOMPARE(vertices.size(), 12U);
+        const WaveformStrip vertices(QList<float>(10, 0.5F), 50, {.stepSize = 1, .sampleRate = 10});
+        QCOMPARE(vertices.Size(), 12U);
         QTEST(VisibleVertices(vertices, left, right), "range");
     }
 
     void anyRangeOfAnyStripStaysWithinIt()
     {
-        const std::vector<vantoraudio::vantor3D::Vertex::Pos2f> none;
+        const WaveformStrip none;
         QCOMPARE(VisibleVertices(none, 0.0F, 1.0F), (VertexRange{0, 0}));
-        const auto timeless = BuildVertices(QList<float>(5, 0.5F), 5, {.stepSize = 1, .sampleRate = 0});
+        const WaveformStrip timeless(QList<float>(5, 0.5F), 5, {.stepSize = 1, .sampleRate = 0});
         QCOMPARE(VisibleVertices(timeless, -1.0F, 1.0F), (VertexRange{0, 5}));
         for (const float left : {notANumber, -infinity, 0.0F, infinity}) {
             for (const float right : {notANumber, -infinity, 0.0F, infinity}) {
@@ -241,12 +242,12 @@ private Q_SLOTS:
     /** Late in a long file several vertices share a time in single precision. */
     void missesNoVertexThatRoundingMovedIntoView()
     {
-        const auto vertices =
-            BuildVertices(QList<float>(2'000'000, 0.5F), 2'000'000, {.stepSize = 100, .sampleRate = 48'000});
+        const WaveformStrip vertices(QList<float>(2'000'000, 0.5F), 2'000'000,
+                                     {.stepSize = 100, .sampleRate = 48'000});
         const float left = 4000.0F;
         const float right = 4000.05F;
         const VertexRange range = VisibleVertices(vertices, left, right);
-        for (std::size_t i = 0; i < vertices.size(); ++i) {
+        for (std::size_t i = 0; i < vertices.Size(); ++i) {
             const bool isDrawn = i >= range.first && i < range.first + range.count;
             const bool isVisible = vertices[i].x >= left && vertices[i].x <= right;
             if (isVisible && !isDrawn) {

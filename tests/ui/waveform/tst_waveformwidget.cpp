@@ -203,7 +203,7 @@ private Q_SLOTS:
         QCOMPARE(bench.widget.GetDelay(), 4.0);
         QCOMPARE(bench.diagram.GetTotalLength(), 104.0);
         bench.widget.UpdateAudioSampleBuffer({0.5F});
-        QVERIFY(!Access::Vertices(bench.diagram).empty());
+        QVERIFY(!Access::Vertices(bench.diagram).IsEmpty());
         bench.widget.Reset();
         QCOMPARE(Access::Duration(bench.diagram), 0.0);
     }

@@ -1,0 +1,79 @@
+/**
+ * What a user waits for in the player's window, measured inside the program and printed in milliseconds.
+ *
+ *   vantoraudio-window open WAV      from SetAudioFile() on a working copy that is there to the complete picture
+ *   vantoraudio-window gap WAV OUT   the longest time that the window is deaf while most of the file is exported
+ */
+#include <vantorAudioEngine/AudioPlayerWidget.h>
+
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QFileInfo>
+#include <QtCore/QTimer>
+#include <QtTest/QTest>
+#include <QtWidgets/QApplication>
+
+#include <algorithm>
+#include <cstdio>
+
+using namespace Qt::Literals::StringLiterals;
+using vantoraudio::vantorAudioEngine::UI::AudioPlayerWidget;
+
+namespace {
+
+/** Paints the picture of the samples that have just come, as the next turn of the event loop would. */
+void WaitForPicture(AudioPlayerWidget& player)
+{
+    while (player.IsReadingSamples()) {
+        QApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+    QApplication::processEvents();
+    player.grab();
+}
+
+double Open(AudioPlayerWidget& player, const QString& path)
+{
+    QElapsedTimer timer;
+    timer.start();
+    player.SetAudioFile(path);
+    WaitForPicture(player);
+    return static_cast<double>(timer.nsecsElapsed()) / 1e6;
+}
+
+double LongestGap(AudioPlayerWidget& player, const QString& outPath)
+{
+    player.SetSelectedSnippet({0.0, player.GetAudioDuration()});
+    QElapsedTimer sinceTick;
+    qint64 longest = 0;
+    QTimer ticks;
+    ticks.callOnTimeout([&] { longest = std::max(longest, sinceTick.nsecsElapsed()), sinceTick.start(); });
+    bool isDone = false;
+    QObject::connect(&player, &AudioPlayerWidget::CreateSnippetFinished, &player, [&] { isDone = true; });
+    sinceTick.start();
+    ticks.start(0);
+    player.CreateSnippet(outPath);
+    if (!QTest::qWaitFor([&] { return isDone; }, 600000)) {
+        return -1.0;
+    }
+    return static_cast<double>(longest) / 1e6;
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    qputenv("QT_MEDIA_BACKEND", "ffmpeg");
+    QApplication application(argc, argv);
+    const QStringList arguments = QApplication::arguments();
+    const QString path = arguments.value(2);
+    AudioPlayerWidget player;
+    // The file is its own working copy, so that no copying is measured.
+    player.SetWritableDirectoryPath(QFileInfo(path).path());
+    player.resize(1660, 420);
+    player.show();
+    if (!QTest::qWaitForWindowExposed(&player)) {
+        return 1;
+    }
+    const double opened = Open(player, path);
+    std::printf("%.1f\n", arguments.value(1) == u"gap"_s ? LongestGap(player, arguments.value(3)) : opened);
+    return 0;
+}

@@ -1,0 +1,135 @@
+#include "ui/waveform/SampleExtremes.h"
+
+#include "ui/waveform/WaveformVertices.h"
+
+#include <algorithm>
+#include <array>
+
+namespace vantoraudio::vantorAudioEngine::UI {
+namespace {
+
+/** `other` lies behind what was found so far: of equals the first one stays. */
+void Add(Extremes& found, const Extremes& other)
+{
+    if (other.low < found.low) {
+        found.low = other.low;
+        found.lowest = other.lowest;
+    }
+    if (other.high > found.high) {
+        found.high = other.high;
+        found.highest = other.highest;
+    }
+}
+
+void AddSamples(Extremes& found, std::span<const float> samples, std::size_t first, std::size_t last)
+{
+    for (std::size_t i = first; i < last; ++i) {
+        const float level = DrawnLevel(samples[i]);
+        Add(found, {.low = level, .high = level, .lowest = i, .highest = i});
+    }
+}
+
+void AddAll(Extremes& found, std::span<const Extremes> others)
+{
+    for (const Extremes& other : others) {
+        Add(found, other);
+    }
+}
+
+std::size_t Find(float level, std::span<const float> samples, std::size_t first)
+{
+    while (DrawnLevel(samples[first]) != level) {
+        ++first;
+    }
+    return first;
+}
+
+Extremes ExtremesOfBlock(std::span<const float> samples, std::size_t first, std::size_t last)
+{
+    // Side by side in lanes, which compilers turn into vector instructions; then where the values found stand.
+    constexpr std::size_t laneCount = 8;
+    std::array<float, laneCount> low{};
+    low.fill(DrawnLevel(samples[first]));
+    std::array<float, laneCount> high = low;
+    std::size_t i = first;
+    for (; i + laneCount <= last; i += laneCount) {
+        for (std::size_t lane = 0; lane < laneCount; ++lane) {
+            const float level = DrawnLevel(samples[i + lane]);
+            low[lane] = level < low[lane] ? level : low[lane];
+            high[lane] = level > high[lane] ? level : high[lane];
+        }
+    }
+    Extremes found{.low = std::ranges::min(low), .high = std::ranges::max(high)};
+    found.lowest = Find(found.low, samples, first);
+    found.highest = Find(found.high, samples, first);
+    AddSamples(found, samples, i, last);
+    return found;
+}
+
+std::vector<Extremes> BlocksOf(std::span<const float> samples)
+{
+    std::vector<Extremes> blocks;
+    blocks.reserve(samples.size() / SampleExtremes::BlockLength + 1);
+    for (std::size_t first = 0; first < samples.size(); first += SampleExtremes::BlockLength) {
+        blocks.push_back(
+            ExtremesOfBlock(samples, first, std::min(first + SampleExtremes::BlockLength, samples.size())));
+    }
+    return blocks;
+}
+
+std::vector<Extremes> GroupsOf(std::span<const Extremes> parts)
+{
+    std::vector<Extremes> groups;
+    for (std::size_t first = 0; first < parts.size(); first += SampleExtremes::GroupLength) {
+        Extremes group = parts[first];
+        AddAll(group, parts.subspan(first, std::min(SampleExtremes::GroupLength, parts.size() - first)));
+        groups.push_back(group);
+    }
+    return groups;
+}
+
+} // namespace
+
+SampleExtremes::SampleExtremes(std::span<const float> samples) : m_levels{BlocksOf(samples)}
+{
+    while (m_levels.back().size() > 1) {
+        m_levels.push_back(GroupsOf(m_levels.back()));
+    }
+}
+
+float SampleExtremes::Peak() const
+{
+    if (m_levels.empty() || m_levels.back().empty()) {
+        return 0.0F;
+    }
+    const Extremes& all = m_levels.back().front();
+    return std::max(-all.low, all.high);
+}
+
+Extremes SampleExtremes::Within(std::span<const float> samples, std::size_t first, std::size_t last) const
+{
+    const std::size_t firstBlock = (first + BlockLength - 1) / BlockLength;
+    const std::size_t lastBlock = std::max(firstBlock, last / BlockLength);
+    const float level = DrawnLevel(samples[first]);
+    Extremes found{.low = level, .high = level, .lowest = first, .highest = first};
+    AddSamples(found, samples, first, std::min(firstBlock * BlockLength, last));
+    AddGroups(found, 0, firstBlock, lastBlock);
+    AddSamples(found, samples, lastBlock * BlockLength, last);
+    return found;
+}
+
+void SampleExtremes::AddGroups(Extremes& found, std::size_t level, std::size_t first, std::size_t last) const
+{
+    const std::span<const Extremes> parts = m_levels[level];
+    const std::size_t firstGroup = (first + GroupLength - 1) / GroupLength;
+    const std::size_t lastGroup = last / GroupLength;
+    if (IsTop(level) || firstGroup >= lastGroup) {
+        AddAll(found, parts.subspan(first, last - first));
+        return;
+    }
+    AddAll(found, parts.subspan(first, firstGroup * GroupLength - first));
+    AddGroups(found, level + 1, firstGroup, lastGroup);
+    AddAll(found, parts.subspan(lastGroup * GroupLength, last - lastGroup * GroupLength));
+}
+
+} // namespace vantoraudio::vantorAudioEngine::UI
