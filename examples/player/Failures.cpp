@@ -1,4 +1,4 @@
-#include "OpenFailure.h"
+#include "Failures.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
@@ -8,7 +8,7 @@ namespace {
 
 QString Translate(const char* text)
 {
-    return QCoreApplication::translate("OpenFailure", text);
+    return QCoreApplication::translate("Failures", text);
 }
 
 QString WhyNotOpened(const QFileInfo& file)
@@ -36,24 +36,43 @@ QString Reason(const QString& path, WavFile::AudioEngineReturnValue result)
         return Translate("it has neither one nor two channels");
     case WavFile::ErrorReadFile:
         return Translate("it ends in the middle of its header");
+    case WavFile::ErrorWriteHeader:
+        return QFileInfo(path).isFile() && QFileInfo(path).isReadable()
+                   ? Translate("there is no room for a working copy of it")
+                   : WhyNotOpened(QFileInfo(path));
     default:
         return Translate("it cannot be read");
     }
 }
 
-QString Sentence(const QString& path, const QString& reason)
+QString Quoted(const char* sentence, const QString& path)
 {
-    return Translate("“%1” cannot be opened: %2.").arg(QDir::toNativeSeparators(path), reason);
+    return Translate(sentence).arg(QDir::toNativeSeparators(path));
 }
 
 } // namespace
 
 QString DescribeOpenFailure(const QString& path, WavFile::AudioEngineReturnValue result)
 {
-    return Sentence(path, Reason(path, result));
+    return Translate("“%1” cannot be opened: %2.").arg(QDir::toNativeSeparators(path), Reason(path, result));
 }
 
 QString DescribeSilentFile(const QString& path)
 {
-    return Sentence(path, Translate("it holds no audio"));
+    return Quoted("“%1” cannot be opened: it holds no audio.", path);
+}
+
+QString DescribeExportFailure(const QString& path)
+{
+    return Quoted("“%1” cannot be written: is there room, and may you write there?", path);
+}
+
+QString DescribeChannelFailure(const QString& path)
+{
+    return Quoted("The channel of “%1” cannot be prepared: is there room, and is the file still there?", path);
+}
+
+QString DescribeExistingFile(const QString& path)
+{
+    return Quoted("“%1” is there already: please choose another name.", path);
 }

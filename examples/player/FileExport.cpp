@@ -1,36 +1,24 @@
-#include "ExportBar.h"
+#include "FileExport.h"
 
 #include <QtConcurrent/QtConcurrentRun>
 #include <QtCore/QFileInfo>
 #include <QtCore/QThread>
-#include <QtWidgets/QHBoxLayout>
-#include <QtWidgets/QProgressBar>
-#include <QtWidgets/QPushButton>
 
 #include <chrono>
 
 using namespace std::chrono_literals;
 
-ExportBar::ExportBar(QWidget* parent) : QWidget(parent), m_progress(new QProgressBar(this))
+FileExport::FileExport(QObject* parent) : QObject(parent)
 {
-    m_progress->setRange(0, 100);
-    auto* cancel = new QPushButton(tr("Cancel"), this);
-    auto* layout = new QHBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(m_progress);
-    layout->addWidget(cancel);
-    hide();
-
-    connect(cancel, &QPushButton::clicked, this, &ExportBar::Cancel);
-    connect(&m_watcher, &QFutureWatcher<bool>::finished, this, &ExportBar::OnFinished);
+    connect(&m_watcher, &QFutureWatcher<bool>::finished, this, &FileExport::OnFinished);
     m_refresh.setInterval(50ms);
     m_refresh.callOnTimeout(this, [this] {
-        m_progress->setValue(m_percent);
+        Q_EMIT Progressed(m_percent, 0, 100, tr("Exporting"));
         AbortIfCancelled();
     });
 }
 
-ExportBar::~ExportBar()
+FileExport::~FileExport()
 {
     m_watcher.disconnect(this);
     Cancel();
@@ -43,12 +31,13 @@ ExportBar::~ExportBar()
     }
 }
 
-bool ExportBar::IsRunning() const
+bool FileExport::IsRunning() const
 {
     return m_isRunning;
 }
 
-void ExportBar::Start(const QString& sourcePath, WavFile::ChannelFormat channel, const QString& outPath, Task task)
+void FileExport::Start(const QString& sourcePath, WavFile::ChannelFormat channel, const QString& outPath,
+                       Task task)
 {
     m_source = std::make_unique<WavFile>();
     m_outPath = outPath;
@@ -64,10 +53,9 @@ void ExportBar::Start(const QString& sourcePath, WavFile::ChannelFormat channel,
         return source->Open(sourcePath) == WavFile::Success && task(*source);
     }));
     m_refresh.start();
-    show();
 }
 
-void ExportBar::Cancel()
+void FileExport::Cancel()
 {
     if (!IsRunning()) {
         return;
@@ -77,7 +65,7 @@ void ExportBar::Cancel()
 }
 
 /** A task that is still queued clears the flags when it starts, so they are set again and again. */
-void ExportBar::AbortIfCancelled()
+void FileExport::AbortIfCancelled()
 {
     if (m_isCancelled) {
         m_source->AbortWrite();
@@ -85,11 +73,10 @@ void ExportBar::AbortIfCancelled()
     }
 }
 
-void ExportBar::OnFinished()
+void FileExport::OnFinished()
 {
     m_isRunning = false;
     m_refresh.stop();
-    hide();
     if (m_isCancelled) {
         QFile::remove(m_outPath);
         Q_EMIT Cancelled(m_outPath);

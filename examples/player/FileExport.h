@@ -3,30 +3,25 @@
 #include <vantorAudioEngine/WavFile.h>
 
 #include <QtCore/QFutureWatcher>
+#include <QtCore/QObject>
 #include <QtCore/QTimer>
-#include <QtWidgets/QWidget>
 
 #include <atomic>
 #include <functional>
 #include <memory>
 
-class QProgressBar;
-
-/**
- * Writes one file at a time in the background and shows how far that is, with a button to cancel. Hidden while
- * there is nothing to do.
- */
-class ExportBar : public QWidget
+/** Writes one file at a time in the background, from a source of its own, beside whatever the player does. */
+class FileExport : public QObject
 {
     Q_OBJECT
 
 public:
-    /** Writes the file; false on failure. Runs on a worker thread, with a source of its own. */
+    /** Writes the file; false on failure. Runs on a worker thread. */
     using Task = std::function<bool(WavFile& source)>;
 
-    explicit ExportBar(QWidget* parent = nullptr);
+    explicit FileExport(QObject* parent = nullptr);
     /** Cancels and waits. */
-    ~ExportBar() override;
+    ~FileExport() override;
 
     bool IsRunning() const;
     /** Runs `task`, which writes `outPath`, on the file `sourcePath`. Not while another one runs. */
@@ -35,6 +30,7 @@ public:
     void Cancel();
 
 Q_SIGNALS:
+    void Progressed(int progress, int min, int max, const QString& text);
     void Saved(const QString& path);
     void Failed(const QString& path);
     void Cancelled(const QString& path);
@@ -50,5 +46,4 @@ private:
     bool m_isRunning = false;
     bool m_isCancelled = false;
     QTimer m_refresh;
-    QProgressBar* m_progress;
 };

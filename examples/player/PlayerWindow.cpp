@@ -1,27 +1,35 @@
 #include "PlayerWindow.h"
 
 #include "DeviceMenu.h"
-#include "OpenFailure.h"
+#include "Failures.h"
+#include "HostPlayer.h"
+#include "SettingsDialog.h"
+#include "TaskProgress.h"
 
+#include <vantorAudioEngine/BGFXWaveformWidget.h>
 #include <vantorAudioEngine/Decoder.h>
 
-#include <QtConcurrent/QtConcurrentRun>
+#include <QtCore/QDir>
 #include <QtCore/QFileInfo>
 #include <QtCore/QMimeData>
 #include <QtCore/QScopedValueRollback>
-#include <QtCore/QThread>
+#include <QtCore/QSettings>
+#include <QtCore/QTimer>
 #include <QtGui/QDragEnterEvent>
 #include <QtGui/QDropEvent>
 #include <QtWidgets/QFileDialog>
+#include <QtWidgets/QLabel>
 #include <QtWidgets/QMenuBar>
+#include <QtWidgets/QPushButton>
+#include <QtWidgets/QSlider>
 #include <QtWidgets/QStatusBar>
 #include <QtWidgets/QStyle>
-#include <QtWidgets/QToolBar>
-#include <QtWidgets/QToolButton>
 #include <QtWidgets/QVBoxLayout>
 
+#include <chrono>
 #include <cmath>
 
+using namespace std::chrono_literals;
 using namespace Qt::Literals::StringLiterals;
 using vantoraudio::vantorAudioEngine::UI::BGFXWaveformWidget;
 
@@ -38,24 +46,109 @@ QString LocalFileOf(const QMimeData* data)
     return urls.size() == 1 ? urls.first().toLocalFile() : QString();
 }
 
+QString NameOf(const QString& path)
+{
+    return QFileInfo(path).fileName();
+}
+
+/** The player reads such files as they are and decodes all others. */
+bool IsReadAsWav(const QString& path)
+{
+    return QFileInfo(path).completeSuffix() == u"wav"_s;
+}
+
 } // namespace
 
-PlayerWindow::PlayerWindow(QWidget* parent) : QMainWindow(parent)
+PlayerWindow::PlayerWindow(QWidget* parent)
+    : QMainWindow(parent), m_nextFolder(m_workingFolder.Next()), m_appearance(Appearance::Load())
 {
     setWindowTitle(tr("Player"));
     setAcceptDrops(true);
-    resize(1000, 420);
+    resize(1000, 480);
     BuildView();
-    BuildActions();
-    ConnectWaveform();
+    BuildMenus();
     ConnectPlayer();
-    connect(&m_extraction, &QFutureWatcher<void>::finished, this, &PlayerWindow::OnExtractionFinished);
-    ShowPosition(0.0);
+    RestoreState();
 }
 
 PlayerWindow::~PlayerWindow()
 {
-    StopExtraction();
+    m_player->Close();
+}
+
+void PlayerWindow::BuildView()
+{
+    m_player = new HostPlayer(this);
+    // The time fields are narrow for some systems' fonts.
+    m_player->setStyleSheet(u"#edCurrentPosition, #edTotalDuration { font-size: 8pt }"_s);
+    m_player->SetEditMode(true);
+    m_player->SetDecodeToFloat(true);
+    m_player->SetWritableDirectoryPath(m_nextFolder);
+    m_player->SetHint(tr("Wheel: scroll   Ctrl + wheel: zoom   Double click: whole file   Drag: select   "
+                         "Space: play and pause"));
+
+    m_failure = new QLabel(this);
+    m_failure->setObjectName("failure"_L1);
+    m_failure->setWordWrap(true);
+    m_failure->setMargin(8);
+    m_failure->setTextFormat(Qt::PlainText);
+    m_failure->setStyleSheet(u"background: #7a2e2e; color: white"_s);
+    m_failure->hide();
+
+    auto* content = new QWidget(this);
+    auto* layout = new QVBoxLayout(content);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(m_failure);
+    layout->addWidget(m_player, 1);
+    setCentralWidget(content);
+
+    m_selectionLabel = new QLabel(this);
+    m_progress = new TaskProgress(this);
+    statusBar()->addWidget(m_selectionLabel);
+    statusBar()->addPermanentWidget(m_progress);
+}
+
+void PlayerWindow::BuildMenus()
+{
+    QMenu* fileMenu = menuBar()->addMenu(tr("&File"));
+    fileMenu->addAction(style()->standardIcon(QStyle::SP_DialogOpenButton), tr("&Open…"), QKeySequence::Open, this,
+                        &PlayerWindow::AskForFile);
+    BuildExport(fileMenu);
+    fileMenu->addAction(tr("S&ettings…"), this, &PlayerWindow::AskForSettings);
+    fileMenu->addAction(tr("&Quit"), QKeySequence::Quit, this, &QWidget::close);
+
+    auto* devices = new DeviceMenu(this);
+    connect(devices, &DeviceMenu::DeviceChosen, m_player, &HostPlayer::SetAudioOutputDevice);
+    menuBar()->addMenu(devices);
+}
+
+void PlayerWindow::ConnectPlayer()
+{
+    connect(m_player, &HostPlayer::AudioFileChanged, this, &PlayerWindow::OnFileLoaded);
+    connect(m_player, &HostPlayer::Failed, this, &PlayerWindow::OnFailure);
+    connect(m_player, &HostPlayer::ProgressChanged, this, &PlayerWindow::OnProgress);
+    connect(m_player, &HostPlayer::BusyChanged, this, &PlayerWindow::OnBusyChanged);
+    connect(m_player, &HostPlayer::AudioPositionChanged, this, &PlayerWindow::PositionChanged);
+    connect(m_player, &HostPlayer::WaveFormSelectionChanged, this, &PlayerWindow::ShowWhatCanBeExported);
+    connect(m_player, &HostPlayer::SettingsButtonClicked, this, &PlayerWindow::AskForSettings);
+    connect(m_player, &HostPlayer::CreateSnippetFinished, this,
+            [this](const QString& path) { EndExport(tr("Saved “%1”.").arg(QDir::toNativeSeparators(path))); });
+}
+
+void PlayerWindow::RestoreState()
+{
+    const QSettings settings;
+    restoreGeometry(settings.value(u"geometry"_s).toByteArray());
+    m_player->SetAudioPlayBackVolume(settings.value(u"volume"_s, 99).toInt());
+    SetAppearance(m_appearance);
+}
+
+void PlayerWindow::SaveState() const
+{
+    QSettings settings;
+    settings.setValue(u"geometry"_s, saveGeometry());
+    settings.setValue(u"volume"_s, m_player->findChild<QSlider*>(u"hSliderVolume"_s)->value());
+    m_appearance.Save();
 }
 
 bool PlayerWindow::OpenFile(const QString& path)
@@ -65,63 +158,126 @@ bool PlayerWindow::OpenFile(const QString& path)
         return false;
     }
     const QScopedValueRollback loading(m_isLoading, true);
-    // A file of its own, so that one that cannot be read does not take the shown one away.
-    auto file = std::make_unique<WavFile>();
-    const WavFile::AudioEngineReturnValue result = Load(path, *file);
-    if (result != WavFile::Success) {
-        ShowFailure(DescribeOpenFailure(path, result));
-        return false;
-    }
-    if (!HoldsAudio(*file)) {
-        ShowFailure(DescribeSilentFile(path));
-        return false;
-    }
     HideFailure();
-    Adopt(std::move(file), path);
-    return true;
+    m_openingPath = QFileInfo(path).absoluteFilePath();
+    m_loadError.reset();
+    const bool isWav = IsReadAsWav(path);
+    const auto prepared = isWav ? PrepareWavFile(m_openingPath, m_nextFolder) : WavFile::Success;
+    if (prepared == WavFile::Success) {
+        statusBar()->showMessage(isWav ? QString() : tr("Decoding…"));
+        m_player->SetAudioFile(m_openingPath);
+        statusBar()->clearMessage();
+    } else if (FailureText().isEmpty()) {
+        ShowFailure(DescribeOpenFailure(path, prepared));
+    }
+    return prepared == WavFile::Success && !m_loadError;
 }
 
-/** WAV files are read as they are; everything else, also a WAV file of an unusual kind, is decoded first. */
-WavFile::AudioEngineReturnValue PlayerWindow::Load(const QString& path, WavFile& file)
+/**
+ * Looks into a WAV file before the player takes it, so that a bad one does not take the shown one away. One of a
+ * kind that the player does not read is decoded to where the player expects its working copy.
+ */
+WavFile::AudioEngineReturnValue PlayerWindow::PrepareWavFile(const QString& path, const QString& folder)
 {
+    WavFile file;
     const WavFile::AudioEngineReturnValue result = file.Open(path);
-    return result == WavFile::ErrorInvalidFormat || result == WavFile::ErrorReadFile ? Decode(path, file) : result;
+    if (result == WavFile::Success && !HoldsAudio(file)) {
+        ShowFailure(DescribeSilentFile(path));
+        return WavFile::ErrorInvalidFormat;
+    }
+    const bool mayBeDecoded = result == WavFile::ErrorInvalidFormat || result == WavFile::ErrorReadFile;
+    return mayBeDecoded ? Decoder::ConvertToFloat(path, folder + u'/' + NameOf(path), -1) : result;
 }
 
-WavFile::AudioEngineReturnValue PlayerWindow::Decode(const QString& path, WavFile& file)
+void PlayerWindow::OnFileLoaded()
 {
-    statusBar()->showMessage(tr("Decoding…"));
-    const QString decoded = m_decodedFiles.filePath(QString::number(++m_decodedCount) + u".wav"_s);
-    const WavFile::AudioEngineReturnValue result = Decoder::ConvertToFloat(path, decoded, -1);
-    statusBar()->clearMessage();
-    return result == WavFile::Success ? file.Open(decoded) : result;
+    HideFailure();
+    setWindowTitle(NameOf(m_player->GetOriginalAudioFilePath()));
+    m_nextFolder = m_workingFolder.Next();
+    m_player->SetWritableDirectoryPath(m_nextFolder);
+    m_player->setFocus();
+    ShowWhatCanBeExported();
+}
+
+void PlayerWindow::OnFailure(WavFile::AudioEngineReturnValue error)
+{
+    const QString shown = m_player->GetOriginalAudioFilePath();
+    if (m_isLoading) {
+        m_loadError = error;
+        ShowFailure(DescribeOpenFailure(m_openingPath, error));
+    } else if (!m_snippetPath.isEmpty()) {
+        ShowFailure(DescribeExportFailure(m_snippetPath));
+        EndExport(QString());
+    } else if (error == WavFile::ErrorFilterChannel || error == WavFile::Success) {
+        ShowFailure(DescribeChannelFailure(shown));
+    } else {
+        ShowFailure(DescribeOpenFailure(shown, error));
+    }
+    if (m_player->GetAudioFileName().isEmpty()) {
+        setWindowTitle(tr("Player"));
+    }
+    ShowWhatCanBeExported();
+}
+
+void PlayerWindow::OnProgress(int progress, int min, int max, const QString& text)
+{
+    m_progress->ShowProgress(progress, min, max, text);
+    // The last report of the waveform's samples may overtake the samples themselves.
+    QTimer::singleShot(0, this, &PlayerWindow::CheckPicture);
+}
+
+void PlayerWindow::OnBusyChanged(bool isBusy)
+{
+    m_progress->SetCancellable(isBusy && !m_snippetPath.isEmpty());
+    if (!isBusy) {
+        m_progress->End();
+    }
+    ShowWhatCanBeExported();
+}
+
+void PlayerWindow::CheckPicture()
+{
+    if (!IsPictureComplete()) {
+        // A task reports its end a moment before it has ended.
+        QTimer::singleShot(10ms, this, &PlayerWindow::CheckPicture);
+        return;
+    }
+    if (!m_player->IsBusy() && !m_export.IsRunning()) {
+        m_progress->End();
+    }
+    if (m_isSnippetWaiting) {
+        m_isSnippetWaiting = false;
+        m_player->CreateSnippet(m_snippetPath);
+    }
+    Q_EMIT PictureCompleted();
 }
 
 void PlayerWindow::Play()
 {
-    if (m_file && m_player.playbackState() != QMediaPlayer::PlayingState) {
-        m_player.PauseResume();
+    auto* button = m_player->findChild<QPushButton*>(u"btnPlayPause"_s);
+    if (!button->isChecked()) {
+        button->click();
     }
 }
 
 void PlayerWindow::ShowRange(double start, double end)
 {
-    m_waveform->OnSceneRectChangeRequested(QRectF(start, 0.0, end - start, 1.0));
+    Q_EMIT m_player->SceneRectChangeRequested(QRectF(start, 0.0, end - start, 1.0));
 }
 
 void PlayerWindow::SelectRange(double start, double end)
 {
-    m_waveform->SetSelectedSnippet({start, end});
+    m_player->SetSelectedSnippet({start, end});
 }
 
 bool PlayerWindow::IsPictureComplete() const
 {
-    return !m_extraction.isRunning();
+    return !m_player->IsReadingSamples();
 }
 
 double PlayerWindow::Duration() const
 {
-    return m_file ? m_file->GetDuration() : 0.0;
+    return m_player->GetAudioDuration();
 }
 
 QString PlayerWindow::FailureText() const
@@ -142,76 +298,12 @@ void PlayerWindow::dropEvent(QDropEvent* event)
     OpenFile(LocalFileOf(event->mimeData()));
 }
 
-void PlayerWindow::BuildView()
+void PlayerWindow::closeEvent(QCloseEvent* event)
 {
-    m_waveform = new BGFXWaveformWidget(this);
-    m_waveform->SetEditMode(true);
-
-    m_failure = new QLabel(this);
-    m_failure->setObjectName("failure"_L1);
-    m_failure->setWordWrap(true);
-    m_failure->setMargin(8);
-    m_failure->setTextFormat(Qt::PlainText);
-    m_failure->setStyleSheet(u"background: #7a2e2e; color: white"_s);
-    m_failure->hide();
-
-    auto* content = new QWidget(this);
-    auto* layout = new QVBoxLayout(content);
-    layout->setContentsMargins(0, 0, 0, 8);
-    layout->addWidget(m_failure);
-    layout->addWidget(m_waveform, 1);
-    setCentralWidget(content);
-
-    m_positionLabel = new QLabel(this);
-    m_selectionLabel = new QLabel(this);
-    statusBar()->addWidget(m_positionLabel);
-    statusBar()->addWidget(m_selectionLabel);
-    statusBar()->addPermanentWidget(
-        new QLabel(tr("Wheel: scroll   Ctrl + wheel: zoom   Double click: whole file   Drag: select"), this));
-}
-
-void PlayerWindow::BuildActions()
-{
-    QMenu* fileMenu = menuBar()->addMenu(tr("&File"));
-    QAction* open = fileMenu->addAction(style()->standardIcon(QStyle::SP_DialogOpenButton), tr("&Open…"),
-                                        QKeySequence::Open, this, &PlayerWindow::AskForFile);
-    BuildExport(fileMenu);
-    fileMenu->addAction(tr("&Quit"), QKeySequence::Quit, this, &QWidget::close);
-
-    QMenu* playbackMenu = menuBar()->addMenu(tr("&Playback"));
-    m_playAction = playbackMenu->addAction(style()->standardIcon(QStyle::SP_MediaPlay), tr("&Play"),
-                                           QKeySequence(Qt::Key_Space), &m_player, &AudioPlayer::PauseResume);
-    m_playAction->setEnabled(false);
-    m_loopAction = playbackMenu->addAction(style()->standardIcon(QStyle::SP_BrowserReload), tr("&Loop"));
-    m_loopAction->setShortcut(QKeySequence(Qt::Key_L));
-    m_loopAction->setCheckable(true);
-    connect(m_loopAction, &QAction::toggled, &m_player, &AudioPlayer::LoopPlayback);
-
-    auto* devices = new DeviceMenu(this);
-    connect(devices, &DeviceMenu::DeviceChosen, &m_player, &AudioPlayer::SetAudioOutputDevice);
-    playbackMenu->addMenu(devices);
-
-    QToolBar* toolBar = addToolBar(tr("Transport"));
-    toolBar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    toolBar->addActions({open, m_playAction, m_loopAction});
-    toolBar->addAction(devices->menuAction());
-    devices->menuAction()->setIcon(style()->standardIcon(QStyle::SP_MediaVolume));
-    if (auto* button = qobject_cast<QToolButton*>(toolBar->widgetForAction(devices->menuAction()))) {
-        button->setPopupMode(QToolButton::InstantPopup);
-    }
-}
-
-void PlayerWindow::ConnectWaveform()
-{
-    connect(m_waveform, &BGFXWaveformWidget::GetSamples, this, &PlayerWindow::StartExtraction);
-    connect(m_waveform, &BGFXWaveformWidget::AudioPositionChanged, this, &PlayerWindow::OnPositionClicked);
-    connect(m_waveform, &BGFXWaveformWidget::SelectionChanged, this, &PlayerWindow::OnSelectionChanged);
-}
-
-void PlayerWindow::ConnectPlayer()
-{
-    connect(&m_player, &QMediaPlayer::positionChanged, this, &PlayerWindow::OnPlayerPositionChanged);
-    connect(&m_player, &QMediaPlayer::playbackStateChanged, this, &PlayerWindow::OnPlaybackStateChanged);
+    SaveState();
+    m_export.Cancel();
+    m_player->Reset();
+    QMainWindow::closeEvent(event);
 }
 
 void PlayerWindow::AskForFile()
@@ -221,21 +313,6 @@ void PlayerWindow::AskForFile()
     if (!path.isEmpty()) {
         OpenFile(path);
     }
-}
-
-void PlayerWindow::Adopt(std::unique_ptr<WavFile> file, const QString& path)
-{
-    m_player.stop();
-    StopExtraction();
-    m_file = std::move(file);
-    m_file->SetSelectedChannel(WavFile::ChannelLeftRight);
-    m_waveform->Initilize(m_file->GetFileFormat(), m_file->GetDuration());
-    m_player.SetAudio(m_file->fileName(), m_file->GetDuration());
-    m_playAction->setEnabled(true);
-    m_shownPath = path;
-    setWindowTitle(QFileInfo(path).fileName());
-    ShowPosition(0.0);
-    ShowWhatCanBeExported();
 }
 
 void PlayerWindow::ShowFailure(const QString& sentence)
@@ -250,83 +327,16 @@ void PlayerWindow::HideFailure()
     m_failure->hide();
 }
 
-void PlayerWindow::StartExtraction(double startTime, double endTime, int stepSize)
+void PlayerWindow::AskForSettings()
 {
-    StopExtraction();
-    if (!m_file) {
-        return;
-    }
-    m_extraction.setFuture(QtConcurrent::run(
-        [file = m_file.get(), startTime, endTime, stepSize] { file->ReadData(startTime, endTime, stepSize); }));
+    SettingsDialog dialog(m_appearance, this);
+    connect(&dialog, &SettingsDialog::Changed, this, &PlayerWindow::SetAppearance);
+    dialog.exec();
+    m_appearance.Save();
 }
 
-void PlayerWindow::StopExtraction()
+void PlayerWindow::SetAppearance(const Appearance& appearance)
 {
-    // An extraction that is only queued would clear the abort flag when it starts, so it is asked again until it
-    // has ended.
-    while (m_extraction.isRunning()) {
-        m_file->AbortRead();
-        QThread::yieldCurrentThread();
-    }
-    // Forgets the ended extraction, whose values no longer fit what the view asked for.
-    m_extraction.setFuture(QFuture<void>());
-}
-
-void PlayerWindow::OnExtractionFinished()
-{
-    m_waveform->UpdateAudioSampleBuffer(m_file->GetSamples());
-    Q_EMIT PictureCompleted();
-}
-
-void PlayerWindow::OnPositionClicked(double seconds)
-{
-    if (m_hasSelection) {
-        m_hasSelection = false;
-        m_player.ClearSelection();
-        ShowWhatCanBeExported();
-        ShowSelection({0.0, 0.0});
-    }
-    m_player.setPosition(static_cast<qint64>(seconds * 1000.0));
-    ShowPosition(seconds);
-}
-
-void PlayerWindow::OnSelectionChanged(std::pair<double, double> selection)
-{
-    ShowSelection(selection);
-    m_hasSelection = selection.first < selection.second;
-    ShowWhatCanBeExported();
-    if (m_hasSelection) {
-        m_player.SetSelection(selection.first, selection.second);
-    }
-}
-
-void PlayerWindow::OnPlayerPositionChanged(qint64 milliseconds)
-{
-    const double seconds = static_cast<double>(milliseconds) / 1000.0;
-    m_waveform->SetAudioPosition(seconds);
-    ShowPosition(seconds);
-    Q_EMIT PositionChanged(seconds);
-}
-
-void PlayerWindow::OnPlaybackStateChanged(QMediaPlayer::PlaybackState state)
-{
-    const bool playing = state == QMediaPlayer::PlayingState;
-    m_playAction->setIcon(style()->standardIcon(playing ? QStyle::SP_MediaPause : QStyle::SP_MediaPlay));
-    m_playAction->setText(playing ? tr("&Pause") : tr("&Play"));
-}
-
-void PlayerWindow::ShowPosition(double seconds)
-{
-    m_positionLabel->setText(
-        tr("%1 of %2")
-            .arg(BGFXWaveformWidget::FormatToTime(seconds), BGFXWaveformWidget::FormatToTime(Duration())));
-}
-
-void PlayerWindow::ShowSelection(std::pair<double, double> selection)
-{
-    const bool empty = !(selection.first < selection.second);
-    m_selectionLabel->setText(empty ? QString()
-                                    : tr("Selected: %1 to %2")
-                                          .arg(BGFXWaveformWidget::FormatToTime(selection.first),
-                                               BGFXWaveformWidget::FormatToTime(selection.second)));
+    m_appearance = appearance;
+    m_appearance.ApplyTo(*m_player);
 }

@@ -1,19 +1,19 @@
 #pragma once
 
-#include <vantorAudioEngine/AudioPlayer.h>
-#include <vantorAudioEngine/BGFXWaveformWidget.h>
-#include <vantorAudioEngine/WavFile.h>
+#include "Appearance.h"
+#include "FileExport.h"
+#include "WorkingFolder.h"
 
-#include <QtCore/QFutureWatcher>
-#include <QtCore/QTemporaryDir>
-#include <QtWidgets/QLabel>
 #include <QtWidgets/QMainWindow>
 
 #include <functional>
-#include <memory>
-#include <utility>
+#include <optional>
 
-class ExportBar;
+class HostPlayer;
+class QAction;
+class QLabel;
+class QMenu;
+class TaskProgress;
 
 /** A small audio player: one file with its waveform, played whole or by the stretch that is selected in it. Parts
  *  of it can be written to new files. */
@@ -25,11 +25,10 @@ public:
     explicit PlayerWindow(QWidget* parent = nullptr);
     ~PlayerWindow() override;
 
-    /** Shows the file and makes it ready to play. When that fails, what was shown before stays and a sentence
-     *  above the waveform tells why. */
+    /** Shows the file and makes it ready to play. Otherwise a sentence above the waveform tells why not. */
     bool OpenFile(const QString& path);
     /** These write a new file in the background and end with ExportEnded(). An existing file is left alone. */
-    void ExportSelection(const QString& outPath, double start, double end);
+    void ExportSelection(const QString& outPath);
     void ExportChannel(const QString& outPath, WavFile::ChannelFormat channel);
     void ConvertFile(const QString& outPath, const QAudioFormat& format);
     void CancelExport();
@@ -38,11 +37,11 @@ public:
     void ShowRange(double start, double end);
     void SelectRange(double start, double end);
 
-    /** No extraction of samples is running: the picture is complete. */
+    /** No samples are being read: the picture is complete. */
     bool IsPictureComplete() const;
     /** Length of the open file in seconds, 0 without one. */
     double Duration() const;
-    /** The sentence of the last failed OpenFile(), empty after a successful one. */
+    /** The sentence of the last failure, empty when all went well since. */
     QString FailureText() const;
 
 Q_SIGNALS:
@@ -53,54 +52,52 @@ Q_SIGNALS:
 protected:
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
 
 private:
-    void BuildActions();
-    void BuildExport(QMenu* fileMenu);
     void BuildView();
-    void ConnectWaveform();
+    void BuildMenus();
+    void BuildExport(QMenu* fileMenu);
     void ConnectPlayer();
+    void RestoreState();
+    void SaveState() const;
 
     void AskForFile();
-    WavFile::AudioEngineReturnValue Load(const QString& path, WavFile& file);
-    WavFile::AudioEngineReturnValue Decode(const QString& path, WavFile& file);
-    void Adopt(std::unique_ptr<WavFile> file, const QString& path);
+    WavFile::AudioEngineReturnValue PrepareWavFile(const QString& path, const QString& folder);
+    void OnFileLoaded();
+    void OnFailure(WavFile::AudioEngineReturnValue error);
+    void OnProgress(int progress, int min, int max, const QString& text);
+    void OnBusyChanged(bool isBusy);
+    void CheckPicture();
+
     void ShowFailure(const QString& sentence);
     void HideFailure();
 
-    void StartExport(const QString& outPath, WavFile::ChannelFormat channel, std::function<bool(WavFile&)> task);
+    bool CanExportTo(const QString& outPath);
+    void StartExport(const QString& outPath, WavFile::ChannelFormat channel, FileExport::Task task);
+    void EndExport(const QString& message);
     QString AskForOutput(const QString& what);
     void ShowWhatCanBeExported();
 
-    void StartExtraction(double startTime, double endTime, int stepSize);
-    void StopExtraction();
-    void OnExtractionFinished();
+    void AskForSettings();
+    void SetAppearance(const Appearance& appearance);
 
-    void OnPositionClicked(double seconds);
-    void OnSelectionChanged(std::pair<double, double> selection);
-    void OnPlayerPositionChanged(qint64 milliseconds);
-    void OnPlaybackStateChanged(QMediaPlayer::PlaybackState state);
-    void ShowPosition(double seconds);
-    void ShowSelection(std::pair<double, double> selection);
-
-    /** Holds decoded copies of compressed files. */
-    QTemporaryDir m_decodedFiles;
-    int m_decodedCount = 0;
-    bool m_isLoading = false;
-    QString m_shownPath;
-    std::unique_ptr<WavFile> m_file;
-    QFutureWatcher<void> m_extraction;
-    AudioPlayer m_player;
-    bool m_hasSelection = false;
-
-    vantoraudio::vantorAudioEngine::UI::BGFXWaveformWidget* m_waveform = nullptr;
+    WorkingFolder m_workingFolder;
+    QString m_nextFolder;
+    Appearance m_appearance;
+    HostPlayer* m_player = nullptr;
     QLabel* m_failure = nullptr;
-    QLabel* m_positionLabel = nullptr;
     QLabel* m_selectionLabel = nullptr;
-    QAction* m_playAction = nullptr;
-    QAction* m_loopAction = nullptr;
+    TaskProgress* m_progress = nullptr;
+    FileExport m_export;
 
-    ExportBar* m_exportBar = nullptr;
+    bool m_isLoading = false;
+    QString m_openingPath;
+    std::optional<WavFile::AudioEngineReturnValue> m_loadError;
+    /** The selection goes there; it waits while the waveform is being read. */
+    QString m_snippetPath;
+    bool m_isSnippetWaiting = false;
+
     QMenu* m_exportMenu = nullptr;
     QAction* m_selectionAction = nullptr;
     QAction* m_leftAction = nullptr;

@@ -1,13 +1,17 @@
-#include "ExportBar.h"
+#include "Failures.h"
+#include "HostPlayer.h"
 #include "PlayerWindow.h"
+#include "TaskProgress.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
 #include <QtWidgets/QFileDialog>
+#include <QtWidgets/QLabel>
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QStatusBar>
 
 #include <array>
+#include <utility>
 
 namespace {
 
@@ -39,30 +43,19 @@ QAudioFormat FormatOf(const Target& target)
 
 void PlayerWindow::BuildExport(QMenu* fileMenu)
 {
-    m_exportBar = new ExportBar(this);
-    statusBar()->addPermanentWidget(m_exportBar);
-    const auto quoted = [](const QString& path) { return QDir::toNativeSeparators(path); };
-    connect(m_exportBar, &ExportBar::Saved, this, [this, quoted](const QString& path) {
-        statusBar()->showMessage(tr("Saved “%1”.").arg(quoted(path)), 5000);
-        ShowWhatCanBeExported();
-        Q_EMIT ExportEnded();
+    connect(&m_export, &FileExport::Progressed, m_progress, &TaskProgress::ShowProgress);
+    connect(&m_export, &FileExport::Saved, this,
+            [this](const QString& path) { EndExport(tr("Saved “%1”.").arg(QDir::toNativeSeparators(path))); });
+    connect(&m_export, &FileExport::Failed, this, [this](const QString& path) {
+        ShowFailure(DescribeExportFailure(path));
+        EndExport(QString());
     });
-    connect(m_exportBar, &ExportBar::Failed, this, [this, quoted](const QString& path) {
-        ShowFailure(tr("“%1” cannot be written: is there room, and may you write there?").arg(quoted(path)));
-        ShowWhatCanBeExported();
-        Q_EMIT ExportEnded();
-    });
-    connect(m_exportBar, &ExportBar::Cancelled, this, [this] {
-        statusBar()->showMessage(tr("Cancelled."), 5000);
-        ShowWhatCanBeExported();
-        Q_EMIT ExportEnded();
-    });
+    connect(&m_export, &FileExport::Cancelled, this, [this] { EndExport(tr("Cancelled.")); });
+    connect(m_progress, &TaskProgress::CancelRequested, this, &PlayerWindow::CancelExport);
 
     m_exportMenu = fileMenu->addMenu(tr("&Export"));
-    m_selectionAction = m_exportMenu->addAction(tr("&Selection…"), this, [this] {
-        const auto [start, end] = m_waveform->GetSelectedSnippet();
-        ExportSelection(AskForOutput(tr("selection")), start, end);
-    });
+    m_selectionAction = m_exportMenu->addAction(tr("&Selection…"), QKeySequence::Save, this,
+                                                [this] { ExportSelection(AskForOutput(tr("selection"))); });
     m_leftAction = m_exportMenu->addAction(
         tr("&Left channel…"), this, [this] { ExportChannel(AskForOutput(tr("left")), WavFile::ChannelLeft); });
     m_rightAction = m_exportMenu->addAction(
@@ -76,10 +69,19 @@ void PlayerWindow::BuildExport(QMenu* fileMenu)
     ShowWhatCanBeExported();
 }
 
-void PlayerWindow::ExportSelection(const QString& outPath, double start, double end)
+void PlayerWindow::ExportSelection(const QString& outPath)
 {
-    StartExport(outPath, WavFile::ChannelLeftRight,
-                [=](WavFile& source) { return source.CreateSnippet(outPath, start, end) == WavFile::Success; });
+    if (!CanExportTo(outPath)) {
+        return;
+    }
+    HideFailure();
+    m_snippetPath = outPath;
+    // The player drops a request that comes while it reads the waveform.
+    m_isSnippetWaiting = m_player->IsReadingSamples();
+    if (!m_isSnippetWaiting) {
+        m_player->CreateSnippet(outPath);
+    }
+    ShowWhatCanBeExported();
 }
 
 void PlayerWindow::ExportChannel(const QString& outPath, WavFile::ChannelFormat channel)
@@ -96,29 +98,56 @@ void PlayerWindow::ConvertFile(const QString& outPath, const QAudioFormat& forma
 
 void PlayerWindow::CancelExport()
 {
-    m_exportBar->Cancel();
+    m_export.Cancel();
+    if (m_snippetPath.isEmpty()) {
+        return;
+    }
+    m_isSnippetWaiting = false;
+    m_player->CancelSnippet();
+    // One that is complete already is still announced.
+    if (!m_player->IsBusy()) {
+        EndExport(tr("Cancelled."));
+    }
 }
 
-void PlayerWindow::StartExport(const QString& outPath, WavFile::ChannelFormat channel,
-                               std::function<bool(WavFile&)> task)
+bool PlayerWindow::CanExportTo(const QString& outPath)
 {
-    if (outPath.isEmpty() || !m_file || m_exportBar->IsRunning()) {
-        return;
+    if (outPath.isEmpty() || m_player->GetAudioFileName().isEmpty() || m_export.IsRunning() ||
+        !m_snippetPath.isEmpty()) {
+        return false;
     }
     // The library leaves existing channel files alone and would call that a success.
     if (QFileInfo::exists(outPath)) {
-        ShowFailure(
-            tr("“%1” is there already: please choose another name.").arg(QDir::toNativeSeparators(outPath)));
+        ShowFailure(DescribeExistingFile(outPath));
+        return false;
+    }
+    return true;
+}
+
+void PlayerWindow::StartExport(const QString& outPath, WavFile::ChannelFormat channel, FileExport::Task task)
+{
+    if (!CanExportTo(outPath)) {
         return;
     }
     HideFailure();
-    m_exportBar->Start(m_file->fileName(), channel, outPath, std::move(task));
+    m_export.Start(m_player->GetAudioFileName(), channel, outPath, std::move(task));
+    m_progress->SetCancellable(true);
     ShowWhatCanBeExported();
+}
+
+void PlayerWindow::EndExport(const QString& message)
+{
+    m_snippetPath.clear();
+    m_progress->SetCancellable(false);
+    m_progress->End();
+    statusBar()->showMessage(message, 5000);
+    ShowWhatCanBeExported();
+    Q_EMIT ExportEnded();
 }
 
 QString PlayerWindow::AskForOutput(const QString& what)
 {
-    const QFileInfo shown(m_shownPath);
+    const QFileInfo shown(m_player->GetOriginalAudioFilePath());
     const QString proposal = shown.path() + u'/' + shown.completeBaseName() + u' ' + what + QStringLiteral(".wav");
     return QFileDialog::getSaveFileName(this, tr("Export"), proposal, tr("WAV files (*.wav)"), nullptr,
                                         QFileDialog::DontConfirmOverwrite);
@@ -126,9 +155,13 @@ QString PlayerWindow::AskForOutput(const QString& what)
 
 void PlayerWindow::ShowWhatCanBeExported()
 {
-    const bool isStereo = m_file && m_file->GetFileFormat().channelCount() == 2;
-    m_exportMenu->setEnabled(m_file && !m_exportBar->IsRunning());
-    m_selectionAction->setEnabled(m_hasSelection);
+    const bool isLoaded = !m_player->GetAudioFileName().isEmpty();
+    const bool isStereo = isLoaded && m_player->GetAudioFileFormat().channelCount() == 2;
+    const auto [start, end] = m_player->GetSelectedSnippet();
+    const bool hasSelection = isLoaded && start < end;
+    m_exportMenu->setEnabled(isLoaded && !m_export.IsRunning() && m_snippetPath.isEmpty());
+    m_selectionAction->setEnabled(hasSelection);
     m_leftAction->setEnabled(isStereo);
     m_rightAction->setEnabled(isStereo);
+    m_selectionLabel->setText(hasSelection ? tr("Selected: %1 s").arg(end - start, 0, 'f', 3) : QString());
 }

@@ -70,7 +70,7 @@ Options ParseOptions(const QCoreApplication& application)
 {
     const auto tr = [](const char* text) { return QCoreApplication::translate("main", text); };
     QCommandLineParser parser;
-    parser.setApplicationDescription(tr("Shows and plays a WAV file."));
+    parser.setApplicationDescription(tr("Shows and plays an audio file."));
     parser.addHelpOption();
     parser.addVersionOption();
     const QCommandLineOption play(u"play"_s, tr("Start playing at once."));
@@ -105,6 +105,7 @@ int main(int argc, char* argv[])
 {
     ChooseMediaBackend();
     QApplication application(argc, argv);
+    QApplication::setOrganizationName(u"vantoraudio"_s);
     QApplication::setApplicationName(u"vantoraudio-player"_s);
     QApplication::setApplicationVersion(vantoraudio::AudioEngine::libVersionString());
     // The waveform tells of each of its frames there, which helps its developers and nobody else.

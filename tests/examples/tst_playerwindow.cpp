@@ -1,20 +1,36 @@
+#include "HostPlayer.h"
 #include "PlayerWindow.h"
 #include "ScreenshotJob.h"
+#include "SettingsDialog.h"
 
+#include <vantorAudioEngine/BGFXWaveformWidget.h>
+
+#include <QtCore/QDir>
+#include <QtCore/QDirIterator>
 #include <QtCore/QFile>
 #include <QtCore/QMimeData>
 #include <QtCore/QProcess>
+#include <QtCore/QSemaphore>
+#include <QtCore/QStandardPaths>
 #include <QtCore/QTemporaryDir>
+#include <QtCore/QThreadPool>
+#include <QtCore/QTimer>
 #include <QtGui/QAction>
 #include <QtGui/QDropEvent>
 #include <QtGui/QImage>
 #include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QCheckBox>
+#include <QtWidgets/QComboBox>
+#include <QtWidgets/QDialogButtonBox>
 #include <QtWidgets/QLabel>
+#include <QtWidgets/QPushButton>
+#include <QtWidgets/QSlider>
 
 #include <cmath>
 #include <functional>
+#include <memory>
 
 using namespace Qt::Literals::StringLiterals;
 using vantoraudio::vantorAudioEngine::UI::BGFXWaveformWidget;
@@ -39,14 +55,15 @@ QWidget* DiagramOf(PlayerWindow& window)
     return window.findChild<QWidget*>(u"BGFXWaveformDiagramWidget"_s);
 }
 
-QAction* ActionNamed(PlayerWindow& window, const QString& text)
+template<typename Widget>
+Widget* ChildNamed(QWidget& window, const QString& name)
 {
-    for (QAction* action : window.findChildren<QAction*>()) {
-        if (action->text() == text) {
-            return action;
-        }
-    }
-    return nullptr;
+    return window.findChild<Widget*>(name);
+}
+
+HostPlayer* PlayerOf(PlayerWindow& window)
+{
+    return window.findChild<HostPlayer*>();
 }
 
 void Drop(QWidget& target, const QList<QUrl>& urls)
@@ -61,6 +78,26 @@ void Drop(QWidget& target, const QList<QUrl>& urls)
         QApplication::sendEvent(&target, &event);
     }
 }
+
+/** Keeps every thread of the global pool busy, so that what is started meanwhile waits for its turn. */
+class BusyPool
+{
+public:
+    BusyPool()
+    {
+        for (int i = 0; i < m_threads; ++i) {
+            QThreadPool::globalInstance()->start([gate = m_gate] { gate->acquire(); });
+        }
+    }
+    ~BusyPool() { Release(); }
+    Q_DISABLE_COPY_MOVE(BusyPool)
+
+    void Release() const { m_gate->release(m_threads); }
+
+private:
+    const int m_threads = QThreadPool::globalInstance()->maxThreadCount();
+    const std::shared_ptr<QSemaphore> m_gate = std::make_shared<QSemaphore>();
+};
 
 struct Outcome
 {
@@ -220,7 +257,8 @@ private Q_SLOTS:
         QTest::addColumn<Export>("byHost");
         QTest::addColumn<Direct>("directly");
         QTest::addRow("selection") << Export([](PlayerWindow& window, const QString& path) {
-            window.ExportSelection(path, 1.0, 2.5);
+            window.SelectRange(1.0, 2.5);
+            window.ExportSelection(path);
         }) << Direct([](WavFile& file, const QString& path) { file.CreateSnippet(path, 1.0, 2.5); });
         QTest::addRow("left channel") << Export([](PlayerWindow& window, const QString& path) {
             window.ExportChannel(path, WavFile::ChannelLeft);
@@ -270,7 +308,7 @@ private Q_SLOTS:
         dear.close();
         PlayerWindow window;
         QVERIFY(OpenCompletely(window, Recording));
-        window.ExportSelection(path, 1.0, 2.0);
+        window.ExportSelection(path);
         QCOMPARE(window.FailureText(), u"“%1” is there already: please choose another name."_s.arg(path));
         QVERIFY(dear.open(QIODevice::ReadOnly));
         QCOMPARE(dear.readAll(), "dear");
@@ -300,20 +338,140 @@ private Q_SLOTS:
         QVERIFY(!QFile::exists(path));
     }
 
+    void removesWhatACancelledSelectionWrote()
+    {
+        QTemporaryDir folder;
+        const QString path = folder.filePath(u"selection.wav"_s);
+        PlayerWindow window;
+        QVERIFY(OpenCompletely(window, Recording));
+        window.SelectRange(1.0, 16.0);
+        QSignalSpy ended(&window, &PlayerWindow::ExportEnded);
+        const BusyPool busy;
+        window.ExportSelection(path);
+        QVERIFY(PlayerOf(window)->IsBusy());
+        window.CancelExport();
+        QCOMPARE(ended.size(), 1);
+        QVERIFY(!PlayerOf(window)->IsBusy());
+        QVERIFY(!QFile::exists(path));
+    }
+
+    void anExportWaitsForTheWaveform()
+    {
+        QTemporaryDir folder;
+        const QString path = folder.filePath(u"selection.wav"_s);
+        PlayerWindow window;
+        const BusyPool busy;
+        QVERIFY(window.OpenFile(Recording));
+        QVERIFY(!window.IsPictureComplete());
+        window.SelectRange(1.0, 2.0);
+        QSignalSpy ended(&window, &PlayerWindow::ExportEnded);
+        window.ExportSelection(path);
+        QVERIFY(!PlayerOf(window)->IsBusy());
+        busy.Release();
+        QVERIFY(!ended.isEmpty() || ended.wait(20000));
+        QVERIFY(QFile::exists(path));
+    }
+
     void playsAndPauses()
     {
         PlayerWindow window;
         window.show();
         QVERIFY(OpenCompletely(window, Recording));
-        QAction* play = ActionNamed(window, u"&Play"_s);
+        auto* play = ChildNamed<QPushButton>(window, u"btnPlayPause"_s);
         QVERIFY(play && play->isEnabled());
         QSignalSpy positions(&window, &PlayerWindow::PositionChanged);
-        play->trigger();
+        QTest::mouseClick(play, Qt::LeftButton);
         QTRY_VERIFY_WITH_TIMEOUT(!positions.isEmpty() && positions.last().first().toDouble() > 0.3, 15000);
-        QCOMPARE(play->text(), u"&Pause"_s);
+        QVERIFY(play->isChecked());
         QVERIFY(WaveformOf(window)->GetAudioPosition() > 0.0);
-        play->trigger();
-        QCOMPARE(play->text(), u"&Play"_s);
+        QTest::keyClick(PlayerOf(window), Qt::Key_Space);
+        QTRY_VERIFY(!play->isChecked());
+    }
+
+    void everyFileIsReadAnew()
+    {
+        QTemporaryDir folder;
+        const QString path = folder.filePath(u"take.wav"_s);
+        QVERIFY(QFile::copy(Recording, path));
+        PlayerWindow window;
+        QVERIFY(OpenCompletely(window, path));
+        const double duration = window.Duration();
+        WavFile source;
+        QCOMPARE(source.Open(Recording), WavFile::Success);
+        QVERIFY(QFile::remove(path));
+        QCOMPARE(source.CreateSnippet(path, 0.0, 2.0), WavFile::Success);
+        QVERIFY(OpenCompletely(window, path));
+        QVERIFY(window.Duration() < 2.1 && duration > 17.0);
+    }
+
+    void leavesNothingInTheCache()
+    {
+        const QDir cache(QStandardPaths::writableLocation(QStandardPaths::CacheLocation));
+        QString copy;
+        {
+            PlayerWindow window;
+            QVERIFY(OpenCompletely(window, Recording));
+            copy = PlayerOf(window)->GetAudioFileName();
+            QVERIFY(QFile::exists(copy));
+            QVERIFY(copy.startsWith(cache.path()));
+        }
+        QVERIFY(!QFile::exists(copy));
+        QCOMPARE(cache.entryList({u"player-*"_s}, QDir::Dirs), QStringList());
+    }
+
+    void remembersWindowVolumeAndAppearance()
+    {
+        {
+            PlayerWindow window;
+            window.resize(913, 517);
+            ChildNamed<QSlider>(window, u"hSliderVolume"_s)->setValue(41);
+            window.show();
+            QVERIFY(QTest::qWaitForWindowExposed(&window));
+            window.close();
+        }
+        PlayerWindow again;
+        QCOMPARE(again.size(), QSize(913, 517));
+        QCOMPARE(ChildNamed<QSlider>(again, u"hSliderVolume"_s)->value(), 41);
+    }
+
+    void theSettingsButtonOpensColoursAndScrollDirection()
+    {
+        PlayerWindow window;
+        window.show();
+        QVERIFY(OpenCompletely(window, Recording));
+        QList<QRgb> backgrounds;
+        const auto chooseDark = [&] {
+            auto* dialog = qobject_cast<SettingsDialog*>(QApplication::activeModalWidget());
+            QVERIFY(dialog);
+            for (const int theme : {1, 2}) {
+                ChildNamed<QComboBox>(*dialog, u"theme"_s)->setCurrentIndex(theme);
+                backgrounds.append(DiagramOf(window)->grab().toImage().pixel(3, 3));
+            }
+            ChildNamed<QCheckBox>(*dialog, u"scroll"_s)->setChecked(false);
+            dialog->accept();
+        };
+        QTimer::singleShot(0, &window, chooseDark);
+        QTest::mouseClick(ChildNamed<QPushButton>(window, u"btnSettings"_s), Qt::LeftButton);
+        QCOMPARE(backgrounds, QList<QRgb>({0xfffafafa, 0xff1c1c1c}));
+        const Appearance kept = Appearance::Load();
+        QCOMPARE(kept.theme, Appearance::Theme::Dark);
+        QCOMPARE(kept.scrollBackToZoomOut, false);
+        Appearance().Save();
+    }
+
+    void cancellingTheSettingsTakesThemBack()
+    {
+        PlayerWindow window;
+        const auto tryAndCancel = [] {
+            auto* dialog = qobject_cast<SettingsDialog*>(QApplication::activeModalWidget());
+            QVERIFY(dialog);
+            ChildNamed<QComboBox>(*dialog, u"theme"_s)->setCurrentIndex(2);
+            QTest::mouseClick(dialog->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Cancel),
+                              Qt::LeftButton);
+        };
+        QTimer::singleShot(0, &window, tryAndCancel);
+        QTest::mouseClick(ChildNamed<QPushButton>(window, u"btnSettings"_s), Qt::LeftButton);
+        QCOMPARE(Appearance::Load().theme, Appearance::Theme::System);
     }
 
     void aClickInTheWaveformMovesThePosition()
@@ -383,6 +541,22 @@ private Q_SLOTS:
                  qPrintable(outcome.message));
     }
 
+    void theMinimalProgramOpensItsFile()
+    {
+        QProcess program;
+        program.start(QStringLiteral(VANTOR_MINIMAL), {Recording});
+        QVERIFY(program.waitForStarted());
+        const auto copies = [] {
+            QDirIterator it(QDir::tempPath(), {u"welcome.wav"_s}, QDir::Files, QDirIterator::Subdirectories);
+            return it.hasNext();
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(copies(), 20000);
+        QCOMPARE(program.state(), QProcess::Running);
+        program.terminate();
+        QVERIFY(program.waitForFinished(10000));
+        QCOMPARE(QString::fromUtf8(program.readAllStandardError()).contains(u"ERROR"_s), false);
+    }
+
     void theProgramRefusesARangeThatIsNone()
     {
         const Outcome outcome = RunPlayer({u"--view"_s, u"6-1"_s, Recording});
@@ -391,5 +565,17 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(PlayerWindowTest)
+int main(int argc, char* argv[])
+{
+    // The user's own settings and cache are none of a test's business; programs that it starts inherit this.
+    const QTemporaryDir home;
+    for (const char* name : {"XDG_CACHE_HOME", "XDG_CONFIG_HOME", "TMPDIR"}) {
+        qputenv(name, home.path().toLocal8Bit());
+    }
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(u"vantoraudio-player"_s);
+    PlayerWindowTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
 #include "tst_playerwindow.moc"

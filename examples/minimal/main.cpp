@@ -1,0 +1,27 @@
+/** The least that embedding needs: shows, plays and edits the file that the command line names. */
+#include <vantorAudioEngine/AudioPlayerWidget.h>
+
+#include <QtCore/QTemporaryDir>
+#include <QtWidgets/QApplication>
+
+using vantoraudio::vantorAudioEngine::UI::AudioPlayerWidget;
+
+int main(int argc, char* argv[])
+{
+    if (!qEnvironmentVariableIsSet("QT_MEDIA_BACKEND")) {
+        qputenv("QT_MEDIA_BACKEND", "ffmpeg"); // Qt before 6.5 would choose one that needs further plug-ins.
+    }
+    QApplication application(argc, argv);
+    const QTemporaryDir workingCopies;
+
+    AudioPlayerWidget player;
+    player.SetWritableDirectoryPath(workingCopies.path());
+    player.SetEditMode(true);
+    player.resize(1000, 400);
+    player.show();
+    player.SetAudioFile(QApplication::arguments().value(1));
+
+    const int exitCode = QApplication::exec();
+    player.Close();
+    return exitCode;
+}

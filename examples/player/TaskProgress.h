@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QtCore/QTimer>
+#include <QtWidgets/QWidget>
+
+class QProgressBar;
+class QPushButton;
+
+/** A progress bar for the status bar with a button to cancel. It shows itself for tasks that take a while only. */
+class TaskProgress : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit TaskProgress(QWidget* parent = nullptr);
+
+    void ShowProgress(int progress, int min, int max, const QString& text);
+    /** Whether there is something that the button can stop. */
+    void SetCancellable(bool isCancellable);
+    void End();
+
+Q_SIGNALS:
+    void CancelRequested();
+
+private:
+    QProgressBar* m_bar;
+    QPushButton* m_cancel;
+    QTimer m_delay;
+};

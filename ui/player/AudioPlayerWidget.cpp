@@ -1,0 +1,320 @@
+#include "ui/player/Background.h"
+#include "ui/player/Controls.h"
+#include "ui/player/ForgottenFuture.h"
+#include "ui/player/GuardedSignalBlocker.h"
+#include "ui/player/TimeText.h"
+
+#include <vantorAudioEngine/AudioPlayer.h>
+#include <vantorAudioEngine/AudioPlayerWidget.h>
+#include <vantorAudioEngine/BGFXWaveformWidget.h>
+#include <vantorAudioEngine/Decoder.h>
+
+#include <QtCore/QDir>
+#include <QtCore/QFileInfo>
+#include <QtCore/QPointer>
+#include <QtGui/QRegularExpressionValidator>
+#include <QtWidgets/QComboBox>
+#include <QtWidgets/QFrame>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QPushButton>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace vantoraudio::vantorAudioEngine::UI {
+namespace {
+
+constexpr int decodedSampleRate = 96000;
+
+/** The copy of a write-protected file is write-protected, too, and nothing could be decoded over it. */
+void MakeWritable(const QString& path)
+{
+    QFile::setPermissions(path, QFile::permissions(path) | QFile::WriteOwner);
+}
+
+bool CopyOver(const QString& path, const QString& workingPath)
+{
+    // Copying from a pipe would wait for its other end.
+    const bool isCopied = QFileInfo(path).isFile() && QFile::copy(path, workingPath);
+    if (isCopied) {
+        MakeWritable(workingPath);
+    }
+    return isCopied;
+}
+
+/** A copy that is there already is used as it is, whatever the file has become since. */
+bool ProvideWorkingCopy(const QString& path, const QString& workingPath)
+{
+    return QFile::exists(workingPath) || CopyOver(path, workingPath);
+}
+
+/** Everything after the first dot counts, and its case, so that take.WAV and a.b.wav are decoded, too. */
+bool IsWavName(const QString& path)
+{
+    return QFileInfo(path).completeSuffix() == u"wav"_s;
+}
+
+} // namespace
+
+AudioPlayerWidget::AudioPlayerWidget(QWidget* parent)
+    : QWidget(parent), m_controls(std::make_unique<Controls>()), m_background(std::make_unique<Background>())
+{
+    SetupUi();
+    ConnectSignals();
+    setFocusPolicy(Qt::StrongFocus);
+}
+
+AudioPlayerWidget::~AudioPlayerWidget() = default;
+
+void AudioPlayerWidget::SetAudioFile(const QString& path)
+{
+    if (path.isEmpty()) {
+        Reset();
+        return;
+    }
+    // Decoding runs an event loop, in which this widget may be destroyed.
+    const GuardedSignalBlocker blocker(m_controls->edTotalDuration);
+    const QString workingPath = WorkingPathOf(path);
+    if (!ProvideWorkingCopy(path, workingPath)) {
+        // The code of a header that cannot be written stands for every failed copy; hosts know it as that.
+        ErrorHandler(WavFile::ErrorWriteHeader);
+        return;
+    }
+    m_originalAudioFilePath = path;
+    if (File().fileName() != workingPath) {
+        Reset();
+    }
+    if (File().isOpen() || workingPath.isEmpty()) {
+        return;
+    }
+    const QPointer<AudioPlayerWidget> self(this);
+    const int load = ++m_loadCount;
+    const WavFile::AudioEngineReturnValue result = IsWavName(path) ? WavFile::Success : Decode(path, workingPath);
+    if (!self || load != m_loadCount) {
+        return;
+    }
+    OpenWorkingFile(result, workingPath);
+}
+
+WavFile::AudioEngineReturnValue AudioPlayerWidget::Decode(const QString& path, const QString& workingPath) const
+{
+    return m_decodesToFloat ? Decoder::ConvertToFloat(path, workingPath, decodedSampleRate)
+                            : Decoder::Convert(path, workingPath, decodedSampleRate);
+}
+
+void AudioPlayerWidget::OpenWorkingFile(WavFile::AudioEngineReturnValue resultSoFar, const QString& workingPath)
+{
+    const WavFile::AudioEngineReturnValue result =
+        resultSoFar == WavFile::Success ? File().Open(workingPath) : resultSoFar;
+    if (result == WavFile::Success) {
+        ShowLoadedFile(workingPath);
+        return;
+    }
+    // A file with a bad header stays open; kept so, it would count as loaded when it is loaded again.
+    File().close();
+    ErrorHandler(result);
+}
+
+void AudioPlayerWidget::ShowLoadedFile(const QString& workingPath)
+{
+    EnableAudioControls(true);
+    FillChannelSelector();
+    const double duration = File().GetDuration();
+    ShowWaveform(duration);
+    m_audioPlayer->SetAudio(workingPath, duration);
+    m_controls->edTotalDuration->setText(ConvertToDisplayTimeFormat(duration));
+    Q_EMIT AudioFileChanged(workingPath);
+}
+
+void AudioPlayerWidget::ShowWaveform(double duration)
+{
+    if (m_waveformWidget->GetDelay() != 0.0) {
+        // Otherwise the samples would be asked for as sparsely as the former silence needs, and drawn as densely
+        // as the file without it.
+        m_waveformWidget->SetDelay(0.0);
+    }
+    m_waveformWidget->Initilize(File().GetFileFormat(), duration);
+}
+
+/** The copy keeps the caller's file name also when it is decoded: a name in .mp3 then holds WAV data, and loading
+ *  the same file again finds its copy. */
+QString AudioPlayerWidget::WorkingPathOf(const QString& path) const
+{
+    return QDir(m_writableDirectoryPath).path() + u'/' + QFileInfo(path).fileName();
+}
+
+void AudioPlayerWidget::Reset()
+{
+    StopPlayback();
+    Close();
+    if (File().isOpen()) {
+        // When the program heard of the end of the busy time it loaded another file, which is to be seen.
+        return;
+    }
+    EnableAudioControls(false);
+    m_waveformWidget->Reset();
+    // With a comma, although times are shown with a point: hosts tell an empty player by this text.
+    m_controls->edTotalDuration->setText(u"00:00:00,000"_s);
+}
+
+void AudioPlayerWidget::Close()
+{
+    ++m_loadCount;
+    m_background->samples.Stop();
+    DropFiltering();
+    const bool isWriting = m_snippetWatcher.isRunning();
+    m_background->snippet.Stop();
+    File().close();
+    ForgetPendingSamples();
+    // A snippet that was written whole is still announced.
+    if (isWriting) {
+        Forget(m_snippetWatcher);
+    }
+    if (m_busy) {
+        SetBusy(false);
+    }
+}
+
+bool AudioPlayerWidget::Convert(const QString& path, const QAudioFormat& format)
+{
+    WavFile file;
+    // What cannot be opened cannot be converted either, so that the one result tells of both.
+    file.Open(path);
+    return file.Convert(format, QString());
+}
+
+double AudioPlayerWidget::GetAudioDuration() const
+{
+    return File().isOpen() ? File().GetDuration() : 0.0;
+}
+
+QAudioFormat AudioPlayerWidget::GetAudioFileFormat() const
+{
+    return File().GetFileFormat();
+}
+
+QString AudioPlayerWidget::GetAudioFileName() const
+{
+    return File().isOpen() ? File().fileName() : QString();
+}
+
+QString AudioPlayerWidget::GetOriginalAudioFilePath() const
+{
+    return m_originalAudioFilePath;
+}
+
+QString AudioPlayerWidget::GetWritableDirectoryPath() const
+{
+    return m_writableDirectoryPath;
+}
+
+void AudioPlayerWidget::SetWritableDirectoryPath(const QString& path)
+{
+    m_writableDirectoryPath = path;
+}
+
+bool AudioPlayerWidget::GetDecodeToFloat() const
+{
+    return m_decodesToFloat;
+}
+
+void AudioPlayerWidget::SetDecodeToFloat(bool decodeToFloat)
+{
+    m_decodesToFloat = decodeToFloat;
+}
+
+bool AudioPlayerWidget::IsBusy() const
+{
+    return m_busy;
+}
+
+bool AudioPlayerWidget::IsReadingSamples() const
+{
+    return m_samplesWatcher.isRunning();
+}
+
+double AudioPlayerWidget::GetDelay() const
+{
+    return m_waveformWidget->GetDelay();
+}
+
+void AudioPlayerWidget::SetDelay(double delay)
+{
+    m_waveformWidget->SetDelay(delay);
+}
+
+void AudioPlayerWidget::SetEditMode(bool isEditing)
+{
+    m_waveformWidget->SetEditMode(isEditing);
+    m_controls->frmEditingControls->setVisible(isEditing);
+}
+
+void AudioPlayerWidget::SetHint(const QString& text)
+{
+    m_controls->lblAudioPlayerHint->setText(text);
+    m_controls->frmAudioPlayerHint->setVisible(!text.isEmpty());
+}
+
+void AudioPlayerWidget::ErrorHandler(WavFile::AudioEngineReturnValue /*error*/)
+{
+    // Left to the program: this widget shows no messages of its own.
+}
+
+void AudioPlayerWidget::GetSamples(double startTime, double endTime, int stepSize)
+{
+    m_background->samples.Stop();
+    ForgetPendingSamples();
+    const auto read = [=](WavFile& file, const auto&) { file.ReadData(startTime, endTime, stepSize); };
+    m_samplesWatcher.setFuture(m_background->samples.Start(m_background->workingFile, read));
+}
+
+/** The news of samples may still be on its way when others are asked for. */
+void AudioPlayerWidget::ForgetPendingSamples()
+{
+    m_formerSamples = File().GetSamples();
+}
+
+void AudioPlayerWidget::OnNewSamples()
+{
+    const QList<float> samples = File().GetSamples();
+    if (!samples.isEmpty() && samples.isSharedWith(m_formerSamples)) {
+        return;
+    }
+    m_formerSamples.clear();
+    m_waveformWidget->UpdateAudioSampleBuffer(samples);
+}
+
+void AudioPlayerWidget::OnProgressChanged(int progress, int min, int max, const QString& text)
+{
+    Q_EMIT ProgressChanged(progress, min, max, text);
+}
+
+/** The argument governs the play button alone: editing a file is possible whether or not it can be played. */
+void AudioPlayerWidget::EnableAudioControls(bool canPlay)
+{
+    const bool canEdit = m_waveformWidget->GetEditMode();
+    m_controls->btnPlayPause->setEnabled(canPlay);
+    m_controls->cmbboxChannelSelector->setEnabled(canEdit);
+    m_controls->frmSelectionStart->setEnabled(canEdit);
+    m_controls->frmSelectionEnd->setEnabled(canEdit);
+}
+
+/** Playing stays possible. The end of a busy time enables the controls also outside edit mode, where they are
+ *  hidden. */
+void AudioPlayerWidget::SetBusy(bool busy)
+{
+    m_busy = busy;
+    m_waveformWidget->setEnabled(!busy);
+    m_controls->btnLoadFile->setEnabled(!busy);
+    m_controls->frmSelectionStart->setEnabled(!busy);
+    m_controls->frmSelectionEnd->setEnabled(!busy);
+    m_controls->cmbboxChannelSelector->setEnabled(!busy);
+    Q_EMIT BusyChanged(busy);
+}
+
+WavFile& AudioPlayerWidget::File() const
+{
+    return m_background->workingFile->file;
+}
+
+} // namespace vantoraudio::vantorAudioEngine::UI

@@ -1,0 +1,306 @@
+#pragma once
+
+#include <vantorAudioEngine/Export.h>
+#include <vantorAudioEngine/WavFile.h>
+
+#include <QtCore/QFutureWatcher>
+#include <QtCore/QList>
+#include <QtCore/QRectF>
+#include <QtCore/QString>
+#include <QtGui/QColor>
+#include <QtGui/QIcon>
+#include <QtMultimedia/QAudioDevice>
+#include <QtMultimedia/QAudioFormat>
+#include <QtMultimedia/QMediaPlayer>
+#include <QtWidgets/QWidget>
+
+#include <memory>
+#include <utility>
+
+class AudioPlayer;
+class QFrame;
+class QLayout;
+class QLineEdit;
+class QRegularExpressionValidator;
+
+namespace vantoraudio::vantorAudioEngine::UI {
+
+class BGFXWaveformWidget;
+
+/**
+ * Loads one audio file, shows its waveform, plays it, and lets the user choose a channel and a stretch of time,
+ * which can be written to a new WAV file. Everything that an embedding program needs:
+ *
+ *     auto* player = new AudioPlayerWidget(this);
+ *     player->SetWritableDirectoryPath(cacheDirectory);
+ *     player->SetEditMode(true);
+ *     player->SetAudioFile(path);
+ *
+ * The widget never works on the caller's file. It copies WAV files into the writable directory, decodes everything
+ * else into it, and reads, plays and edits that working copy, which bears the caller's file name. A copy that is
+ * there already is used as it is, stale or not: remove it to have the file read anew. Nothing is ever deleted
+ * there but a file that could not be decoded and a channel file that could not be finished.
+ *
+ * Every failed step ends in ErrorHandler(), which does nothing: derive and override it to tell the user.
+ *
+ * Times are seconds from the start of the file. GUI thread only. Reading samples, writing a snippet and filtering
+ * a channel run on QThreadPool::globalInstance(); decoding runs inside SetAudioFile(), with an event loop of its
+ * own: the program stays alive meanwhile and may load another file, reset, close or destroy the widget.
+ */
+class VANTORAUDIOENGINE_EXPORT AudioPlayerWidget : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit AudioPlayerWidget(QWidget* parent = nullptr);
+    /** Does not wait: tasks in the background are told to end and left to it. After a Close() ahead of it nothing
+     * is written any more. */
+    ~AudioPlayerWidget() override;
+
+    /**
+     * Loads a file, unless its working copy is loaded already; an empty path unloads. Ends with
+     * AudioFileChanged(), or with ErrorHandler(): ErrorWriteHeader when the file cannot be copied into the
+     * writable directory, otherwise what Decoder::Convert() and WavFile::Open() give. After ErrorWriteHeader the
+     * former file is still loaded, after every other failure none. A load that another one, Reset(), Close() or
+     * the destructor overtakes ends silently.
+     *
+     * Only names that end in exactly ".wav" and have no other dot are WAV files; everything else, take.WAV and
+     * a.b.wav too, is decoded to 96 kHz.
+     */
+    void SetAudioFile(const QString& path);
+    /** Unloads: stops playback, Close(), and an empty view. */
+    void Reset();
+    /** Stops the tasks in the background, waits for their end and closes the file. What there is of an unfinished
+     *  snippet or channel file is removed. The view and the player stay as they are. */
+    void Close();
+
+    /** Converts another file in place, as WavFile::Convert() does with an empty output path; true on success. What
+     *  is loaded here is untouched. Blocks until done. */
+    bool Convert(const QString& path, const QAudioFormat& format);
+
+    /** 0 without a file. */
+    [[nodiscard]] double GetAudioDuration() const;
+    [[nodiscard]] QAudioFormat GetAudioFileFormat() const;
+    /** The full path of the working copy; empty without a file. */
+    [[nodiscard]] QString GetAudioFileName() const;
+    /** The path that SetAudioFile() was given last and could copy. */
+    [[nodiscard]] QString GetOriginalAudioFilePath() const;
+
+    /** Where working copies lie. The directory must exist; it is neither checked nor created. Empty at first,
+     * which means the current directory of the program. */
+    [[nodiscard]] QString GetWritableDirectoryPath() const;
+    void SetWritableDirectoryPath(const QString& path);
+
+    /** Whether loading decodes with Decoder::ConvertToFloat(), after which FLAC files and WAV files under unusual
+     *  names sound right, instead of Decoder::Convert(). Off at first; takes effect with the next load. */
+    [[nodiscard]] bool GetDecodeToFloat() const;
+    void SetDecodeToFloat(bool decodeToFloat);
+
+    /** A snippet is being written or a channel filtered. */
+    [[nodiscard]] bool IsBusy() const;
+
+    /** Samples for the waveform are being read; ends with ProgressChanged(0, 0, 1, "Updated"). */
+    [[nodiscard]] bool IsReadingSamples() const;
+
+    /** Seconds of silence shown behind the audio. */
+    [[nodiscard]] double GetDelay() const;
+    void SetDelay(double delay);
+
+    /** Shows or hides the controls for loading, channel and selection, and allows selecting in the waveform. Off
+     * at first. Channel box and selection fields of a file that is loaded already are not enabled by this. */
+    void SetEditMode(bool isEditing);
+    /** A line of text below the controls; empty hides it. */
+    void SetHint(const QString& text);
+    /** With true, as at first, turning the wheel back (toward the user) while Control is held zooms out. */
+    void SetScrollBackToZoomOut(bool scrollBackToZoomOut);
+
+    [[nodiscard]] WavFile::ChannelFormat GetSelectedChannel() const;
+    /** Chooses the channel that is played, as the channel box does. Does nothing when the file does not offer it.
+     */
+    void SetSelectedChannel(WavFile::ChannelFormat channel);
+
+    /** Start and end; (0, 0) without a selection. A new selection is cut to BGFXWaveformWidget::MAX_SNIPPET_LENGTH
+     *  and to the visible range. */
+    [[nodiscard]] std::pair<double, double> GetSelectedSnippet() const;
+    void SetSelectedSnippet(std::pair<double, double> snippet);
+    /** Writes the selection of the selected channel to a new file, in the background. Ends with
+     *  CreateSnippetFinished() or ErrorHandler(). Dropped without a word while samples are being read. */
+    void CreateSnippet(const QString& filePath);
+    /** Stops the snippet that is being written and removes what there is of it; BusyChanged() is all that tells of
+     *  that. Does nothing when none is being written. */
+    void CancelSnippet();
+
+    /** Stops and goes back to the start. */
+    void StopPlayback();
+    void UpdateAudioPosition(double seconds);
+    /** Stops playback; it goes on, when the user wants it, on this device. */
+    void SetAudioOutputDevice(const QAudioDevice& device);
+    /** Percent. No signal tells of it. */
+    void SetAudioPlayBackVolume(int volume);
+    /** No signal tells of it. */
+    void SetAudioPlayBackMute(bool mute);
+
+    // Colours and marker of the waveform, see BGFXWaveformWidget.
+    void SetAudioPositionIcon(const QString& fileName);
+    void SetAudioPositionMarkerColor(const QColor& color);
+    void SetAudioSelectionColor(const QColor& color);
+    void SetBackgroundColor(const QColor& color);
+    void SetFrameColor(const QColor& color);
+    void SetGridColor(const QColor& color);
+    void SetScaleColor(const QColor& color);
+    void SetWaveformColor(const QColor& color);
+
+    /** Play and pause share one button, which shows what a click does; so do mute and unmute, which show what is.
+     */
+    void SetIconPlay(const QIcon& icon);
+    void SetIconPause(const QIcon& icon);
+    void SetIconStop(const QIcon& icon);
+    void SetIconLoop(const QIcon& icon);
+    void SetIconSettings(const QIcon& icon);
+    void SetIconMute(const QIcon& icon);
+    void SetIconUnmute(const QIcon& icon);
+    void SetIconLoad(const QIcon& icon);
+    void SetIconIncrement(const QIcon& icon);
+    void SetIconDecrement(const QIcon& icon);
+
+Q_SIGNALS:
+    /** A file was loaded; `fileName` is the full path of its working copy. */
+    void AudioFileChanged(const QString& fileName);
+    /** The playback position in seconds. */
+    void AudioPositionChanged(double position);
+    /** A task went on: `progress` lies between `min` and `max`. Of a task that reports faster than the program
+     *  listens some reports are left out, never the last. */
+    void ProgressChanged(int progress, int min, int max, QString text);
+    void CreateSnippetFinished(const QString& filePath);
+    void WaveFormSelectionChanged(std::pair<double, double> selectedSnippet);
+    /** The user moved the slider, or clicked the mute button. */
+    void AudioPlayBackVolumeChanged(int volume);
+    void AudioPlayBackMuteChanged(bool mute);
+    void SettingsButtonClicked();
+    /** The visible range: x and width in seconds, height half the amplitude range. */
+    void SceneRectChanged(const QRectF& sceneRect);
+    /** Emit this to show another range. */
+    void SceneRectChangeRequested(const QRectF& sceneRect);
+    void BusyChanged(bool state);
+
+protected:
+    /** The platform's key for selecting everything selects the whole file, Space plays and pauses; every other key
+     *  goes on to the parent. */
+    void keyPressEvent(QKeyEvent* event) override;
+    /** Every failed step comes here, with its code; Success when a file is missing that should have been written.
+     *  Does nothing by itself. */
+    virtual void ErrorHandler(WavFile::AudioEngineReturnValue error);
+
+private Q_SLOTS:
+    void GetSamples(double startTime, double endTime, int stepSize);
+    void OnNewSamples();
+    void OnProgressChanged(int progress, int min, int max, const QString& text);
+
+    void OnBtnPlayPauseClicked();
+    void OnBtnStopClicked();
+    void OnBtnLoopClicked();
+    void OnBtnMuteClicked();
+    void OnBtnLoadFileClicked();
+    void OnHSliderVolumeValueChanged(int volume);
+    void OnAudioStateChanged(QMediaPlayer::PlaybackState state);
+    void OnAudioPositionChanged(qint64 milliseconds);
+    void OnCurrentPositionEditingFinished();
+    void OnWaveformAudioPositionChanged(double seconds);
+
+    void OnBtnIncSelectionStartClicked();
+    void OnBtnDecSelectionStartClicked();
+    void OnBtnIncSelectionEndClicked();
+    void OnBtnDecSelectionEndClicked();
+    void OnSelectionStartEditingFinished();
+    void OnSelectionEndEditingFinished();
+    void OnWaveformSelectionChanged(const std::pair<double, double>& selection);
+
+    void OnCmbboxChannelSelectorCurrentIndexChanged(int index);
+    void OnChannelSelectionFinished(int index);
+    void OnSnippetCreateFinished(int index);
+
+private:
+    friend class AudioPlayerWidgetTestAccess;
+
+    struct Controls;
+    struct Background;
+
+    void SetupUi();
+    void LoadIcons();
+    void SetupWaveform();
+    void SetupAudioPlayerControls();
+    QLayout* SetupVolumeControls(QWidget* parent);
+    QLayout* SetupTransportControls(QWidget* parent);
+    void SetupSelectionsControls();
+    QLayout* SetupLoadAndChannelControls(QWidget* parent);
+    QLayout* SetupSelectionControls(QWidget* parent);
+    QFrame* SetupSelectionStart(QWidget* parent);
+    QFrame* SetupSelectionEnd(QWidget* parent);
+    void SetupHintSection();
+    QLineEdit* CreateTimeField(QWidget* parent, const char* name, const QSize& size, const QString& text);
+    static QLineEdit* CreateTotalField(QWidget* parent);
+    void ConnectSignals();
+
+    [[nodiscard]] QString WorkingPathOf(const QString& path) const;
+    [[nodiscard]] WavFile::AudioEngineReturnValue Decode(const QString& path, const QString& workingPath) const;
+    void OpenWorkingFile(WavFile::AudioEngineReturnValue resultSoFar, const QString& workingPath);
+    void ShowLoadedFile(const QString& workingPath);
+    void ShowWaveform(double duration);
+    void FillChannelSelector();
+    void ForgetPendingSamples();
+    void EnableAudioControls(bool canPlay);
+    void SetBusy(bool busy);
+
+    void ShowPlayIcon(bool isPlaying);
+    void ShowMuteIcon(bool isMuted);
+    void ShowAsPlaying(bool isPlaying);
+    void CorrectLateReport(qint64 milliseconds);
+    [[nodiscard]] QString FilteredPathOf(WavFile::ChannelFormat channel) const;
+    void PlayFilteredFile();
+    void GoBackToPreviousChannel();
+    void DropFiltering();
+
+    [[nodiscard]] static QString ConvertToDisplayTimeFormat(double seconds);
+    [[nodiscard]] static double ConvertFromDisplayTimeFormat(const QString& text);
+
+    WavFile& File() const;
+
+    std::unique_ptr<Controls> m_controls;
+    QString m_originalAudioFilePath;
+    QString m_snippetFilePath;
+    QString m_filteredFilePath;
+    WavFile::ChannelFormat m_previousChannel = WavFile::ChannelNone;
+    BGFXWaveformWidget* m_waveformWidget = nullptr;
+    QFutureWatcher<void> m_samplesWatcher;
+    AudioPlayer* m_audioPlayer = nullptr;
+    QIcon m_playIcon;
+    QIcon m_pauseIcon;
+    QIcon m_stopIcon;
+    QIcon m_loopIcon;
+    QIcon m_settingsIcon;
+    QIcon m_muteIcon;
+    QIcon m_unmuteIcon;
+    QIcon m_loadIcon;
+    /** The player has been given a selection that is not empty. */
+    bool m_hasSelection = false;
+    std::unique_ptr<QRegularExpressionValidator> m_timeValidator;
+    QAudioDevice m_audioOutputDevice;
+    QString m_writableDirectoryPath;
+    bool m_busy = false;
+    QFutureWatcher<WavFile::AudioEngineReturnValue> m_snippetWatcher;
+    QFutureWatcher<WavFile::AudioEngineReturnValue> m_channelFilterWatcher;
+
+    /** The working copy and what runs on it. */
+    std::unique_ptr<Background> m_background;
+    bool m_decodesToFloat = false;
+    /** Counts what ends a load: the next load and every closing. */
+    int m_loadCount = 0;
+    /** Counts what ends a filtering: the next filtering and every closing. */
+    int m_filteringCount = 0;
+    /** The latest filtering is the way back from one that failed. */
+    bool m_isGoingBack = false;
+    /** Samples that were there before the latest request and do not answer it. */
+    QList<float> m_formerSamples;
+};
+
+} // namespace vantoraudio::vantorAudioEngine::UI

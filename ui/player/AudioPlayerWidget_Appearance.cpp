@@ -1,0 +1,111 @@
+#include "ui/player/Controls.h"
+
+#include <vantorAudioEngine/AudioPlayerWidget.h>
+#include <vantorAudioEngine/BGFXWaveformWidget.h>
+
+#include <QtGui/QRegularExpressionValidator>
+#include <QtWidgets/QPushButton>
+
+namespace vantoraudio::vantorAudioEngine::UI {
+
+void AudioPlayerWidget::SetAudioPositionIcon(const QString& fileName)
+{
+    m_waveformWidget->SetAudioPositionIcon(fileName);
+}
+
+void AudioPlayerWidget::SetAudioPositionMarkerColor(const QColor& color)
+{
+    m_waveformWidget->SetAudioPositionMarkerColor(color);
+}
+
+void AudioPlayerWidget::SetAudioSelectionColor(const QColor& color)
+{
+    m_waveformWidget->SetAudioSelectionColor(color);
+}
+
+void AudioPlayerWidget::SetBackgroundColor(const QColor& color)
+{
+    m_waveformWidget->SetBackgroundColor(color);
+}
+
+void AudioPlayerWidget::SetFrameColor(const QColor& color)
+{
+    m_waveformWidget->SetFrameColor(color);
+}
+
+void AudioPlayerWidget::SetGridColor(const QColor& color)
+{
+    m_waveformWidget->SetGridColor(color);
+}
+
+void AudioPlayerWidget::SetScaleColor(const QColor& color)
+{
+    m_waveformWidget->SetScaleColor(color);
+}
+
+void AudioPlayerWidget::SetWaveformColor(const QColor& color)
+{
+    m_waveformWidget->SetWaveformColor(color);
+}
+
+void AudioPlayerWidget::SetIconPlay(const QIcon& icon)
+{
+    m_playIcon = icon;
+    ShowPlayIcon(m_controls->btnPlayPause->isChecked());
+}
+
+void AudioPlayerWidget::SetIconPause(const QIcon& icon)
+{
+    m_pauseIcon = icon;
+    ShowPlayIcon(m_controls->btnPlayPause->isChecked());
+}
+
+void AudioPlayerWidget::SetIconStop(const QIcon& icon)
+{
+    m_stopIcon = icon;
+    m_controls->btnStop->setIcon(icon);
+}
+
+void AudioPlayerWidget::SetIconLoop(const QIcon& icon)
+{
+    m_loopIcon = icon;
+    m_controls->btnLoop->setIcon(icon);
+}
+
+void AudioPlayerWidget::SetIconSettings(const QIcon& icon)
+{
+    m_settingsIcon = icon;
+    m_controls->btnSettings->setIcon(icon);
+}
+
+void AudioPlayerWidget::SetIconMute(const QIcon& icon)
+{
+    m_muteIcon = icon;
+    ShowMuteIcon(m_controls->btnMute->isChecked());
+}
+
+void AudioPlayerWidget::SetIconUnmute(const QIcon& icon)
+{
+    m_unmuteIcon = icon;
+    ShowMuteIcon(m_controls->btnMute->isChecked());
+}
+
+void AudioPlayerWidget::SetIconLoad(const QIcon& icon)
+{
+    m_loadIcon = icon;
+    m_controls->btnLoadFile->setIcon(icon);
+}
+
+void AudioPlayerWidget::SetIconIncrement(const QIcon& icon)
+{
+    m_controls->btnIncSelectionStart->setIcon(icon);
+    m_controls->btnIncSelectionEnd->setIcon(icon);
+}
+
+void AudioPlayerWidget::SetIconDecrement(const QIcon& icon)
+{
+    m_controls->btnDecSelectionStart->setIcon(icon);
+    m_controls->btnDecSelectionEnd->setIcon(icon);
+}
+
+} // namespace vantoraudio::vantorAudioEngine::UI

@@ -1,0 +1,127 @@
+#include "ui/player/Controls.h"
+#include "ui/player/SelectionSteps.h"
+#include "ui/player/TimeText.h"
+
+#include <vantorAudioEngine/AudioPlayer.h>
+#include <vantorAudioEngine/AudioPlayerWidget.h>
+#include <vantorAudioEngine/BGFXWaveformWidget.h>
+
+#include <QtCore/QSignalBlocker>
+#include <QtGui/QRegularExpressionValidator>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QLineEdit>
+
+namespace vantoraudio::vantorAudioEngine::UI {
+namespace {
+
+Selection SelectionOf(const BGFXWaveformWidget& waveform)
+{
+    return {waveform.GetSelectionStartTime(), waveform.GetSelectionEndTime()};
+}
+
+double StepOfThisClick()
+{
+    return SelectionStep(QApplication::keyboardModifiers().testFlag(Qt::ControlModifier));
+}
+
+} // namespace
+
+// Buttons and fields change the selection of the waveform only; fields, player and host follow when it tells of
+// that.
+
+std::pair<double, double> AudioPlayerWidget::GetSelectedSnippet() const
+{
+    return m_waveformWidget->GetSelectedSnippet();
+}
+
+void AudioPlayerWidget::SetSelectedSnippet(std::pair<double, double> snippet)
+{
+    m_waveformWidget->SetSelectedSnippet(snippet);
+}
+
+QString AudioPlayerWidget::ConvertToDisplayTimeFormat(double seconds)
+{
+    return TimeText(seconds);
+}
+
+double AudioPlayerWidget::ConvertFromDisplayTimeFormat(const QString& text)
+{
+    return SecondsOf(text);
+}
+
+void AudioPlayerWidget::OnBtnDecSelectionStartClicked()
+{
+    if (const auto start = StartMovedBack(SelectionOf(*m_waveformWidget), StepOfThisClick())) {
+        m_waveformWidget->SetSelectionStartTime(*start);
+    }
+}
+
+void AudioPlayerWidget::OnBtnIncSelectionStartClicked()
+{
+    if (const auto start = StartMovedOn(SelectionOf(*m_waveformWidget), StepOfThisClick())) {
+        m_waveformWidget->SetSelectionStartTime(*start);
+    }
+}
+
+void AudioPlayerWidget::OnBtnDecSelectionEndClicked()
+{
+    if (const auto end = EndMovedBack(SelectionOf(*m_waveformWidget), StepOfThisClick())) {
+        m_waveformWidget->SetSelectionEndTime(*end);
+    }
+}
+
+void AudioPlayerWidget::OnBtnIncSelectionEndClicked()
+{
+    if (const auto end = EndMovedOn(SelectionOf(*m_waveformWidget), StepOfThisClick(), File().GetDuration())) {
+        m_waveformWidget->SetSelectionEndTime(*end);
+    }
+}
+
+void AudioPlayerWidget::OnSelectionStartEditingFinished()
+{
+    const double start = ConvertFromDisplayTimeFormat(m_controls->edSelectionStart->text());
+    if (!LiesInFile(start, File().GetDuration())) {
+        const QSignalBlocker blocker(m_controls->edSelectionStart);
+        m_controls->edSelectionStart->setText(
+            ConvertToDisplayTimeFormat(m_waveformWidget->GetSelectionStartTime()));
+        return;
+    }
+    if (start > m_waveformWidget->GetSelectionEndTime()) {
+        m_waveformWidget->SetSelectionEndTime(start);
+    }
+    m_waveformWidget->SetSelectionStartTime(start);
+}
+
+void AudioPlayerWidget::OnSelectionEndEditingFinished()
+{
+    const double end = ConvertFromDisplayTimeFormat(m_controls->edSelectionEnd->text());
+    if (!LiesInFile(end, File().GetDuration())) {
+        const QSignalBlocker blocker(m_controls->edSelectionEnd);
+        m_controls->edSelectionEnd->setText(ConvertToDisplayTimeFormat(m_waveformWidget->GetSelectionEndTime()));
+        return;
+    }
+    if (m_waveformWidget->GetSelectionStartTime() > end) {
+        m_waveformWidget->SetSelectionStartTime(end);
+    }
+    m_waveformWidget->SetSelectionEndTime(end);
+}
+
+void AudioPlayerWidget::OnWaveformSelectionChanged(const std::pair<double, double>& selection)
+{
+    const auto [start, end] = selection;
+    m_hasSelection = !(LengthOf({start, end}) < shortestSelection);
+    if (m_hasSelection) {
+        m_audioPlayer->SetSelection(start, end);
+    } else {
+        m_audioPlayer->ClearSelection();
+    }
+    {
+        const QSignalBlocker startBlocker(m_controls->edSelectionStart);
+        const QSignalBlocker endBlocker(m_controls->edSelectionEnd);
+        m_controls->edSelectionStart->setText(ConvertToDisplayTimeFormat(start));
+        m_controls->edSelectionEnd->setText(ConvertToDisplayTimeFormat(end));
+    }
+    Q_EMIT WaveFormSelectionChanged(selection);
+}
+
+} // namespace vantoraudio::vantorAudioEngine::UI

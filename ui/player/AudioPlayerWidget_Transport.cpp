@@ -1,0 +1,213 @@
+#include "ui/player/Controls.h"
+#include "ui/player/TimeText.h"
+
+#include <vantorAudioEngine/AudioPlayer.h>
+#include <vantorAudioEngine/AudioPlayerWidget.h>
+#include <vantorAudioEngine/BGFXWaveformWidget.h>
+
+#include <QtCore/QPointer>
+#include <QtCore/QSignalBlocker>
+#include <QtGui/QKeyEvent>
+#include <QtGui/QRegularExpressionValidator>
+#include <QtWidgets/QFileDialog>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QPushButton>
+#include <QtWidgets/QSlider>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace vantoraudio::vantorAudioEngine::UI {
+
+void AudioPlayerWidget::OnBtnPlayPauseClicked()
+{
+    m_audioPlayer->PauseResume();
+    ShowPlayIcon(m_controls->btnPlayPause->isChecked());
+}
+
+void AudioPlayerWidget::OnAudioStateChanged(QMediaPlayer::PlaybackState state)
+{
+    ShowAsPlaying(state == QMediaPlayer::PlayingState);
+}
+
+void AudioPlayerWidget::ShowAsPlaying(bool isPlaying)
+{
+    const QSignalBlocker blocker(m_controls->btnPlayPause);
+    m_controls->btnPlayPause->setChecked(isPlaying);
+    ShowPlayIcon(isPlaying);
+}
+
+void AudioPlayerWidget::ShowPlayIcon(bool isPlaying)
+{
+    m_controls->btnPlayPause->setIcon(isPlaying ? m_pauseIcon : m_playIcon);
+}
+
+void AudioPlayerWidget::OnBtnStopClicked()
+{
+    ShowAsPlaying(false);
+    double position = 0.0;
+    if (m_hasSelection) {
+        position = m_waveformWidget->GetSelectionStartTime();
+        m_audioPlayer->pause();
+        m_audioPlayer->SetSelection(position, m_waveformWidget->GetSelectionEndTime());
+    } else {
+        m_audioPlayer->stop();
+        m_audioPlayer->SetSelection(0.0, File().GetDuration());
+    }
+    m_waveformWidget->SetAudioPosition(position);
+}
+
+void AudioPlayerWidget::StopPlayback()
+{
+    ShowAsPlaying(false);
+    m_audioPlayer->stop();
+    m_audioPlayer->SetAudioOutputDevice(m_audioOutputDevice);
+    m_waveformWidget->SetAudioPosition(0.0);
+}
+
+void AudioPlayerWidget::OnBtnLoopClicked()
+{
+    m_audioPlayer->LoopPlayback(m_controls->btnLoop->isChecked());
+}
+
+void AudioPlayerWidget::OnBtnMuteClicked()
+{
+    const bool isMuted = m_controls->btnMute->isChecked();
+    if (m_audioPlayer->IsMuted() == isMuted) {
+        return;
+    }
+    m_audioPlayer->SetMuted(isMuted);
+    ShowMuteIcon(isMuted);
+    Q_EMIT AudioPlayBackMuteChanged(isMuted);
+}
+
+void AudioPlayerWidget::SetAudioPlayBackMute(bool mute)
+{
+    if (m_audioPlayer->IsMuted() == mute) {
+        return;
+    }
+    m_audioPlayer->SetMuted(mute);
+    m_controls->btnMute->setChecked(mute);
+    ShowMuteIcon(mute);
+}
+
+void AudioPlayerWidget::ShowMuteIcon(bool isMuted)
+{
+    m_controls->btnMute->setIcon(isMuted ? m_muteIcon : m_unmuteIcon);
+}
+
+void AudioPlayerWidget::OnHSliderVolumeValueChanged(int volume)
+{
+    if (m_audioPlayer->Volume() == volume) {
+        return;
+    }
+    m_audioPlayer->SetVolume(volume);
+    Q_EMIT AudioPlayBackVolumeChanged(volume);
+}
+
+void AudioPlayerWidget::SetAudioPlayBackVolume(int volume)
+{
+    if (m_audioPlayer->Volume() == volume) {
+        return;
+    }
+    m_audioPlayer->SetVolume(volume);
+    // The slider ends at 99 and the player truncates what it holds: what comes back from either is not always what
+    // was set here, and would pass for a move of the user.
+    const QSignalBlocker blocker(m_controls->hSliderVolume);
+    m_controls->hSliderVolume->setValue(volume);
+}
+
+void AudioPlayerWidget::SetAudioOutputDevice(const QAudioDevice& device)
+{
+    m_audioPlayer->ClearSelection();
+    m_audioPlayer->stop();
+    m_audioOutputDevice = device;
+    m_audioPlayer->SetAudioOutputDevice(device);
+}
+
+void AudioPlayerWidget::OnAudioPositionChanged(qint64 milliseconds)
+{
+    const double seconds = static_cast<double>(milliseconds) / 1000.0;
+    {
+        const QSignalBlocker blocker(m_controls->edCurrentPosition);
+        m_controls->edCurrentPosition->setText(ConvertToDisplayTimeFormat(seconds));
+    }
+    m_waveformWidget->SetAudioPosition(seconds);
+    CorrectLateReport(milliseconds);
+    Q_EMIT AudioPositionChanged(seconds);
+}
+
+/** At the end of a selection the player goes back to the start and pauses while it reports the end, so that the
+ *  report of the end comes here behind that of the start. */
+void AudioPlayerWidget::CorrectLateReport(qint64 milliseconds)
+{
+    if (m_audioPlayer->playbackState() == QMediaPlayer::PausedState && m_audioPlayer->position() != milliseconds) {
+        const auto showPosition = [this] { OnAudioPositionChanged(m_audioPlayer->position()); };
+        QMetaObject::invokeMethod(this, showPosition, Qt::QueuedConnection);
+    }
+}
+
+void AudioPlayerWidget::UpdateAudioPosition(double seconds)
+{
+    m_audioPlayer->setPosition(MillisecondsOf(seconds));
+    m_waveformWidget->SetAudioPosition(seconds);
+}
+
+void AudioPlayerWidget::OnCurrentPositionEditingFinished()
+{
+    const double time = ConvertFromDisplayTimeFormat(m_controls->edCurrentPosition->text());
+    if (0.0 <= time && time <= File().GetDuration()) {
+        m_waveformWidget->SetSelectionStartTime(0.0);
+        m_waveformWidget->SetSelectionEndTime(0.0);
+        m_waveformWidget->SetAudioPosition(time);
+        // The player stays where it is: the host hears of the place and decides whether playback follows.
+        Q_EMIT AudioPositionChanged(time);
+    }
+    // Also after an entry outside the file, which so snaps back.
+    const QSignalBlocker blocker(m_controls->edCurrentPosition);
+    m_controls->edCurrentPosition->setText(ConvertToDisplayTimeFormat(m_waveformWidget->GetAudioPosition()));
+}
+
+void AudioPlayerWidget::OnWaveformAudioPositionChanged(double seconds)
+{
+    m_hasSelection = false;
+    m_audioPlayer->ClearSelection();
+    m_audioPlayer->setPosition(MillisecondsOf(seconds));
+    {
+        const QSignalBlocker startBlocker(m_controls->edSelectionStart);
+        const QSignalBlocker endBlocker(m_controls->edSelectionEnd);
+        // The comma is meant, as in the other reset texts; the mask of these fields shows its own point.
+        m_controls->edSelectionStart->setText(u"00:00:00,000"_s);
+        m_controls->edSelectionEnd->setText(u"00:00:00,000"_s);
+    }
+    Q_EMIT WaveFormSelectionChanged({0.0, 0.0});
+}
+
+void AudioPlayerWidget::OnBtnLoadFileClicked()
+{
+    const QPointer<AudioPlayerWidget> self(this);
+    const QStringList paths = QFileDialog::getOpenFileNames(this, tr("Load audio file"), QString(),
+                                                            tr("Audio files") + u" (*.wav *.mp3)"_s);
+    // The player holds one file; further ones are left out.
+    if (self && !paths.isEmpty()) {
+        SetAudioFile(paths.first());
+    }
+}
+
+void AudioPlayerWidget::keyPressEvent(QKeyEvent* event)
+{
+    if (event->matches(QKeySequence::SelectAll)) {
+        SetSelectedSnippet({0.0, File().GetDuration()});
+    } else if (event->key() == Qt::Key_Space) {
+        m_audioPlayer->PauseResume();
+        ShowPlayIcon(m_controls->btnPlayPause->isChecked());
+    } else {
+        event->ignore();
+    }
+}
+
+void AudioPlayerWidget::SetScrollBackToZoomOut(bool scrollBackToZoomOut)
+{
+    m_waveformWidget->SetScrollBackToZoomOut(scrollBackToZoomOut);
+}
+
+} // namespace vantoraudio::vantorAudioEngine::UI

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "ui/player/FileTasks.h"
+#include "ui/player/WorkingFile.h"
+
+#include <vantorAudioEngine/AudioPlayerWidget.h>
+
+namespace vantoraudio::vantorAudioEngine::UI {
+
+/** The working copy of the loaded file and the tasks that run on it. */
+struct AudioPlayerWidget::Background
+{
+    using Result = WavFile::AudioEngineReturnValue;
+
+    Background() = default;
+    ~Background()
+    {
+        samples.RequestStop();
+        snippet.RequestStop();
+        channelFilter.RequestStop();
+    }
+    Background(const Background&) = delete;
+    Background& operator=(const Background&) = delete;
+
+    std::shared_ptr<WorkingFile> workingFile = WorkingFile::Create();
+    FileTasks<void> samples{&WavFile::AbortRead};
+    FileTasks<Result> snippet{&WavFile::AbortWrite};
+    FileTasks<Result> channelFilter{&WavFile::AbortChannelFilter};
+};
+
+} // namespace vantoraudio::vantorAudioEngine::UI
