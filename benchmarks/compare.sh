@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Times the library's file tasks against ffmpeg and sox in one run, on files in the page cache, and prints a table of
-# median times, ratios and memory. Takes a few minutes and 3 GB of disk.
+# Times the library against ffmpeg, sox and cat in one run, on files in the page cache, and prints tables of median
+# times, ratios and memory. Takes a few minutes and 3 GB of disk.
 #
 #   benchmarks/compare.sh [RUNS]
 set -euo pipefail
@@ -8,8 +8,10 @@ cd "$(dirname "$0")/.."
 
 runs=${1:-5}
 cmake --preset release >/dev/null
-cmake --build --preset release --target vantoraudio-task >/dev/null
-task=$PWD/build/release/benchmarks/vantoraudio-task
+cmake --build --preset release --target vantoraudio-task vantoraudio-window vantoraudio-frame >/dev/null
+programs=$PWD/build/release/benchmarks
+task=$programs/vantoraudio-task
+session=$PWD/scripts/private-session.sh
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -18,7 +20,8 @@ cd "$work"
 sox -n -r 48000 -c 2 -b 16 hour.wav synth 3600 pinknoise vol 0.5
 sox hour.wav ten.wav trim 0 600
 lame --quiet -b 192 ten.wav ten.mp3
-cat hour.wav ten.wav ten.mp3 >/dev/null
+sox -n -r 48000 -c 2 -e float -b 32 float.wav synth 299 pinknoise vol 0.5
+cat hour.wav ten.wav ten.mp3 float.wav >/dev/null
 
 median() { # COMMAND
   hyperfine --shell=none --warmup 1 --runs "$runs" --export-csv times.csv "$1" >/dev/null 2>&1
@@ -48,10 +51,40 @@ row() { # NAME "TASK" "FFMPEG ARGUMENTS" "SOX COMMAND or -" LIMIT
 echo "| task | this library | ffmpeg | sox | ratio to ffmpeg | at most | memory above idle |"
 echo "|---|---|---|---|---|---|---|"
 row "left channel of 1 h, 48 kHz, 16 bit, stereo" "left hour.wav ours.wav" \
-  "-i hour.wav -af pan=mono|c0=c0 -c:a pcm_s16le peer.wav" "sox hour.wav peer.wav remix 1" 0.35
+  "-i hour.wav -af pan=mono|c0=c0 -c:a pcm_s16le peer.wav" "sox hour.wav peer.wav remix 1" 0.25
 row "10 min of it mixed to mono" "mix hour.wav ours.wav 600" \
-  "-t 600 -i hour.wav -ac 1 -c:a pcm_s16le peer.wav" "sox hour.wav peer.wav trim 0 600 remix 1,2" 0.35
+  "-t 600 -i hour.wav -ac 1 -c:a pcm_s16le peer.wav" "sox hour.wav peer.wav trim 0 600 remix 1,2" 0.25
 row "10 min MP3 to 96 kHz float" "decode ten.mp3 ours.wav 96000" \
-  "-i ten.mp3 -ar 96000 -c:a pcm_f32le peer.wav" "sox ten.mp3 -r 96000 -e float -b 32 peer.wav" 1.0
+  "-i ten.mp3 -ar 96000 -c:a pcm_f32le peer.wav" "sox ten.mp3 -r 96000 -e float -b 32 peer.wav" 0.9
 row "10 min 48 kHz stereo to 44.1 kHz mono float" "convert ten.wav ours.wav 44100" \
-  "-i ten.wav -ar 44100 -ac 1 -c:a pcm_f32le peer.wav" "sox ten.wav -r 44100 -c 1 -e float -b 32 peer.wav" 1.0
+  "-i ten.wav -ar 44100 -ac 1 -c:a pcm_f32le peer.wav" "sox ten.wav -r 44100 -c 1 -e float -b 32 peer.wav" 0.9
+
+# What is measured inside a program, without its start; the median of all runs, in milliseconds.
+inner() { # COMMAND...
+  for ((run = 0; run < runs; ++run)); do
+    "$@" 2>/dev/null
+  done | sort -n | awk '{ time[NR] = $1 } END { print time[int((NR + 1) / 2)] }'
+}
+
+against_cat() { # NAME FILE LIMIT LIMIT-IN-MS COMMAND...
+  local name=$1 file=$2 limit=$3 extra=$4
+  shift 4
+  awk -v name="$name" -v ours="$(inner "$@")" -v cat="$(median "cat $file")" -v limit="$limit" -v extra="$extra" 'BEGIN {
+    printf "| %s | %.0f ms | %.0f ms | %.2f | %s%s |\n", name, ours, cat * 1000, (ours - extra) / (cat * 1000), limit,
+      extra > 0 ? sprintf(", beyond %d ms", extra) : ""
+  }'
+}
+
+echo
+echo "| task | this library | \`cat\` of the file | ratio | at most |"
+echo "|---|---|---|---|---|"
+against_cat "samples of 1 h for a view of 1600 pixels" hour.wav 2.0 0 "$task" read hour.wav 0 3600 54000
+against_cat "every sample of 299 s of float stereo" float.wav 5 0 "$task" read float.wav 0 299 1
+against_cat "the same with a receiver on another thread" float.wav 8 0 "$task" listen float.wav 0 299 1
+against_cat "1 h opened and shown, from a ready copy" hour.wav 3 150 \
+  "$session" "$programs/vantoraudio-window" open hour.wav
+
+echo
+echo "While an hour is exported the window is deaf for $(inner "$session" "$programs/vantoraudio-window" gap hour.wav \
+  ours.wav) ms at most; 50 ms are allowed."
+"$session" "$programs/vantoraudio-frame" 2>/dev/null

@@ -6,13 +6,14 @@
  *   vantoraudio-task mix IN OUT SECONDS                both channels averaged, from the start
  *   vantoraudio-task decode IN OUT RATE                any audio to a WAV file of floats
  *   vantoraudio-task convert IN OUT RATE               a WAV file to mono floats
- *   vantoraudio-task read IN FROM TO STEP              samples for a view, with nobody listening
- *   vantoraudio-task listen IN FROM TO STEP            the same with a receiver on another thread
+ *   vantoraudio-task read IN FROM TO STEP              samples for a view, with nobody listening; prints
+ * milliseconds vantoraudio-task listen IN FROM TO STEP            the same with a receiver on another thread
  */
 #include <vantorAudioEngine/Decoder.h>
 #include <vantorAudioEngine/WavFile.h>
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QElapsedTimer>
 #include <QtCore/QFile>
 #include <QtCore/QStringList>
 #include <QtCore/QThread>
@@ -41,7 +42,10 @@ bool ConvertToMono(WavFile& file, const QString& out, int rate)
 bool Read(WavFile& file, const QStringList& range)
 {
     file.SetSelectedChannel(WavFile::ChannelLeftRight);
+    QElapsedTimer timer;
+    timer.start();
     file.ReadData(range.value(0).toDouble(), range.value(1).toDouble(), range.value(2).toInt());
+    std::printf("%.2f\n", static_cast<double>(timer.nsecsElapsed()) / 1e6);
     return !file.GetSamples().isEmpty();
 }
 

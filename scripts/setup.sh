@@ -15,7 +15,7 @@ run_packages=(
 )
 test_packages=(
   clang-14 clang-format-14 clang-tidy-14 libclang-rt-14-dev
-  sox lame libsox-fmt-mp3 ffmpeg hyperfine time
+  sox lame libsox-fmt-mp3 ffmpeg hyperfine time valgrind
 )
 
 missing=()

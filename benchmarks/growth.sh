@@ -1,0 +1,75 @@
+#!/usr/bin/env bash
+# Runs each task of the library on files of 1 min, 10 min, 1 h and 3 h, in the page cache, and prints a table of times
+# and memory with the exponent of growth between the longest two: 1 is linear, 0 constant. Takes some minutes and 20 GB
+# of disk.
+#
+#   benchmarks/growth.sh
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+cmake --preset release >/dev/null
+cmake --build --preset release --target vantoraudio-task vantoraudio-window >/dev/null
+programs=$PWD/build/release/benchmarks
+session=$PWD/scripts/private-session.sh
+
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+cd "$work"
+
+lengths=(60 600 3600 10800)
+for seconds in "${lengths[@]}"; do
+  sox -n -r 48000 -c 2 -b 16 "$seconds.wav" synth "$seconds" pinknoise vol 0.5
+  lame --quiet -b 192 "$seconds.wav" "$seconds.mp3"
+  cat "$seconds.wav" "$seconds.mp3" >/dev/null
+done
+
+idle=$(/usr/bin/time -f %M "$programs/vantoraudio-task" idle 2>&1 >/dev/null | tail -n 1)
+
+# Seconds and KiB above idle of a whole program.
+whole() { # COMMAND...
+  /usr/bin/time -f '%e %M' "$@" 2>&1 >/dev/null | tail -n 1 | awk -v idle="$idle" '{ print $1, $2 - idle }'
+}
+
+# Seconds that the program prints as milliseconds, and KiB above idle of the whole.
+inner() { # COMMAND...
+  "$@" 2>/dev/null | awk '{ print $1 / 1000, "-" }'
+}
+
+row() { # NAME MEASURE COMMAND...   with SECONDS, STEP and names of files replaced
+  local name=$1 measure=$2 cells=() seconds
+  shift 2
+  for seconds in "${lengths[@]}"; do
+    rm -f out.wav
+    cells+=("$("$measure" "${@//SECONDS/$seconds}")")
+  done
+  printf '%s\n' "${cells[@]}" | awk -v name="$name" '
+    { time[NR] = $1; memory[NR] = $2 }
+    END {
+      printf "| %s |", name
+      for (i = 1; i <= 4; ++i) {
+        printf " %.2f s%s |", time[i], memory[i] == "-" ? "" : sprintf(", %.0f MiB", memory[i] / 1024)
+      }
+      printf " %.2f |\n", log(time[4] / time[3]) / log(3)
+    }'
+}
+
+# The view of 1600 pixels asks for two values a pixel column.
+steps() { # SECONDS
+  echo $(($1 < 300 ? 1 : $1 * 48000 / 3200))
+}
+read_view() { # PROGRAM FILE SECONDS
+  inner "$1" read "$2" 0 "$3" "$(steps "$3")"
+}
+
+task=$programs/vantoraudio-task
+window=$programs/vantoraudio-window
+echo "| task | 1 min | 10 min | 1 h | 3 h | exponent |"
+echo "|---|---|---|---|---|---|"
+row "\`cat\` of the file" whole cat SECONDS.wav
+row "left channel" whole "$task" left SECONDS.wav out.wav
+row "all of it mixed to mono" whole "$task" mix SECONDS.wav out.wav SECONDS
+row "to 44.1 kHz mono float" whole "$task" convert SECONDS.wav out.wav 44100
+row "MP3 to 96 kHz float" whole "$task" decode SECONDS.mp3 out.wav 96000
+row "samples for a view of 1600 pixels" read_view "$task" SECONDS.wav SECONDS
+row "a ready copy opened and shown" inner "$session" "$window" open SECONDS.wav
+row "longest deafness while exporting" inner "$session" "$window" gap SECONDS.wav out.wav
