@@ -1,20 +1,24 @@
 #include "engine/BufferResampling.h"
 #include "engine/FileReplacement.h"
 #include "engine/PendingFile.h"
+#include "engine/ReadingPace.h"
 #include "engine/SilenceWatch.h"
 #include "engine/WavHeader.h"
 
 #include <vantorAudioEngine/Decoder.h>
 
+#include <QtCore/QElapsedTimer>
 #include <QtCore/QEventLoop>
 #include <QtCore/QFileInfo>
 #include <QtCore/QUrl>
 #include <QtMultimedia/QAudioBuffer>
 #include <QtMultimedia/QAudioDecoder>
 
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <span>
+#include <thread>
 #include <utility>
 
 using namespace vantoraudio::AudioEngine;
@@ -100,6 +104,7 @@ private:
     void Start(SilenceWatch::Patience patience);
     void SetSource();
     void OnBufferReady();
+    QAudioBuffer ReadAtPace();
     void OnFinished();
     void OnSilence();
     void Append(const QByteArray& bytes);
@@ -118,6 +123,8 @@ private:
     QEventLoop m_loop;
     /** The platform's decoder may keep silent for ever about a file that it cannot decode. */
     SilenceWatch m_silence;
+    ReadingPace m_pace;
+    QElapsedTimer m_sinceRead;
     QFile m_source;
     std::unique_ptr<QAudioDecoder> m_decoder;
 };
@@ -148,6 +155,7 @@ void Decoder::Run::Start(SilenceWatch::Patience patience)
     QObject::connect(m_decoder.get(), qOverload<QAudioDecoder::Error>(&QAudioDecoder::error), &m_loop,
                      [this] { End(WavFile::ErrorInvalidFormat); });
     SetSource();
+    m_sinceRead.start();
     m_decoder->start();
     m_silence.Start(patience);
 }
@@ -182,7 +190,7 @@ void Decoder::Run::OnBufferReady()
     }
     m_silence.OnSound();
     m_hasSounded = true;
-    const QAudioBuffer buffer = m_decoder->read();
+    const QAudioBuffer buffer = ReadAtPace();
     m_channelCount = buffer.format().channelCount();
     const auto bytes = m_type == SampleType::Float ? ResampleAsFloat(buffer, m_sampleRate)
                                                    : ResampleAsDecoded(buffer, m_sampleRate);
@@ -191,6 +199,14 @@ void Decoder::Run::OnBufferReady()
     } else {
         End(WavFile::ErrorInvalidFormat);
     }
+}
+
+QAudioBuffer Decoder::Run::ReadAtPace()
+{
+    const std::chrono::nanoseconds wait(m_sinceRead.nsecsElapsed());
+    std::this_thread::sleep_for(m_pace.RestAfter(std::chrono::duration_cast<ReadingPace::Duration>(wait)));
+    m_sinceRead.start();
+    return m_decoder->read();
 }
 
 void Decoder::Run::OnFinished()
