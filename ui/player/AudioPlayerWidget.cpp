@@ -26,26 +26,11 @@ namespace {
 
 constexpr int decodedSampleRate = 96000;
 
-/** The copy of a write-protected file is write-protected, too, and nothing could be decoded over it. */
-void MakeWritable(const QString& path)
-{
-    QFile::setPermissions(path, QFile::permissions(path) | QFile::WriteOwner);
-}
-
-bool CopyOver(const QString& path, const QString& workingPath)
-{
-    // Copying from a pipe would wait for its other end.
-    const bool isCopied = QFileInfo(path).isFile() && QFile::copy(path, workingPath);
-    if (isCopied) {
-        MakeWritable(workingPath);
-    }
-    return isCopied;
-}
-
 /** A copy that is there already is used as it is, whatever the file has become since. */
 bool ProvideWorkingCopy(const QString& path, const QString& workingPath)
 {
-    return QFile::exists(workingPath) || CopyOver(path, workingPath);
+    // Copying from a pipe would wait for its other end.
+    return QFile::exists(workingPath) || (QFileInfo(path).isFile() && QFile::copy(path, workingPath));
 }
 
 /** Everything after the first dot counts, and its case, so that take.WAV and a.b.wav are decoded, too. */
@@ -64,7 +49,14 @@ AudioPlayerWidget::AudioPlayerWidget(QWidget* parent)
     setFocusPolicy(Qt::StrongFocus);
 }
 
-AudioPlayerWidget::~AudioPlayerWidget() = default;
+AudioPlayerWidget::~AudioPlayerWidget()
+{
+    // They go after this part of the object and tell of what ends with them, such as the editing of a field.
+    const QList<QObject*> children = findChildren<QObject*>();
+    for (QObject* child : children) {
+        child->disconnect(this);
+    }
+}
 
 void AudioPlayerWidget::SetAudioFile(const QString& path)
 {

@@ -3,7 +3,6 @@
 #include <vantorAudioEngine/AudioPlayerWidget.h>
 #include <vantorAudioEngine/BGFXWaveformWidget.h>
 
-#include <QtGui/QRegularExpressionValidator>
 #include <QtWidgets/QPushButton>
 
 namespace vantoraudio::vantorAudioEngine::UI {

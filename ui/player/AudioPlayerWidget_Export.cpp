@@ -9,7 +9,6 @@
 
 #include <QtCore/QFileInfo>
 #include <QtCore/QSignalBlocker>
-#include <QtGui/QRegularExpressionValidator>
 #include <QtWidgets/QComboBox>
 
 using namespace Qt::Literals::StringLiterals;
@@ -39,7 +38,9 @@ Work FilterInto(const QString& path)
 Work WriteSnippet(const QString& path, const Selection& range)
 {
     return [=](WavFile& file, const std::atomic<bool>& isStopped) {
-        const Result result = file.CreateSnippet(path, range.start, range.end);
+        // Of a closed file only a header would be written, over what is there.
+        const Result result =
+            file.isOpen() ? file.CreateSnippet(path, range.start, range.end) : WavFile::ErrorCreateSnippet;
         if (isStopped && result == WavFile::Success) {
             QFile::remove(path);
         }
@@ -86,7 +87,8 @@ void AudioPlayerWidget::OnCmbboxChannelSelectorCurrentIndexChanged(int /*index*/
 {
     const auto channel = m_controls->cmbboxChannelSelector->currentData().value<WavFile::ChannelFormat>();
     m_previousChannel = File().GetSelectedChannel();
-    if (channel == m_previousChannel) {
+    // Of a closed file only a header would be written, which the next filtering would take for the channel.
+    if (channel == m_previousChannel || !File().isOpen()) {
         return;
     }
     m_background->samples.Stop();

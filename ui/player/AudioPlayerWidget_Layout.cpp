@@ -125,6 +125,7 @@ void AudioPlayerWidget::LoadIcons()
     m_pauseIcon = LoadIcon("PlayerPause"_L1);
     m_stopIcon = LoadIcon("PlayerStop"_L1);
     m_loopIcon = LoadIcon("PlayerLoop"_L1);
+    // Not one of ours: what the settings button stands for is the program's, which brings the picture along.
     m_settingsIcon = LoadIcon("Preferences"_L1);
     m_muteIcon = LoadIcon("Mute"_L1);
     m_unmuteIcon = LoadIcon("Unmute"_L1);

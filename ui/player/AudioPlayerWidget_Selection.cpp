@@ -7,7 +7,6 @@
 #include <vantorAudioEngine/BGFXWaveformWidget.h>
 
 #include <QtCore/QSignalBlocker>
-#include <QtGui/QRegularExpressionValidator>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QLineEdit>
 
@@ -72,7 +71,7 @@ void AudioPlayerWidget::OnBtnDecSelectionEndClicked()
 
 void AudioPlayerWidget::OnBtnIncSelectionEndClicked()
 {
-    if (const auto end = EndMovedOn(SelectionOf(*m_waveformWidget), StepOfThisClick(), File().GetDuration())) {
+    if (const auto end = EndMovedOn(SelectionOf(*m_waveformWidget), StepOfThisClick(), GetAudioDuration())) {
         m_waveformWidget->SetSelectionEndTime(*end);
     }
 }
@@ -80,7 +79,7 @@ void AudioPlayerWidget::OnBtnIncSelectionEndClicked()
 void AudioPlayerWidget::OnSelectionStartEditingFinished()
 {
     const double start = ConvertFromDisplayTimeFormat(m_controls->edSelectionStart->text());
-    if (!LiesInFile(start, File().GetDuration())) {
+    if (!LiesInFile(start, GetAudioDuration())) {
         const QSignalBlocker blocker(m_controls->edSelectionStart);
         m_controls->edSelectionStart->setText(
             ConvertToDisplayTimeFormat(m_waveformWidget->GetSelectionStartTime()));
@@ -95,7 +94,7 @@ void AudioPlayerWidget::OnSelectionStartEditingFinished()
 void AudioPlayerWidget::OnSelectionEndEditingFinished()
 {
     const double end = ConvertFromDisplayTimeFormat(m_controls->edSelectionEnd->text());
-    if (!LiesInFile(end, File().GetDuration())) {
+    if (!LiesInFile(end, GetAudioDuration())) {
         const QSignalBlocker blocker(m_controls->edSelectionEnd);
         m_controls->edSelectionEnd->setText(ConvertToDisplayTimeFormat(m_waveformWidget->GetSelectionEndTime()));
         return;

@@ -8,7 +8,6 @@
 #include <QtCore/QPointer>
 #include <QtCore/QSignalBlocker>
 #include <QtGui/QKeyEvent>
-#include <QtGui/QRegularExpressionValidator>
 #include <QtWidgets/QFileDialog>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPushButton>
@@ -155,7 +154,7 @@ void AudioPlayerWidget::UpdateAudioPosition(double seconds)
 void AudioPlayerWidget::OnCurrentPositionEditingFinished()
 {
     const double time = ConvertFromDisplayTimeFormat(m_controls->edCurrentPosition->text());
-    if (0.0 <= time && time <= File().GetDuration()) {
+    if (0.0 <= time && time <= GetAudioDuration()) {
         m_waveformWidget->SetSelectionStartTime(0.0);
         m_waveformWidget->SetSelectionEndTime(0.0);
         m_waveformWidget->SetAudioPosition(time);
@@ -184,11 +183,19 @@ void AudioPlayerWidget::OnWaveformAudioPositionChanged(double seconds)
 
 void AudioPlayerWidget::OnBtnLoadFileClicked()
 {
-    const QPointer<AudioPlayerWidget> self(this);
-    const QStringList paths = QFileDialog::getOpenFileNames(this, tr("Load audio file"), QString(),
-                                                            tr("Audio files") + u" (*.wav *.mp3)"_s);
+    // Not on the stack, as QFileDialog's own functions have it: this widget may be destroyed meanwhile, and takes
+    // its dialog along.
+    const QPointer<QFileDialog> dialog =
+        new QFileDialog(this, tr("Load audio file"), QString(), tr("Audio files") + u" (*.wav *.mp3)"_s);
+    dialog->setFileMode(QFileDialog::ExistingFiles);
+    const bool isAccepted = dialog->exec() == QDialog::Accepted;
+    if (!dialog) {
+        return;
+    }
+    const QStringList paths = isAccepted ? dialog->selectedFiles() : QStringList();
+    delete dialog;
     // The player holds one file; further ones are left out.
-    if (self && !paths.isEmpty()) {
+    if (!paths.isEmpty()) {
         SetAudioFile(paths.first());
     }
 }
@@ -196,7 +203,7 @@ void AudioPlayerWidget::OnBtnLoadFileClicked()
 void AudioPlayerWidget::keyPressEvent(QKeyEvent* event)
 {
     if (event->matches(QKeySequence::SelectAll)) {
-        SetSelectedSnippet({0.0, File().GetDuration()});
+        SetSelectedSnippet({0.0, GetAudioDuration()});
     } else if (event->key() == Qt::Key_Space) {
         m_audioPlayer->PauseResume();
         ShowPlayIcon(m_controls->btnPlayPause->isChecked());

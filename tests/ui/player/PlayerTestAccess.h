@@ -1,0 +1,44 @@
+#pragma once
+
+#include "ui/player/Background.h"
+#include "ui/player/Controls.h"
+
+#include <vantorAudioEngine/AudioPlayerWidget.h>
+
+#include <QtCore/QList>
+
+namespace vantoraudio::vantorAudioEngine::UI {
+
+/** Reaches what tests look into. */
+class AudioPlayerWidgetTestAccess
+{
+public:
+    static const AudioPlayerWidget::Controls& Controls(const AudioPlayerWidget& widget)
+    {
+        return *widget.m_controls;
+    }
+    static WavFile& File(AudioPlayerWidget& widget) { return widget.File(); }
+    static AudioPlayer& Player(AudioPlayerWidget& widget) { return *widget.m_audioPlayer; }
+    static BGFXWaveformWidget& Waveform(AudioPlayerWidget& widget) { return *widget.m_waveformWidget; }
+    static bool HasSelection(const AudioPlayerWidget& widget) { return widget.m_hasSelection; }
+    static QString FilteredFilePath(const AudioPlayerWidget& widget) { return widget.m_filteredFilePath; }
+    static QString SnippetFilePath(const AudioPlayerWidget& widget) { return widget.m_snippetFilePath; }
+    static void SetBusy(AudioPlayerWidget& widget, bool busy) { widget.SetBusy(busy); }
+    static QString ToText(double seconds) { return AudioPlayerWidget::ConvertToDisplayTimeFormat(seconds); }
+    static double FromText(const QString& text) { return AudioPlayerWidget::ConvertFromDisplayTimeFormat(text); }
+    static bool IsReadingSamples(const AudioPlayerWidget& widget) { return widget.m_samplesWatcher.isRunning(); }
+};
+
+/** Writes down its errors. */
+class RecordingPlayerWidget : public AudioPlayerWidget
+{
+public:
+    using AudioPlayerWidget::AudioPlayerWidget;
+
+    QList<WavFile::AudioEngineReturnValue> errors;
+
+protected:
+    void ErrorHandler(WavFile::AudioEngineReturnValue error) override { errors.append(error); }
+};
+
+} // namespace vantoraudio::vantorAudioEngine::UI

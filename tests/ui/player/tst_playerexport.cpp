@@ -1,0 +1,600 @@
+#include "tests/support/SoundServer.h"
+#include "tests/support/TestAudio.h"
+#include "tests/ui/player/BlockedPool.h"
+#include "tests/ui/player/PlayerSetup.h"
+
+#include <QtWidgets/QApplication>
+
+#include <optional>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace WavTest;
+using vantoraudio::vantorAudioEngine::UI::AudioPlayerWidget;
+using Access = PlayerSetup::Access;
+using Errors = QList<WavFile::AudioEngineReturnValue>;
+using States = QList<QVariantList>;
+
+namespace {
+
+const TestAudio stereo{.coding = S16, .channels = 2, .rate = 8000, .frames = 8000};
+const TestAudio mono{.coding = S16, .channels = 1, .rate = 8000, .frames = 8000};
+
+/** A stereo file of one second, loaded, and what the player tells. */
+class ExportSetup : public PlayerSetup
+{
+public:
+    explicit ExportSetup(const TestAudio& audio = stereo) { QVERIFY(Load(u"take.wav"_s, audio.File())); }
+
+    QString Left() const { return copies.Path(u"take_Left.wav"_s); }
+    QString Right() const { return copies.Path(u"take_Right.wav"_s); }
+    QString Copy() const { return copies.Path(u"take.wav"_s); }
+    QString Snippet() const { return originals.Path(u"snippet.wav"_s); }
+
+    /** No file can be written under that name, although none is there. */
+    static bool MakeUnwritable(const QString& path) { return QFile::link(u"/missing/folder/file"_s, path); }
+
+    /** What waits for the event loop when a task is done. */
+    static void EndTasks() { QThreadPool::globalInstance()->waitForDone(); }
+
+    QSignalSpy busy{player.get(), &AudioPlayerWidget::BusyChanged};
+    QSignalSpy finished{player.get(), &AudioPlayerWidget::CreateSnippetFinished};
+};
+
+} // namespace
+
+class PlayerExportTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void writesTheSelectionOfTheSelectedChannel();
+    void dropsASnippetWhileSamplesAreRead();
+    void aFailedSnippetIsReportedAndItsPathForgotten();
+    void aSnippetThatVanishedIsReportedAsSuccess();
+    void aSnippetOverTheWorkingCopyIsRefused();
+    void cancelsASnippet();
+    void cancelsASnippetThatWaitsForItsTurn();
+    void cancellingWithoutASnippetDoesNothing();
+    void aSnippetAndAFilteringMayRunAtOnce();
+    void ofTwoSnippetsAtOnceTheLatterIsAnnounced();
+    void theNextSnippetMayStartWhenTheBusyTimeEnds();
+    void theNextSnippetMayStartWhenOneHasFailed();
+    void theLastProgressOfALongExportArrives();
+    void withoutAFileASnippetFailsAndOverwritesNothing();
+    void closingDropsAFilteringThatIsDoneButNotASnippet();
+
+    void choosesOnlyWhatTheFileOffers();
+    void withoutAFileNoChannelIsFiltered();
+    void filtersIntoAFileBesideTheWorkingCopy();
+    void bothChannelsPlayTheWorkingCopyItself();
+    void aFilteringEndsTheReadingOfSamples();
+    void keepsTheSelection();
+    void keepsNoSelectionWhereThereWasNone();
+    void theLatestChoiceCounts();
+    void aFailedFilteringGoesBackToThePreviousChannel();
+    void aFailureIsToldWhenTheWayBackHasBegun();
+    void aChannelFileThatVanishedIsReportedAsSuccess();
+    void failingInBothDirectionsEnds();
+    void goesBackAgainAfterAWayBackThatFailed();
+    void goesBackInTheNextFileAfterAWayBackThatWasCutOff();
+    void anotherChannelMayBeChosenWhenTheBusyTimeEnds();
+    void anotherFileMayBeLoadedWhenTheBusyTimeEnds();
+    void resettingLeavesTheFileThatIsLoadedWhenTheBusyTimeEnds();
+};
+
+void PlayerExportTest::writesTheSelectionOfTheSelectedChannel()
+{
+    ExportSetup setup;
+    setup.player->SetSelectedChannel(WavFile::ChannelRight);
+    QVERIFY(setup.IsIdle() && setup.HasRead());
+    setup.player->SetSelectedSnippet({0.25, 0.5});
+    setup.busy.clear();
+    setup.player->CreateSnippet(setup.Snippet());
+    QVERIFY(setup.player->IsBusy());
+    QVERIFY(!setup.Controls().cmbboxChannelSelector->isEnabled());
+    QVERIFY(setup.IsIdle());
+    QCOMPARE(setup.busy, (States{{true}, {false}}));
+    QCOMPARE(setup.finished, States{{setup.Snippet()}});
+    QCOMPARE(Access::SnippetFilePath(*setup.player), setup.Snippet());
+    QCOMPARE(TemporaryFiles::Read(setup.Snippet()),
+             stereo.Exported(stereo.ExportedData(2000, 4000, WavFile::ChannelRight), 4000));
+    QVERIFY(setup.player->errors.isEmpty());
+}
+
+void PlayerExportTest::dropsASnippetWhileSamplesAreRead()
+{
+    ExportSetup setup;
+    setup.player->SetSelectedSnippet({0.25, 0.5});
+    {
+        const BlockedPool pool;
+        Q_EMIT setup.View().GetSamples(0.0, 1.0, 1);
+        setup.player->CreateSnippet(setup.Snippet());
+        QVERIFY(!setup.player->IsBusy());
+    }
+    QVERIFY(setup.HasRead());
+    QCoreApplication::processEvents();
+    QVERIFY(setup.busy.isEmpty());
+    QVERIFY(setup.finished.isEmpty());
+    QVERIFY(setup.player->errors.isEmpty());
+    QVERIFY(!QFile::exists(setup.Snippet()));
+    QCOMPARE(Access::SnippetFilePath(*setup.player), QString());
+    setup.player->CreateSnippet(setup.Snippet());
+    QVERIFY(setup.IsIdle());
+    QCOMPARE(setup.finished.size(), 1);
+}
+
+void PlayerExportTest::aFailedSnippetIsReportedAndItsPathForgotten()
+{
+    ExportSetup setup;
+    setup.player->SetSelectedSnippet({0.25, 0.5});
+    setup.player->CreateSnippet(setup.originals.Path(u"missing/snippet.wav"_s));
+    QVERIFY(setup.IsIdle());
+    QCOMPARE(setup.busy, (States{{true}, {false}}));
+    QCOMPARE(setup.player->errors, Errors{WavFile::ErrorCreateSnippet});
+    QVERIFY(setup.finished.isEmpty());
+    QCOMPARE(Access::SnippetFilePath(*setup.player), QString());
+}
+
+void PlayerExportTest::aSnippetThatVanishedIsReportedAsSuccess()
+{
+    ExportSetup setup;
+    setup.player->SetSelectedSnippet({0.25, 0.5});
+    setup.player->CreateSnippet(setup.Snippet());
+    ExportSetup::EndTasks();
+    QVERIFY(QFile::remove(setup.Snippet()));
+    QVERIFY(setup.IsIdle());
+    QCOMPARE(setup.player->errors, Errors{WavFile::Success});
+    QVERIFY(setup.finished.isEmpty());
+    QCOMPARE(Access::SnippetFilePath(*setup.player), QString());
+}
+
+void PlayerExportTest::aSnippetOverTheWorkingCopyIsRefused()
+{
+    ExportSetup setup;
+    setup.player->SetSelectedSnippet({0.25, 0.5});
+    setup.player->CreateSnippet(setup.Copy());
+    QVERIFY(setup.IsIdle());
+    QCOMPARE(setup.player->errors, Errors{WavFile::ErrorCreateSnippet});
+    QCOMPARE(TemporaryFiles::Read(setup.Copy()), stereo.File());
+}
+
+void PlayerExportTest::cancelsASnippet()
+{
+    ExportSetup setup;
+    setup.player->SetSelectedSnippet({0.0, 1.0});
+    HeldTask held(setup.File());
+    setup.player->CreateSnippet(setup.Snippet());
+    QVERIFY(held.HasBegun());
+    QVERIFY(QFile::exists(setup.Snippet()));
+    held.ReleaseUpon(WavFileTestAccess(setup.File()).IsWriteAborted());
+    setup.player->CancelSnippet();
+    QVERIFY(!setup.player->IsBusy());
+    QVERIFY(!QFile::exists(setup.Snippet()));
+    ExportSetup::EndTasks();
+    QCoreApplication::processEvents();
+    QCOMPARE(setup.busy, (States{{true}, {false}}));
+    QVERIFY(setup.finished.isEmpty());
+    QVERIFY(setup.player->errors.isEmpty());
+}
+
+void PlayerExportTest::cancelsASnippetThatWaitsForItsTurn()
+{
+    ExportSetup setup;
+    setup.player->SetSelectedSnippet({0.0, 1.0});
+    {
+        const BlockedPool pool;
+        setup.player->CreateSnippet(setup.Snippet());
+        setup.player->CancelSnippet();
+        QVERIFY(!setup.player->IsBusy());
+    }
+    QCoreApplication::processEvents();
+    QVERIFY(!QFile::exists(setup.Snippet()));
+    QCOMPARE(setup.busy, (States{{true}, {false}}));
+    QVERIFY(setup.finished.isEmpty());
+    QVERIFY(setup.player->errors.isEmpty());
+}
+
+void PlayerExportTest::cancellingWithoutASnippetDoesNothing()
+{
+    ExportSetup setup;
+    setup.player->CancelSnippet();
+    QVERIFY(setup.busy.isEmpty());
+    setup.player->SetSelectedSnippet({0.25, 0.5});
+    setup.player->CreateSnippet(setup.Snippet());
+    QVERIFY(setup.IsIdle());
+    setup.player->CancelSnippet();
+    QVERIFY(QFile::exists(setup.Snippet()));
+    QCOMPARE(setup.busy.size(), 2);
+}
+
+void PlayerExportTest::aSnippetAndAFilteringMayRunAtOnce()
+{
+    ExportSetup setup;
+    setup.player->SetSelectedSnippet({0.25, 0.5});
+    {
+        HeldTask held(setup.File());
+        setup.player->CreateSnippet(setup.Snippet());
+        QVERIFY(held.HasBegun());
+        setup.player->SetSelectedChannel(WavFile::ChannelLeft);
+        QVERIFY(held.HasBegun());
+    }
+    QTRY_COMPARE(setup.busy, (States{{true}, {true}, {false}, {false}}));
+    QCOMPARE(setup.finished, States{{setup.Snippet()}});
+    // The channel of the snippet is that of its start.
+    QCOMPARE(TemporaryFiles::Read(setup.Snippet()),
+             stereo.Exported(stereo.ExportedData(2000, 4000, WavFile::ChannelLeftRight), 4000));
+    QCOMPARE(TemporaryFiles::Read(setup.Left()),
+             stereo.Exported(stereo.ExportedData(0, 8000, WavFile::ChannelLeft), 16000));
+    QVERIFY(setup.player->errors.isEmpty());
+    QVERIFY(!setup.player->IsBusy());
+}
+
+void PlayerExportTest::ofTwoSnippetsAtOnceTheLatterIsAnnounced()
+{
+    ExportSetup setup;
+    const QString second = setup.originals.Path(u"second.wav"_s);
+    setup.player->SetSelectedSnippet({0.25, 0.5});
+    {
+        HeldTask held(setup.File());
+        setup.player->CreateSnippet(setup.Snippet());
+        QVERIFY(held.HasBegun());
+        setup.player->CreateSnippet(second);
+        QVERIFY(held.HasBegun());
+    }
+    QVERIFY(setup.IsIdle());
+    QCOMPARE(setup.finished, States{{second}});
+    QCOMPARE(TemporaryFiles::Read(setup.Snippet()), TemporaryFiles::Read(second));
+    QCOMPARE(TemporaryFiles::Read(second).size(), 4044);
+}
+
+void PlayerExportTest::theNextSnippetMayStartWhenTheBusyTimeEnds()
+{
+    ExportSetup setup;
+    const QString second = setup.originals.Path(u"second.wav"_s);
+    setup.player->SetSelectedSnippet({0.25, 0.5});
+    bool isStarted = false;
+    connect(setup.player.get(), &AudioPlayerWidget::BusyChanged, this, [&](bool isBusy) {
+        if (!isBusy && !std::exchange(isStarted, true)) {
+            setup.player->CreateSnippet(second);
+        }
+    });
+    setup.player->CreateSnippet(setup.Snippet());
+    QTRY_COMPARE(setup.finished, (States{{setup.Snippet()}, {second}}));
+    QCOMPARE(setup.busy, (States{{true}, {false}, {true}, {false}}));
+    QVERIFY(setup.player->errors.isEmpty());
+}
+
+void PlayerExportTest::theNextSnippetMayStartWhenOneHasFailed()
+{
+    ExportSetup setup;
+    setup.player->SetSelectedSnippet({0.25, 0.5});
+    bool isStarted = false;
+    connect(setup.player.get(), &AudioPlayerWidget::BusyChanged, this, [&](bool isBusy) {
+        if (!isBusy && !std::exchange(isStarted, true)) {
+            setup.player->CreateSnippet(setup.Snippet());
+        }
+    });
+    setup.player->CreateSnippet(setup.originals.Path(u"missing/snippet.wav"_s));
+    QTRY_COMPARE(setup.finished, States{{setup.Snippet()}});
+    QCOMPARE(setup.player->errors, Errors{WavFile::ErrorCreateSnippet});
+}
+
+void PlayerExportTest::theLastProgressOfALongExportArrives()
+{
+    ExportSetup setup(TestAudio{.coding = S16, .channels = 2, .rate = 8000, .frames = 800000});
+    setup.player->SetSelectedSnippet({0.0, 100.0});
+    QCoreApplication::processEvents();
+    QSignalSpy progress(setup.player.get(), &AudioPlayerWidget::ProgressChanged);
+    setup.player->CreateSnippet(setup.Snippet());
+    QVERIFY(setup.IsIdle());
+    // The last of 4,000 blocks of 800 bytes begins 800 bytes before the end at 3,200,044.
+    QTRY_VERIFY(!progress.isEmpty() && progress.last() == (QVariantList{99, 0, 100, u"Creating snippet..."_s}));
+    int former = 0;
+    for (const QVariantList& report : std::as_const(progress)) {
+        QVERIFY(report[0].toInt() >= former);
+        former = report[0].toInt();
+    }
+}
+
+void PlayerExportTest::closingDropsAFilteringThatIsDoneButNotASnippet()
+{
+    ExportSetup setup;
+    setup.player->SetSelectedSnippet({0.25, 0.5});
+    setup.player->CreateSnippet(setup.Snippet());
+    setup.player->SetSelectedChannel(WavFile::ChannelLeft);
+    ExportSetup::EndTasks();
+    setup.player->Close();
+    QVERIFY(!setup.player->IsBusy());
+    QVERIFY(setup.finished.wait(PlayerSetup::patience));
+    QCOMPARE(setup.finished, States{{setup.Snippet()}});
+    QVERIFY(QFile::exists(setup.Snippet()));
+    QVERIFY(QFile::exists(setup.Left()));
+    QCOMPARE(setup.Audio().source().toLocalFile(), setup.Copy());
+    QVERIFY(setup.player->errors.isEmpty());
+}
+
+void PlayerExportTest::withoutAFileASnippetFailsAndOverwritesNothing()
+{
+    ExportSetup setup;
+    setup.player->SetSelectedSnippet({0.25, 0.5});
+    setup.originals.Write(u"snippet.wav"_s, "dear");
+    setup.player->Close();
+    setup.player->CreateSnippet(setup.Snippet());
+    QVERIFY(setup.IsIdle());
+    QCOMPARE(setup.player->errors, Errors{WavFile::ErrorCreateSnippet});
+    QVERIFY(setup.finished.isEmpty());
+    QCOMPARE(TemporaryFiles::Read(setup.Snippet()), "dear");
+}
+
+void PlayerExportTest::withoutAFileNoChannelIsFiltered()
+{
+    ExportSetup setup;
+    setup.player->Reset();
+    setup.player->SetSelectedChannel(WavFile::ChannelLeft);
+    QVERIFY(setup.busy.isEmpty());
+    QVERIFY(!QFile::exists(setup.Left()));
+    // Loaded again, it is whole.
+    QVERIFY(setup.Load(setup.originals.Path(u"take.wav"_s)));
+    setup.player->SetSelectedChannel(WavFile::ChannelLeft);
+    QVERIFY(setup.IsIdle());
+    QCOMPARE(TemporaryFiles::Read(setup.Left()).size(), 16044);
+}
+
+void PlayerExportTest::choosesOnlyWhatTheFileOffers()
+{
+    ExportSetup setup;
+    setup.player->SetSelectedChannel(WavFile::ChannelLeftRight);
+    setup.player->SetSelectedChannel(WavFile::ChannelMono);
+    setup.player->SetSelectedChannel(WavFile::ChannelNone);
+    QVERIFY(setup.busy.isEmpty());
+    QCOMPARE(setup.player->GetSelectedChannel(), WavFile::ChannelLeftRight);
+    QVERIFY(setup.Load(u"mono.wav"_s, mono.File()));
+    setup.player->SetSelectedChannel(WavFile::ChannelMono);
+    setup.player->SetSelectedChannel(WavFile::ChannelLeft);
+    QVERIFY(setup.busy.isEmpty());
+    QCOMPARE(setup.player->GetSelectedChannel(), WavFile::ChannelMono);
+    AudioPlayerWidget empty;
+    empty.SetSelectedChannel(WavFile::ChannelLeft);
+    QVERIFY(!empty.IsBusy());
+    QCOMPARE(empty.GetSelectedChannel(), WavFile::ChannelNone);
+}
+
+void PlayerExportTest::filtersIntoAFileBesideTheWorkingCopy()
+{
+    ExportSetup setup;
+    setup.player->SetSelectedChannel(WavFile::ChannelLeft);
+    QVERIFY(setup.player->IsBusy());
+    QCOMPARE(Access::FilteredFilePath(*setup.player), setup.Left());
+    QVERIFY(setup.IsIdle());
+    QCOMPARE(setup.busy, (States{{true}, {false}}));
+    QCOMPARE(TemporaryFiles::Read(setup.Left()),
+             stereo.Exported(stereo.ExportedData(0, 8000, WavFile::ChannelLeft), 16000));
+    QCOMPARE(setup.Audio().source().toLocalFile(), setup.Left());
+    QCOMPARE(setup.player->GetAudioFileName(), setup.Copy());
+    QCOMPARE(setup.player->GetSelectedChannel(), WavFile::ChannelLeft);
+}
+
+void PlayerExportTest::bothChannelsPlayTheWorkingCopyItself()
+{
+    ExportSetup setup;
+    setup.player->SetSelectedChannel(WavFile::ChannelRight);
+    QVERIFY(setup.IsIdle());
+    QCOMPARE(setup.Audio().source().toLocalFile(), setup.Right());
+    setup.player->SetSelectedChannel(WavFile::ChannelLeftRight);
+    QCOMPARE(Access::FilteredFilePath(*setup.player), setup.Copy());
+    QVERIFY(setup.IsIdle());
+    QCOMPARE(setup.Audio().source().toLocalFile(), setup.Copy());
+    QCOMPARE(TemporaryFiles::Read(setup.Copy()), stereo.File());
+}
+
+void PlayerExportTest::aFilteringEndsTheReadingOfSamples()
+{
+    ExportSetup setup;
+    QSignalSpy news(&setup.File(), &WavFile::NewData);
+    {
+        const BlockedPool pool;
+        Q_EMIT setup.View().GetSamples(0.0, 1.0, 1);
+        setup.player->SetSelectedChannel(WavFile::ChannelLeft);
+        QVERIFY(!Access::IsReadingSamples(*setup.player));
+    }
+    QVERIFY(setup.IsIdle());
+    QVERIFY(setup.HasRead());
+    // Only those that the view asked for when the channel was there.
+    QTRY_COMPARE(news.size(), 1);
+    QCOMPARE(setup.File().GetSamples().size(), 8000);
+}
+
+void PlayerExportTest::keepsTheSelection()
+{
+    ExportSetup setup;
+    setup.player->SetSelectedSnippet({0.25, 0.5});
+    setup.player->SetSelectedChannel(WavFile::ChannelLeft);
+    QVERIFY(setup.IsIdle());
+    QCOMPARE(setup.player->GetSelectedSnippet(), std::pair(0.25, 0.5));
+    QVERIFY(Access::HasSelection(*setup.player));
+    QTRY_COMPARE(setup.Audio().position(), 250);
+    QCOMPARE(setup.Controls().edSelectionStart->text(), u"00:00:00.250"_s);
+    QCOMPARE(setup.Controls().edSelectionEnd->text(), u"00:00:00.500"_s);
+}
+
+void PlayerExportTest::keepsNoSelectionWhereThereWasNone()
+{
+    ExportSetup setup;
+    setup.player->SetSelectedChannel(WavFile::ChannelLeft);
+    QVERIFY(setup.IsIdle());
+    QCOMPARE(setup.player->GetSelectedSnippet(), std::pair(0.0, 0.0));
+    QVERIFY(!Access::HasSelection(*setup.player));
+    QCOMPARE(setup.Audio().position(), 0);
+}
+
+void PlayerExportTest::theLatestChoiceCounts()
+{
+    ExportSetup setup;
+    {
+        const BlockedPool pool;
+        setup.player->SetSelectedChannel(WavFile::ChannelLeft);
+        setup.player->SetSelectedChannel(WavFile::ChannelRight);
+    }
+    QVERIFY(setup.IsIdle());
+    QCOMPARE(setup.busy, (States{{true}, {true}, {false}}));
+    QCOMPARE(setup.Audio().source().toLocalFile(), setup.Right());
+    QVERIFY(!QFile::exists(setup.Left()));
+    QVERIFY(setup.player->errors.isEmpty());
+}
+
+void PlayerExportTest::aFailedFilteringGoesBackToThePreviousChannel()
+{
+    ExportSetup setup;
+    QVERIFY(ExportSetup::MakeUnwritable(setup.Left()));
+    setup.player->SetSelectedChannel(WavFile::ChannelLeft);
+    QTRY_COMPARE(setup.busy, (States{{true}, {false}, {true}, {false}}));
+    QCOMPARE(setup.player->errors, Errors{WavFile::ErrorFilterChannel});
+    QCOMPARE(setup.Controls().cmbboxChannelSelector->currentIndex(), 0);
+    QCOMPARE(setup.player->GetSelectedChannel(), WavFile::ChannelLeftRight);
+    QCOMPARE(setup.Audio().source().toLocalFile(), setup.Copy());
+    QCOMPARE(Access::FilteredFilePath(*setup.player), setup.Copy());
+}
+
+void PlayerExportTest::aFailureIsToldWhenTheWayBackHasBegun()
+{
+    class Player : public AudioPlayerWidget
+    {
+    public:
+        QList<bool> wasBusy;
+
+    protected:
+        void ErrorHandler(WavFile::AudioEngineReturnValue) override { wasBusy.append(IsBusy()); }
+    } player;
+    const TemporaryFiles originals;
+    const TemporaryFiles copies;
+    player.SetWritableDirectoryPath(copies.Path(QString()));
+    player.SetAudioFile(originals.Write(u"take.wav"_s, stereo.File()));
+    QVERIFY(ExportSetup::MakeUnwritable(copies.Path(u"take_Left.wav"_s)));
+    player.SetSelectedChannel(WavFile::ChannelLeft);
+    QTRY_COMPARE(player.wasBusy, QList<bool>{true});
+    QTRY_VERIFY(!player.IsBusy());
+}
+
+void PlayerExportTest::aChannelFileThatVanishedIsReportedAsSuccess()
+{
+    ExportSetup setup;
+    setup.player->SetSelectedChannel(WavFile::ChannelLeft);
+    ExportSetup::EndTasks();
+    QVERIFY(QFile::remove(setup.Left()));
+    QTRY_COMPARE(setup.busy, (States{{true}, {false}, {true}, {false}}));
+    QCOMPARE(setup.player->errors, Errors{WavFile::Success});
+    QCOMPARE(setup.Controls().cmbboxChannelSelector->currentIndex(), 0);
+}
+
+void PlayerExportTest::failingInBothDirectionsEnds()
+{
+    ExportSetup setup;
+    QVERIFY(ExportSetup::MakeUnwritable(setup.Left()));
+    QVERIFY(QFile::remove(setup.Copy()));
+    setup.player->SetSelectedChannel(WavFile::ChannelLeft);
+    QTRY_COMPARE(setup.busy, (States{{true}, {false}, {true}, {false}}));
+    QCOMPARE(setup.player->errors, (Errors{WavFile::ErrorFilterChannel, WavFile::Success}));
+    QCOMPARE(Access::FilteredFilePath(*setup.player), QString());
+    ExportSetup::EndTasks();
+    QCoreApplication::processEvents();
+    QVERIFY(!setup.player->IsBusy());
+    QCOMPARE(setup.busy.size(), 4);
+    QCOMPARE(setup.Controls().cmbboxChannelSelector->currentIndex(), 0);
+}
+
+void PlayerExportTest::goesBackAgainAfterAWayBackThatFailed()
+{
+    ExportSetup setup;
+    QVERIFY(ExportSetup::MakeUnwritable(setup.Left()));
+    QVERIFY(QFile::remove(setup.Copy()));
+    setup.player->SetSelectedChannel(WavFile::ChannelLeft);
+    QTRY_COMPARE(setup.player->errors.size(), 2);
+    setup.copies.Write(u"take.wav"_s, stereo.File());
+    setup.player->SetSelectedChannel(WavFile::ChannelLeft);
+    QTRY_COMPARE(setup.busy.size(), 8);
+    QCOMPARE(setup.player->errors.mid(2), Errors{WavFile::ErrorFilterChannel});
+    QCOMPARE(setup.player->GetSelectedChannel(), WavFile::ChannelLeftRight);
+    QCOMPARE(setup.Audio().source().toLocalFile(), setup.Copy());
+}
+
+void PlayerExportTest::goesBackInTheNextFileAfterAWayBackThatWasCutOff()
+{
+    ExportSetup setup;
+    QVERIFY(ExportSetup::MakeUnwritable(setup.Left()));
+    QVERIFY(ExportSetup::MakeUnwritable(setup.copies.Path(u"next_Left.wav"_s)));
+    const QMetaObject::Connection connection =
+        connect(setup.player.get(), &AudioPlayerWidget::BusyChanged, this, [&](bool isBusy) {
+            if (isBusy && setup.busy.size() == 3) {
+                setup.player->Close();
+            }
+        });
+    setup.player->SetSelectedChannel(WavFile::ChannelLeft);
+    QTRY_COMPARE(setup.busy, (States{{true}, {false}, {true}, {false}}));
+    disconnect(connection);
+    setup.player->errors.clear();
+    QVERIFY(setup.Load(u"next.wav"_s, stereo.File()));
+    setup.player->SetSelectedChannel(WavFile::ChannelLeft);
+    QTRY_COMPARE(setup.busy.size(), 8);
+    QCOMPARE(setup.player->errors, Errors{WavFile::ErrorFilterChannel});
+    QCOMPARE(setup.player->GetSelectedChannel(), WavFile::ChannelLeftRight);
+}
+
+void PlayerExportTest::anotherChannelMayBeChosenWhenTheBusyTimeEnds()
+{
+    ExportSetup setup;
+    connect(setup.player.get(), &AudioPlayerWidget::BusyChanged, this, [&](bool isBusy) {
+        if (!isBusy) {
+            setup.player->SetSelectedChannel(WavFile::ChannelRight);
+        }
+    });
+    QSignalSpy sources(&setup.Audio(), &QMediaPlayer::sourceChanged);
+    setup.player->SetSelectedChannel(WavFile::ChannelLeft);
+    QTRY_COMPARE(setup.busy, (States{{true}, {false}, {true}, {false}}));
+    QCOMPARE(setup.Audio().source().toLocalFile(), setup.Right());
+    QCOMPARE(sources.size(), 1);
+    QVERIFY(QFile::exists(setup.Left()));
+    QVERIFY(setup.player->errors.isEmpty());
+}
+
+void PlayerExportTest::anotherFileMayBeLoadedWhenTheBusyTimeEnds()
+{
+    ExportSetup setup;
+    const QString next = setup.originals.Write(u"next.wav"_s, mono.File());
+    connect(setup.player.get(), &AudioPlayerWidget::BusyChanged, this, [&](bool isBusy) {
+        if (!isBusy) {
+            setup.player->SetAudioFile(next);
+        }
+    });
+    setup.player->SetSelectedChannel(WavFile::ChannelLeft);
+    QVERIFY(setup.IsIdle());
+    QCOMPARE(setup.player->GetAudioFileName(), setup.copies.Path(u"next.wav"_s));
+    QCOMPARE(setup.Audio().source().toLocalFile(), setup.copies.Path(u"next.wav"_s));
+    QVERIFY(setup.player->errors.isEmpty());
+}
+
+void PlayerExportTest::resettingLeavesTheFileThatIsLoadedWhenTheBusyTimeEnds()
+{
+    ExportSetup setup;
+    const QString next = setup.originals.Write(u"next.wav"_s, mono.File());
+    connect(setup.player.get(), &AudioPlayerWidget::BusyChanged, this, [&](bool isBusy) {
+        if (!isBusy) {
+            setup.player->SetAudioFile(next);
+        }
+    });
+    const BlockedPool pool;
+    setup.player->SetSelectedChannel(WavFile::ChannelLeft);
+    setup.player->Reset();
+    QCOMPARE(setup.player->GetAudioFileName(), setup.copies.Path(u"next.wav"_s));
+    QVERIFY(setup.Controls().btnPlayPause->isEnabled());
+    QCOMPARE(setup.Controls().edTotalDuration->text(), u"00:00:01.000"_s);
+}
+
+int main(int argc, char* argv[])
+{
+    const SoundServer server({QStringLiteral("one")});
+    QApplication application(argc, argv);
+    PlayerExportTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_playerexport.moc"
