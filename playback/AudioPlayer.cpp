@@ -76,7 +76,6 @@ void AudioPlayer::SetAudio(const QString& filePath, double duration)
     LoadSource(filePath);
     m_selectionStart = 0.0;
     m_selectionEnd = duration;
-    m_endsAtOnce = false;
 }
 
 void AudioPlayer::LoadSource(const QString& filePath)
@@ -101,12 +100,6 @@ void AudioPlayer::DropUnusedSourceFile()
 
 void AudioPlayer::play()
 {
-    m_endsAtOnce = false;
-    PlayGuarded();
-}
-
-void AudioPlayer::PlayGuarded()
-{
     m_outputGuard->Refresh();
     QMediaPlayer::play();
 }
@@ -124,7 +117,6 @@ void AudioPlayer::SetSelection(double start, double end)
 {
     m_selectionStart = start;
     m_selectionEnd = end;
-    m_endsAtOnce = false;
     const qint64 position = PositionAt(start);
     setPosition(position);
     SeekAgainIfLost(position);
@@ -237,15 +229,29 @@ void AudioPlayer::RestartAfterReport()
 {
     const auto restart = [this] {
         // Whoever stopped, sought, played or loaded something since then knows better.
-        const bool isStillAtEnd = mediaStatus() == EndOfMedia && playbackState() == StoppedState;
-        // A file without audio, or a selection that starts at the very end, ends again at once. One restart is
-        // enough then: the next would follow on its end, and so on at full speed.
-        if (isStillAtEnd && !m_endsAtOnce) {
-            m_endsAtOnce = PositionAt(m_selectionStart) >= duration();
+        if (mediaStatus() != EndOfMedia || playbackState() != StoppedState) {
+            return;
+        }
+        if (PositionAt(m_selectionStart) >= duration()) {
+            PauseAtEndOfMedia();
+        } else {
             RestartPlayback();
         }
     };
     QMetaObject::invokeMethod(this, restart, Qt::QueuedConnection);
+}
+
+// Looping over a file without audio, or over a selection that starts at the very end, would report one end after
+// the other at full speed.
+void AudioPlayer::PauseAtEndOfMedia()
+{
+    setPosition(PositionAt(m_selectionStart));
+    pause();
+    // The FFmpeg backend of Qt 6.4 would report the end once more and stop the paused player. An output that joins
+    // it anew has nothing to report.
+    QAudioOutput* const output = audioOutput();
+    setAudioOutput(nullptr);
+    setAudioOutput(output);
 }
 
 // The end of the media is reported right behind its last position, see RestartAfterReport(), unless there is no
@@ -263,6 +269,6 @@ void AudioPlayer::RestartPlayback()
     pause();
     SeekAgainIfLost(start);
     if (m_loop) {
-        PlayGuarded();
+        play();
     }
 }

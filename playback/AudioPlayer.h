@@ -33,7 +33,7 @@ class OutputGuard;
  *
  * At the end of the file the way back to the selection's start is taken in the next round of the event loop; until
  * then the player is stopped. A selection that starts at or behind the end of the file, or a file without audio,
- * ends as soon as it is played and is not looped.
+ * ends as soon as it is played and is not looped: the player stays paused.
  *
  * The audio output belongs to the player: it may be watched and set, but not deleted.
  *
@@ -98,9 +98,9 @@ private Q_SLOTS:
 private:
     friend class AudioPlayerTestAccess;
 
-    void PlayGuarded();
     void RestartPlayback();
     void RestartAfterReport();
+    void PauseAtEndOfMedia();
     void SeekAgainIfLost(qint64 wanted);
     bool IsAtEndOfMedia() const;
     qint64 PositionAt(double seconds) const;
@@ -114,7 +114,6 @@ private:
     double m_selectionEnd = 0.0;
 
     bool m_restarting = false;
-    bool m_endsAtOnce = false;
     std::unique_ptr<QFile> m_sourceFile;
     std::unique_ptr<vantoraudio::AudioEngine::OutputGuard> m_outputGuard;
 };

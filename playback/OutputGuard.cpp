@@ -54,10 +54,10 @@ OutputGuard::OutputGuard(QMediaPlayer& player, QAudioOutput& output) : m_player(
     QObject::connect(&m_devices, &QMediaDevices::audioOutputsChanged, &m_watch, refresh);
     QObject::connect(&player, &QMediaPlayer::sourceChanged, &m_watch, refresh);
     QObject::connect(&player, &QMediaPlayer::playbackStateChanged, &m_watch, refresh);
-    QObject::connect(&player, &QMediaPlayer::playbackStateChanged, &m_watch, [this] { m_progress.start(); });
+    QObject::connect(&player, &QMediaPlayer::playbackStateChanged, &m_watch, [this] { ExpectProgress(); });
     QObject::connect(&player, &QMediaPlayer::positionChanged, &m_watch,
                      [this](qint64 position) { NoteProgress(position); });
-    m_progress.start();
+    ExpectProgress();
 }
 
 void OutputGuard::Prefer(const QAudioDevice& device)
@@ -150,9 +150,14 @@ void OutputGuard::PlayAnew()
 void OutputGuard::NoteProgress(qint64 position)
 {
     if (std::abs(position - m_lastPosition) > creep) {
-        m_progress.start();
+        ExpectProgress();
     }
     m_lastPosition = position;
+}
+
+void OutputGuard::ExpectProgress()
+{
+    m_progressIsDue.setRemainingTime(longestStandstill);
 }
 
 // The FFmpeg backend of Qt 6.4 now and then loses a seek that follows closely on the end of the media, and then
@@ -161,8 +166,8 @@ void OutputGuard::EndStandstill()
 {
     const bool isPlaying = m_player.playbackState() == QMediaPlayer::PlayingState;
     const bool canSound = m_player.audioOutput() && m_player.duration() > 0;
-    if (isPlaying && canSound && m_progress.hasExpired(longestStandstill.count())) {
-        m_progress.start();
+    if (isPlaying && canSound && m_progressIsDue.hasExpired()) {
+        ExpectProgress();
         PlayAnew();
     }
 }

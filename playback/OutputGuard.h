@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QtCore/QElapsedTimer>
+#include <QtCore/QDeadlineTimer>
 #include <QtCore/QList>
 #include <QtCore/QTimer>
 #include <QtMultimedia/QAudioDevice>
@@ -35,6 +35,8 @@ public:
     void Refresh();
 
 private:
+    friend class OutputGuardTestAccess;
+
     void MatchDevices();
     bool HasMedia() const;
     QAudioDevice ChooseDevice(const QList<QAudioDevice>& available) const;
@@ -43,6 +45,7 @@ private:
     void Attach();
     void PlayAnew();
     void NoteProgress(qint64 position);
+    void ExpectProgress();
     void EndStandstill();
 
     QMediaPlayer& m_player;
@@ -50,7 +53,7 @@ private:
     QAudioDevice m_preferred;
     bool m_detached = false;
     qint64 m_lastPosition = 0;
-    QElapsedTimer m_progress;
+    QDeadlineTimer m_progressIsDue;
     QTimer m_watch;
     QMediaDevices m_devices;
 };

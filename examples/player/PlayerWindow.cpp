@@ -6,7 +6,6 @@
 #include "SettingsDialog.h"
 #include "TaskProgress.h"
 
-#include <vantorAudioEngine/BGFXWaveformWidget.h>
 #include <vantorAudioEngine/Decoder.h>
 
 #include <QtCore/QDir>
@@ -31,7 +30,6 @@
 
 using namespace std::chrono_literals;
 using namespace Qt::Literals::StringLiterals;
-using vantoraudio::vantorAudioEngine::UI::BGFXWaveformWidget;
 
 namespace {
 

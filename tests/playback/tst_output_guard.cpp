@@ -16,6 +16,7 @@
 #include <memory>
 
 using Access = AudioPlayerTestAccess;
+using GuardAccess = vantoraudio::AudioEngine::OutputGuardTestAccess;
 
 namespace {
 
@@ -69,6 +70,10 @@ private Q_SLOTS:
     void goesOnElsewhereWhenItsDeviceLeavesWhilePlaying();
     void returnsToTheChosenDevice();
     void setsAPlayerGoingAgainThatStandsStill();
+    void restartsOnlyAPlayerThatStandsStillThoughItShouldSound_data();
+    void restartsOnlyAPlayerThatStandsStillThoughItShouldSound();
+    void onlyAPositionThatMovesMoreThanItCreepsIsProgress_data();
+    void onlyAPositionThatMovesMoreThanItCreepsIsProgress();
     void ignoresADeviceThatHasGone();
     void leavesAnOutputOfTheHostAlone();
 
@@ -299,6 +304,77 @@ void OutputGuardTest::setsAPlayerGoingAgainThatStandsStill()
     player->setAudioOutput(Access::Output(*player));
     QTRY_VERIFY_WITH_TIMEOUT(HearsTheTone(one), patience);
     QCOMPARE(player->playbackState(), QMediaPlayer::PlayingState);
+}
+
+void OutputGuardTest::restartsOnlyAPlayerThatStandsStillThoughItShouldSound_data()
+{
+    QTest::addColumn<QString>("what");
+    QTest::addColumn<QList<QMediaPlayer::PlaybackState>>("states");
+    using States = QList<QMediaPlayer::PlaybackState>;
+    QTest::newRow("standing still") << QStringLiteral("still")
+                                    << States{QMediaPlayer::PausedState, QMediaPlayer::PlayingState};
+    QTest::newRow("getting on") << QStringLiteral("on") << States();
+    QTest::newRow("paused") << QStringLiteral("paused") << States();
+    QTest::newRow("stopped") << QStringLiteral("stopped") << States();
+    QTest::newRow("without an output") << QStringLiteral("mute") << States();
+    QTest::newRow("without media") << QStringLiteral("empty") << States();
+}
+
+void OutputGuardTest::restartsOnlyAPlayerThatStandsStillThoughItShouldSound()
+{
+    QFETCH(QString, what);
+    QFETCH(QList<QMediaPlayer::PlaybackState>, states);
+    SetSinks({QStringLiteral("one")});
+    const auto player = what == u"empty" ? std::make_unique<AudioPlayer>() : Player();
+    player->setPosition(20000);
+    player->play();
+    if (what == u"paused") {
+        player->pause();
+    } else if (what == u"stopped") {
+        player->stop();
+    } else if (what == u"mute") {
+        player->setAudioOutput(nullptr);
+    }
+    const qint64 position = player->position();
+
+    // No event is handled from here on, so nothing but the guard changes the player.
+    QList<QMediaPlayer::PlaybackState> changes;
+    connect(player.get(), &QMediaPlayer::playbackStateChanged, this,
+            [&changes](QMediaPlayer::PlaybackState state) { changes << state; });
+    auto& guard = Access::Guard(*player);
+    if (what != u"on") {
+        GuardAccess::LetProgressBeDue(guard);
+    }
+    GuardAccess::EndStandstill(guard);
+    QCOMPARE(changes, states);
+    QCOMPARE(player->position(), position);
+    // The restarted player has as much time again.
+    GuardAccess::EndStandstill(guard);
+    QCOMPARE(changes, states);
+}
+
+void OutputGuardTest::onlyAPositionThatMovesMoreThanItCreepsIsProgress_data()
+{
+    QTest::addColumn<qint64>("position");
+    QTest::addColumn<bool>("isProgress");
+    QTest::newRow("none") << qint64(5000) << false;
+    QTest::newRow("creeping on") << qint64(5002) << false;
+    QTest::newRow("creeping back") << qint64(4998) << false;
+    QTest::newRow("getting on") << qint64(5003) << true;
+    QTest::newRow("a step back") << qint64(4997) << true;
+    QTest::newRow("back to the start") << qint64(0) << true;
+}
+
+void OutputGuardTest::onlyAPositionThatMovesMoreThanItCreepsIsProgress()
+{
+    QFETCH(qint64, position);
+    QFETCH(bool, isProgress);
+    AudioPlayer player;
+    auto& guard = Access::Guard(player);
+    GuardAccess::NoteProgress(guard, 5000);
+    GuardAccess::LetProgressBeDue(guard);
+    GuardAccess::NoteProgress(guard, position);
+    QCOMPARE(GuardAccess::IsProgressDue(guard), !isProgress);
 }
 
 void OutputGuardTest::ignoresADeviceThatHasGone()

@@ -12,7 +12,7 @@ using namespace vantoraudio::AudioEngine;
 namespace vantoraudio::vantorAudioEngine::UI {
 namespace {
 
-constexpr qint64 millisecondsPerDay = 24 * 60 * 60 * 1000;
+constexpr qint64 millisecondsPerDay = qint64(24) * 60 * 60 * 1000;
 
 QString Format()
 {
