@@ -44,7 +44,7 @@ row() { # NAME "TASK" "FFMPEG ARGUMENTS" "SOX COMMAND or -" LIMIT
   awk -v name="$1" -v ours="$ours" -v ffmpeg="$ffmpeg" -v sox="$sox" -v limit="$5" \
       -v memory="$((memory - idle))" 'BEGIN {
     printf "| %s | %.2f s | %.2f s | %s | %.2f | %s | %.0f MiB |\n", name, ours, ffmpeg,
-      sox == "-" ? "-" : sprintf("%.2f s", sox), ours / ffmpeg, limit, memory / 1024
+      (sox == "-" ? "-" : sprintf("%.2f s", sox)), ours / ffmpeg, limit, memory / 1024
   }'
 }
 
@@ -71,7 +71,7 @@ against_cat() { # NAME FILE LIMIT LIMIT-IN-MS COMMAND...
   shift 4
   awk -v name="$name" -v ours="$(inner "$@")" -v cat="$(median "cat $file")" -v limit="$limit" -v extra="$extra" 'BEGIN {
     printf "| %s | %.0f ms | %.0f ms | %.2f | %s%s |\n", name, ours, cat * 1000, (ours - extra) / (cat * 1000), limit,
-      extra > 0 ? sprintf(", beyond %d ms", extra) : ""
+      (extra > 0 ? sprintf(", beyond %d ms", extra) : "")
   }'
 }
 

@@ -30,6 +30,11 @@ whole() { # COMMAND...
   /usr/bin/time -f '%e %M' "$@" 2>&1 >/dev/null | tail -n 1 | awk -v idle="$idle" '{ print $1, $2 - idle }'
 }
 
+# Seconds of another program.
+plain() { # COMMAND...
+  whole "$@" | awk '{ print $1, "-" }'
+}
+
 # Seconds that the program prints as milliseconds, and KiB above idle of the whole.
 inner() { # COMMAND...
   "$@" 2>/dev/null | awk '{ print $1 / 1000, "-" }'
@@ -65,7 +70,7 @@ task=$programs/vantoraudio-task
 window=$programs/vantoraudio-window
 echo "| task | 1 min | 10 min | 1 h | 3 h | exponent |"
 echo "|---|---|---|---|---|---|"
-row "\`cat\` of the file" whole cat SECONDS.wav
+row "\`cat\` of the file" plain cat SECONDS.wav
 row "left channel" whole "$task" left SECONDS.wav out.wav
 row "all of it mixed to mono" whole "$task" mix SECONDS.wav out.wav SECONDS
 row "to 44.1 kHz mono float" whole "$task" convert SECONDS.wav out.wav 44100

@@ -1,31 +1,30 @@
 #include "engine/ReadingPace.h"
 
-#include <algorithm>
-
 using namespace std::chrono_literals;
 
 namespace vantoraudio::AudioEngine {
 namespace {
 
-/** Somewhat fewer than the decoder keeps ready. */
-constexpr int buffersToARest = 6;
 constexpr auto sleep = 5ms;
-constexpr auto growth = 40us;
-constexpr auto shrinkage = 1us;
-constexpr auto longestRest = 250us;
+/** Enough for the decoder, which needs some 30 us a buffer, to stay ahead: the shortest rest takes about twice
+ * that. */
+constexpr int buffersToARest = 2;
+constexpr auto shortestRest = 1us;
+/** How long a sleep is remembered. */
+constexpr int restsAfterASleep = 5000;
 
 } // namespace
 
 ReadingPace::Duration ReadingPace::RestAfter(Duration wait)
 {
     if (wait > sleep) {
-        m_rest = std::min<Duration>(m_rest + growth, longestRest);
+        m_restsLeft = restsAfterASleep;
     }
-    if (++m_buffers % buffersToARest != 0) {
+    if (++m_buffers % buffersToARest != 0 || m_restsLeft == 0) {
         return 0us;
     }
-    m_rest = std::max<Duration>(m_rest - shrinkage, 0us);
-    return m_rest;
+    --m_restsLeft;
+    return shortestRest;
 }
 
 } // namespace vantoraudio::AudioEngine

@@ -8,8 +8,8 @@ namespace vantoraudio::AudioEngine {
  * How fast to read what a decoder on another thread prepares.
  *
  * Qt 6.4's decoder keeps a few buffers ready and goes to sleep for 10 ms when it is asked for one and has none. A
- * reader that is faster than the decoder so waits most of the time, while one that takes a short rest now and then
- * never meets such a sleep. The rest is found by trial: it grows with every sleep and shrinks while there is none.
+ * reader that asks as fast as it can so waits most of the time, while one that takes the shortest of rests now and
+ * then hardly meets such a sleep. Where there are no sleeps there are no rests.
  */
 class ReadingPace
 {
@@ -21,7 +21,7 @@ public:
 
 private:
     int m_buffers = 0;
-    Duration m_rest{0};
+    int m_restsLeft = 0;
 };
 
 } // namespace vantoraudio::AudioEngine

@@ -14,6 +14,9 @@ namespace {
 /** How many values a block of an extraction yields. */
 constexpr qint64 valuesPerBlock = 200;
 
+/** So many bytes are read at once, in whole blocks and at least one of them. */
+constexpr qint64 pieceSize = 256 * 1024;
+
 } // namespace
 
 /** What one extraction reads, taken once when it starts. */
@@ -27,6 +30,8 @@ struct WavFile::Extraction
     qint64 end = 0;
 
     qint64 BlockSize() const { return valuesPerBlock * BytesPerValue(); }
+    /** How much to read at once at a place, in bytes. */
+    qint64 PieceSize(qint64 position) const;
     /** Whole blocks are read, so it may be more than lies between start and end. */
     qint64 BytesToRead() const;
     qint64 ValueCount(qint64 bytes) const;
@@ -49,6 +54,15 @@ qint64 WavFile::Extraction::BytesToRead() const
     }
     const qint64 blockCount = (end - start + BlockSize() - 1) / BlockSize();
     return blockCount * BlockSize();
+}
+
+qint64 WavFile::Extraction::PieceSize(qint64 position) const
+{
+    if (BlockSize() < 1) {
+        return 0;
+    }
+    const qint64 blocksLeft = (end - position + BlockSize() - 1) / BlockSize();
+    return qBound(qint64(1), pieceSize / BlockSize(), blocksLeft) * BlockSize();
 }
 
 qint64 WavFile::Extraction::ValueCount(qint64 bytes) const
@@ -90,15 +104,25 @@ QList<float> WavFile::Extract(const Extraction& extraction)
     SharedFileCursor cursor(*this, m_deviceMutex, extraction.start);
     QList<float> values;
     values.reserve(extraction.ValueCount(qMin(extraction.BytesToRead(), cursor.BytesLeft())));
-    QByteArray block;
-    while (cursor.Position() < extraction.end && !LoadShared(m_abortRead)) {
+    const auto report = [&](qint64 position) {
         // Measured from the beginning of the file on purpose: a range that starts late does not start at 0.
-        const double progress = double(cursor.Position()) / double(extraction.end) * 100.0;
+        const double progress = double(position) / double(extraction.end) * 100.0;
         Q_EMIT ProgressChanged(TruncateToInt32(progress), 0, 100, progressText);
-        if (!cursor.ReadBlock(extraction.BlockSize(), block)) {
+    };
+    QByteArray piece;
+    while (cursor.Position() < extraction.end && !LoadShared(m_abortRead)) {
+        const qint64 position = cursor.Position();
+        if (!cursor.ReadBlock(extraction.PieceSize(position), piece)) {
+            report(position);
             break;
         }
-        AppendBlock(values, block, extraction.format, extraction.pick);
+        qint64 passed = 0;
+        do {
+            report(position + passed);
+            passed = qMin(passed + extraction.BlockSize(), qint64(piece.size()));
+        } while (passed < piece.size() && !LoadShared(m_abortRead));
+        AppendBlock(values, QByteArrayView(piece).first(passed), extraction.format, extraction.pick);
+        cursor.MoveTo(position + passed);
     }
     return values;
 }
