@@ -1,3 +1,4 @@
+#include "DeviceMenu.h"
 #include "HostPlayer.h"
 #include "PlayerWindow.h"
 #include "ScreenshotJob.h"
@@ -28,6 +29,7 @@
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QSlider>
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <memory>
@@ -386,6 +388,30 @@ private Q_SLOTS:
         QVERIFY(WaveformOf(window)->GetAudioPosition() > 0.0);
         QTest::keyClick(PlayerOf(window), Qt::Key_Space);
         QTRY_VERIFY(!play->isChecked());
+    }
+
+    void theDeviceMenuFollowsWhatIsPluggedIn()
+    {
+        PlayerWindow window;
+        auto* menu = window.findChild<DeviceMenu*>();
+        QVERIFY(menu);
+        const auto isListed = [menu] {
+            const QList<QAction*> actions = menu->actions();
+            return std::ranges::any_of(actions,
+                                       [](QAction* action) { return action->text().contains(u"plugged"_s); });
+        };
+        QVERIFY(!isListed());
+        QProcess plug;
+        plug.start(u"pactl"_s, {u"load-module"_s, u"module-null-sink"_s, u"sink_name=plugged"_s,
+                                u"sink_properties=device.description=plugged"_s});
+        QVERIFY(plug.waitForFinished());
+        if (plug.exitCode() != 0) {
+            QSKIP("no sound server to plug a device into");
+        }
+        QTRY_VERIFY(isListed());
+        const QString module = QString::fromLatin1(plug.readAllStandardOutput()).trimmed();
+        QCOMPARE(QProcess::execute(u"pactl"_s, {u"unload-module"_s, module}), 0);
+        QTRY_VERIFY(!isListed());
     }
 
     void everyFileIsReadAnew()

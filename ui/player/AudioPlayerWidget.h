@@ -54,7 +54,7 @@ class VANTORAUDIOENGINE_EXPORT AudioPlayerWidget : public QWidget
 public:
     explicit AudioPlayerWidget(QWidget* parent = nullptr);
     /** Does not wait: tasks in the background are told to end and left to it. After a Close() ahead of it nothing
-     * is written any more. */
+     *  is written any more. */
     ~AudioPlayerWidget() override;
 
     /**
@@ -74,8 +74,8 @@ public:
      *  snippet or channel file is removed. The view and the player stay as they are. */
     void Close();
 
-    /** Converts another file in place, as WavFile::Convert() does with an empty output path; true on success. What
-     *  is loaded here is untouched. Blocks until done. */
+    /** Converts another file in place, as WavFile::Convert() does with an empty output path, what it throws
+     *  included; true on success. What is loaded here is untouched. Blocks until done. */
     bool Convert(const QString& path, const QAudioFormat& format);
 
     /** 0 without a file. */
@@ -87,7 +87,7 @@ public:
     [[nodiscard]] QString GetOriginalAudioFilePath() const;
 
     /** Where working copies lie. The directory must exist; it is neither checked nor created. Empty at first,
-     * which means the current directory of the program. */
+     *  which means the current directory of the program. */
     [[nodiscard]] QString GetWritableDirectoryPath() const;
     void SetWritableDirectoryPath(const QString& path);
 
@@ -107,7 +107,7 @@ public:
     void SetDelay(double delay);
 
     /** Shows or hides the controls for loading, channel and selection, and allows selecting in the waveform. Off
-     * at first. Channel box and selection fields of a file that is loaded already are not enabled by this. */
+     *  at first. Channel box and selection fields of a file that is loaded already are not enabled by this. */
     void SetEditMode(bool isEditing);
     /** A line of text below the controls; empty hides it. */
     void SetHint(const QString& text);
