@@ -2,11 +2,16 @@
 
 #include <QtGui/QActionGroup>
 
+#include <chrono>
+
+using namespace std::chrono_literals;
+
 DeviceMenu::DeviceMenu(QWidget* parent) : QMenu(tr("&Output device"), parent)
 {
-    connect(&m_mediaDevices, &QMediaDevices::audioOutputsChanged, this, [this] {
-        Q_EMIT m_hardware.AudioDeviceListChanged(m_hardware.GetAvailableDevices(QAudioDevice::Output));
-    });
+    connect(&m_mediaDevices, &QMediaDevices::audioOutputsChanged, this, &DeviceMenu::LookForChanges);
+    // On PulseAudio Qt 6.4 takes note of a change without telling of it.
+    m_look.callOnTimeout(this, &DeviceMenu::LookForChanges);
+    m_look.start(1s);
     connect(&m_hardware, &vantoraudio::AudioEngine::HardwareManager::AudioDeviceListChanged, this,
             &DeviceMenu::Fill);
     Fill();
@@ -18,20 +23,28 @@ void DeviceMenu::Choose(const QAudioDevice& device)
     Q_EMIT DeviceChosen(device);
 }
 
+void DeviceMenu::LookForChanges()
+{
+    const QList<QAudioDevice> devices = m_hardware.GetAvailableDevices(QAudioDevice::Output);
+    if (devices != m_listed) {
+        Q_EMIT m_hardware.AudioDeviceListChanged(devices);
+    }
+}
+
 void DeviceMenu::Fill()
 {
     clear();
     delete findChild<QActionGroup*>();
     auto* group = new QActionGroup(this);
     const QAudioDevice current = CurrentDevice();
-    const QList<QAudioDevice> devices = m_hardware.GetAvailableDevices(QAudioDevice::Output);
-    for (const QAudioDevice& device : devices) {
+    m_listed = m_hardware.GetAvailableDevices(QAudioDevice::Output);
+    for (const QAudioDevice& device : m_listed) {
         AddDevice(device, device == current);
     }
     for (QAction* action : actions()) {
         group->addAction(action);
     }
-    if (devices.isEmpty()) {
+    if (m_listed.isEmpty()) {
         addAction(tr("No output device"))->setEnabled(false);
     }
 }

@@ -2,6 +2,8 @@
 
 #include <vantorAudioEngine/HardwareManager.h>
 
+#include <QtCore/QList>
+#include <QtCore/QTimer>
 #include <QtMultimedia/QAudioDevice>
 #include <QtMultimedia/QMediaDevices>
 #include <QtWidgets/QMenu>
@@ -19,11 +21,14 @@ Q_SIGNALS:
 
 private:
     void Choose(const QAudioDevice& device);
+    void LookForChanges();
     void Fill();
     void AddDevice(const QAudioDevice& device, bool checked);
     QAudioDevice CurrentDevice() const;
 
     vantoraudio::AudioEngine::HardwareManager m_hardware;
     QMediaDevices m_mediaDevices;
+    QTimer m_look;
+    QList<QAudioDevice> m_listed;
     QAudioDevice m_chosen;
 };

@@ -29,7 +29,6 @@
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QSlider>
 
-#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <memory>
@@ -395,23 +394,18 @@ private Q_SLOTS:
         PlayerWindow window;
         auto* menu = window.findChild<DeviceMenu*>();
         QVERIFY(menu);
-        const auto isListed = [menu] {
-            const QList<QAction*> actions = menu->actions();
-            return std::ranges::any_of(actions,
-                                       [](QAction* action) { return action->text().contains(u"plugged"_s); });
-        };
-        QVERIFY(!isListed());
+        const auto count = [menu] { return menu->actions().size(); };
+        const qsizetype before = count();
         QProcess plug;
-        plug.start(u"pactl"_s, {u"load-module"_s, u"module-null-sink"_s, u"sink_name=plugged"_s,
-                                u"sink_properties=device.description=plugged"_s});
+        plug.start(u"pactl"_s, {u"load-module"_s, u"module-null-sink"_s, u"sink_name=plugged"_s});
         QVERIFY(plug.waitForFinished());
         if (plug.exitCode() != 0) {
             QSKIP("no sound server to plug a device into");
         }
-        QTRY_VERIFY(isListed());
+        QTRY_COMPARE(count(), before + 1);
         const QString module = QString::fromLatin1(plug.readAllStandardOutput()).trimmed();
         QCOMPARE(QProcess::execute(u"pactl"_s, {u"unload-module"_s, module}), 0);
-        QTRY_VERIFY(!isListed());
+        QTRY_COMPARE(count(), before);
     }
 
     void everyFileIsReadAnew()
