@@ -6,6 +6,8 @@
 #include <QtWidgets/QStyle>
 #include <QtWidgets/QStyleFactory>
 
+#include <memory>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
@@ -51,7 +53,8 @@ QPalette DarkPalette()
 
 QPalette LightPalette()
 {
-    return QStyleFactory::create(u"Fusion"_s)->standardPalette();
+    const std::unique_ptr<QStyle> style(QStyleFactory::create(u"Fusion"_s));
+    return style->standardPalette();
 }
 
 void ApplyTheme(Appearance::Theme theme)
