@@ -49,8 +49,10 @@ WorkingFolder::~WorkingFolder() = default;
 
 QString WorkingFolder::Next()
 {
-    const QDir folder(m_folder->path());
+    // Never an empty path, which the player would take for the current folder, where the user's own files may lie.
+    const QDir folder(m_folder->isValid() ? m_folder->path() : CacheFolder() + u"/unavailable"_s);
     QDir(folder.filePath(QString::number(m_count - 1))).removeRecursively();
     const QString next = QString::number(++m_count);
-    return m_folder->isValid() && folder.mkdir(next) ? folder.filePath(next) : QString();
+    folder.mkdir(next);
+    return folder.filePath(next);
 }

@@ -424,6 +424,27 @@ private Q_SLOTS:
         QVERIFY(window.Duration() < 2.1 && duration > 17.0);
     }
 
+    void touchesNothingWithoutAPlaceForWorkingCopies()
+    {
+        QTemporaryDir folder;
+        const QString own = folder.filePath(u"own.mp3"_s);
+        QCOMPARE(QProcess::execute(u"lame"_s, {u"--quiet"_s, Recording, own}), 0);
+        const qint64 size = QFileInfo(own).size();
+        const QByteArray cache = qgetenv("XDG_CACHE_HOME");
+        const QString current = QDir::currentPath();
+        qputenv("XDG_CACHE_HOME", QFile::encodeName(own));
+        QVERIFY(QDir::setCurrent(folder.path()));
+        {
+            PlayerWindow window;
+            QVERIFY(!window.OpenFile(own));
+            QVERIFY(!window.FailureText().isEmpty());
+        }
+        QVERIFY(QDir::setCurrent(current));
+        qputenv("XDG_CACHE_HOME", cache);
+        QCOMPARE(QFileInfo(own).size(), size);
+        QCOMPARE(QDir(folder.path()).entryList(QDir::Files), QStringList(u"own.mp3"_s));
+    }
+
     void leavesNothingInTheCache()
     {
         const QDir cache(QStandardPaths::writableLocation(QStandardPaths::CacheLocation));
