@@ -87,7 +87,8 @@ public:
     [[nodiscard]] QString GetOriginalAudioFilePath() const;
 
     /** Where working copies lie. The directory must exist; it is neither checked nor created. Empty at first,
-     *  which means the current directory of the program. */
+     *  which means the current directory of the program. A compressed file that is loaded from this very directory
+     *  is replaced by its decoded audio: choose one that holds nothing of the user's. */
     [[nodiscard]] QString GetWritableDirectoryPath() const;
     void SetWritableDirectoryPath(const QString& path);
 
