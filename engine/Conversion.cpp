@@ -1,6 +1,6 @@
 #include "engine/FFmpegResampler.h"
 #include "engine/FileReplacement.h"
-#include "engine/SampleEncoding.h"
+#include "engine/S24Samples.h"
 #include "engine/SharedFileCursor.h"
 #include "engine/Truncation.h"
 #include "engine/WavHeader.h"

@@ -7,9 +7,9 @@
 
 #include <vantorAudioEngine/Decoder.h>
 
-#include <QtCore/QElapsedTimer>
 #include <QtCore/QEventLoop>
 #include <QtCore/QFileInfo>
+#include <QtCore/QThread>
 #include <QtCore/QUrl>
 #include <QtMultimedia/QAudioBuffer>
 #include <QtMultimedia/QAudioDecoder>
@@ -18,7 +18,6 @@
 #include <memory>
 #include <optional>
 #include <span>
-#include <thread>
 #include <utility>
 
 using namespace vantoraudio::AudioEngine;
@@ -27,8 +26,8 @@ namespace {
 
 constexpr int defaultSampleRate = 96000;
 
-/** Decoded buffers are short; written one by one they would cost as much time as the decoding itself. */
-constexpr qsizetype writtenBlockSize = 1 << 20;
+/** Decoded buffers are short and dear to write one by one; much longer blocks would keep the decoder waiting. */
+constexpr qsizetype writtenBlockSize = 1 << 17;
 
 template<typename Sample>
 SampleBuffer<Sample> SamplesOf(const QAudioBuffer& buffer)
@@ -81,16 +80,6 @@ bool CanBeRead(const QString& path)
     return QFileInfo(path).isFile() && QFile(path).open(QIODevice::ReadOnly);
 }
 
-void Rest([[maybe_unused]] ReadingPace::Duration rest)
-{
-    // Elsewhere the shortest rest takes longer than the sleeps that it is to prevent.
-#ifdef Q_OS_UNIX
-    if (rest.count() > 0) {
-        std::this_thread::sleep_for(rest);
-    }
-#endif
-}
-
 /** The only copy of someone's audio makes way for nothing that a power failure could take. */
 bool Commit(PendingFile& output, bool replacesInput)
 {
@@ -111,6 +100,8 @@ public:
     WavFile::AudioEngineReturnValue Decode(const QString& inPath);
 
 private:
+    using Clock = std::chrono::steady_clock;
+
     void Start(SilenceWatch::Patience patience);
     void SetSource();
     void OnBufferReady();
@@ -134,7 +125,7 @@ private:
     /** The platform's decoder may keep silent for ever about a file that it cannot decode. */
     SilenceWatch m_silence;
     ReadingPace m_pace;
-    QElapsedTimer m_sinceRead;
+    Clock::time_point m_readAt;
     QFile m_source;
     std::unique_ptr<QAudioDecoder> m_decoder;
 };
@@ -165,7 +156,7 @@ void Decoder::Run::Start(SilenceWatch::Patience patience)
     QObject::connect(m_decoder.get(), qOverload<QAudioDecoder::Error>(&QAudioDecoder::error), &m_loop,
                      [this] { End(WavFile::ErrorInvalidFormat); });
     SetSource();
-    m_sinceRead.start();
+    m_readAt = Clock::now();
     m_decoder->start();
     m_silence.Start(patience);
 }
@@ -213,9 +204,12 @@ void Decoder::Run::OnBufferReady()
 
 QAudioBuffer Decoder::Run::ReadAtPace()
 {
-    const std::chrono::nanoseconds wait(m_sinceRead.nsecsElapsed());
-    Rest(m_pace.RestAfter(std::chrono::duration_cast<ReadingPace::Duration>(wait)));
-    m_sinceRead.start();
+    const auto next = m_readAt + m_pace.IntervalAfter(Clock::now() - m_readAt);
+    // Far shorter than any sleep that a system offers.
+    while (Clock::now() < next) {
+        QThread::yieldCurrentThread();
+    }
+    m_readAt = Clock::now();
     return m_decoder->read();
 }
 

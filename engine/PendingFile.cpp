@@ -47,6 +47,13 @@ bool CanBeWritten(const QString& path)
     return OpensForWriting(path) && (!isNew || QFile::remove(path));
 }
 
+/** Some file systems write out at once all of what replaces a file, however empty that is; so none is replaced. */
+bool MoveToEmptyFile(const QString& from, const QString& to)
+{
+    QFile::setPermissions(from, QFile::permissions(to));
+    return QFile::remove(to) && QFile::rename(from, to);
+}
+
 bool CopyRest(QFile& from, QFile& to)
 {
     QByteArray block = from.read(copiedBlockSize);
@@ -98,8 +105,10 @@ bool PendingFile::MoveOver()
 {
     const QString name = m_file.fileName();
     m_file.close();
-    // Replacing keeps the permissions of what stands there; a temporary file's own are for its owner alone.
-    const bool isMoved = !name.isEmpty() && OpensForWriting(m_path) && ReplaceFile(name, m_path);
+    const bool isNew = !QFileInfo::exists(m_path);
+    // A temporary file's own permissions are for its owner alone: it takes those of what stands there.
+    const bool isMoved = !name.isEmpty() && OpensForWriting(m_path) &&
+                         (isNew ? MoveToEmptyFile(name, m_path) : ReplaceFile(name, m_path));
     m_file.setAutoRemove(!isMoved);
     return isMoved;
 }

@@ -1,30 +1,30 @@
 #include "engine/ReadingPace.h"
 
+#include <algorithm>
+
 using namespace std::chrono_literals;
 
 namespace vantoraudio::AudioEngine {
 namespace {
 
 constexpr auto sleep = 5ms;
-/** Enough for the decoder, which needs some 30 us a buffer, to stay ahead: the shortest rest takes about twice
- * that. */
-constexpr int buffersToARest = 2;
-constexpr auto shortestRest = 1us;
-/** How long a sleep is remembered. */
-constexpr int restsAfterASleep = 5000;
+/** What a thousand and some samples of a common format take to decode on a slow processor. */
+constexpr std::chrono::duration<double, std::nano> firstInterval = 36us;
+constexpr std::chrono::duration<double, std::nano> longestInterval = 200us;
+constexpr double slowing = 1.125;
+/** Takes back one slowing in some 4,000 buffers: a sleep costs as much as 200 of them. */
+constexpr double quickening = 1.0 - 1.0 / 32768.0;
 
 } // namespace
 
-ReadingPace::Duration ReadingPace::RestAfter(Duration wait)
+ReadingPace::Duration ReadingPace::IntervalAfter(Duration wait)
 {
     if (wait > sleep) {
-        m_restsLeft = restsAfterASleep;
+        m_interval = std::clamp(m_interval * slowing, firstInterval, longestInterval);
+    } else {
+        m_interval *= quickening;
     }
-    if (++m_buffers % buffersToARest != 0 || m_restsLeft == 0) {
-        return 0us;
-    }
-    --m_restsLeft;
-    return shortestRest;
+    return std::chrono::duration_cast<Duration>(m_interval);
 }
 
 } // namespace vantoraudio::AudioEngine

@@ -40,19 +40,4 @@ void AppendS24Block(QList<float>& values, QByteArrayView block, int channelCount
 void AppendS32Block(QList<float>& values, QByteArrayView block, int channelCount, BlockPick pick);
 void AppendF32Block(QList<float>& values, QByteArrayView block, int channelCount, BlockPick pick);
 
-/** One 24-bit sample of three bytes, lowest first, in the upper 24 of 32 bits. */
-[[nodiscard]] inline qint32 S24InS32(const char* bytes)
-{
-    return static_cast<qint32>(static_cast<quint32>(static_cast<quint8>(bytes[0])) << 8 |
-                               static_cast<quint32>(static_cast<quint8>(bytes[1])) << 16 |
-                               static_cast<quint32>(static_cast<quint8>(bytes[2])) << 24);
-}
-
-/** One 24-bit sample as a part of the largest positive value; the lowest one lies slightly below -1. */
-[[nodiscard]] inline float S24Value(const char* bytes)
-{
-    // The shift down extends the sign.
-    return static_cast<float>(S24InS32(bytes) >> 8) / 8388607.0F;
-}
-
 } // namespace vantoraudio::AudioEngine

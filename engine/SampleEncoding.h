@@ -24,7 +24,4 @@ namespace vantoraudio::AudioEngine {
 [[nodiscard]] QByteArray EncodeS24BlockAsF32(QByteArrayView block, int channelCount,
                                              WavFile::ChannelFormat channel);
 
-/** Every 24-bit sample of `block` as a 32-bit one of the same loudness, all channels kept. */
-[[nodiscard]] QByteArray WidenS24Block(QByteArrayView block);
-
 } // namespace vantoraudio::AudioEngine

@@ -1,3 +1,4 @@
+#include "engine/S24Samples.h"
 #include "engine/SampleBlocks.h"
 #include "engine/SampleEncoding.h"
 
@@ -47,7 +48,7 @@ QList<float> WavFile::ReadF32Block(const QByteArray& block, int step, const QAud
 
 float WavFile::ReadS24S(const unsigned char* bytes, const QAudioFormat& /*format*/)
 {
-    return S24Value(reinterpret_cast<const char*>(bytes));
+    return WidenedS24Value(S24InS32(reinterpret_cast<const char*>(bytes)));
 }
 
 void WavFile::WriteS16Block(const QByteArray& block, WavFile& destination, const QAudioFormat& format,

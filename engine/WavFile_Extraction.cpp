@@ -15,7 +15,7 @@ namespace {
 constexpr qint64 valuesPerBlock = 200;
 
 /** So many bytes are read at once, in whole blocks and at least one of them. */
-constexpr qint64 pieceSize = qint64(256) * 1024;
+constexpr qint64 pieceSize = qint64(1024) * 1024;
 
 } // namespace
 

@@ -54,7 +54,6 @@ private Q_SLOTS:
     void writesNothingForAnEmptyBlock();
     void appendsBehindWhatWasWritten();
     void survivesAClosedDestination();
-    void widensTwentyFourBits();
 
 private:
     QByteArray Written(Access::Writer writer, const QByteArray& block, const QAudioFormat& format, int channel);
@@ -248,14 +247,6 @@ void TestBlockWriters::survivesAClosedDestination()
     (owner.*Access::writeS16Block)(PackS16({1, 2}), destination, Format(QAudioFormat::Int16, 1),
                                    WavFile::ChannelNone);
     QVERIFY(!destination.isOpen());
-}
-
-void TestBlockWriters::widensTwentyFourBits()
-{
-    const QByteArray block = PackS24({0, 1, -1, 8388607, -8388608, 0x123456});
-    const QByteArray wide = PackS32({0, 256, -256, 2147483392, -2147483648LL, 0x12345600});
-    QCOMPARE(vantoraudio::AudioEngine::WidenS24Block(block), wide);
-    QCOMPARE(vantoraudio::AudioEngine::WidenS24Block(QByteArray(block + "xy")), wide);
 }
 
 QTEST_GUILESS_MAIN(TestBlockWriters)
