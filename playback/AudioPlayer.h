@@ -28,8 +28,9 @@ class OutputGuard;
  * Nothing here reports failures: listen to errorOccurred() of the base class. While the machine has no output
  * device at all, a player that has a source runs without an audio output, so that play() is safe then; playback
  * stands still and goes on by itself when a device appears. When the device in use disappears, another one takes
- * over. With a Qt older than 6.5 on Linux that needs an event loop that is never busy for more than some 50 ms
- * while playing: a sound thread that lost its only device blocks for good otherwise.
+ * over. With a Qt older than 6.5 on Linux, where the sound server offers none, that takes an event loop that comes
+ * round every millisecond: a sound thread that writes to its lost device before blocks for good, and this player's
+ * destructor with it.
  *
  * At the end of the file the way back to the selection's start is taken in the next round of the event loop; until
  * then the player is stopped. A selection that starts at or behind the end of the file, or a file without audio,

@@ -1,5 +1,7 @@
 #include "playback/OutputGuard.h"
 
+#include "playback/SoundSettling.h"
+
 #include <QtCore/QLibraryInfo>
 #include <QtCore/QUrl>
 #include <QtCore/QVersionNumber>
@@ -19,7 +21,7 @@ using namespace std::chrono_literals;
 // Without another device to move to, PulseAudio kills a stream with its device. The audio thread's next write, up
 // to 50 ms later, then makes Qt's output keep the sound system's lock for good: no further sound, and an abort
 // when that thread ends. So it has to go before that write.
-constexpr auto watchWhilePlaying = 3ms;
+constexpr auto watchWhilePlaying = 1ms;
 constexpr auto watchOtherwise = 50ms;
 
 // Longer than a device needs to start. Without sound the position still creeps, a millisecond a second.
@@ -58,6 +60,13 @@ OutputGuard::OutputGuard(QMediaPlayer& player, QAudioOutput& output) : m_player(
     QObject::connect(&player, &QMediaPlayer::positionChanged, &m_watch,
                      [this](qint64 position) { NoteProgress(position); });
     ExpectProgress();
+}
+
+OutputGuard::~OutputGuard()
+{
+    if (HasMedia()) {
+        LetSoundSettleBeforeTheEnd();
+    }
 }
 
 void OutputGuard::Prefer(const QAudioDevice& device)

@@ -28,6 +28,12 @@ class OutputGuard
 public:
     OutputGuard(QMediaPlayer& player, QAudioOutput& output);
 
+    /** The player is about to go, too: its last sound is given the time to end safely. */
+    ~OutputGuard();
+
+    OutputGuard(const OutputGuard&) = delete;
+    OutputGuard& operator=(const OutputGuard&) = delete;
+
     /** The device to return to whenever it is there. */
     void Prefer(const QAudioDevice& device);
 
