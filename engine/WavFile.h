@@ -51,8 +51,8 @@ public:
     };
 
     /** The channel that extraction, filtering and export use. On a stereo file every value but ChannelLeft and
-     *  ChannelRight means the average of both; on a mono file the value is ignored. */
-    enum ChannelFormat
+     *  ChannelRight, also one without a name, means the average of both; on a mono file the value is ignored. */
+    enum ChannelFormat : int
     {
         ChannelNone = 0,
         ChannelMono = 1,
@@ -99,7 +99,8 @@ public:
     double GetDuration() const;
     /** The format of the samples. 24-bit data is described as Int32; GetSampleSize() tells the two apart. */
     const QAudioFormat& GetFileFormat() const;
-    /** Bits per sample in the file: 16, 24 or 32, and 0 before the first Open(). */
+    /** Bits per sample in the file: 16, 24 or 32, whatever the header says of a file that Open() refused, and 0
+     *  before the first Open(). */
     int GetSampleSize() const;
 
     ChannelFormat GetSelectedChannel() const;

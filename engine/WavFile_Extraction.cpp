@@ -42,9 +42,10 @@ private:
 
 qint64 WavFile::Extraction::BytesPerValue() const
 {
-    // More than any file holds; what a refused header left behind may multiply to far more.
+    // More than any file holds; what a refused header left behind may multiply to far more, or to less than
+    // nothing.
     constexpr qint64 most = qint64(1) << 40;
-    return qMin(qint64(pick.step) * frameSize, most);
+    return qBound(qint64(0), qint64(pick.step) * frameSize, most);
 }
 
 qint64 WavFile::Extraction::BytesToRead() const

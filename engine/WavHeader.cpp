@@ -31,7 +31,8 @@ using ChunkHeader = std::array<char, chunkHeaderSize>;
 
 /**
  * Goes from chunk to chunk, starting where the device stands, and leaves the device where the walk ended. It looks
- * through a window: the zeros of an interrupted recording are millions of empty chunks, too many to seek to each.
+ * through a window and passes over zeros in one go: those of an interrupted recording are millions of empty
+ * chunks.
  */
 class ChunkWalk
 {
@@ -40,14 +41,18 @@ public:
     ~ChunkWalk() { m_device.seek(m_position); }
     Q_DISABLE_COPY_MOVE(ChunkWalk)
 
-    /** False at the end of the device. A last piece of fewer than 8 bytes is filled up with zeros: a name that is
-     *  not all there is no name, and skipping such a chunk always meets the end. */
+    /** The next chunk that is not nameless and empty. False at the end of the device. A last piece of fewer than 8
+     * bytes is filled up with zeros: a name that is not all there is no name, and skipping such a chunk always
+     * meets the end. */
     bool Peek(ChunkHeader& header);
 
     /** False when fewer than `size` bytes were left; the walk then stands at the end. */
     bool Skip(qint64 size);
 
 private:
+    /** What can be seen from here on; at least a header where there is one. */
+    QByteArrayView View();
+    void PassOverZeros();
     bool IsInWindow() const;
     void MoveWindow();
 
@@ -62,11 +67,9 @@ private:
 
 bool ChunkWalk::Peek(ChunkHeader& header)
 {
-    if (!IsInWindow()) {
-        MoveWindow();
-    }
-    const QByteArrayView window = QByteArrayView(m_window).sliced(m_position - m_windowStart);
-    const QByteArrayView bytes = window.first(qMin(window.size(), chunkHeaderSize));
+    PassOverZeros();
+    const QByteArrayView view = View();
+    const QByteArrayView bytes = view.first(qMin(view.size(), chunkHeaderSize));
     header.fill('\0');
     std::copy(bytes.begin(), bytes.end(), header.begin());
     return !bytes.isEmpty();
@@ -77,6 +80,27 @@ bool ChunkWalk::Skip(qint64 size)
     const qint64 left = m_end - m_position;
     m_position += qMin(size, left);
     return size <= left;
+}
+
+QByteArrayView ChunkWalk::View()
+{
+    if (!IsInWindow()) {
+        MoveWindow();
+    }
+    return QByteArrayView(m_window).sliced(m_position - m_windowStart);
+}
+
+void ChunkWalk::PassOverZeros()
+{
+    qsizetype passed = 0;
+    do {
+        const QByteArrayView view = View();
+        passed = 0;
+        while (passed + chunkHeaderSize <= view.size() && NumberAt<quint64>(view.data() + passed) == 0) {
+            passed += chunkHeaderSize;
+        }
+        m_position += passed;
+    } while (passed > 0);
 }
 
 bool ChunkWalk::IsInWindow() const

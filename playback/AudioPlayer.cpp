@@ -3,6 +3,7 @@
 
 #include <vantorAudioEngine/AudioPlayer.h>
 
+#include <QtCore/QBuffer>
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
@@ -38,10 +39,25 @@ bool OpensByUrl(const QUrl& url)
     return !seemsToNameAProtocol && url.toEncoded(QUrl::PreferLocalFile) == QFile::encodeName(path);
 }
 
-/** A pipe would block for ever when it is opened. */
-bool OpensForReading(QFile& file)
+/** A pipe would block for ever when it is opened, and a device might never end. */
+bool MayBlock(const QString& path)
 {
-    return QFileInfo(file).isFile() && file.open(QIODevice::ReadOnly);
+    const QFileInfo info(path);
+    return info.exists() && !info.isFile() && !info.isDir();
+}
+
+/** An open device to read the file from, or null where the base class can read it by its URL as well as it gets.
+ */
+std::unique_ptr<QIODevice> DeviceFor(const QString& path, const QUrl& url)
+{
+    std::unique_ptr<QIODevice> device;
+    if (MayBlock(path)) {
+        // Empty, so that it is reported as something that cannot be played.
+        device = std::make_unique<QBuffer>();
+    } else if (!OpensByUrl(url)) {
+        device = std::make_unique<QFile>(path);
+    }
+    return device && device->open(QIODevice::ReadOnly) ? std::move(device) : nullptr;
 }
 
 } // namespace
@@ -81,13 +97,13 @@ void AudioPlayer::SetAudio(const QString& filePath, double duration)
 void AudioPlayer::LoadSource(const QString& filePath)
 {
     const QUrl url = QUrl::fromLocalFile(filePath);
-    auto file = std::make_unique<QFile>(filePath);
-    if (OpensByUrl(url) || !OpensForReading(*file)) {
+    std::unique_ptr<QIODevice> device = DeviceFor(filePath, url);
+    if (!device) {
         setSource(url);
         return;
     }
     // The previous file lives until the base class has let go of it.
-    const std::unique_ptr<QFile> previous = std::exchange(m_sourceFile, std::move(file));
+    const std::unique_ptr<QIODevice> previous = std::exchange(m_sourceFile, std::move(device));
     setSourceDevice(m_sourceFile.get(), url);
 }
 

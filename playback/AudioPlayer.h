@@ -9,7 +9,7 @@
 #include <memory>
 
 class QAudioOutput;
-class QFile;
+class QIODevice;
 
 namespace vantoraudio::AudioEngine {
 class OutputGuard;
@@ -36,7 +36,8 @@ class OutputGuard;
  * then the player is stopped. A selection that starts at or behind the end of the file, or a file without audio,
  * ends as soon as it is played and is not looped: the player stays paused.
  *
- * The audio output belongs to the player: it may be watched and set, but not deleted.
+ * The audio output belongs to the player: it may be watched and its volume set, but not deleted. Its device is the
+ * player's to choose, by SetAudioOutputDevice(); another one set on the output itself does not last.
  *
  * Threads: use the player on the thread that created it, which must run an event loop.
  */
@@ -115,6 +116,6 @@ private:
     double m_selectionEnd = 0.0;
 
     bool m_restarting = false;
-    std::unique_ptr<QFile> m_sourceFile;
+    std::unique_ptr<QIODevice> m_sourceFile;
     std::unique_ptr<vantoraudio::AudioEngine::OutputGuard> m_outputGuard;
 };

@@ -68,6 +68,8 @@ private Q_SLOTS:
     void readsOnIntoChunksBehindTheData();
     void readsAllSampleFormats_data();
     void readsAllSampleFormats();
+    void readsTheMiddleOfEveryFormat_data();
+    void readsTheMiddleOfEveryFormat();
     void dropsATrailingPartialFrame_data();
     void dropsATrailingPartialFrame();
     void leavesTheFileBehindTheLastBlock();
@@ -84,6 +86,9 @@ private Q_SLOTS:
     void endsAfterARefusedHeader();
     void endsAfterTwoRefusedHeadersThatMultiplyToTooMuch();
     void takesNoMemoryForAHugeStep();
+    void takesNoMemoryForAudioThatIsNotWanted();
+    void takesNoMemoryForAudioThatIsNotThere();
+    void truncatesFramesTowardZero();
 
     void wrapsOffsetsAtThirtyTwoBits();
     void readsNothingWhenTheEndWrapsBelowTheStart();
@@ -259,6 +264,54 @@ void TestExtraction::readsAllSampleFormats()
     QTEST(wav.file.GetSamples(), "expected");
 }
 
+void TestExtraction::readsTheMiddleOfEveryFormat_data()
+{
+    QTest::addColumn<int>("tag");
+    QTest::addColumn<int>("bits");
+    QTest::addColumn<int>("channels");
+    QTest::addColumn<float>("unit");
+    for (const int channels : {1, 2}) {
+        QTest::addRow("16-bit, %d channels", channels) << 1 << 16 << channels << 1.0F / 32767.0F;
+        QTest::addRow("24-bit, %d channels", channels) << 1 << 24 << channels << 1.0F / 8388607.0F;
+        QTest::addRow("32-bit, %d channels", channels) << 1 << 32 << channels << std::ldexp(1.0F, -31);
+        QTest::addRow("float, %d channels", channels) << 3 << 32 << channels << 1.0F;
+    }
+}
+
+void TestExtraction::readsTheMiddleOfEveryFormat()
+{
+    QFETCH(const int, tag);
+    QFETCH(const int, bits);
+    QFETCH(const int, channels);
+    QFETCH(const float, unit);
+    QByteArray data;
+    for (int frame = 0; frame < 1000; ++frame) {
+        const QByteArray sample =
+            tag == 3 ? PackF32({static_cast<float>(frame)}) : LittleEndian(qint32(frame)).left(bits / 8);
+        data += sample.repeated(channels);
+    }
+    OpenedWav wav(WavBytes{.formatTag = quint16(tag),
+                           .channels = quint16(channels),
+                           .sampleRate = 32768,
+                           .bits = quint16(bits),
+                           .data = data}
+                      .Build());
+    wav.file.SetSelectedChannel(WavFile::ChannelLeft);
+    wav.file.ReadData(Seconds(300), Seconds(701), 1);
+
+    const int frameSize = channels * bits / 8;
+    QStringList reports;
+    for (const int frame : {300, 500, 700}) {
+        reports << Updating((44 + frame * frameSize) * 100 / (44 + 701 * frameSize));
+    }
+    QCOMPARE(wav.log, reports + QStringList({u"NewData"_s, updated}));
+    QCOMPARE(wav.file.pos(), 44 + 900 * frameSize);
+    QCOMPARE(wav.file.GetSamples().size(), 600);
+    for (int i = 0; i < 600; ++i) {
+        QCOMPARE(wav.file.GetSamples().at(i), static_cast<float>(300 + i) * unit);
+    }
+}
+
 void TestExtraction::dropsATrailingPartialFrame_data()
 {
     QTest::addColumn<int>("tag");
@@ -416,17 +469,23 @@ void TestExtraction::endsAfterARefusedHeader()
 
 void TestExtraction::endsAfterTwoRefusedHeadersThatMultiplyToTooMuch()
 {
-    WavFile file;
     const QByteArray data(100, 'x');
-    const QString manyChannels =
-        m_files.Write(u"channels.wav"_s, WavBytes{.channels = 32767, .data = data}.Build());
+    const QString good = m_files.Write(u"good.wav"_s, WavBytes{.sampleRate = 32768, .data = data}.Build());
     const QString manyBits = m_files.Write(u"bits.wav"_s, WavBytes{.bits = 0xFFFF, .data = data}.Build());
-    QCOMPARE(file.Open(manyChannels), WavFile::ErrorChannelCount);
-    QCOMPARE(file.Open(manyBits), WavFile::ErrorInvalidFormat);
-    SignalLog log(file);
-    file.ReadData(0, 0.00003, std::numeric_limits<int>::max());
-    QCOMPARE(log.last(), updated);
-    QVERIFY(file.GetSamples().isEmpty());
+    // As a signed number the latter is negative.
+    for (const quint16 channels : {quint16(32767), quint16(0x8000)}) {
+        const QString manyChannels =
+            m_files.Write(u"channels.wav"_s, WavBytes{.channels = channels, .data = data}.Build());
+        WavFile file;
+        QCOMPARE(file.Open(good), WavFile::Success);
+        QCOMPARE(file.Open(manyChannels), WavFile::ErrorChannelCount);
+        QCOMPARE(file.Open(manyBits), WavFile::ErrorInvalidFormat);
+        SignalLog log(file);
+        for (const double end : {Seconds(1), -Seconds(1), Seconds(100)}) {
+            file.ReadData(0, end, std::numeric_limits<int>::max());
+            QCOMPARE(log.last(), updated);
+        }
+    }
 }
 
 void TestExtraction::takesNoMemoryForAHugeStep()
@@ -435,6 +494,28 @@ void TestExtraction::takesNoMemoryForAHugeStep()
     wav.file.ReadData(0, wav.file.GetDuration(), std::numeric_limits<int>::max());
     QCOMPARE(wav.file.GetSamples(), Values({0.0F}));
     QVERIFY(wav.file.GetSamples().capacity() < 1000);
+}
+
+void TestExtraction::takesNoMemoryForAudioThatIsNotWanted()
+{
+    OpenedWav wav(Ramp());
+    wav.file.ReadData(0, Seconds(200), 1);
+    QVERIFY(wav.file.GetSamples().capacity() < 1000);
+}
+
+void TestExtraction::takesNoMemoryForAudioThatIsNotThere()
+{
+    OpenedWav wav(WavBytes{.sampleRate = 32768, .data = Ramp16(100, 1)}.Build());
+    wav.file.ReadData(0, Seconds(500'000'000), 1);
+    QCOMPARE(wav.file.GetSamples().size(), 100);
+    QVERIFY(wav.file.GetSamples().capacity() < 1000);
+}
+
+void TestExtraction::truncatesFramesTowardZero()
+{
+    OpenedWav wav(Ramp());
+    wav.file.ReadData(-0.5 / 32768.0, Seconds(200) + 0.9 / 32768.0, 1);
+    QCOMPARE(wav.file.GetSamples(), RampValues(0, 200, 1));
 }
 
 // A stereo 16-bit frame has 4 bytes, so frame 2^29 lies at 2 GiB and frame 2^30 at 4 GiB.
@@ -526,8 +607,8 @@ void TestExtraction::ignoresAnAbortBeforeItStarts()
 void TestExtraction::ignoresTheOtherAbortFlags()
 {
     OpenedWav wav(Ramp());
-    connect(&wav.file, &WavFile::ProgressChanged, &wav.file, &WavFile::AbortWrite);
-    connect(&wav.file, &WavFile::ProgressChanged, &wav.file, &WavFile::AbortChannelFilter);
+    wav.file.AbortWrite();
+    wav.file.AbortChannelFilter();
     wav.file.ReadData(0, Seconds(1000), 1);
     QCOMPARE(wav.file.GetSamples(), RampValues(0, 1000, 1));
     QVERIFY(WavFileTestAccess(wav.file).IsWriteAborted());

@@ -69,6 +69,7 @@ private Q_SLOTS:
     void storesChannelFormatsInVariants();
 
     void opensAFile();
+    void keepsTheDurationForAFileWithoutAudioOfItsOwn();
     void lastsOneSecondForOneSecondOfBytes();
     void computesDurations_data();
     void computesDurations();
@@ -190,6 +191,15 @@ void TestWavFile::opensAFile()
     QCOMPARE(file.GetDataOffset(), 68);
     QCOMPARE(file.GetDataLength(), 1);
     QCOMPARE(file.pos(), 68);
+}
+
+void TestWavFile::keepsTheDurationForAFileWithoutAudioOfItsOwn()
+{
+    WavFile file;
+    QCOMPARE(file.Open(Write(OneSecond())), WavFile::Success);
+    QCOMPARE(file.Open(Write(WavBytes{.bits = 4}.Build())), WavFile::ErrorInvalidFormat);
+    QCOMPARE(file.Open(m_files.Write(u"bare.wav"_s, "RIFF1234WAVE")), WavFile::Success);
+    QVERIFY(file.GetDuration() == 1.0);
 }
 
 void TestWavFile::lastsOneSecondForOneSecondOfBytes()
@@ -454,6 +464,10 @@ void TestWavFile::copiesTheAudioButNotTheFile()
     QVERIFY(WavFileTestAccess(target).IsWriteAborted());
     QVERIFY(!target.isOpen());
     QVERIFY(target.fileName().isEmpty());
+
+    target = WavFile();
+    QVERIFY(!WavFileTestAccess(target).IsReadAborted());
+    QVERIFY(!WavFileTestAccess(target).IsWriteAborted());
 }
 
 void TestWavFile::leavesSampleSizeAndChannelFilterFlagWhenCopying()

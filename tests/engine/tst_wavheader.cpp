@@ -80,6 +80,7 @@ private Q_SLOTS:
     void endsTheWalkAtAnUnfinishedChunkHeader_data();
     void endsTheWalkAtAnUnfinishedChunkHeader();
     void walksOverAHundredThousandEmptyChunks();
+    void walksOverZerosEightByEight();
     void leavesTheChannelConfigurationUnknown();
     void readsAFileCutAtAnyPlaceWithoutHarm();
 
@@ -344,6 +345,24 @@ void TestWavHeader::walksOverAHundredThousandEmptyChunks()
     QCOMPARE(header.dataOffset, qint64(44 + 8 * chunkCount));
 }
 
+void TestWavHeader::walksOverZerosEightByEight()
+{
+    const QByteArray whole = WavBytes{.data = eightBytes}.Build();
+    for (const qsizetype zeros : {8, 16, 800, 65528, 65536, 65544, 200000}) {
+        QByteArray bytes = whole;
+        QBuffer device(&bytes.insert(12, QByteArray(zeros, '\0')));
+        QVERIFY(device.open(QIODevice::ReadOnly));
+        WavHeader header;
+        QCOMPARE(ReadWavHeader(device, header), WavFile::Success);
+        QCOMPARE(header.dataOffset, 44 + zeros);
+        // Four more, and what follows them is taken for the size of a chunk.
+        QByteArray shifted = whole;
+        QBuffer shiftedDevice(&shifted.insert(12, QByteArray(zeros + 4, '\0')));
+        QVERIFY(shiftedDevice.open(QIODevice::ReadOnly));
+        QCOMPARE(ReadWavHeader(shiftedDevice, header), WavFile::ErrorReadFile);
+    }
+}
+
 void TestWavHeader::leavesTheChannelConfigurationUnknown()
 {
     WavHeader header;
@@ -437,6 +456,9 @@ void TestWavHeader::calculatesDataSizes_data()
     QTest::newRow("8-bit to 16-bit") << 1000 << Format(F::UInt8, 1, 8000) << Format(F::Int16, 1, 8000) << 2000;
     QTest::newRow("an incomplete frame does not count") << 15 << cd << cd << 12;
     QTest::newRow("10.88 frames become 10") << 40 << cd << Format(F::Int16, 2, 48000) << 40;
+    // By way of seconds, whose rounding shows.
+    QTest::newRow("15 frames at the same rate become 14") << 60 << cd << cd << 56;
+    QTest::newRow("3,381 frames become 3,679 and not 3,680") << 13524 << cd << Format(F::Int16, 2, 48000) << 14716;
     QTest::newRow("no bytes") << 0 << cd << cd << -1;
     QTest::newRow("less than a frame") << 3 << cd << cd << -1;
     QTest::newRow("less than a target frame") << 4 << cd << Format(F::Int16, 2, 8000) << -1;

@@ -18,6 +18,8 @@
 
 #include <limits>
 
+#include <sys/stat.h>
+
 using Access = AudioPlayerTestAccess;
 using Status = QMediaPlayer::MediaStatus;
 
@@ -66,6 +68,8 @@ private Q_SLOTS:
     void setAudioSelectsTheWholeFileAndDoesNotPlay();
     void setAudioKeepsTheLoopFlag();
     void setAudioReportsAMissingFileAndKeepsTheNewSelection();
+    void setAudioReportsAPipeInsteadOfWaitingForItsOtherEnd();
+    void theSelectionStaysWhenTheHostSetsAnotherSource();
     void setAudioReadsARewrittenFileAnew();
     void loadsFilesWithOddNames_data();
     void loadsFilesWithOddNames();
@@ -211,6 +215,32 @@ void AudioPlayerTest::setAudioReportsAMissingFileAndKeepsTheNewSelection()
         QCOMPARE(player.source(), QUrl::fromLocalFile(m_folder.filePath(name)));
         QCOMPARE(Access::SelectionEnd(player), 7.0);
     }
+}
+
+void AudioPlayerTest::setAudioReportsAPipeInsteadOfWaitingForItsOtherEnd()
+{
+    for (const QString& name : {QStringLiteral("pipe.wav"), QStringLiteral("röhre.wav")}) {
+        const QString path = m_folder.filePath(name);
+        QCOMPARE(::mkfifo(QFile::encodeName(path).constData(), 0600), 0);
+        AudioPlayer player;
+        QSignalSpy errors(&player, &QMediaPlayer::errorOccurred);
+        player.SetAudio(path, 7.0);
+        QTRY_COMPARE_WITH_TIMEOUT(errors.size(), 1, patience);
+        QCOMPARE(player.source(), QUrl::fromLocalFile(path));
+    }
+}
+
+void AudioPlayerTest::theSelectionStaysWhenTheHostSetsAnotherSource()
+{
+    AudioPlayer player;
+    player.SetAudio(File(QStringLiteral("first.wav"), 2.0), 2.0);
+    player.SetSelection(0.5, 1.5);
+    player.LoopPlayback(true);
+    player.setSource(QUrl::fromLocalFile(File(QStringLiteral("second.wav"), 3.0)));
+    QTRY_COMPARE_WITH_TIMEOUT(player.duration(), 3000, patience);
+    QCOMPARE(Access::SelectionStart(player), 0.5);
+    QCOMPARE(Access::SelectionEnd(player), 1.5);
+    QVERIFY(Access::IsLooping(player));
 }
 
 void AudioPlayerTest::setAudioReadsARewrittenFileAnew()
