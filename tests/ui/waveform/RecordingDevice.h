@@ -2,7 +2,10 @@
 
 #include "render/bgfx/Context.h"
 #include "render/bgfx/device/Device.h"
+#include "render/vantor3D/Vertex.h"
 
+#include <algorithm>
+#include <cstring>
 #include <memory>
 #include <vector>
 
@@ -14,6 +17,9 @@ struct RecordedDraw
     bgfx::device::Topology topology = bgfx::device::Topology::Lines;
     std::uint32_t vertexCount = 0;
     const std::uint8_t* vertices = nullptr;
+    /** What a call of coloured vertices was given. */
+    std::vector<vantor3D::Vertex::Pos3fColorRGBA> coloured;
+    std::vector<bgfx::device::UniformValue> uniforms;
 };
 
 /** Draws nothing, but notes what it should draw. */
@@ -53,11 +59,25 @@ private:
         void Clear(const bgfx::device::Rect&, std::uint32_t) override {}
         void Draw(const bgfx::device::Program&, const bgfx::device::DrawCall& call) override
         {
-            m_log.push_back({call.topology, call.vertexCount, call.vertices.data()});
+            m_log.push_back({.topology = call.topology,
+                             .vertexCount = call.vertexCount,
+                             .vertices = call.vertices.data(),
+                             .coloured = Coloured(call),
+                             .uniforms = {call.uniforms.begin(), call.uniforms.end()}});
         }
         void Read(std::span<std::uint8_t> pixels) override { std::ranges::fill(pixels, std::uint8_t{0}); }
 
     private:
+        static std::vector<vantor3D::Vertex::Pos3fColorRGBA> Coloured(const bgfx::device::DrawCall& call)
+        {
+            std::vector<vantor3D::Vertex::Pos3fColorRGBA> vertices;
+            if (call.vertices.size() == call.vertexCount * sizeof(vertices[0])) {
+                vertices.resize(call.vertexCount);
+                std::memcpy(vertices.data(), call.vertices.data(), call.vertices.size());
+            }
+            return vertices;
+        }
+
         Log& m_log;
     };
 

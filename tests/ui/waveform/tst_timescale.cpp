@@ -159,6 +159,7 @@ private Q_SLOTS:
         QTest::newRow("less than half a millisecond") << 0.0004 << QStringLiteral("0 sec");
         QTest::newRow("a day") << 86400.0 << QStringLiteral(" hr");
         QTest::newRow("minus one second") << -1.0 << QStringLiteral(" sec");
+        QTest::newRow("minus half a millisecond rounds away from zero") << -0.0005 << QStringLiteral(" msec");
         QTest::newRow("minus half a second") << -0.5 << QStringLiteral(" msec");
         QTest::newRow("minus a minute") << -60.0 << QStringLiteral(" min");
         QTest::newRow("minus an hour") << -3600.0 << QStringLiteral(" hr");

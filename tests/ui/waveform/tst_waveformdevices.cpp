@@ -91,17 +91,28 @@ private Q_SLOTS:
         const auto countAll = [] {
             const bgfx::Stats& stats = *bgfx::getStats();
             return QList<int>{stats.numDynamicVertexBuffers, stats.numFrameBuffers, stats.numIndexBuffers,
-                              stats.numUniforms};
+                              stats.numTextures, stats.numUniforms};
         };
-        const QList<int> before = countAll();
-        {
-            BGFXWaveformDiagramWidget diagram;
-            PrepareForPictures(diagram);
-            diagram.UpdateAudioSampleBuffer(Tone());
-            diagram.grab();
-            QVERIFY(countAll() != before);
+        const auto programs = [] {
+            const bgfx::Stats& stats = *bgfx::getStats();
+            return QList<int>{stats.numPrograms, stats.numShaders};
+        };
+        const QList<int> nothing(5, 0);
+        QCOMPARE(countAll(), nothing);
+        QList<int> programsOfTheFirst;
+        for (int i = 0; i < 3; ++i) {
+            {
+                BGFXWaveformDiagramWidget diagram;
+                PrepareForPictures(diagram);
+                diagram.UpdateAudioSampleBuffer(Tone());
+                diagram.grab();
+                QVERIFY(countAll() != nothing);
+            }
+            QCOMPARE(countAll(), nothing);
+            // Programs are shared by all widgets and stay with the device.
+            programsOfTheFirst = i == 0 ? programs() : programsOfTheFirst;
+            QCOMPARE(programs(), programsOfTheFirst);
         }
-        QCOMPARE(countAll(), before);
     }
 };
 

@@ -2,11 +2,14 @@
 #include "SignalRecorder.h"
 #include "WaveformTestAccess.h"
 
+#include <QtCore/QSemaphore>
+#include <QtCore/QThread>
 #include <QtTest/QtTest>
 
 #include <cmath>
 #include <functional>
 #include <limits>
+#include <memory>
 
 using namespace vantoraudio::vantorAudioEngine::UI;
 using namespace Qt::Literals::StringLiterals;
@@ -41,6 +44,14 @@ struct LoadedDiagram
     BGFXWaveformDiagramWidget diagram;
     SignalRecorder recorder{diagram};
 };
+
+void HoverAt(QWidget& widget, double x)
+{
+    const QPointF position(x, 50.0);
+    QMouseEvent event(QEvent::MouseMove, position, widget.mapToGlobal(position), Qt::NoButton, Qt::NoButton,
+                      Qt::NoModifier);
+    QApplication::sendEvent(&widget, &event);
+}
 
 /** Tells whether painting accepted its event. */
 class AcceptanceWatcher : public BGFXWaveformDiagramWidget
@@ -125,6 +136,8 @@ private Q_SLOTS:
         diagram.SetSceneRange(20.0, 40.0);
         diagram.UpdateAudioSampleBuffer({0.5F, 3.5F});
         diagram.SetSelectedSnippet({21.0, 22.0});
+        HoverAt(diagram, 50.0);
+        QCOMPARE(Access::SelectionAtGrab(diagram), Pair(21.0, 22.0));
         Access::GrabOf(diagram) = {.startEdge = true, .endEdge = true, .body = true};
         loaded.recorder.Take();
 
@@ -164,12 +177,43 @@ private Q_SLOTS:
         LoadedDiagram loaded(200.0);
         loaded.diagram.resize(100, 100);
         loaded.diagram.SetSceneRange(50.0, 60.0);
+        QCOMPARE(Access::RequestedStart(loaded.diagram), 45.0);
         loaded.recorder.Take();
         loaded.diagram.SetDelay(200.0);
+        QCOMPARE(Access::RequestedStart(loaded.diagram), 0.0); // not sent, but remembered
         QCOMPARE(loaded.diagram.GetSceneRect(), QRectF(0.0, 0.0, 400.0, 1.0));
         QCOMPARE(loaded.diagram.GetDelay(), 200.0);
         QCOMPARE(Access::StepSize(loaded.diagram), 4);
         QCOMPARE(loaded.recorder.Take(), QStringList{});
+    }
+
+    void delayCountsForTheStepAlsoWhereNothingIsMissing()
+    {
+        LoadedDiagram loaded(200.0);
+        loaded.diagram.resize(100, 100);
+        loaded.diagram.UpdateAudioSampleBuffer(QList<float>(401'000, 0.0F));
+        QCOMPARE(Access::StepSize(loaded.diagram), 1);
+        loaded.diagram.SetDelay(200.0);
+        QCOMPARE(Access::StepSize(loaded.diagram), 4);
+    }
+
+    void aNewDurationKeepsTheRequestedStart()
+    {
+        LoadedDiagram loaded;
+        loaded.diagram.SetSceneRange(40.0, 50.0);
+        loaded.diagram.SetDuration(200.0);
+        QCOMPARE(Access::RequestedStart(loaded.diagram), 35.0);
+    }
+
+    void theStepIsReckonedForWhatIsAskedForNotForTheView()
+    {
+        LoadedDiagram loaded(1000.0);
+        loaded.diagram.resize(100, 100);
+        loaded.diagram.SetSceneRange(400.0, 600.0);
+        // 400 seconds at 1000 Hz on 100 pixels: 400,000 / 100,000.
+        QCOMPARE(loaded.recorder.Take(),
+                 (QStringList{u"SceneRectChanged(400, 600)"_s, u"GetSamples(300, 700, 4)"_s}));
+        QCOMPARE(Access::StepSize(loaded.diagram), 4);
     }
 
     void remembersARequestThatItDoesNotSend()
@@ -208,6 +252,16 @@ private Q_SLOTS:
         loaded.diagram.SetSceneRange(left, right);
         QTEST(loaded.diagram.GetSceneRect().left(), "shownLeft");
         QTEST(loaded.diagram.GetSceneRect().right(), "shownRight");
+    }
+
+    void sceneRangeMayReachIntoTheDelay()
+    {
+        LoadedDiagram loaded;
+        loaded.diagram.SetDelay(20.0);
+        loaded.diagram.SetSceneRange(90.0, 115.0);
+        QCOMPARE(loaded.diagram.GetSceneRect(), QRectF(90.0, 0.0, 25.0, 1.0));
+        loaded.diagram.SetSceneRange(90.0, 150.0);
+        QCOMPARE(loaded.diagram.GetSceneRect(), QRectF(90.0, 0.0, 30.0, 1.0));
     }
 
     void sceneRangeIsAnnouncedBeforeSamplesAreAskedFor()
@@ -340,6 +394,26 @@ private Q_SLOTS:
         QVERIFY(wasFree);
     }
 
+    void takesNoSamplesWhileItsLockIsHeldElsewhere()
+    {
+        LoadedDiagram loaded;
+        QSemaphore held;
+        QSemaphore taken;
+        bool wereTaken = true;
+        const std::unique_ptr<QThread> holder(QThread::create([&] {
+            const QMutexLocker lock(&Access::BufferLock(loaded.diagram));
+            held.release();
+            wereTaken = taken.tryAcquire(1, 300); // gives up, as the lock keeps the samples out
+        }));
+        holder->start();
+        held.acquire();
+        loaded.diagram.UpdateAudioSampleBuffer({0.5F});
+        taken.release();
+        holder->wait();
+        QVERIFY(!wereTaken);
+        QCOMPARE(Access::Vertices(loaded.diagram).Size(), 1U);
+    }
+
     void takesThirteenMillionSamplesQuickly()
     {
         LoadedDiagram loaded(300.0);
@@ -370,6 +444,15 @@ private Q_SLOTS:
         loaded.recorder.Take();
         loaded.diagram.SetAudioPosition(95.0, false);
         QCOMPARE(loaded.recorder.Take(), (QStringList{u"SceneRectChanged(90, 100)"_s, u"Update"_s}));
+    }
+
+    void theLastPageEndsWithTheAudioNotWithItsDelay()
+    {
+        LoadedDiagram loaded;
+        loaded.diagram.SetDelay(50.0);
+        loaded.diagram.SetSceneRange(85.0, 95.0);
+        loaded.diagram.SetAudioPosition(95.5, false);
+        QCOMPARE(loaded.diagram.GetSceneRect(), QRectF(90.0, 0.0, 10.0, 1.0));
     }
 
     void positionLeftOfTheViewIsScrolledTo()

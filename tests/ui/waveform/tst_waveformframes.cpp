@@ -3,6 +3,9 @@
 
 #include <QtTest/QtTest>
 
+#include <algorithm>
+#include <array>
+#include <bit>
 #include <random>
 
 using namespace vantoraudio;
@@ -123,6 +126,62 @@ private Q_SLOTS:
         QVERIFY2(bench.NextFrameUploadsNothing(), "columns are the same whatever their height");
         bench.diagram.UpdateAudioSampleBuffer(Noise(2'990'000));
         QVERIFY2(!bench.NextFrameUploadsNothing(), "new samples");
+    }
+
+    void theGridIsDrawnInTwoCallsFirstAcrossThenUpwards()
+    {
+        Bench bench;
+        const auto isUpright = [](const RecordedDraw& lines) {
+            QList<bool> result;
+            for (std::size_t i = 0; i + 1 < lines.coloured.size(); i += 2) {
+                result << (lines.coloured[i].x == lines.coloured[i + 1].x);
+            }
+            return result;
+        };
+        bench.Frame();
+        QList<RecordedDraw> calls;
+        for (const RecordedDraw& draw : bench.log) {
+            if (draw.topology == bgfx::device::Topology::Lines) {
+                calls << draw;
+            }
+        }
+        QCOMPARE(calls.size(), 3); // the third is the position
+        QVERIFY(isUpright(calls[0]).contains(false));
+        QVERIFY(!isUpright(calls[0]).contains(true));
+        QVERIFY(isUpright(calls[1]).contains(true));
+        QVERIFY(!isUpright(calls[1]).contains(false));
+    }
+
+    void theGridKeepsTheAlphaOfItsColour()
+    {
+        Bench bench;
+        bench.diagram.m_gridColor = QColor(10, 20, 30, 40);
+        bench.Frame();
+        int grids = 0;
+        for (const RecordedDraw& draw : bench.log) {
+            if (draw.topology == bgfx::device::Topology::Lines && grids < 2) {
+                ++grids;
+                for (const auto& vertex : draw.coloured) {
+                    const auto bytes = std::bit_cast<std::array<std::uint8_t, 4>>(vertex.rgba);
+                    QCOMPARE(bytes, (std::array<std::uint8_t, 4>{10, 20, 30, 40}));
+                }
+                QVERIFY(!draw.coloured.empty());
+            }
+        }
+        QCOMPARE(grids, 2);
+    }
+
+    void theWaveformKeepsTheAlphaOfItsColour()
+    {
+        Bench bench;
+        bench.diagram.m_waveformColor = QColor::fromRgbF(0.0F, 1.0F, 0.0F, 0.2F);
+        const RecordedDraw strip = bench.Frame();
+        const auto color = std::ranges::find(strip.uniforms, "u_waveformColor", &bgfx::device::UniformValue::name);
+        QVERIFY(color != strip.uniforms.end());
+        QCOMPARE(color->values.size(), 4U);
+        QCOMPARE(color->values[1], 1.0F);
+        QCOMPARE(color->values[3], bench.diagram.m_waveformColor.alphaF());
+        QVERIFY(color->values[3] < 0.25F);
     }
 
     void theSamplesAreSharedNotCopied()

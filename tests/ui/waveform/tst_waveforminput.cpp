@@ -151,6 +151,16 @@ private Q_SLOTS:
         QVERIFY(!Access::HasSelection(bench.diagram));
     }
 
+    void clickKeepsThePairForASingleEnd()
+    {
+        Bench bench;
+        bench.diagram.SetSelectedSnippet({10.0, 20.0});
+        QTest::mouseClick(&bench.diagram, Qt::LeftButton, {}, {500, 50});
+        bench.recorder.Take();
+        bench.diagram.SetSelectionStartTime(15.0);
+        QCOMPARE(bench.recorder.Take(), (QStringList{u"SelectionChanged(15, 20)"_s, u"Update"_s}));
+    }
+
     void clickCountsPartsOfAPixel()
     {
         Bench bench;
@@ -283,6 +293,16 @@ private Q_SLOTS:
         QCOMPARE(bench.recorder.Take(), QStringList{u"Update"_s});
     }
 
+    void onlyAnEdgeRemembersTheSelectionAtGrab()
+    {
+        Bench bench;
+        bench.SelectAndHover(20.0, 40.0, 300);
+        QVERIFY(Access::GrabOf(bench.diagram).body);
+        QCOMPARE(Access::SelectionAtGrab(bench.diagram), Pair(0.0, 0.0));
+        Hover(bench.diagram, 400);
+        QCOMPARE(Access::SelectionAtGrab(bench.diagram), Pair(20.0, 40.0));
+    }
+
     void draggingTheStartEdgeKeepsTheGrabbedEnd()
     {
         Bench bench;
@@ -312,6 +332,8 @@ private Q_SLOTS:
         QCOMPARE(bench.recorder.Take(), (QStringList{u"SelectionChanged(20, 50.05)"_s, u"Update"_s, u"Update"_s}));
         Move(bench.diagram, 100);
         QCOMPARE(bench.recorder.Take().first(), u"SelectionChanged(10.05, 20)"_s);
+        Move(bench.diagram, 300);
+        QCOMPARE(bench.recorder.Take().first(), u"SelectionChanged(20, 30.05)"_s);
     }
 
     void twoCloseEdgesAreBothGrabbedAndTheStartWins()
@@ -329,6 +351,7 @@ private Q_SLOTS:
         Bench bench;
         bench.SelectAndHover(20.0, 40.0, 300);
         Press(bench.diagram, 300);
+        QCOMPARE(Access::PressPosition(bench.diagram), QPoint(0, 0)); // the body is held, not a new place
         Move(bench.diagram, 500);
         QCOMPARE(bench.recorder.Take(),
                  (QStringList{u"SelectionChanged(40.05, 60.05)"_s, u"Update"_s, u"Update"_s}));
@@ -361,6 +384,37 @@ private Q_SLOTS:
         QCOMPARE(Access::RequestedStart(bench.diagram), 0.0);
         SendMouse(bench.diagram, QEvent::MouseButtonDblClick, {50.0, 50.0}, Qt::LeftButton);
         QCOMPARE(bench.recorder.Take().first(), u"GetSamples(0, 600, 6)"_s);
+    }
+
+    void doubleClickAsksBeforeItShowsEverything()
+    {
+        Bench bench;
+        bench.diagram.SetSceneRange(20.0, 30.0);
+        QRectF shownWhenAsked;
+        connect(&bench.diagram, &BGFXWaveformDiagramWidget::GetSamples, this,
+                [&] { shownWhenAsked = bench.diagram.GetSceneRect(); });
+        SendMouse(bench.diagram, QEvent::MouseButtonDblClick, {50.0, 50.0}, Qt::LeftButton);
+        QCOMPARE(shownWhenAsked, QRectF(20.0, 0.0, 10.0, 1.0));
+        QCOMPARE(bench.diagram.GetSceneRect(), QRectF(0.0, 0.0, 100.0, 1.0));
+    }
+
+    void doubleClickShowsAllAmplitudesOfALouderFile()
+    {
+        Bench bench;
+        bench.diagram.UpdateAudioSampleBuffer({0.0F, 2.5F});
+        SendMouse(bench.diagram, QEvent::MouseButtonDblClick, {50.0, 50.0}, Qt::LeftButton);
+        QCOMPARE(bench.diagram.GetSceneRect(), QRectF(0.0, 0.0, 100.0, 2.0));
+    }
+
+    void doubleClickCountsTheDelayForTheStep()
+    {
+        Bench bench(200.0);
+        bench.diagram.resize(100, 100);
+        bench.diagram.SetDelay(200.0);
+        bench.recorder.Take();
+        SendMouse(bench.diagram, QEvent::MouseButtonDblClick, {50.0, 50.0}, Qt::LeftButton);
+        // 400 seconds at 1000 Hz on 100 pixels: 400,000 / 100,000.
+        QCOMPARE(bench.recorder.Take().first(), u"GetSamples(0, 400, 4)"_s);
     }
 
     void doubleClickAsksForTheDelayToo()
@@ -398,6 +452,25 @@ private Q_SLOTS:
         bench.diagram.SetSceneRange(30.0, 60.0);
         QVERIFY(Turn(bench.diagram, {.angle = {0, 120}, .pixels = {0, -32}}));
         QCOMPARE(bench.diagram.GetSceneRect().left(), 32.0);
+    }
+
+    void horizontalPixelDeltasWinToo()
+    {
+        Bench bench;
+        bench.diagram.SetSceneRange(30.0, 60.0);
+        QVERIFY(Turn(bench.diagram, {.angle = {0, 120}, .pixels = {-32, 0}}));
+        QCOMPARE(bench.diagram.GetSceneRect().left(), 32.0);
+    }
+
+    void panningReachesTheEndOfTheDelay()
+    {
+        Bench bench;
+        bench.diagram.SetDelay(20.0);
+        bench.diagram.SetSceneRange(70.0, 100.0);
+        QVERIFY(Turn(bench.diagram, {.angle = {0, -360}, .pixels = {}}));
+        QCOMPARE(bench.diagram.GetSceneRect(), QRectF(73.0, 0.0, 30.0, 1.0));
+        QVERIFY(Turn(bench.diagram, {.angle = {0, -120 * 30}, .pixels = {}}));
+        QCOMPARE(bench.diagram.GetSceneRect(), QRectF(90.0, 0.0, 30.0, 1.0));
     }
 
     void panningStopsAtBothEnds()

@@ -152,6 +152,36 @@ private Q_SLOTS:
         QVERIFY(texts[2].startsWith(u"text \"3 \""));
     }
 
+    void writesHugeAmplitudesWithAnExponent()
+    {
+        Bench bench;
+        bench.widget.UpdateAudioSampleBuffer({0.0F, 2'000'000.0F});
+        bench.widget.Initilize(QAudioFormat(), 10.0);
+        const QStringList texts = bench.Painted().filter(u"text \""_s).mid(10);
+        QCOMPARE(texts.size(), 3);
+        QVERIFY2(texts[0].startsWith(u"text \"-2e+06 \""), qPrintable(texts[0]));
+        QVERIFY2(texts[1].startsWith(u"text \"0 \""), qPrintable(texts[1]));
+        QVERIFY2(texts[2].startsWith(u"text \"2e+06 \""), qPrintable(texts[2]));
+    }
+
+    void theRulerBeginsWithTheSamplesThatAreThere()
+    {
+        Bench bench;
+        bench.widget.OnSceneRectChangeRequested(QRectF(4.0, 0.0, 2.0, 1.0));
+        bench.widget.UpdateAudioSampleBuffer(QList<float>(4000, 0.5F));
+        QCOMPARE(Access::DiagramOf(bench.widget).GetBufferStart(), 3.0);
+        const auto ticks = [&] {
+            return bench.Painted().filter(QRegularExpression(u"^line #0000ff .*,19 .*,16$"_s));
+        };
+        // A step of half a second is 100 pixels.
+        QCOMPARE(ticks(), (QStringList{u"line #0000ff 30,19 30,16"_s, u"line #0000ff 130,19 130,16"_s,
+                                       u"line #0000ff 230,19 230,16"_s, u"line #0000ff 330,19 330,16"_s,
+                                       u"line #0000ff 430,19 430,16"_s}));
+        Access::DiagramOf(bench.widget).ScrollTo(2.0);
+        QCOMPARE(ticks(), (QStringList{u"line #0000ff 230,19 230,16"_s, u"line #0000ff 330,19 330,16"_s,
+                                       u"line #0000ff 430,19 430,16"_s}));
+    }
+
     void withoutAFileOnlyFrameAmplitudesAndMarkerRemain()
     {
         Bench bench;

@@ -206,6 +206,40 @@ private Q_SLOTS:
         QVERIFY(picture.ShareInRow(waveform, 50.0, 205.0, 398.0) < 0.02);
     }
 
+    void drawsAllElseInItsPlaceWithSamplesThatBeginLater()
+    {
+        DiagramBench bench;
+        bench.diagram.SetSceneRange(4.0, 6.0); // asks from 3 seconds on
+        bench.diagram.UpdateAudioSampleBuffer(QList<float>(2000, 0.0F));
+        QCOMPARE(bench.diagram.GetBufferStart(), 3.0);
+        bench.diagram.SetSelectedSnippet({4.1, 4.3});
+        bench.diagram.SetAudioPosition(5.25, false);
+        const WaveformPicture picture(bench.diagram);
+        QVERIFY(picture.ShareInColumn(position, 250.0, 0.0, 199.0) > 0.99);
+        QVERIFY(picture.ShareOf(selected, QRectF(25, 2, 30, 30)) == 1.0);
+        QVERIFY(picture.ShareOf(background, QRectF(2, 2, 15, 30)) == 1.0);
+        QVERIFY(picture.ShareOf(background, QRectF(63, 2, 32, 30)) == 1.0);
+        for (const double x : {100.0, 200.0, 300.0}) { // a step of half a second
+            QVERIFY(picture.ShareInColumn(grid, x, 0.0, 199.0) > 0.45);
+        }
+        for (const double y : {40.0, 70.0, 130.0, 160.0}) {
+            QVERIFY(picture.ShareInRow(grid, y, 65.0, 399.0) > 0.45);
+        }
+    }
+
+    void theGridBeginsWithTheSamplesThatAreThere()
+    {
+        DiagramBench bench;
+        bench.diagram.SetSceneRange(4.0, 6.0);
+        bench.diagram.UpdateAudioSampleBuffer(QList<float>(2000, 0.0F));
+        bench.diagram.ScrollTo(2.0);
+        QCOMPARE(bench.diagram.GetBufferStart(), 3.0);
+        const WaveformPicture picture(bench.diagram);
+        QVERIFY(picture.ShareInColumn(grid, 100.0, 0.0, 199.0) < 0.2);
+        QVERIFY(picture.ShareInColumn(grid, 200.0, 0.0, 199.0) > 0.45);
+        QVERIFY(picture.ShareInColumn(grid, 300.0, 0.0, 199.0) > 0.45);
+    }
+
     void afterAResetOnlyTheGridIsDrawn()
     {
         DiagramBench bench;
@@ -323,6 +357,22 @@ private Q_SLOTS:
         bench.diagram.SetDuration(10.0); // now the scene rect has the height of the extent
         const WaveformPicture afterwards(bench.diagram);
         QVERIFY(afterwards.ShareInRow(grid, 70.0, 5.0, 399.0) > 0.45);
+    }
+
+    void whatStandsUprightReachesTheExtentOfALouderFile()
+    {
+        DiagramBench bench;
+        bench.diagram.UpdateAudioSampleBuffer(QList<float>(10'000, 2.5F));
+        bench.diagram.SetDuration(10.0); // now the scene rect has the height of the extent
+        bench.diagram.SetSelectedSnippet({2.1, 3.9});
+        bench.diagram.SetAudioPosition(5.5, false);
+        const WaveformPicture picture(bench.diagram);
+        QCOMPARE(bench.diagram.GetSceneRect().height(), 2.0);
+        QVERIFY(picture.ShareInColumn(position, 220.0, 0.0, 199.0) > 0.99);
+        QVERIFY(picture.ShareOf(selected, QRectF(90, 5, 25, 25)) == 1.0);
+        QVERIFY(picture.ShareOf(selected, QRectF(90, 170, 25, 25)) == 1.0);
+        QVERIFY(picture.ShareInColumn(grid, 320.0, 5.0, 30.0) > 0.35);
+        QVERIFY(picture.ShareInColumn(grid, 320.0, 170.0, 195.0) > 0.35);
     }
 
     void drawsASolidLineAtThePosition()

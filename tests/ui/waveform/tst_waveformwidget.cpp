@@ -146,6 +146,15 @@ private Q_SLOTS:
         QCOMPARE(bench.diagram.GetSceneRect(), QRectF(0.0, 0.0, 60.0, 1.0));
     }
 
+    void initilizeReckonsWithTheNewSampleRate()
+    {
+        Bench bench;
+        bench.diagram.resize(100, 100);
+        bench.widget.Initilize(FormatOf(8000), 600.0);
+        // 600 seconds at 8000 Hz on 100 pixels: 4,800,000 / 100,000.
+        QCOMPARE(bench.recorder.Take(), (QStringList{u"SelectionChanged(0, 0)"_s, u"GetSamples(0, 600, 48)"_s}));
+    }
+
     void initilizeAsksWithTheDelayOfBefore()
     {
         Bench bench;
@@ -237,8 +246,13 @@ private Q_SLOTS:
         QCoreApplication::processEvents();
         PaintCounter widgetPaints(bench.widget);
         PaintCounter diagramPaints(bench.diagram);
+        bench.widget.SetAudioPositionMarkerColor(Qt::red);
+        bench.widget.SetAudioSelectionColor(Qt::red);
+        bench.widget.SetBackgroundColor(Qt::red);
         bench.widget.SetFrameColor(Qt::red);
         bench.widget.SetGridColor(Qt::red);
+        bench.widget.SetScaleColor(Qt::red);
+        bench.widget.SetWaveformColor(Qt::red);
         QCoreApplication::processEvents();
         QCOMPARE(widgetPaints.m_paints, 0);
         QCOMPARE(diagramPaints.m_paints, 0);
