@@ -17,7 +17,6 @@
 #include <QtTest/QTest>
 
 #include <limits>
-
 #include <sys/stat.h>
 
 using Access = AudioPlayerTestAccess;
