@@ -30,8 +30,18 @@ public:
         widget.resize(1000, 400);
         widget.show();
         widget.SetAudioFile(WriteFile(QStringLiteral("silence.wav")));
-        widget.activateWindow();
-        return QTest::qWaitForWindowActive(&widget) && IsReady();
+        return Activate() && IsReady();
+    }
+
+    /** Asks for the focus until it comes: without a window manager one request can get lost. */
+    [[nodiscard]] bool Activate()
+    {
+        return QTest::qWaitFor([this] {
+            if (!widget.isActiveWindow()) {
+                widget.activateWindow();
+            }
+            return widget.isActiveWindow();
+        });
     }
 
     /** A file for the player, in a folder of its own. */
