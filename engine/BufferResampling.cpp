@@ -34,21 +34,65 @@ Sample Between(Sample first, Sample second, double fraction)
     return static_cast<Sample>(first * (1.0 - fraction) + second * fraction);
 }
 
+/** Where some successive target frames lie between the frames of a buffer. */
+struct Positions
+{
+    static constexpr int Most = 256;
+
+    /** Apart from what uses them, and kept apart from each other, so that the compiler makes vectors of them. */
+    void Find(int first, int count, int frames, int targetFrames)
+    {
+        for (int i = 0; i < count; ++i) {
+            const double position = static_cast<double>(first + i) * frames / targetFrames;
+            indices[i] = static_cast<int>(position);
+            fractions[i] = position - indices[i];
+        }
+    }
+
+    int indices[Most];
+    double fractions[Most];
+};
+
+/** Inlined where the channel count is known. */
+template<typename Sample>
+inline Sample* InterpolateFrames(const Sample* samples, int channels, const Positions& positions, int count,
+                                 Sample* out)
+{
+    for (int i = 0; i < count; ++i) {
+        const Sample* frame = samples + static_cast<qsizetype>(positions.indices[i]) * channels;
+        for (int channel = 0; channel < channels; ++channel) {
+            out[channel] = Between(frame[channel], frame[channel + channels], positions.fractions[i]);
+        }
+        out += channels;
+    }
+    return out;
+}
+
 template<typename Sample>
 void Interpolate(const SampleBuffer<Sample>& buffer, int frames, int targetFrames, Sample* out)
 {
+    const Sample* samples = buffer.samples.data();
     const int channels = buffer.channelCount;
-    for (int i = 0; i < targetFrames; ++i) {
-        const double position = static_cast<double>(i) * frames / targetFrames;
-        const int index = static_cast<int>(position);
-        const double fraction = position - index;
-        const Sample* frame = buffer.samples.data() + static_cast<qsizetype>(index) * channels;
-        if (index + 1 < frames) {
-            for (int channel = 0; channel < channels; ++channel) {
-                *out++ = Between(frame[channel], frame[channel + channels], fraction);
-            }
-        } else {
-            out = std::copy_n(frame, channels, out);
+    const Sample* lastFrame = samples + static_cast<qsizetype>(frames - 1) * channels;
+    Positions positions;
+    for (qsizetype first = 0; first < targetFrames; first += Positions::Most) {
+        const auto count = static_cast<int>(std::min<qsizetype>(Positions::Most, targetFrames - first));
+        positions.Find(static_cast<int>(first), count, frames, targetFrames);
+        const auto end = positions.indices + count;
+        const auto last = std::lower_bound(positions.indices, end, frames - 1);
+        const auto between = static_cast<int>(last - positions.indices);
+        switch (channels) {
+        case 1:
+            out = InterpolateFrames(samples, 1, positions, between, out);
+            break;
+        case 2:
+            out = InterpolateFrames(samples, 2, positions, between, out);
+            break;
+        default:
+            out = InterpolateFrames(samples, channels, positions, between, out);
+        }
+        for (auto i = last; i < end; ++i) {
+            out = std::copy_n(lastFrame, channels, out);
         }
     }
 }

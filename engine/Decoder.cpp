@@ -1,6 +1,8 @@
+#include "engine/BatchThreads.h"
 #include "engine/BufferResampling.h"
 #include "engine/FileReplacement.h"
 #include "engine/PendingFile.h"
+#include "engine/ProcessorTime.h"
 #include "engine/ReadingPace.h"
 #include "engine/SilenceWatch.h"
 #include "engine/WavHeader.h"
@@ -10,6 +12,7 @@
 #include <QtCore/QEventLoop>
 #include <QtCore/QFileInfo>
 #include <QtCore/QThread>
+#include <QtCore/QTimer>
 #include <QtCore/QUrl>
 #include <QtMultimedia/QAudioBuffer>
 #include <QtMultimedia/QAudioDecoder>
@@ -27,7 +30,9 @@ namespace {
 constexpr int defaultSampleRate = 96000;
 
 /** Decoded buffers are short and dear to write one by one; much longer blocks would keep the decoder waiting. */
-constexpr qsizetype writtenBlockSize = 1 << 17;
+constexpr qsizetype writtenBlockSize = 1 << 16;
+
+constexpr std::chrono::microseconds longestWakefulness(200);
 
 template<typename Sample>
 SampleBuffer<Sample> SamplesOf(const QAudioBuffer& buffer)
@@ -108,6 +113,7 @@ private:
     QAudioBuffer ReadAtPace();
     void OnFinished();
     void OnSilence();
+    void StayAwake();
     void Append(const QByteArray& bytes);
     bool WriteBlock();
     void End(WavFile::AudioEngineReturnValue result);
@@ -125,7 +131,10 @@ private:
     /** The platform's decoder may keep silent for ever about a file that it cannot decode. */
     SilenceWatch m_silence;
     ReadingPace m_pace;
+    WorkPerPiece m_work;
     Clock::time_point m_readAt;
+    /** Keeps the event loop from sleeping. */
+    QTimer m_wakefulness;
     QFile m_source;
     std::unique_ptr<QAudioDecoder> m_decoder;
 };
@@ -134,6 +143,7 @@ Decoder::Run::Run(QFile& output, int sampleRate, SampleType type)
     : m_output(output), m_sampleRate(sampleRate), m_type(type), m_silence([this] { OnSilence(); })
 {
     m_block.reserve(writtenBlockSize);
+    QObject::connect(&m_wakefulness, &QTimer::timeout, &m_loop, [this] { StayAwake(); });
 }
 
 WavFile::AudioEngineReturnValue Decoder::Run::Decode(const QString& inPath)
@@ -157,7 +167,11 @@ void Decoder::Run::Start(SilenceWatch::Patience patience)
                      [this] { End(WavFile::ErrorInvalidFormat); });
     SetSource();
     m_readAt = Clock::now();
-    m_decoder->start();
+    {
+        // They hand every buffer on to each other.
+        const BatchThreads decoderThreads;
+        m_decoder->start();
+    }
     m_silence.Start(patience);
 }
 
@@ -204,13 +218,29 @@ void Decoder::Run::OnBufferReady()
 
 QAudioBuffer Decoder::Run::ReadAtPace()
 {
+    if (const auto work = m_work.OnPiece()) {
+        m_pace.SetWork(*work);
+    }
     const auto next = m_readAt + m_pace.IntervalAfter(Clock::now() - m_readAt);
     // Far shorter than any sleep that a system offers.
     while (Clock::now() < next) {
         QThread::yieldCurrentThread();
     }
     m_readAt = Clock::now();
+    if (!m_wakefulness.isActive()) {
+        m_wakefulness.start(0);
+    }
     return m_decoder->read();
+}
+
+/** The next buffer mostly comes before the processor would have fallen asleep and been woken again. */
+void Decoder::Run::StayAwake()
+{
+    if (Clock::now() - m_readAt > longestWakefulness) {
+        m_wakefulness.stop();
+    } else {
+        QThread::yieldCurrentThread();
+    }
 }
 
 void Decoder::Run::OnFinished()

@@ -3,8 +3,12 @@
 #include <QtTest/QTest>
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <limits>
+#include <random>
+#include <type_traits>
+#include <utility>
 
 using namespace vantoraudio::AudioEngine;
 
@@ -23,6 +27,46 @@ template<typename Sample>
 QList<float> Converted(const QList<Sample>& samples)
 {
     return ToFloat(std::span<const Sample>(samples));
+}
+
+} // namespace
+
+namespace {
+
+/** One sample at a time, as the interpolation is defined. */
+template<typename Sample>
+QList<Sample> SlowlyResampled(const QList<Sample>& samples, int channels, int rate, int targetRate)
+{
+    const auto frames = static_cast<int>(samples.size()) / channels;
+    const auto targetFrames = static_cast<int>(qint64{frames} * targetRate / rate);
+    QList<Sample> result;
+    for (int i = 0; i < targetFrames; ++i) {
+        const double position = double(i) * frames / targetFrames;
+        const double index = std::floor(position);
+        const double t = position - index;
+        for (int channel = 0; channel < channels; ++channel) {
+            const qsizetype at = qsizetype(index) * channels + channel;
+            result << (at + channels < samples.size()
+                           ? static_cast<Sample>(samples[at] * (1.0 - t) + samples[at + channels] * t)
+                           : samples[at]);
+        }
+    }
+    return result;
+}
+
+template<typename Sample>
+void CompareWithSlowlyResampled(int frames, int channels, int rate, int targetRate)
+{
+    std::minstd_rand random(1);
+    QList<Sample> samples(qsizetype{frames} * channels);
+    for (Sample& sample : samples) {
+        if constexpr (std::is_floating_point_v<Sample>) {
+            sample = std::uniform_real_distribution<Sample>(-1, 1)(random);
+        } else {
+            sample = static_cast<Sample>(random());
+        }
+    }
+    QCOMPARE(Resampled(samples, channels, rate, targetRate), SlowlyResampled(samples, channels, rate, targetRate));
 }
 
 } // namespace
@@ -63,6 +107,33 @@ private Q_SLOTS:
                  (QList<float>{0.0F, 0.25F, 0.5F, 0.75F, 1.0F, 1.0F, 1.0F, 1.0F}));
         QCOMPARE(Resampled<qint32>({10, 20, 30, 40, 50, 60}, 3, 100, 200),
                  (QList<qint32>{10, 20, 30, 25, 35, 45, 40, 50, 60, 40, 50, 60}));
+    }
+
+    void givesEveryLengthWhatTheFormulaGives_data()
+    {
+        QTest::addColumn<int>("rate");
+        QTest::addColumn<int>("targetRate");
+        for (const auto& [rate, targetRate] :
+             {std::pair(48000, 96000), {44100, 96000}, {44100, 48000}, {96000, 44100}, {8000, 96000}}) {
+            QTest::addRow("%d to %d", rate, targetRate) << rate << targetRate;
+        }
+    }
+
+    void givesEveryLengthWhatTheFormulaGives()
+    {
+        QFETCH(const int, rate);
+        QFETCH(const int, targetRate);
+        for (const int frames : {1, 2, 3, 127, 128, 129, 255, 256, 257, 511, 512, 513, 1024, 1152, 4608}) {
+            for (const int channels : {1, 2, 3, 6}) {
+                CompareWithSlowlyResampled<quint8>(frames, channels, rate, targetRate);
+                CompareWithSlowlyResampled<qint16>(frames, channels, rate, targetRate);
+                CompareWithSlowlyResampled<qint32>(frames, channels, rate, targetRate);
+                CompareWithSlowlyResampled<float>(frames, channels, rate, targetRate);
+                if (QTest::currentTestFailed()) {
+                    return;
+                }
+            }
+        }
     }
 
     void leavesFramesOutOnTheWayDown()

@@ -34,7 +34,7 @@ private Q_SLOTS:
     {
         ReadingPace pace;
         const auto first = pace.IntervalAfter(10ms);
-        QVERIFY(first > 10us && first < 100us);
+        QVERIFY(first > 5us && first < 100us);
         const auto second = pace.IntervalAfter(10ms);
         QVERIFY(second > first && second < first * 3 / 2);
     }
@@ -52,6 +52,26 @@ private Q_SLOTS:
     {
         ReadingPace pace;
         QVERIFY(IntervalAfter(pace, 10'000, 10ms) <= 200us);
+    }
+
+    void isNeverSlowerThanTheWork()
+    {
+        ReadingPace pace;
+        pace.SetWork(40us);
+        QCOMPARE(IntervalAfter(pace, 100, 10ms), 40us);
+        pace.SetWork(30us);
+        QVERIFY(pace.IntervalAfter(20us) <= 30us);
+        pace.SetWork(5us);
+        QCOMPARE(pace.IntervalAfter(10ms), 5us);
+        pace.SetWork(10s);
+        QCOMPARE(IntervalAfter(pace, 100, 10ms), 200us);
+    }
+
+    void isNoneWhereThereIsNoWork()
+    {
+        ReadingPace pace;
+        pace.SetWork(0us);
+        QCOMPARE(IntervalAfter(pace, 100, 10ms).count(), 0);
     }
 };
 
