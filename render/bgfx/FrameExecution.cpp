@@ -136,8 +136,11 @@ private:
             return SetVertices(call, vertices.layout, vertices.bytes, 0, UINT32_MAX);
         }
         const VertexBuffer* buffer = m_resources.vertexBuffers.Find(source.buffer);
-        return buffer && buffer->memory &&
-               SetVertices(call, buffer->layout, buffer->memory->Bytes(), source.start, source.count);
+        if (!buffer || !buffer->memory) {
+            return false;
+        }
+        call.revision = buffer->revision;
+        return SetVertices(call, buffer->layout, buffer->memory->Bytes(), source.start, source.count);
     }
 
     static bool SetVertices(DrawCall& call, const VertexLayout& layout, std::span<const std::uint8_t> bytes,

@@ -40,8 +40,15 @@ std::uint32_t VertexBuffer::VertexCount() const
     return memory && layout.getStride() > 0 ? memory->size / layout.getStride() : 0;
 }
 
+std::uint64_t VertexBuffer::NextRevision()
+{
+    static std::uint64_t last = 0;
+    return ++last;
+}
+
 void VertexBuffer::Update(std::uint32_t startVertex, MemoryOwner source)
 {
+    revision = NextRevision();
     const std::uint32_t oldSize = memory ? memory->size : 0;
     const bool resizable = (flags & BGFX_BUFFER_ALLOW_RESIZE) != 0;
     if (startVertex == 0 && (resizable || source->size == oldSize)) {

@@ -17,9 +17,14 @@ struct VertexBuffer
     std::unique_ptr<const MemoryBlock> memory;
     VertexLayout layout;
     std::uint16_t flags = BGFX_BUFFER_NONE;
+    /** Names the bytes: other ones have another number. */
+    std::uint64_t revision = NextRevision();
 
     [[nodiscard]] std::uint32_t VertexCount() const;
     void Update(std::uint32_t startVertex, MemoryOwner source);
+
+    /** Never 0. */
+    static std::uint64_t NextRevision();
 };
 
 struct IndexBuffer

@@ -68,6 +68,8 @@ private Q_SLOTS:
     void drawsALineOfOneDevicePixel();
     void drawsAStripInTheColourOfTheUniform_data() { AddDevices(); }
     void drawsAStripInTheColourOfTheUniform();
+    void followsAStripThatLivesOn_data() { AddDevices(); }
+    void followsAStripThatLivesOn();
     void blendsHalfTransparentTriangles_data() { AddDevices(); }
     void blendsHalfTransparentTriangles();
     void coversTheEdgeBetweenTwoTrianglesOnce_data() { AddDevices(); }
@@ -145,6 +147,68 @@ void tst_Devices::drawsAStripInTheColourOfTheUniform()
     QVERIFY(std::abs(color.blue() - 64) <= 1);
     QCOMPARE(picture.pixelColor(4, 6), color);
     QCOMPARE(picture.pixelColor(6, 6), QColor(Qt::black));
+}
+
+void tst_Devices::followsAStripThatLivesOn()
+{
+    MAKE_DEVICE;
+    const QSize size(8, 8);
+    const auto memory = [](const std::vector<Pos2f>& points) {
+        return bgfx::copy(points.data(), std::uint32_t(points.size() * sizeof(Pos2f)));
+    };
+    const auto frameBuffer = bgfx::createFrameBuffer(8, 8, bgfx::TextureFormat::RGBA8);
+    const auto other = bgfx::createFrameBuffer(8, 8, bgfx::TextureFormat::RGBA8);
+    const auto strip = bgfx::createDynamicVertexBuffer(memory({{0.0F, 1.5F}, {4.0F, 1.5F}, {8.0F, 5.5F}}),
+                                                       Pos2f::Layout(), bgfx::BGFX_BUFFER_ALLOW_RESIZE);
+    const auto otherStrip = bgfx::createDynamicVertexBuffer(memory({{0.0F, 7.5F}, {8.0F, 7.5F}}), Pos2f::Layout());
+    BGFXRenderer renderer;
+    renderer.SetFrameSize(size);
+    const auto program =
+        vantor3D::ProgramFactory::Get().CreateProgram("vs_waveform_basic_2d", "fs_waveform_samples").value();
+    const auto uniform = bgfx::createUniform("u_waveformColor", bgfx::UniformType::Vec4);
+    const auto draw = [&](bgfx::FrameBufferHandle into, bgfx::DynamicVertexBufferHandle vertices, float offset) {
+        if (!renderer.StartFrame(into))
+            return std::vector<QPoint>();
+        const BGFXViewContext view(0);
+        QMatrix4x4 moved;
+        moved.translate(offset, 0.0F);
+        view.SetTransform(moved, PixelProjection(size));
+        view.Submit(into, QRect(QPoint(0, 0), size));
+        view.SetClear(bgfx::BGFX_CLEAR_COLOR, Black, 1.0F, 0);
+        bgfx::setUniform(uniform, std::array{1.0F, 1.0F, 1.0F, 1.0F}.data());
+        bgfx::setVertexBuffer(0, vertices);
+        bgfx::setState(BGFXRenderer::STATE_LINESTRIP);
+        bgfx::submit(view.Id(), program);
+        renderer.PresentSubmittedFrame(false);
+        return LitPixels(renderer.Picture());
+    };
+    const auto row = [](int from, int to, int y) {
+        std::vector<QPoint> pixels;
+        for (int x = from; x < to; ++x)
+            pixels.emplace_back(x, y);
+        return pixels;
+    };
+
+    const auto first = draw(frameBuffer, strip, 0.0F);
+    QCOMPARE(std::vector(first.begin(), first.begin() + 4), row(0, 4, 1));
+    QVERIFY(first.size() >= 8);
+    QCOMPARE(draw(frameBuffer, strip, 0.0F), first);
+    // Two pictures, two strips, in turns.
+    QCOMPARE(draw(other, otherStrip, 0.0F), row(0, 8, 7));
+    QCOMPARE(draw(frameBuffer, strip, 0.0F), first);
+    QCOMPARE(draw(frameBuffer, otherStrip, 0.0F), row(0, 8, 7));
+    QCOMPARE(draw(frameBuffer, otherStrip, 2.0F), row(2, 8, 7));
+    QCOMPARE(draw(frameBuffer, strip, 0.0F), first);
+    bgfx::update(strip, 0, memory({{0.0F, 3.5F}, {8.0F, 3.5F}}));
+    QCOMPARE(draw(frameBuffer, strip, 0.0F), row(0, 8, 3));
+    bgfx::update(strip, 1, memory({{4.0F, 3.5F}}));
+    QCOMPARE(draw(frameBuffer, strip, 0.0F), row(0, 4, 3));
+
+    bgfx::destroy(uniform);
+    for (const auto buffer : {strip, otherStrip})
+        bgfx::destroy(buffer);
+    for (const auto picture : {frameBuffer, other})
+        bgfx::destroy(picture);
 }
 
 void tst_Devices::blendsHalfTransparentTriangles()

@@ -29,6 +29,8 @@ struct Rect
     int y = 0;
     int width = 0;
     int height = 0;
+
+    friend bool operator==(const Rect&, const Rect&) = default;
 };
 
 struct UniformValue
@@ -67,6 +69,8 @@ struct DrawCall
     VertexLayout layout;
     std::span<const std::uint8_t> vertices;
     std::uint32_t vertexCount = 0;
+    /** The same number stands for the same bytes, frames later as well; 0: these bytes will not come again. */
+    std::uint64_t revision = 0;
     /** Each below vertexCount; empty: the vertices in their order. */
     std::span<const std::uint32_t> indices;
     std::span<const UniformValue> uniforms;

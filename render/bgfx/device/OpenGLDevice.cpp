@@ -1,9 +1,10 @@
 #include "render/bgfx/device/OpenGLDevice.h"
 
+#include "render/bgfx/device/LastColumns.h"
+#include "render/bgfx/device/OpenGLColumns.h"
 #include "render/bgfx/device/OpenGLContext.h"
 #include "render/bgfx/device/OpenGLObjects.h"
 #include "render/bgfx/device/OpenGLProgram.h"
-#include "render/bgfx/device/StripColumns.h"
 #include "render/bgfx/device/WindowLines.h"
 
 #include <QtOpenGL/QOpenGLFramebufferObject>
@@ -34,13 +35,16 @@ class OpenGLTarget final : public Target
 {
 public:
     OpenGLTarget(OpenGLContext& context, OpenGLObjects& objects, QSize size)
-        : m_context(context), m_objects(objects), m_frameBuffer(size)
+        : m_context(context), m_objects(objects), m_frameBuffer(size), m_lastColumns(size.width(), size.height())
     {
     }
     ~OpenGLTarget() override
     {
         const CurrentOpenGL current(m_context);
         m_frameBuffer.reset();
+        if (current.IsValid()) {
+            m_columns.Destroy(m_context.Functions());
+        }
     }
 
     [[nodiscard]] bool IsValid() const { return m_frameBuffer->isValid(); }
@@ -107,7 +111,7 @@ private:
      *  for a thousand lines. False for what cannot be drawn so. */
     bool DrawColumns(QOpenGLFunctions& gl, const OpenGLProgram& program, const DrawCall& call)
     {
-        const auto columns = ToColumns(call, m_frameBuffer->width(), m_frameBuffer->height());
+        const auto& columns = m_lastColumns.Of(call);
         const OpenGLProgram* shading = columns ? program.ForColumns() : nullptr;
         if (!shading) {
             return false;
@@ -116,7 +120,7 @@ private:
         if (bounds.IsEmpty()) {
             return true;
         }
-        m_objects.BindColumns(gl, *columns, m_frameBuffer->width());
+        m_columns.Bind(gl, *columns, m_lastColumns.Version(), m_frameBuffer->width());
         shading->Use(FromWindow(call.viewport, m_frameBuffer->height()), call.uniforms);
         shading->SetTargetWidth(m_frameBuffer->width());
         const LineVertex lower{float(bounds.left), float(bounds.bottom)};
@@ -180,6 +184,8 @@ private:
     OpenGLContext& m_context;
     OpenGLObjects& m_objects;
     std::optional<QOpenGLFramebufferObject> m_frameBuffer;
+    LastColumns m_lastColumns;
+    OpenGLColumns m_columns;
 };
 
 class OpenGLDevice final : public Device

@@ -1,39 +1,11 @@
 #include "render/bgfx/device/OpenGLObjects.h"
 
-#include <cstdint>
-#include <vector>
-
 namespace vantoraudio::bgfx::device {
-namespace {
-
-/** A whole row of a target, without anything beside the columns. */
-std::vector<std::uint8_t> ToTexels(const StripColumns& columns, int targetWidth)
-{
-    std::vector<std::uint8_t> texels(static_cast<std::size_t>(targetWidth) * 4);
-    auto into = texels.begin() + std::ptrdiff_t{4} * columns.box.left;
-    for (const RowSpan& span : columns.rows) {
-        for (const int row : {span.lower, span.upper}) {
-            *into++ = static_cast<std::uint8_t>(row >> 8);
-            *into++ = static_cast<std::uint8_t>(row);
-        }
-    }
-    return texels;
-}
-
-} // namespace
 
 void OpenGLObjects::Create(QOpenGLFunctions& gl)
 {
     m_vertexArray.create();
     gl.glGenBuffers(1, &m_vertexBuffer);
-    gl.glGenTextures(1, &m_columns);
-    gl.glBindTexture(GL_TEXTURE_2D, m_columns);
-    for (const GLenum filter : {GL_TEXTURE_MIN_FILTER, GL_TEXTURE_MAG_FILTER}) {
-        gl.glTexParameteri(GL_TEXTURE_2D, filter, GL_NEAREST);
-    }
-    for (const GLenum direction : {GL_TEXTURE_WRAP_S, GL_TEXTURE_WRAP_T}) {
-        gl.glTexParameteri(GL_TEXTURE_2D, direction, GL_CLAMP_TO_EDGE);
-    }
 }
 
 void OpenGLObjects::Destroy(QOpenGLFunctions& gl, bool isCurrent)
@@ -41,15 +13,7 @@ void OpenGLObjects::Destroy(QOpenGLFunctions& gl, bool isCurrent)
     m_vertexArray.destroy();
     if (isCurrent) {
         gl.glDeleteBuffers(1, &m_vertexBuffer);
-        gl.glDeleteTextures(1, &m_columns);
     }
-}
-
-void OpenGLObjects::BindColumns(QOpenGLFunctions& gl, const StripColumns& columns, int targetWidth) const
-{
-    const std::vector<std::uint8_t> texels = ToTexels(columns, targetWidth);
-    gl.glBindTexture(GL_TEXTURE_2D, m_columns);
-    gl.glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, targetWidth, 1, 0, GL_RGBA, GL_UNSIGNED_BYTE, texels.data());
 }
 
 } // namespace vantoraudio::bgfx::device

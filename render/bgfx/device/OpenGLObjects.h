@@ -1,7 +1,5 @@
 #pragma once
 
-#include "render/bgfx/device/StripColumns.h"
-
 #include <QtGui/QOpenGLFunctions>
 #include <QtOpenGL/QOpenGLVertexArrayObject>
 
@@ -19,13 +17,10 @@ public:
     [[nodiscard]] QOpenGLVertexArrayObject& VertexArray() { return m_vertexArray; }
     /** Filled anew by every draw. */
     [[nodiscard]] GLuint VertexBuffer() const { return m_vertexBuffer; }
-    /** Fills and binds the texture that OpenGLProgram::ForColumns() reads. */
-    void BindColumns(QOpenGLFunctions& gl, const StripColumns& columns, int targetWidth) const;
 
 private:
     QOpenGLVertexArrayObject m_vertexArray;
     GLuint m_vertexBuffer = 0;
-    GLuint m_columns = 0;
 };
 
 } // namespace vantoraudio::bgfx::device

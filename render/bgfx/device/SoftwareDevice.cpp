@@ -1,7 +1,7 @@
 #include "render/bgfx/device/SoftwareDevice.h"
 
 #include "render/bgfx/device/Canvas.h"
-#include "render/bgfx/device/StripColumns.h"
+#include "render/bgfx/device/LastColumns.h"
 
 #include <algorithm>
 #include <cstring>
@@ -58,7 +58,7 @@ private:
 class SoftwareTarget final : public Target
 {
 public:
-    SoftwareTarget(int width, int height) : m_canvas(width, height) {}
+    SoftwareTarget(int width, int height) : m_canvas(width, height), m_lastColumns(width, height) {}
 
     void Clear(const Rect& rect, std::uint32_t rgba) override
     {
@@ -70,7 +70,7 @@ public:
     void Draw(const Program& program, const DrawCall& call) override
     {
         const auto& shading = static_cast<const SoftwareProgram&>(program);
-        if (const auto columns = ToColumns(call, m_canvas.Width(), m_canvas.Height())) {
+        if (const auto& columns = m_lastColumns.Of(call)) {
             m_canvas.FillColumns(*columns, shading.ColorOf(call, 0), BrushOf(call));
         } else if (call.topology == Topology::Triangles) {
             DrawTriangles(shading, call);
@@ -127,6 +127,7 @@ private:
     }
 
     Canvas m_canvas;
+    LastColumns m_lastColumns;
 };
 
 } // namespace

@@ -162,10 +162,15 @@ PixelBox StripColumns::Bounds() const
     return bounds;
 }
 
+bool MayHaveColumns(const DrawCall& call)
+{
+    return call.topology == Topology::LineStrip && call.indices.empty() && IsFlat(call.layout) &&
+           IsUpright(call.transform);
+}
+
 std::optional<StripColumns> ToColumns(const DrawCall& call, int targetWidth, int targetHeight)
 {
-    if (call.topology != Topology::LineStrip || !call.indices.empty() || !IsFlat(call.layout) ||
-        !IsUpright(call.transform)) {
+    if (!MayHaveColumns(call)) {
         return std::nullopt;
     }
     const PositionReader positions(call.layout, call.vertices);

@@ -29,6 +29,9 @@ struct StripColumns
     [[nodiscard]] PixelBox Bounds() const;
 };
 
+/** Whether ToColumns() looks at the vertices at all. */
+bool MayHaveColumns(const DrawCall& call);
+
 /**
  * The pixels of a line strip that never turns back, as that of a waveform. It passes each column once, so that one
  * span of rows holds all of its pixels there: filling them costs the same however many lines share the column, and

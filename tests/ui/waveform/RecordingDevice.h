@@ -16,7 +16,8 @@ struct RecordedDraw
 {
     bgfx::device::Topology topology = bgfx::device::Topology::Lines;
     std::uint32_t vertexCount = 0;
-    const std::uint8_t* vertices = nullptr;
+    /** Names the vertices. */
+    std::uint64_t revision = 0;
     /** What a call of coloured vertices was given. */
     std::vector<vantor3D::Vertex::Pos3fColorRGBA> coloured;
     std::vector<bgfx::device::UniformValue> uniforms;
@@ -61,7 +62,7 @@ private:
         {
             m_log.push_back({.topology = call.topology,
                              .vertexCount = call.vertexCount,
-                             .vertices = call.vertices.data(),
+                             .revision = call.revision,
                              .coloured = Coloured(call),
                              .uniforms = {call.uniforms.begin(), call.uniforms.end()}});
         }

@@ -1,0 +1,57 @@
+#include "render/bgfx/device/OpenGLColumns.h"
+
+#include <utility>
+#include <vector>
+
+namespace vantoraudio::bgfx::device {
+namespace {
+
+/** A whole row of a target, without anything beside the columns. */
+std::vector<std::uint8_t> ToTexels(const StripColumns& columns, int targetWidth)
+{
+    std::vector<std::uint8_t> texels(static_cast<std::size_t>(targetWidth) * 4);
+    auto into = texels.begin() + std::ptrdiff_t{4} * columns.box.left;
+    for (const RowSpan& span : columns.rows) {
+        for (const int row : {span.lower, span.upper}) {
+            *into++ = static_cast<std::uint8_t>(row >> 8);
+            *into++ = static_cast<std::uint8_t>(row);
+        }
+    }
+    return texels;
+}
+
+} // namespace
+
+void OpenGLColumns::Bind(QOpenGLFunctions& gl, const StripColumns& columns, std::uint64_t version, int targetWidth)
+{
+    if (m_texture == 0) {
+        Create(gl);
+    }
+    gl.glBindTexture(GL_TEXTURE_2D, m_texture);
+    if (m_version == version) {
+        return;
+    }
+    const std::vector<std::uint8_t> texels = ToTexels(columns, targetWidth);
+    gl.glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, targetWidth, 1, 0, GL_RGBA, GL_UNSIGNED_BYTE, texels.data());
+    m_version = version;
+}
+
+void OpenGLColumns::Destroy(QOpenGLFunctions& gl)
+{
+    const GLuint texture = std::exchange(m_texture, 0);
+    gl.glDeleteTextures(1, &texture);
+}
+
+void OpenGLColumns::Create(QOpenGLFunctions& gl)
+{
+    gl.glGenTextures(1, &m_texture);
+    gl.glBindTexture(GL_TEXTURE_2D, m_texture);
+    for (const GLenum filter : {GL_TEXTURE_MIN_FILTER, GL_TEXTURE_MAG_FILTER}) {
+        gl.glTexParameteri(GL_TEXTURE_2D, filter, GL_NEAREST);
+    }
+    for (const GLenum direction : {GL_TEXTURE_WRAP_S, GL_TEXTURE_WRAP_T}) {
+        gl.glTexParameteri(GL_TEXTURE_2D, direction, GL_CLAMP_TO_EDGE);
+    }
+}
+
+} // namespace vantoraudio::bgfx::device
