@@ -21,19 +21,41 @@ void Add(Extremes& found, const Extremes& other)
     }
 }
 
-void AddSamples(Extremes& found, std::span<const float> samples, std::size_t first, std::size_t last)
-{
-    for (std::size_t i = first; i < last; ++i) {
-        const float level = DrawnLevel(samples[i]);
-        Add(found, {.low = level, .high = level, .lowest = i, .highest = i});
-    }
-}
-
 void AddAll(Extremes& found, std::span<const Extremes> others)
 {
     for (const Extremes& other : others) {
         Add(found, other);
     }
+}
+
+struct Levels
+{
+    float low = 0.0F;
+    float high = 0.0F;
+};
+
+/** Of at least one sample. */
+Levels LevelsOf(std::span<const float> samples)
+{
+    // Side by side in lanes, which compilers turn into vector instructions.
+    constexpr std::size_t laneCount = 16;
+    std::array<float, laneCount> low{};
+    low.fill(DrawnLevel(samples.front()));
+    std::array<float, laneCount> high = low;
+    std::size_t i = 0;
+    for (; i + laneCount <= samples.size(); i += laneCount) {
+        for (std::size_t lane = 0; lane < laneCount; ++lane) {
+            const float level = DrawnLevel(samples[i + lane]);
+            low[lane] = level < low[lane] ? level : low[lane];
+            high[lane] = level > high[lane] ? level : high[lane];
+        }
+    }
+    for (; i < samples.size(); ++i) {
+        const float level = DrawnLevel(samples[i]);
+        low[0] = level < low[0] ? level : low[0];
+        high[0] = level > high[0] ? level : high[0];
+    }
+    return {.low = std::ranges::min(low), .high = std::ranges::max(high)};
 }
 
 std::size_t Find(float level, std::span<const float> samples, std::size_t first)
@@ -44,25 +66,28 @@ std::size_t Find(float level, std::span<const float> samples, std::size_t first)
     return first;
 }
 
-Extremes ExtremesOfBlock(std::span<const float> samples, std::size_t first, std::size_t last)
+/** Where the extremes stand is looked for only if they are new ones. */
+void AddSamples(Extremes& found, std::span<const float> samples, std::size_t first, std::size_t last)
 {
-    // Side by side in lanes, which compilers turn into vector instructions; then where the values found stand.
-    constexpr std::size_t laneCount = 8;
-    std::array<float, laneCount> low{};
-    low.fill(DrawnLevel(samples[first]));
-    std::array<float, laneCount> high = low;
-    std::size_t i = first;
-    for (; i + laneCount <= last; i += laneCount) {
-        for (std::size_t lane = 0; lane < laneCount; ++lane) {
-            const float level = DrawnLevel(samples[i + lane]);
-            low[lane] = level < low[lane] ? level : low[lane];
-            high[lane] = level > high[lane] ? level : high[lane];
-        }
+    if (first >= last) {
+        return;
     }
-    Extremes found{.low = std::ranges::min(low), .high = std::ranges::max(high)};
-    found.lowest = Find(found.low, samples, first);
-    found.highest = Find(found.high, samples, first);
-    AddSamples(found, samples, i, last);
+    const Levels levels = LevelsOf(samples.subspan(first, last - first));
+    if (levels.low < found.low) {
+        found.low = levels.low;
+        found.lowest = Find(levels.low, samples, first);
+    }
+    if (levels.high > found.high) {
+        found.high = levels.high;
+        found.highest = Find(levels.high, samples, first);
+    }
+}
+
+Extremes ExtremesOf(std::span<const float> samples, std::size_t first, std::size_t last)
+{
+    const float level = DrawnLevel(samples[first]);
+    Extremes found{.low = level, .high = level, .lowest = first, .highest = first};
+    AddSamples(found, samples, first, last);
     return found;
 }
 
@@ -72,7 +97,7 @@ std::vector<Extremes> BlocksOf(std::span<const float> samples)
     blocks.reserve(samples.size() / SampleExtremes::BlockLength + 1);
     for (std::size_t first = 0; first < samples.size(); first += SampleExtremes::BlockLength) {
         blocks.push_back(
-            ExtremesOfBlock(samples, first, std::min(first + SampleExtremes::BlockLength, samples.size())));
+            ExtremesOf(samples, first, std::min(first + SampleExtremes::BlockLength, samples.size())));
     }
     return blocks;
 }
@@ -110,9 +135,7 @@ Extremes SampleExtremes::Within(std::span<const float> samples, std::size_t firs
 {
     const std::size_t firstBlock = (first + BlockLength - 1) / BlockLength;
     const std::size_t lastBlock = std::max(firstBlock, last / BlockLength);
-    const float level = DrawnLevel(samples[first]);
-    Extremes found{.low = level, .high = level, .lowest = first, .highest = first};
-    AddSamples(found, samples, first, std::min(firstBlock * BlockLength, last));
+    Extremes found = ExtremesOf(samples, first, std::min(std::max(firstBlock * BlockLength, first + 1), last));
     AddGroups(found, 0, firstBlock, lastBlock);
     AddSamples(found, samples, lastBlock * BlockLength, last);
     return found;
