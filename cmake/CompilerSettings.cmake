@@ -22,7 +22,8 @@ target_compile_definitions(vantor_settings INTERFACE
 if(MSVC)
   target_compile_options(vantor_settings INTERFACE /W4 $<$<BOOL:${VANTORAUDIO_WARNINGS_AS_ERRORS}>:/WX>)
 else()
-  target_compile_options(vantor_settings INTERFACE
+  # Multiplying and adding in one step would round differently: samples are to be the same on every processor.
+  target_compile_options(vantor_settings INTERFACE -ffp-contract=off
     -Wall -Wextra -Wshadow -Wconversion -Wpedantic -Wnon-virtual-dtor -Woverloaded-virtual
     $<$<BOOL:${VANTORAUDIO_WARNINGS_AS_ERRORS}>:-Werror>)
 endif()

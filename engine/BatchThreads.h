@@ -1,24 +1,31 @@
 #pragma once
 
+#include <functional>
+#include <vector>
+
 namespace vantoraudio::AudioEngine {
 
 /**
- * While it lives, the threads that its own thread starts are started as batch workers: they get as much of the
- * processor as any other, but one that is woken lets the one that runs finish its piece of work first. Threads
- * that hand short pieces to each other are interrupted at every one of them otherwise.
+ * Threads that hand short pieces of work to each other, scheduled as batch workers: they get as much of the
+ * processors as any others, but one that is woken lets the one that runs finish its piece first. Otherwise they
+ * interrupt each other at every piece.
  *
- * Does nothing where there are no such threads, or where its thread is of a special kind itself.
+ * Where other work keeps all processors busy that turns against them, since they then wait for that, too. Ordinary
+ * threads they remain where the system knows no such thing, and where the thread that starts them is of a special
+ * kind itself.
+ *
+ * Belongs to one thread.
  */
 class BatchThreads
 {
 public:
-    BatchThreads();
-    BatchThreads(const BatchThreads&) = delete;
-    BatchThreads& operator=(const BatchThreads&) = delete;
-    ~BatchThreads();
+    /** Calls `start`; the threads that it starts on this one become batch workers. */
+    void Start(const std::function<void()>& start);
+    /** Makes them ordinary ones again. Only while they exist. */
+    void MakeOrdinary();
 
 private:
-    bool m_isSet = false;
+    std::vector<int> m_threads;
 };
 
 } // namespace vantoraudio::AudioEngine

@@ -137,6 +137,9 @@ private:
     QTimer m_wakefulness;
     QFile m_source;
     std::unique_ptr<QAudioDecoder> m_decoder;
+    /** They hand every buffer on to each other. */
+    BatchThreads m_decoderThreads;
+    bool m_sharesProcessors = false;
 };
 
 Decoder::Run::Run(QFile& output, int sampleRate, SampleType type)
@@ -167,11 +170,8 @@ void Decoder::Run::Start(SilenceWatch::Patience patience)
                      [this] { End(WavFile::ErrorInvalidFormat); });
     SetSource();
     m_readAt = Clock::now();
-    {
-        // They hand every buffer on to each other.
-        const BatchThreads decoderThreads;
-        m_decoder->start();
-    }
+    m_decoderThreads = {};
+    m_decoderThreads.Start([this] { m_decoder->start(); });
     m_silence.Start(patience);
 }
 
@@ -222,12 +222,16 @@ QAudioBuffer Decoder::Run::ReadAtPace()
         m_pace.SetWork(*work);
     }
     const auto next = m_readAt + m_pace.IntervalAfter(Clock::now() - m_readAt);
+    if (m_pace.IsHopeless() && !std::exchange(m_sharesProcessors, true)) {
+        m_decoderThreads.MakeOrdinary();
+    }
     // Far shorter than any sleep that a system offers.
     while (Clock::now() < next) {
         QThread::yieldCurrentThread();
     }
     m_readAt = Clock::now();
-    if (!m_wakefulness.isActive()) {
+    // Whoever else has work would get a whole slice of time at each yielding.
+    if (!m_sharesProcessors && !m_wakefulness.isActive()) {
         m_wakefulness.start(0);
     }
     return m_decoder->read();
@@ -236,7 +240,7 @@ QAudioBuffer Decoder::Run::ReadAtPace()
 /** The next buffer mostly comes before the processor would have fallen asleep and been woken again. */
 void Decoder::Run::StayAwake()
 {
-    if (Clock::now() - m_readAt > longestWakefulness) {
+    if (m_sharesProcessors || Clock::now() - m_readAt > longestWakefulness) {
         m_wakefulness.stop();
     } else {
         QThread::yieldCurrentThread();

@@ -28,8 +28,9 @@ std::optional<std::chrono::nanoseconds> TimeOf(clockid_t clock)
 
 std::optional<std::chrono::nanoseconds> ProcessorTimeOfOtherThreads()
 {
-    const auto all = TimeOf(CLOCK_PROCESS_CPUTIME_ID);
+    // In this order the difference is never below 0.
     const auto own = TimeOf(CLOCK_THREAD_CPUTIME_ID);
+    const auto all = TimeOf(CLOCK_PROCESS_CPUTIME_ID);
     return all && own ? std::optional(*all - *own) : std::nullopt;
 }
 

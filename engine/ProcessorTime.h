@@ -9,7 +9,8 @@ namespace vantoraudio::AudioEngine {
  *  system does not tell. */
 std::optional<std::chrono::nanoseconds> ProcessorTimeOfOtherThreads();
 
-/** What other threads use of the processors for each piece that they deliver to this one. */
+/** What other threads use of the processors for each piece that they deliver to this one. All threads of the
+ * program count, those that have nothing to do with the pieces as well. */
 class WorkPerPiece
 {
 public:

@@ -24,10 +24,13 @@ public:
     Duration IntervalAfter(Duration wait);
     /** What the decoder's work on a buffer takes, at most. */
     void SetWork(Duration work);
+    /** Whether buffers are late so often that no pace helps: other work keeps the processors busy. */
+    [[nodiscard]] bool IsHopeless() const;
 
 private:
     std::chrono::duration<double, std::nano> m_interval{0};
     std::chrono::duration<double, std::nano> m_longest;
+    double m_lateness = 0.0;
 };
 
 } // namespace vantoraudio::AudioEngine

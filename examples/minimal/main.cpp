@@ -2,6 +2,7 @@
 #include <vantorAudioEngine/AudioPlayerWidget.h>
 
 #include <QtCore/QTemporaryDir>
+#include <QtCore/QTimer>
 #include <QtWidgets/QApplication>
 
 using vantoraudio::vantorAudioEngine::UI::AudioPlayerWidget;
@@ -19,7 +20,8 @@ int main(int argc, char* argv[])
     player.SetEditMode(true);
     player.resize(1000, 400);
     player.show();
-    player.SetAudioFile(QApplication::arguments().value(1));
+    // Once the application runs: decoding takes a while, and the window may be closed meanwhile.
+    QTimer::singleShot(0, &player, [&] { player.SetAudioFile(QApplication::arguments().value(1)); });
 
     const int exitCode = QApplication::exec();
     player.Close();

@@ -7,6 +7,7 @@
 #include <QtCore/QLibraryInfo>
 #include <QtCore/QLoggingCategory>
 #include <QtCore/QTextStream>
+#include <QtCore/QTimer>
 #include <QtWidgets/QApplication>
 
 #include <optional>
@@ -86,7 +87,7 @@ Options ParseOptions(const QCoreApplication& application)
             RangeOption(parser, selection), parser.isSet(play)};
 }
 
-void Start(PlayerWindow& window, const Options& options)
+void Show(PlayerWindow& window, const Options& options)
 {
     if (options.view) {
         window.ShowRange(options.view->start, options.view->end);
@@ -96,6 +97,22 @@ void Start(PlayerWindow& window, const Options& options)
     }
     if (options.play) {
         window.Play();
+    }
+}
+
+void Start(PlayerWindow& window, const Options& options)
+{
+    const bool opened = options.file.isEmpty() || window.OpenFile(options.file);
+    if (!opened) {
+        QTextStream(stderr) << window.FailureText() << Qt::endl;
+    } else if (!options.file.isEmpty()) {
+        Show(window, options);
+    }
+    if (!options.screenshot.isEmpty()) {
+        const bool playing = opened && options.play && !options.file.isEmpty();
+        auto* job = new ScreenshotJob(window, options.screenshot, playing);
+        QObject::connect(job, &ScreenshotJob::Done, qApp,
+                         [opened](bool saved) { QApplication::exit(opened && saved ? 0 : 1); });
     }
 }
 
@@ -114,17 +131,7 @@ int main(int argc, char* argv[])
 
     PlayerWindow window;
     window.show();
-    const bool opened = options.file.isEmpty() || window.OpenFile(options.file);
-    if (!opened) {
-        QTextStream(stderr) << window.FailureText() << Qt::endl;
-    } else if (!options.file.isEmpty()) {
-        Start(window, options);
-    }
-    if (!options.screenshot.isEmpty()) {
-        const bool playing = opened && options.play && !options.file.isEmpty();
-        auto* job = new ScreenshotJob(window, options.screenshot, playing);
-        QObject::connect(job, &ScreenshotJob::Done, &application,
-                         [opened](bool saved) { QApplication::exit(opened && saved ? 0 : 1); });
-    }
+    // Once the application runs: decoding takes a while, and the window may be closed meanwhile.
+    QTimer::singleShot(0, &window, [&] { Start(window, options); });
     return QApplication::exec();
 }

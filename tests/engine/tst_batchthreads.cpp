@@ -2,8 +2,10 @@
 
 #include <QtTest/QTest>
 
-#include <atomic>
+#include <chrono>
 #include <optional>
+#include <semaphore>
+#include <stdexcept>
 #include <thread>
 
 #ifdef Q_OS_LINUX
@@ -17,26 +19,58 @@ using vantoraudio::AudioEngine::BatchThreads;
 
 namespace {
 
-int Policy()
+constexpr int callingThread = 0;
+
+bool SetPolicy(int policy)
 {
-    int policy = -1;
-    sched_param parameters{};
-    pthread_getschedparam(pthread_self(), &policy, &parameters);
-    return policy;
+    const sched_param parameters{};
+    return sched_setscheduler(callingThread, policy, &parameters) == 0;
 }
 
 int PolicyOfNewThread()
 {
     int policy = -1;
-    std::thread([&] { policy = Policy(); }).join();
+    std::thread([&] { policy = sched_getscheduler(callingThread); }).join();
     return policy;
 }
 
-bool SetPolicy(int policy)
+/** A thread that tells how it is scheduled when it is asked. */
+class Worker
 {
-    const sched_param parameters{};
-    return pthread_setschedparam(pthread_self(), policy, &parameters) == 0;
-}
+public:
+    Worker() : m_thread([this] { Run(); }) {}
+    ~Worker()
+    {
+        m_ends.release();
+        m_thread.join();
+    }
+    Worker(const Worker&) = delete;
+    Worker& operator=(const Worker&) = delete;
+
+    int Policy()
+    {
+        m_asked.release();
+        m_answered.acquire();
+        return m_policy;
+    }
+
+private:
+    void Run()
+    {
+        while (!m_ends.try_acquire()) {
+            if (m_asked.try_acquire_for(std::chrono::milliseconds(1))) {
+                m_policy = sched_getscheduler(callingThread);
+                m_answered.release();
+            }
+        }
+    }
+
+    std::binary_semaphore m_asked{0};
+    std::binary_semaphore m_answered{0};
+    std::binary_semaphore m_ends{0};
+    int m_policy = -1;
+    std::thread m_thread;
+};
 
 } // namespace
 
@@ -55,64 +89,65 @@ private Q_SLOTS:
         }
     }
 
-    void makeNewThreadsBatchWorkersWhileTheyLive()
+    void makesNewThreadsBatchWorkers()
     {
-        QCOMPARE(PolicyOfNewThread(), SCHED_OTHER);
-        {
-            const BatchThreads threads;
-            QCOMPARE(PolicyOfNewThread(), SCHED_BATCH);
-        }
-        QCOMPARE(Policy(), SCHED_OTHER);
+        Worker former;
+        std::optional<Worker> worker;
+        BatchThreads threads;
+        threads.Start([&] { worker.emplace(); });
+        QCOMPARE(worker->Policy(), SCHED_BATCH);
+        QCOMPARE(former.Policy(), SCHED_OTHER);
+        QCOMPARE(sched_getscheduler(callingThread), SCHED_OTHER);
         QCOMPARE(PolicyOfNewThread(), SCHED_OTHER);
     }
 
-    void leaveThreadsBatchWorkersForGood()
+    void makesThemOrdinaryAgain()
     {
-        std::optional<BatchThreads> threads(std::in_place);
-        std::atomic<bool> isOver = false;
-        int policy = -1;
-        std::thread worker([&] {
-            isOver.wait(false);
-            policy = Policy();
+        std::optional<Worker> first;
+        std::optional<Worker> second;
+        std::optional<Worker> other;
+        BatchThreads threads;
+        BatchThreads otherThreads;
+        threads.Start([&] {
+            first.emplace();
+            second.emplace();
         });
-        threads.reset();
-        isOver = true;
-        isOver.notify_one();
-        worker.join();
-        QCOMPARE(policy, SCHED_BATCH);
+        otherThreads.Start([&] { other.emplace(); });
+        threads.MakeOrdinary();
+        QCOMPARE(first->Policy(), SCHED_OTHER);
+        QCOMPARE(second->Policy(), SCHED_OTHER);
+        QCOMPARE(other->Policy(), SCHED_BATCH);
     }
 
-    void canBeNested()
+    void leavesTheCallingThreadAsItWasWhenStartingThrows()
     {
-        const BatchThreads outer;
-        {
-            const BatchThreads inner;
-            QCOMPARE(PolicyOfNewThread(), SCHED_BATCH);
-        }
-        QCOMPARE(PolicyOfNewThread(), SCHED_BATCH);
+        BatchThreads threads;
+        QVERIFY_THROWS_EXCEPTION(std::runtime_error, threads.Start([] { throw std::runtime_error("no thread"); }));
+        QCOMPARE(sched_getscheduler(callingThread), SCHED_OTHER);
     }
 
-    void leaveAThreadOfASpecialKindAlone()
+    void leavesAThreadOfASpecialKindAlone()
     {
         int during = -1;
         int after = -1;
         // On a thread of its own, since nobody may leave this policy without privileges.
         std::thread([&] {
+            BatchThreads threads;
+            threads.Start([]{});
             if (SetPolicy(SCHED_IDLE)) {
-                {
-                    const BatchThreads threads;
-                    during = Policy();
-                }
-                after = Policy();
+                threads.Start([&] { during = sched_getscheduler(callingThread); });
+                after = sched_getscheduler(callingThread);
             }
         }).join();
         QCOMPARE(during, SCHED_IDLE);
         QCOMPARE(after, SCHED_IDLE);
     }
 #else
-    void doNothing()
+    void callsWhatStartsThem()
     {
-        const BatchThreads threads;
+        bool isCalled = false;
+        BatchThreads().Start([&] { isCalled = true; });
+        QVERIFY(isCalled);
     }
 #endif
 };

@@ -29,10 +29,6 @@ QList<float> Converted(const QList<Sample>& samples)
     return ToFloat(std::span<const Sample>(samples));
 }
 
-} // namespace
-
-namespace {
-
 /** One sample at a time, as the interpolation is defined. */
 template<typename Sample>
 QList<Sample> SlowlyResampled(const QList<Sample>& samples, int channels, int rate, int targetRate)

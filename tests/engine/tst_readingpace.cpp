@@ -67,6 +67,49 @@ private Q_SLOTS:
         QCOMPARE(IntervalAfter(pace, 100, 10ms), 200us);
     }
 
+    void doesNotForgetItsPaceOverAShortMeasurement()
+    {
+        ReadingPace pace;
+        const auto found = IntervalAfter(pace, 5, 10ms);
+        pace.SetWork(0us);
+        pace.IntervalAfter(20us);
+        pace.SetWork(100us);
+        QVERIFY(pace.IntervalAfter(20us) > found * 9 / 10);
+    }
+
+    void isNeverBelowNothing()
+    {
+        ReadingPace pace;
+        pace.SetWork(-1ms);
+        QCOMPARE(IntervalAfter(pace, 100, 10ms).count(), 0);
+    }
+
+    void takesForASleepWhatLastsHalfAsLong()
+    {
+        ReadingPace pace;
+        QCOMPARE(IntervalAfter(pace, 3, 4ms).count(), 0);
+        QVERIFY(IntervalAfter(pace, 1, 6ms) > 0us);
+    }
+
+    void isHopelessWhereMostBuffersAreLate()
+    {
+        ReadingPace pace;
+        IntervalAfter(pace, 15, 10ms);
+        QVERIFY(!pace.IsHopeless());
+        IntervalAfter(pace, 10, 2ms);
+        QVERIFY(pace.IsHopeless());
+    }
+
+    void isNotHopelessWhereBuffersAreLateNowAndThen()
+    {
+        ReadingPace pace;
+        for (int i = 0; i < 1000; ++i) {
+            pace.IntervalAfter(10ms);
+            IntervalAfter(pace, 20, 40us);
+            QVERIFY(!pace.IsHopeless());
+        }
+    }
+
     void isNoneWhereThereIsNoWork()
     {
         ReadingPace pace;

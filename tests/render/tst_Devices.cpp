@@ -203,6 +203,16 @@ void tst_Devices::followsAStripThatLivesOn()
     QCOMPARE(draw(frameBuffer, strip, 0.0F), row(0, 8, 3));
     bgfx::update(strip, 1, memory({{4.0F, 3.5F}}));
     QCOMPARE(draw(frameBuffer, strip, 0.0F), row(0, 4, 3));
+    // As many other vertices in the same place.
+    std::vector<Pos2f> points{{0.0F, 2.5F}, {8.0F, 2.5F}};
+    const auto reference = [&] {
+        return bgfx::makeRef(points.data(), std::uint32_t(points.size() * sizeof(Pos2f)));
+    };
+    bgfx::update(strip, 0, reference());
+    QCOMPARE(draw(frameBuffer, strip, 0.0F), row(0, 8, 2));
+    points = {{0.0F, 6.5F}, {8.0F, 6.5F}};
+    bgfx::update(strip, 0, reference());
+    QCOMPARE(draw(frameBuffer, strip, 0.0F), row(0, 8, 6));
 
     bgfx::destroy(uniform);
     for (const auto buffer : {strip, otherStrip})

@@ -11,7 +11,8 @@ using vantoraudio::vantor3D::Vertex::Pos2f;
 
 namespace {
 
-constexpr int Size = 100;
+constexpr int Width = 100;
+constexpr int Height = 60;
 
 using Points = std::vector<Pos2f>;
 
@@ -19,8 +20,8 @@ DrawCall Call(const Points& points, std::uint64_t revision)
 {
     DrawCall call;
     call.topology = Topology::LineStrip;
-    call.transform = {0.02F, 0, 0, 0, 0, 0.02F, 0, 0, 0, 0, 1, 0, -1, -1, 0, 1};
-    call.viewport = {0, 0, Size, Size};
+    call.transform = {2.0F / Width, 0, 0, 0, 0, 2.0F / Height, 0, 0, 0, 0, 1, 0, -1, -1, 0, 1};
+    call.viewport = {0, 0, Width, Height};
     call.layout = Pos2f::Layout();
     call.vertices = {reinterpret_cast<const std::uint8_t*>(points.data()), points.size() * sizeof(Pos2f)};
     call.vertexCount = static_cast<std::uint32_t>(points.size());
@@ -38,14 +39,14 @@ private Q_SLOTS:
     void areThoseOfTheStrip()
     {
         const DrawCall call = Call(m_points, 1);
-        LastColumns last(Size, Size);
-        QCOMPARE(last.Of(call)->rows, ToColumns(call, Size, Size)->rows);
+        LastColumns last(Width, Height);
+        QCOMPARE(last.Of(call)->rows, ToColumns(call, Width, Height)->rows);
         QVERIFY(last.Version() != 0);
     }
 
     void areNotWorkedOutAnewForTheSameStrip()
     {
-        LastColumns last(Size, Size);
+        LastColumns last(Width, Height);
         const auto columns = last.Of(Call(m_points, 1));
         const auto version = last.Version();
         // Told by vertices that were changed behind its back.
@@ -76,7 +77,7 @@ private Q_SLOTS:
     void areWorkedOutAnewForAnotherStrip()
     {
         QFETCH(const std::function<void(DrawCall&)>, change);
-        LastColumns last(Size, Size);
+        LastColumns last(Width, Height);
         // One vertex stands behind those that are drawn.
         DrawCall call = Call(m_points, 1);
         --call.vertexCount;
@@ -88,13 +89,13 @@ private Q_SLOTS:
         change(call);
         const auto after = last.Of(call);
         QVERIFY(last.Version() != version);
-        QCOMPARE(after->rows, ToColumns(call, Size, Size)->rows);
+        QCOMPARE(after->rows, ToColumns(call, Width, Height)->rows);
         QVERIFY(after->rows != before);
     }
 
     void ofVerticesThatWillNotComeAgainAreNotKept()
     {
-        LastColumns last(Size, Size);
+        LastColumns last(Width, Height);
         const auto before = last.Of(Call(m_points, 0))->rows;
         const auto version = last.Version();
         m_points[1].y += 20.0F;
@@ -104,7 +105,7 @@ private Q_SLOTS:
 
     void outliveWhatElseIsDrawn()
     {
-        LastColumns last(Size, Size);
+        LastColumns last(Width, Height);
         (void)last.Of(Call(m_points, 1));
         const auto version = last.Version();
         DrawCall lines = Call(m_points, 2);
@@ -116,7 +117,7 @@ private Q_SLOTS:
 
     void areMissedOnlyOnceByAStripWithout()
     {
-        LastColumns last(Size, Size);
+        LastColumns last(Width, Height);
         const Points turning = {{1.0F, 1.0F}, {9.0F, 1.0F}, {2.0F, 5.0F}};
         QVERIFY(!last.Of(Call(turning, 3)));
         const auto version = last.Version();

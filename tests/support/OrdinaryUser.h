@@ -4,12 +4,17 @@
 
 #include <unistd.h>
 
-/** No permission stops the superuser, so for this object's life the test is somebody else. */
+/** No permission stops the superuser, so for this object's life the test is somebody else, also for those who ask
+ *  beforehand what is permitted. */
 class OrdinaryUser
 {
 public:
-    OrdinaryUser() : m_former(::geteuid()) { m_isOrdinary = m_former != 0 || ::seteuid(nobody) == 0; }
-    ~OrdinaryUser() { static_cast<void>(::seteuid(m_former)); }
+    OrdinaryUser() : m_former(::geteuid())
+    {
+        // The saved user stays, which permits the way back.
+        m_isOrdinary = m_former != 0 || ::setresuid(nobody, nobody, m_former) == 0;
+    }
+    ~OrdinaryUser() { static_cast<void>(::setresuid(m_former, m_former, m_former)); }
     OrdinaryUser(const OrdinaryUser&) = delete;
     OrdinaryUser& operator=(const OrdinaryUser&) = delete;
 

@@ -29,8 +29,16 @@ constexpr int decodedSampleRate = 96000;
 /** A copy that is there already is used as it is, whatever the file has become since. */
 bool ProvideWorkingCopy(const QString& path, const QString& workingPath)
 {
+    if (QFile::exists(workingPath)) {
+        return true;
+    }
     // Copying from a pipe would wait for its other end.
-    return QFile::exists(workingPath) || (QFileInfo(path).isFile() && QFile::copy(path, workingPath));
+    if (!QFileInfo(path).isFile() || !QFile::copy(path, workingPath)) {
+        return false;
+    }
+    // The copy of a read-only file is read-only as well, and could not be decoded over.
+    QFile::setPermissions(workingPath, QFile::permissions(workingPath) | QFile::WriteOwner);
+    return true;
 }
 
 /** Everything after the first dot counts, and its case, so that take.WAV and a.b.wav are decoded, too. */
@@ -73,13 +81,13 @@ void AudioPlayerWidget::SetAudioFile(const QString& path)
         return;
     }
     m_originalAudioFilePath = path;
+    const QPointer<AudioPlayerWidget> self(this);
     if (File().fileName() != workingPath) {
         Reset();
     }
-    if (File().isOpen() || workingPath.isEmpty()) {
+    if (!self || File().isOpen() || workingPath.isEmpty()) {
         return;
     }
-    const QPointer<AudioPlayerWidget> self(this);
     const int load = ++m_loadCount;
     const WavFile::AudioEngineReturnValue result = IsWavName(path) ? WavFile::Success : Decode(path, workingPath);
     if (!self || load != m_loadCount) {
@@ -137,10 +145,12 @@ QString AudioPlayerWidget::WorkingPathOf(const QString& path) const
 
 void AudioPlayerWidget::Reset()
 {
+    const QPointer<AudioPlayerWidget> self(this);
     StopPlayback();
     Close();
-    if (File().isOpen()) {
-        // When the program heard of the end of the busy time it loaded another file, which is to be seen.
+    if (!self || File().isOpen()) {
+        // When the program heard of the end of the busy time it destroyed this widget, or loaded another file,
+        // which is to be seen.
         return;
     }
     EnableAudioControls(false);

@@ -54,7 +54,7 @@ class VANTORAUDIOENGINE_EXPORT AudioPlayerWidget : public QWidget
 public:
     explicit AudioPlayerWidget(QWidget* parent = nullptr);
     /** Does not wait: tasks in the background are told to end and left to it. After a Close() ahead of it nothing
-     *  is written any more. */
+     *  is written any more, unless a SetAudioFile() is still decoding: that goes on to its end. */
     ~AudioPlayerWidget() override;
 
     /**
@@ -185,8 +185,8 @@ Q_SIGNALS:
     void BusyChanged(bool state);
 
 protected:
-    /** The platform's key for selecting everything selects the whole file, Space plays and pauses; every other key
-     *  goes on to the parent. */
+    /** The platform's key for selecting everything selects all that is visible, Space plays and pauses; every
+     * other key goes on to the parent. */
     void keyPressEvent(QKeyEvent* event) override;
     /** Every failed step comes here, with its code; Success when a file is missing that should have been written.
      *  Does nothing by itself. */

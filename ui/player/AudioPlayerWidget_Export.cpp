@@ -8,6 +8,7 @@
 #include <vantorAudioEngine/BGFXWaveformWidget.h>
 
 #include <QtCore/QFileInfo>
+#include <QtCore/QPointer>
 #include <QtCore/QSignalBlocker>
 #include <QtWidgets/QComboBox>
 
@@ -126,9 +127,10 @@ void AudioPlayerWidget::OnChannelSelectionFinished(int index)
 {
     const Result result = m_channelFilterWatcher.resultAt(index);
     const int filtering = m_filteringCount;
+    const QPointer<AudioPlayerWidget> self(this);
     SetBusy(false);
-    if (filtering != m_filteringCount) {
-        // Upon that signal the program chose another channel or file.
+    if (!self || filtering != m_filteringCount) {
+        // Upon that signal the program destroyed this widget, or chose another channel or file.
         return;
     }
     if (result == WavFile::Success && QFile::exists(m_filteredFilePath)) {
@@ -196,7 +198,11 @@ void AudioPlayerWidget::OnSnippetCreateFinished(int index)
     if (!isWritten) {
         m_snippetFilePath.clear();
     }
+    const QPointer<AudioPlayerWidget> self(this);
     SetBusy(false);
+    if (!self) {
+        return;
+    }
     if (isWritten) {
         Q_EMIT CreateSnippetFinished(path);
     } else {

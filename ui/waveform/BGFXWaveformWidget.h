@@ -36,7 +36,8 @@ class BGFXWaveformDiagramWidget;
  * 0 only the grid is drawn and all input is ignored. In a view of 1,080,000 seconds (12.5 days) or more ruler and
  * upright grid lines are missing, and the wheel zooms to no such view: a file much longer shows as a whole only.
  *
- * GUI thread only. Slots may call back into the widget from within any of its signals.
+ * GUI thread only. Slots may call back into the widget from within any of its signals; to destroy it there they
+ * use deleteLater().
  */
 class VANTORAUDIOENGINE_EXPORT BGFXWaveformWidget : public QWidget
 {

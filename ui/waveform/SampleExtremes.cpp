@@ -83,6 +83,7 @@ void AddSamples(Extremes& found, std::span<const float> samples, std::size_t fir
     }
 }
 
+/** The first sample counts in any case. */
 Extremes ExtremesOf(std::span<const float> samples, std::size_t first, std::size_t last)
 {
     const float level = DrawnLevel(samples[first]);
@@ -135,7 +136,7 @@ Extremes SampleExtremes::Within(std::span<const float> samples, std::size_t firs
 {
     const std::size_t firstBlock = (first + BlockLength - 1) / BlockLength;
     const std::size_t lastBlock = std::max(firstBlock, last / BlockLength);
-    Extremes found = ExtremesOf(samples, first, std::min(std::max(firstBlock * BlockLength, first + 1), last));
+    Extremes found = ExtremesOf(samples, first, std::min(firstBlock * BlockLength, last));
     AddGroups(found, 0, firstBlock, lastBlock);
     AddSamples(found, samples, lastBlock * BlockLength, last);
     return found;

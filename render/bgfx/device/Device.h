@@ -69,7 +69,8 @@ struct DrawCall
     VertexLayout layout;
     std::span<const std::uint8_t> vertices;
     std::uint32_t vertexCount = 0;
-    /** The same number stands for the same bytes, frames later as well; 0: these bytes will not come again. */
+    /** The same number stands for the same bytes in the same layout, frames later as well; 0: these bytes will not
+     * come again. */
     std::uint64_t revision = 0;
     /** Each below vertexCount; empty: the vertices in their order. */
     std::span<const std::uint32_t> indices;

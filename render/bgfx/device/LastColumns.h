@@ -22,7 +22,7 @@ public:
     [[nodiscard]] std::uint64_t Version() const { return m_version; }
 
 private:
-    /** All that columns depend on, but for the target's size. */
+    /** All that columns depend on, but for the target's size. The layout goes with the revision. */
     struct Strip
     {
         std::uint64_t revision = 0;

@@ -45,6 +45,7 @@ void OpenGLColumns::Destroy(QOpenGLFunctions& gl)
 void OpenGLColumns::Create(QOpenGLFunctions& gl)
 {
     gl.glGenTextures(1, &m_texture);
+    m_version = 0;
     gl.glBindTexture(GL_TEXTURE_2D, m_texture);
     for (const GLenum filter : {GL_TEXTURE_MIN_FILTER, GL_TEXTURE_MAG_FILTER}) {
         gl.glTexParameteri(GL_TEXTURE_2D, filter, GL_NEAREST);

@@ -5,6 +5,7 @@
 
 #include <QtWidgets/QApplication>
 
+#include <functional>
 #include <optional>
 
 using namespace Qt::Literals::StringLiterals;
@@ -80,6 +81,8 @@ private Q_SLOTS:
     void anotherChannelMayBeChosenWhenTheBusyTimeEnds();
     void anotherFileMayBeLoadedWhenTheBusyTimeEnds();
     void resettingLeavesTheFileThatIsLoadedWhenTheBusyTimeEnds();
+    void mayBeDestroyedWhenTheBusyTimeEnds_data();
+    void mayBeDestroyedWhenTheBusyTimeEnds();
 };
 
 void PlayerExportTest::writesTheSelectionOfTheSelectedChannel()
@@ -587,6 +590,45 @@ void PlayerExportTest::resettingLeavesTheFileThatIsLoadedWhenTheBusyTimeEnds()
     QCOMPARE(setup.player->GetAudioFileName(), setup.copies.Path(u"next.wav"_s));
     QVERIFY(setup.Controls().btnPlayPause->isEnabled());
     QCOMPARE(setup.Controls().edTotalDuration->text(), u"00:00:01.000"_s);
+}
+
+void PlayerExportTest::mayBeDestroyedWhenTheBusyTimeEnds_data()
+{
+    using Step = std::function<void(ExportSetup&)>;
+    QTest::addColumn<Step>("step");
+    QTest::newRow("snippet") << Step([](ExportSetup& setup) { setup.player->CreateSnippet(setup.Snippet()); });
+    QTest::newRow("failing snippet") << Step(
+        [](ExportSetup& setup) { setup.player->CreateSnippet(u"/nowhere/snippet.wav"_s); });
+    QTest::newRow("channel") << Step(
+        [](ExportSetup& setup) { setup.player->SetSelectedChannel(WavFile::ChannelLeft); });
+    QTest::newRow("reset") << Step([](ExportSetup& setup) {
+        const BlockedPool pool;
+        setup.player->SetSelectedChannel(WavFile::ChannelLeft);
+        setup.player->Reset();
+    });
+    QTest::newRow("another file") << Step([](ExportSetup& setup) {
+        const QString next = setup.originals.Write(u"next.wav"_s, mono.File());
+        const BlockedPool pool;
+        setup.player->SetSelectedChannel(WavFile::ChannelLeft);
+        setup.player->SetAudioFile(next);
+    });
+}
+
+void PlayerExportTest::mayBeDestroyedWhenTheBusyTimeEnds()
+{
+    QFETCH(const std::function<void(ExportSetup&)>, step);
+    ExportSetup setup;
+    setup.player->SetSelectedSnippet({0.25, 0.5});
+    connect(setup.player.get(), &AudioPlayerWidget::BusyChanged, this, [&](bool isBusy) {
+        if (!isBusy) {
+            setup.player.reset();
+        }
+    });
+    step(setup);
+    QTRY_VERIFY(!setup.player);
+    ExportSetup::EndTasks();
+    QCoreApplication::processEvents();
+    QVERIFY(setup.finished.isEmpty());
 }
 
 int main(int argc, char* argv[])

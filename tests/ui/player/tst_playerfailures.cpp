@@ -52,6 +52,7 @@ private Q_SLOTS:
     void playsOnTheStandInWhenTheLastDeviceVanishes();
 
     void reportsAReadOnlyDirectory();
+    void loadsAReadOnlyCompressedFile();
     void reportsAFullDirectoryWhileCopying();
     void reportsAFullDirectoryWhileDecoding();
     void reportsAFullDirectoryWhileExporting();
@@ -124,6 +125,26 @@ void PlayerFailuresTest::reportsAReadOnlyDirectory()
     QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     QCOMPARE(setup.player->errors, Errors{WavFile::ErrorWriteHeader});
     QCOMPARE(setup.player->GetAudioFileName(), setup.copies.Path(u"former.wav"_s));
+}
+
+void PlayerFailuresTest::loadsAReadOnlyCompressedFile()
+{
+    PlayerSetup setup;
+    const QString tone = setup.originals.Path(u"tone.wav"_s);
+    const QString path = setup.originals.Path(u"tone.mp3"_s);
+    QVERIFY(AudioPrograms::MakeTone(tone, 44100, 2, 1.0));
+    QVERIFY(AudioPrograms::Encode(u"mp3"_s, tone, path));
+    QVERIFY(QFile::setPermissions(path, QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther));
+    for (const QString& each : {path, setup.originals.Path(QString()), setup.copies.Path(QString())}) {
+        QVERIFY(OrdinaryUser::TakesOver(each));
+    }
+    const OrdinaryUser user;
+    if (!user.IsOrdinary()) {
+        QSKIP("No permission stops this user.");
+    }
+    QVERIFY(setup.Load(path));
+    QVERIFY(TemporaryFiles::Read(setup.copies.Path(u"tone.mp3"_s)).startsWith("RIFF"));
+    QVERIFY(!QFile::permissions(path).testFlag(QFile::WriteOwner));
 }
 
 void PlayerFailuresTest::reportsAFullDirectoryWhileCopying()
@@ -245,6 +266,8 @@ void PlayerFailuresTest::aFileThatCannotBeOpenedIsReported()
 {
     PlayerSetup setup;
     const QString copy = setup.copies.Write(u"take.wav"_s, stereo.File());
+    QVERIFY(QFile::setPermissions(copy, {}));
+    QVERIFY(OrdinaryUser::TakesOver(setup.copies.Path(QString())));
     const OrdinaryUser user;
     if (!user.IsOrdinary()) {
         QSKIP("No permission stops this user.");
