@@ -5,7 +5,7 @@ set -euo pipefail
 
 build_packages=(
   g++ cmake ninja-build pkg-config git
-  qt6-base-dev libqt6opengl6-dev qt6-multimedia-dev libqt6svg6-dev
+  qt6-base-dev libqt6opengl6-dev qt6-multimedia-dev qt6-svg-dev
   libgl-dev libegl-dev
   libavformat-dev libavcodec-dev libswresample-dev libavutil-dev
 )
