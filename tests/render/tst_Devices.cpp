@@ -4,7 +4,10 @@
 #include <QtGui/QOpenGLContext>
 #include <QtTest/QtTest>
 
+#include <array>
 #include <cmath>
+#include <cstring>
+#include <functional>
 #include <limits>
 #include <random>
 
@@ -55,6 +58,83 @@ std::vector<Pos2f> DenseStrip(unsigned seed, std::size_t count, float width, flo
     return strip;
 }
 
+const bgfx::Memory* CopyOf(const std::vector<Pos2f>& points)
+{
+    return bgfx::copy(points.data(), std::uint32_t(points.size() * sizeof(Pos2f)));
+}
+
+/** The pixels of one row. */
+std::vector<QPoint> Row(int left, int right, int y)
+{
+    std::vector<QPoint> pixels;
+    for (int x = left; x < right; ++x)
+        pixels.emplace_back(x, y);
+    return pixels;
+}
+
+/** A strip that is drawn in several frames. */
+class LastingStrip
+{
+public:
+    explicit LastingStrip(const bgfx::Memory* memory)
+        : m_handle(bgfx::createDynamicVertexBuffer(memory, Pos2f::Layout(), bgfx::BGFX_BUFFER_ALLOW_RESIZE))
+    {
+    }
+    LastingStrip(const LastingStrip&) = delete;
+    LastingStrip& operator=(const LastingStrip&) = delete;
+    ~LastingStrip() { bgfx::destroy(m_handle); }
+
+    [[nodiscard]] bgfx::DynamicVertexBufferHandle Handle() const { return m_handle; }
+
+private:
+    bgfx::DynamicVertexBufferHandle m_handle;
+};
+
+/** 8 by 8 pixels that live on from frame to frame. */
+class LastingPicture
+{
+public:
+    LastingPicture() { m_renderer.SetFrameSize(m_size); }
+    LastingPicture(const LastingPicture&) = delete;
+    LastingPicture& operator=(const LastingPicture&) = delete;
+    ~LastingPicture()
+    {
+        bgfx::destroy(m_color);
+        bgfx::destroy(m_frameBuffer);
+    }
+
+    /** The lit pixels of a frame with one strip in white. */
+    std::vector<QPoint> Draw(const std::function<void()>& setVertices, float offset = 0.0F)
+    {
+        if (!m_renderer.StartFrame(m_frameBuffer))
+            return {};
+        const BGFXViewContext view(0);
+        QMatrix4x4 moved;
+        moved.translate(offset, 0.0F);
+        view.SetTransform(moved, PixelProjection(m_size));
+        view.Submit(m_frameBuffer, QRect(QPoint(0, 0), m_size));
+        view.SetClear(bgfx::BGFX_CLEAR_COLOR, Black, 1.0F, 0);
+        bgfx::setUniform(m_color, std::array{1.0F, 1.0F, 1.0F, 1.0F}.data());
+        setVertices();
+        bgfx::setState(BGFXRenderer::STATE_LINESTRIP);
+        bgfx::submit(view.Id(), m_program);
+        m_renderer.PresentSubmittedFrame(false);
+        return LitPixels(m_renderer.Picture());
+    }
+    std::vector<QPoint> Draw(const LastingStrip& strip, float offset = 0.0F)
+    {
+        return Draw([&] { bgfx::setVertexBuffer(0, strip.Handle()); }, offset);
+    }
+
+private:
+    const QSize m_size{8, 8};
+    const bgfx::FrameBufferHandle m_frameBuffer = bgfx::createFrameBuffer(8, 8, bgfx::TextureFormat::RGBA8);
+    const bgfx::ProgramHandle m_program =
+        vantor3D::ProgramFactory::Get().CreateProgram("vs_waveform_basic_2d", "fs_waveform_samples").value();
+    const bgfx::UniformHandle m_color = bgfx::createUniform("u_waveformColor", bgfx::UniformType::Vec4);
+    BGFXRenderer m_renderer;
+};
+
 } // namespace
 
 class tst_Devices : public QObject
@@ -70,6 +150,10 @@ private Q_SLOTS:
     void drawsAStripInTheColourOfTheUniform();
     void followsAStripThatLivesOn_data() { AddDevices(); }
     void followsAStripThatLivesOn();
+    void followsStripsThatFollowEachOther_data() { AddDevices(); }
+    void followsStripsThatFollowEachOther();
+    void forgetsVerticesThatLastForOneFrame_data() { AddDevices(); }
+    void forgetsVerticesThatLastForOneFrame();
     void blendsHalfTransparentTriangles_data() { AddDevices(); }
     void blendsHalfTransparentTriangles();
     void coversTheEdgeBetweenTwoTrianglesOnce_data() { AddDevices(); }
@@ -152,73 +236,64 @@ void tst_Devices::drawsAStripInTheColourOfTheUniform()
 void tst_Devices::followsAStripThatLivesOn()
 {
     MAKE_DEVICE;
-    const QSize size(8, 8);
-    const auto memory = [](const std::vector<Pos2f>& points) {
-        return bgfx::copy(points.data(), std::uint32_t(points.size() * sizeof(Pos2f)));
-    };
-    const auto frameBuffer = bgfx::createFrameBuffer(8, 8, bgfx::TextureFormat::RGBA8);
-    const auto other = bgfx::createFrameBuffer(8, 8, bgfx::TextureFormat::RGBA8);
-    const auto strip = bgfx::createDynamicVertexBuffer(memory({{0.0F, 1.5F}, {4.0F, 1.5F}, {8.0F, 5.5F}}),
-                                                       Pos2f::Layout(), bgfx::BGFX_BUFFER_ALLOW_RESIZE);
-    const auto otherStrip = bgfx::createDynamicVertexBuffer(memory({{0.0F, 7.5F}, {8.0F, 7.5F}}), Pos2f::Layout());
-    BGFXRenderer renderer;
-    renderer.SetFrameSize(size);
-    const auto program =
-        vantor3D::ProgramFactory::Get().CreateProgram("vs_waveform_basic_2d", "fs_waveform_samples").value();
-    const auto uniform = bgfx::createUniform("u_waveformColor", bgfx::UniformType::Vec4);
-    const auto draw = [&](bgfx::FrameBufferHandle into, bgfx::DynamicVertexBufferHandle vertices, float offset) {
-        if (!renderer.StartFrame(into))
-            return std::vector<QPoint>();
-        const BGFXViewContext view(0);
-        QMatrix4x4 moved;
-        moved.translate(offset, 0.0F);
-        view.SetTransform(moved, PixelProjection(size));
-        view.Submit(into, QRect(QPoint(0, 0), size));
-        view.SetClear(bgfx::BGFX_CLEAR_COLOR, Black, 1.0F, 0);
-        bgfx::setUniform(uniform, std::array{1.0F, 1.0F, 1.0F, 1.0F}.data());
-        bgfx::setVertexBuffer(0, vertices);
-        bgfx::setState(BGFXRenderer::STATE_LINESTRIP);
-        bgfx::submit(view.Id(), program);
-        renderer.PresentSubmittedFrame(false);
-        return LitPixels(renderer.Picture());
-    };
-    const auto row = [](int from, int to, int y) {
-        std::vector<QPoint> pixels;
-        for (int x = from; x < to; ++x)
-            pixels.emplace_back(x, y);
-        return pixels;
-    };
-
-    const auto first = draw(frameBuffer, strip, 0.0F);
-    QCOMPARE(std::vector(first.begin(), first.begin() + 4), row(0, 4, 1));
-    QVERIFY(first.size() >= 8);
-    QCOMPARE(draw(frameBuffer, strip, 0.0F), first);
-    // Two pictures, two strips, in turns.
-    QCOMPARE(draw(other, otherStrip, 0.0F), row(0, 8, 7));
-    QCOMPARE(draw(frameBuffer, strip, 0.0F), first);
-    QCOMPARE(draw(frameBuffer, otherStrip, 0.0F), row(0, 8, 7));
-    QCOMPARE(draw(frameBuffer, otherStrip, 2.0F), row(2, 8, 7));
-    QCOMPARE(draw(frameBuffer, strip, 0.0F), first);
-    bgfx::update(strip, 0, memory({{0.0F, 3.5F}, {8.0F, 3.5F}}));
-    QCOMPARE(draw(frameBuffer, strip, 0.0F), row(0, 8, 3));
-    bgfx::update(strip, 1, memory({{4.0F, 3.5F}}));
-    QCOMPARE(draw(frameBuffer, strip, 0.0F), row(0, 4, 3));
-    // As many other vertices in the same place.
-    std::vector<Pos2f> points{{0.0F, 2.5F}, {8.0F, 2.5F}};
+    std::vector<Pos2f> points{{0.0F, 1.5F}, {4.0F, 1.5F}, {8.0F, 5.5F}};
     const auto reference = [&] {
         return bgfx::makeRef(points.data(), std::uint32_t(points.size() * sizeof(Pos2f)));
     };
-    bgfx::update(strip, 0, reference());
-    QCOMPARE(draw(frameBuffer, strip, 0.0F), row(0, 8, 2));
-    points = {{0.0F, 6.5F}, {8.0F, 6.5F}};
-    bgfx::update(strip, 0, reference());
-    QCOMPARE(draw(frameBuffer, strip, 0.0F), row(0, 8, 6));
+    const LastingStrip strip(CopyOf(points));
+    const LastingStrip otherStrip(CopyOf({{0.0F, 7.5F}, {8.0F, 7.5F}}));
+    LastingPicture picture;
+    LastingPicture other;
 
-    bgfx::destroy(uniform);
-    for (const auto buffer : {strip, otherStrip})
-        bgfx::destroy(buffer);
-    for (const auto picture : {frameBuffer, other})
-        bgfx::destroy(picture);
+    const auto first = picture.Draw(strip);
+    QCOMPARE(std::vector(first.begin(), first.begin() + 4), Row(0, 4, 1));
+    QVERIFY(first.size() >= 8);
+    QCOMPARE(picture.Draw(strip), first);
+    // Two pictures, two strips, in turns.
+    QCOMPARE(other.Draw(otherStrip), Row(0, 8, 7));
+    QCOMPARE(picture.Draw(strip), first);
+    QCOMPARE(picture.Draw(otherStrip), Row(0, 8, 7));
+    QCOMPARE(picture.Draw(otherStrip, 2.0F), Row(2, 8, 7));
+    QCOMPARE(picture.Draw(strip), first);
+    bgfx::update(strip.Handle(), 0, CopyOf({{0.0F, 3.5F}, {8.0F, 3.5F}}));
+    QCOMPARE(picture.Draw(strip), Row(0, 8, 3));
+    bgfx::update(strip.Handle(), 1, CopyOf({{4.0F, 3.5F}}));
+    QCOMPARE(picture.Draw(strip), Row(0, 4, 3));
+    // As many other vertices in the same place.
+    points = {{0.0F, 2.5F}, {8.0F, 2.5F}};
+    bgfx::update(strip.Handle(), 0, reference());
+    QCOMPARE(picture.Draw(strip), Row(0, 8, 2));
+    points = {{0.0F, 6.5F}, {8.0F, 6.5F}};
+    bgfx::update(strip.Handle(), 0, reference());
+    QCOMPARE(picture.Draw(strip), Row(0, 8, 6));
+}
+
+void tst_Devices::followsStripsThatFollowEachOther()
+{
+    MAKE_DEVICE;
+    LastingPicture picture;
+    std::vector<Pos2f> points;
+    for (const float y : {2.5F, 6.5F, 3.5F}) {
+        points = {{0.0F, y}, {8.0F, y}};
+        const LastingStrip strip(bgfx::makeRef(points.data(), std::uint32_t(points.size() * sizeof(Pos2f))));
+        QCOMPARE(picture.Draw(strip), Row(0, 8, int(y)));
+    }
+}
+
+void tst_Devices::forgetsVerticesThatLastForOneFrame()
+{
+    MAKE_DEVICE;
+    LastingPicture picture;
+    for (const float y : {2.5F, 6.5F, 3.5F}) {
+        const auto drawn = picture.Draw([&] {
+            const std::array<Pos2f, 2> points{Pos2f{0.0F, y}, Pos2f{8.0F, y}};
+            bgfx::TransientVertexBuffer vertices;
+            bgfx::allocTransientVertexBuffer(&vertices, 2, Pos2f::Layout());
+            std::memcpy(vertices.data, points.data(), sizeof points);
+            bgfx::setVertexBuffer(0, &vertices);
+        });
+        QCOMPARE(drawn, Row(0, 8, int(y)));
+    }
 }
 
 void tst_Devices::blendsHalfTransparentTriangles()
