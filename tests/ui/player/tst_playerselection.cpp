@@ -147,10 +147,17 @@ void PlayerSelectionTest::aButtonMovesAnEnd()
 
 void PlayerSelectionTest::aHeldButtonGoesOn()
 {
-    Shown().SetSelectedSnippet({2.0, 4.0});
     QPushButton* button = Controls().btnIncSelectionStart;
-    QTest::mousePress(button, Qt::LeftButton);
-    QTRY_VERIFY(Shown().GetSelectedSnippet().first > 2.035);
+    const auto goesOn = [&] {
+        // A window of another program lets go of it when it takes the focus away.
+        if (!button->isDown()) {
+            QTest::mouseRelease(button, Qt::LeftButton);
+            Shown().SetSelectedSnippet({2.0, 4.0});
+            QTest::mousePress(button, Qt::LeftButton);
+        }
+        return Shown().GetSelectedSnippet().first > 2.035;
+    };
+    QTRY_VERIFY(goesOn());
     QTest::mouseRelease(button, Qt::LeftButton);
 }
 
