@@ -3,6 +3,7 @@
 #include "engine/Truncation.h"
 
 #include <algorithm>
+#include <array>
 #include <limits>
 #include <type_traits>
 
@@ -40,25 +41,25 @@ struct Positions
     static constexpr int Most = 256;
 
     /** Apart from what uses them, and kept apart from each other, so that the compiler makes vectors of them. */
-    void Find(int first, int count, int frames, int targetFrames)
+    void Find(int first, std::size_t count, int frames, int targetFrames)
     {
-        for (int i = 0; i < count; ++i) {
-            const double position = static_cast<double>(first + i) * frames / targetFrames;
+        for (std::size_t i = 0; i < count; ++i) {
+            const double position = static_cast<double>(first + static_cast<int>(i)) * frames / targetFrames;
             indices[i] = static_cast<int>(position);
             fractions[i] = position - indices[i];
         }
     }
 
-    int indices[Most];
-    double fractions[Most];
+    std::array<int, Most> indices{};
+    std::array<double, Most> fractions{};
 };
 
 /** Inlined where the channel count is known. */
 template<typename Sample>
-inline Sample* InterpolateFrames(const Sample* samples, int channels, const Positions& positions, int count,
-                                 Sample* out)
+inline Sample* InterpolateFrames(const Sample* samples, int channels, const Positions& positions,
+                                 std::size_t count, Sample* out)
 {
-    for (int i = 0; i < count; ++i) {
+    for (std::size_t i = 0; i < count; ++i) {
         const Sample* frame = samples + static_cast<qsizetype>(positions.indices[i]) * channels;
         for (int channel = 0; channel < channels; ++channel) {
             out[channel] = Between(frame[channel], frame[channel + channels], positions.fractions[i]);
@@ -76,11 +77,11 @@ void Interpolate(const SampleBuffer<Sample>& buffer, int frames, int targetFrame
     const Sample* lastFrame = samples + static_cast<qsizetype>(frames - 1) * channels;
     Positions positions;
     for (qsizetype first = 0; first < targetFrames; first += Positions::Most) {
-        const auto count = static_cast<int>(std::min<qsizetype>(Positions::Most, targetFrames - first));
+        const auto count = static_cast<std::size_t>(std::min<qsizetype>(Positions::Most, targetFrames - first));
         positions.Find(static_cast<int>(first), count, frames, targetFrames);
-        const auto end = positions.indices + count;
-        const auto last = std::lower_bound(positions.indices, end, frames - 1);
-        const auto between = static_cast<int>(last - positions.indices);
+        const std::span<const int> indices(positions.indices.data(), count);
+        const auto last = std::ranges::lower_bound(indices, frames - 1);
+        const auto between = static_cast<std::size_t>(last - indices.begin());
         switch (channels) {
         case 1:
             out = InterpolateFrames(samples, 1, positions, between, out);
@@ -91,7 +92,7 @@ void Interpolate(const SampleBuffer<Sample>& buffer, int frames, int targetFrame
         default:
             out = InterpolateFrames(samples, channels, positions, between, out);
         }
-        for (auto i = last; i < end; ++i) {
+        for (std::size_t i = between; i < count; ++i) {
             out = std::copy_n(lastFrame, channels, out);
         }
     }
