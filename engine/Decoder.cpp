@@ -139,6 +139,7 @@ private:
     std::unique_ptr<QAudioDecoder> m_decoder;
     /** They hand every buffer on to each other. */
     BatchThreads m_decoderThreads;
+    /** Set once other work has kept the processors from the decoder. */
     bool m_sharesProcessors = false;
 };
 

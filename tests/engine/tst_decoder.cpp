@@ -18,9 +18,15 @@
 #include <QtMultimedia/QAudioDecoder>
 #include <QtTest/QTest>
 
+#include <algorithm>
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <sys/stat.h>
+
+#ifdef Q_OS_LINUX
+#    include <sched.h>
+#endif
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -70,6 +76,25 @@ private:
     int m_count = 0;
 };
 
+#ifdef Q_OS_LINUX
+
+int BatchThreadCount()
+{
+    const QStringList threads = QDir(u"/proc/self/task"_s).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    return static_cast<int>(std::count_if(threads.begin(), threads.end(), [](const QString& thread) {
+        return sched_getscheduler(thread.toInt()) == SCHED_BATCH;
+    }));
+}
+
+void BeBusyFor(std::chrono::milliseconds time)
+{
+    const auto end = std::chrono::steady_clock::now() + time;
+    while (std::chrono::steady_clock::now() < end) {
+    }
+}
+
+#endif
+
 } // namespace
 
 class TestDecoder : public QObject
@@ -97,6 +122,9 @@ private Q_SLOTS:
     void tellsThatTheDiskIsFull();
     void tellsThatTheFileCannotGrow();
     void decodesNoFurtherWhenTheDiskIsFull();
+#ifdef Q_OS_LINUX
+    void decodesInBatchesUntilBuffersAreLate();
+#endif
 
     void endsWhenTheDecoderNeverStarts();
     void startsAnotherDecoderWhenTheFirstSaysNothing();
@@ -116,8 +144,14 @@ private Q_SLOTS:
     void tellsThatTheHeaderWasNotWritten();
 
 private:
-    QString Path(const QString& name) const { return m_files.Path(name); }
-    QByteArray Expected(const QString& name) const { return TemporaryFiles::Read(Path(name + u".expected")); }
+    QString Path(const QString& name) const
+    {
+        return m_files.Path(name);
+    }
+    QByteArray Expected(const QString& name) const
+    {
+        return TemporaryFiles::Read(Path(name + u".expected"));
+    }
     void MakeFile(const QString& name, int rate, double seconds);
 
     TemporaryFiles m_files;
@@ -554,6 +588,37 @@ void TestDecoder::tellsThatTheHeaderWasNotWritten()
     QTest::ignoreMessage(QtWarningMsg, warning.constData());
     QCOMPARE(DecoderTestAccess::WriteHeader(readOnly, 8, 44100, 2), 0);
 }
+
+#ifdef Q_OS_LINUX
+void TestDecoder::decodesInBatchesUntilBuffersAreLate()
+{
+    const sched_param parameters{};
+    if (sched_setscheduler(0, SCHED_BATCH, &parameters) != 0 ||
+        sched_setscheduler(0, SCHED_OTHER, &parameters) != 0) {
+        QSKIP("threads may not be scheduled otherwise here");
+    }
+    const QString in = Path(u"late.mp3"_s);
+    QVERIFY(AudioPrograms::MakeTone(Path(u"late.wav"_s), 44100, 2, 5.0));
+    QVERIFY(AudioPrograms::Encode(u"mp3"_s, Path(u"late.wav"_s), in));
+    int atFirst = -1;
+    int afterwards = -1;
+    const Interceptor interceptor([&](QAudioDecoder&, int number) {
+        if (number == 2) {
+            atFirst = BatchThreadCount();
+        } else if (number < 80) {
+            // As a thread that does not get the processor.
+            BeBusyFor(std::chrono::milliseconds(2));
+        } else if (number == 100) {
+            afterwards = BatchThreadCount();
+        }
+        return false;
+    });
+    QCOMPARE(Decoder::Convert(in, Path(u"late out.wav"_s), 44100), WavFile::Success);
+    QVERIFY(atFirst > 0);
+    QCOMPARE(afterwards, 0);
+    QCOMPARE(BatchThreadCount(), 0);
+}
+#endif
 
 QTEST_GUILESS_MAIN(TestDecoder)
 #include "tst_decoder.moc"
