@@ -1,5 +1,6 @@
 // The part of Decoder that looks into files with FFmpeg.
 
+#include "engine/FFmpegFunctions.h"
 #include "engine/ProbedDuration.h"
 
 #include <vantorAudioEngine/Decoder.h>
@@ -11,13 +12,7 @@
 #include <memory>
 #include <span>
 
-extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
-}
-
-using vantoraudio::AudioEngine::DurationInMilliseconds;
-using vantoraudio::AudioEngine::StreamDuration;
+using namespace vantoraudio::AudioEngine;
 
 namespace {
 
@@ -30,13 +25,20 @@ constexpr int notOpened = -2;
 template<typename Object, auto release>
 struct Release
 {
-    void operator()(Object* object) const { release(&object); }
+    void operator()(Object* object) const { (FFmpeg()->*release)(&object); }
 };
 
-using FormatPointer = std::unique_ptr<AVFormatContext, Release<AVFormatContext, avformat_close_input>>;
-using CodecPointer = std::unique_ptr<AVCodecContext, Release<AVCodecContext, avcodec_free_context>>;
-using PacketPointer = std::unique_ptr<AVPacket, Release<AVPacket, av_packet_free>>;
-using FramePointer = std::unique_ptr<AVFrame, Release<AVFrame, av_frame_free>>;
+struct ReleaseFrame
+{
+    void operator()(AVFrame* frame) const { av_frame_free(&frame); }
+};
+
+using FormatPointer =
+    std::unique_ptr<AVFormatContext, Release<AVFormatContext, &FFmpegFunctions::avformat_close_input>>;
+using CodecPointer =
+    std::unique_ptr<AVCodecContext, Release<AVCodecContext, &FFmpegFunctions::avcodec_free_context>>;
+using PacketPointer = std::unique_ptr<AVPacket, Release<AVPacket, &FFmpegFunctions::av_packet_free>>;
+using FramePointer = std::unique_ptr<AVFrame, ReleaseFrame>;
 
 std::span<AVStream* const> Streams(const AVFormatContext& format)
 {
@@ -53,10 +55,11 @@ bool IsPipeOrDevice(const QString& path)
 bool OpenInput(AVFormatContext* format, const QString& path)
 {
     if (IsPipeOrDevice(path)) {
-        avformat_free_context(format);
+        FFmpeg()->avformat_free_context(format);
         return false;
     }
-    return format != nullptr && avformat_open_input(&format, path.toStdString().c_str(), nullptr, nullptr) == 0;
+    return format != nullptr &&
+           FFmpeg()->avformat_open_input(&format, path.toStdString().c_str(), nullptr, nullptr) == 0;
 }
 
 int FindAudioStream(const AVFormatContext& format)
@@ -82,12 +85,13 @@ bool HasFormat(const AVCodecContext& codec)
 /** Gives a packet to the decoder: true when sound comes out. No packet asks for what the decoder still holds. */
 bool YieldsSound(AVCodecContext& codec, const AVPacket* packet, AVFrame& frame)
 {
-    return avcodec_send_packet(&codec, packet) == 0 && avcodec_receive_frame(&codec, &frame) == 0;
+    return FFmpeg()->avcodec_send_packet(&codec, packet) == 0 &&
+           FFmpeg()->avcodec_receive_frame(&codec, &frame) == 0;
 }
 
 } // namespace
 
-/** A file whose audio stream is ready to be read. */
+/** A file whose audio stream is ready to be read. Only where FFmpeg is there. */
 class Decoder::OpenAudio
 {
 public:
@@ -99,8 +103,8 @@ public:
     bool BeginsWithSound();
 
 private:
-    FormatPointer m_format{avformat_alloc_context()};
-    CodecPointer m_codec{avcodec_alloc_context3(nullptr)};
+    FormatPointer m_format{FFmpeg()->avformat_alloc_context()};
+    CodecPointer m_codec{FFmpeg()->avcodec_alloc_context3(nullptr)};
     int m_streamIndex = notOpened;
     bool m_isOpen = false;
 };
@@ -122,13 +126,13 @@ int Decoder::OpenAudio::Duration() const
 
 bool Decoder::OpenAudio::BeginsWithSound()
 {
-    const PacketPointer packet(av_packet_alloc());
+    const PacketPointer packet(FFmpeg()->av_packet_alloc());
     const FramePointer frame(av_frame_alloc());
     bool hasAudio = false;
-    for (int i = 0; i < probedPackets && av_read_frame(m_format.get(), packet.get()) == 0; ++i) {
+    for (int i = 0; i < probedPackets && FFmpeg()->av_read_frame(m_format.get(), packet.get()) == 0; ++i) {
         const bool isAudio = packet->stream_index == m_streamIndex;
         const bool isSound = isAudio && YieldsSound(*m_codec, packet.get(), *frame);
-        av_packet_unref(packet.get());
+        FFmpeg()->av_packet_unref(packet.get());
         if (isSound) {
             return true;
         }
@@ -139,7 +143,7 @@ bool Decoder::OpenAudio::BeginsWithSound()
 
 int Decoder::GetDuration(const QString& path)
 {
-    if (path.isEmpty()) {
+    if (path.isEmpty() || FFmpeg() == nullptr) {
         return 0;
     }
     const OpenAudio audio(path);
@@ -148,6 +152,9 @@ int Decoder::GetDuration(const QString& path)
 
 bool Decoder::HoldsAudio(const QString& path)
 {
+    if (FFmpeg() == nullptr) {
+        return false;
+    }
     OpenAudio audio(path);
     return audio.IsOpen() && audio.BeginsWithSound();
 }
@@ -160,7 +167,7 @@ int Decoder::GetAudioCodecContext(AVFormatContext* format, AVCodecContext* codec
         return -1;
     }
     streamIndex = -1;
-    if (avformat_find_stream_info(format, nullptr) < 0) {
+    if (FFmpeg()->avformat_find_stream_info(format, nullptr) < 0) {
         qDebug() << "Could not retrieve stream info from file: " << path;
         return -1;
     }
@@ -174,11 +181,11 @@ int Decoder::GetAudioCodecContext(AVFormatContext* format, AVCodecContext* codec
         return -1;
     }
     const AVStream& stream = *Streams(*format)[static_cast<std::size_t>(streamIndex)];
-    if (avcodec_parameters_to_context(codec, stream.codecpar) < 0) {
+    if (FFmpeg()->avcodec_parameters_to_context(codec, stream.codecpar) < 0) {
         qDebug() << "Error copying codec parameters to codec context:";
         return -1;
     }
-    if (avcodec_open2(codec, avcodec_find_decoder(codec->codec_id), nullptr) < 0) {
+    if (FFmpeg()->avcodec_open2(codec, FFmpeg()->avcodec_find_decoder(codec->codec_id), nullptr) < 0) {
         qDebug() << "Failed to open decoder for stream" << streamIndex << "in file " << path;
         return -1;
     }

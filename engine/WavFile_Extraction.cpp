@@ -1,3 +1,4 @@
+#include "engine/LargePages.h"
 #include "engine/SampleBlocks.h"
 #include "engine/SharedFileCursor.h"
 #include "engine/SharedValue.h"
@@ -105,6 +106,7 @@ QList<float> WavFile::Extract(const Extraction& extraction)
     SharedFileCursor cursor(*this, m_deviceMutex, extraction.start);
     QList<float> values;
     values.reserve(extraction.ValueCount(qMin(extraction.BytesToRead(), cursor.BytesLeft())));
+    PreferLargePages(values.constData(), values.capacity() * qsizetype(sizeof(float)));
     const auto report = [&](qint64 position) {
         // Measured from the beginning of the file on purpose: a range that starts late does not start at 0.
         const double progress = double(position) / double(extraction.end) * 100.0;
