@@ -10,6 +10,15 @@ namespace {
 
 using vantor3D::Vertex::Pos2f;
 
+struct Sample
+{
+    std::size_t index = 0;
+    float level = 0.0F;
+};
+
+/** Long enough for memory to answer in the meantime. */
+constexpr std::size_t columnsAhead = 3;
+
 class Selection
 {
 public:
@@ -33,6 +42,7 @@ public:
             AddColumn(first, next);
             m_columnLength = next - first;
             first = next;
+            m_extremes.Prefetch(m_strip.Samples(), first + columnsAhead * m_columnLength);
         }
     }
 
@@ -60,16 +70,22 @@ private:
             AddAll(first, last);
             return;
         }
+        // Their levels are known: reading the samples once more would take longer, they lie far apart in memory.
         const Extremes found = m_extremes.Within(m_strip.Samples(), first, last);
+        const Sample low{found.lowest, found.low};
+        const Sample high{found.highest, found.high};
+        const bool isLowFirst = low.index < high.index;
         std::size_t previous = last;
-        for (const std::size_t i :
-             {first, std::min(found.lowest, found.highest), std::max(found.lowest, found.highest), last - 1}) {
-            if (i != previous) {
-                m_chosen.push_back(m_strip[i]);
+        for (const Sample& sample :
+             {SampleAt(first), isLowFirst ? low : high, isLowFirst ? high : low, SampleAt(last - 1)}) {
+            if (sample.index != previous) {
+                m_chosen.push_back({.x = m_strip.TimeAt(sample.index), .y = sample.level});
             }
-            previous = i;
+            previous = sample.index;
         }
     }
+
+    [[nodiscard]] Sample SampleAt(std::size_t index) const { return {index, m_strip[index].y}; }
 
     const WaveformStrip& m_strip;
     const SampleExtremes& m_extremes;

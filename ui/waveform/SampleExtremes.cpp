@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 
 namespace vantoraudio::vantorAudioEngine::UI {
 namespace {
@@ -66,29 +67,19 @@ std::size_t Find(float level, std::span<const float> samples, std::size_t first)
     return first;
 }
 
-/** Where the extremes stand is looked for only if they are new ones. */
-void AddSamples(Extremes& found, std::span<const float> samples, std::size_t first, std::size_t last)
+/** Of at least one sample. Where the extremes stand is not looked for yet: positions are that of the first sample.
+ */
+Extremes RoughExtremesOf(std::span<const float> samples, std::size_t first, std::size_t last)
 {
-    if (first >= last) {
-        return;
-    }
     const Levels levels = LevelsOf(samples.subspan(first, last - first));
-    if (levels.low < found.low) {
-        found.low = levels.low;
-        found.lowest = Find(levels.low, samples, first);
-    }
-    if (levels.high > found.high) {
-        found.high = levels.high;
-        found.highest = Find(levels.high, samples, first);
-    }
+    return {.low = levels.low, .high = levels.high, .lowest = first, .highest = first};
 }
 
-/** The first sample counts in any case. */
 Extremes ExtremesOf(std::span<const float> samples, std::size_t first, std::size_t last)
 {
-    const float level = DrawnLevel(samples[first]);
-    Extremes found{.low = level, .high = level, .lowest = first, .highest = first};
-    AddSamples(found, samples, first, last);
+    Extremes found = RoughExtremesOf(samples, first, last);
+    found.lowest = Find(found.low, samples, first);
+    found.highest = Find(found.high, samples, first);
     return found;
 }
 
@@ -114,6 +105,26 @@ std::vector<Extremes> GroupsOf(std::span<const Extremes> parts)
     return groups;
 }
 
+/** A hint: nothing comes of it where the compiler knows no such instruction. */
+template<typename Element>
+void FetchAll([[maybe_unused]] std::span<const Element> elements)
+{
+#if defined(__GNUC__)
+    constexpr std::size_t cacheLine = 64;
+    const std::span<const std::byte> bytes = std::as_bytes(elements);
+    for (std::size_t i = 0; i < bytes.size(); i += cacheLine) {
+        __builtin_prefetch(&bytes[i]);
+    }
+#endif
+}
+
+/** One of the pieces, each `length` long, of what has been cut; nothing behind the last whole one. */
+template<typename Element>
+std::span<const Element> PieceOf(std::span<const Element> whole, std::size_t piece, std::size_t length)
+{
+    return piece < whole.size() / length ? whole.subspan(piece * length, length) : std::span<const Element>();
+}
+
 } // namespace
 
 SampleExtremes::SampleExtremes(std::span<const float> samples) : m_levels{BlocksOf(samples)}
@@ -136,10 +147,31 @@ Extremes SampleExtremes::Within(std::span<const float> samples, std::size_t firs
 {
     const std::size_t firstBlock = (first + BlockLength - 1) / BlockLength;
     const std::size_t lastBlock = std::max(firstBlock, last / BlockLength);
-    Extremes found = ExtremesOf(samples, first, std::min(firstBlock * BlockLength, last));
+    const std::size_t rest = lastBlock * BlockLength;
+    // The first sample counts in any case.
+    Extremes found = RoughExtremesOf(samples, first, std::clamp(firstBlock * BlockLength, first + 1, last));
     AddGroups(found, 0, firstBlock, lastBlock);
-    AddSamples(found, samples, lastBlock * BlockLength, last);
+    if (rest < last) {
+        Add(found, RoughExtremesOf(samples, rest, last));
+    }
+    // Seldom in the parts of blocks at the ends, so that these are seldom searched.
+    if (found.lowest == first || found.lowest == rest) {
+        found.lowest = Find(found.low, samples, found.lowest);
+    }
+    if (found.highest == first || found.highest == rest) {
+        found.highest = Find(found.high, samples, found.highest);
+    }
     return found;
+}
+
+void SampleExtremes::Prefetch(std::span<const float> samples, std::size_t position) const
+{
+    if (m_levels.empty()) {
+        return;
+    }
+    FetchAll(PieceOf(samples, position / BlockLength, BlockLength));
+    FetchAll(
+        PieceOf(std::span<const Extremes>(m_levels.front()), position / (BlockLength * GroupLength), GroupLength));
 }
 
 void SampleExtremes::AddGroups(Extremes& found, std::size_t level, std::size_t first, std::size_t last) const

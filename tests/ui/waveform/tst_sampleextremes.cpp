@@ -109,6 +109,32 @@ private Q_SLOTS:
         QCOMPARE(SampleExtremes(std::vector<float>{largest, -largest}).Peak(), largest);
     }
 
+    void findsTheSameInStretchesThatBeginAndEndWithBlocks()
+    {
+        constexpr std::size_t block = SampleExtremes::BlockLength;
+        const std::vector<float> samples = Noise(block * SampleExtremes::GroupLength * 2);
+        const SampleExtremes extremes(samples);
+        for (std::size_t first = 0; first < samples.size(); first += 3 * block) {
+            for (std::size_t last = first + block; last <= samples.size(); last += 5 * block) {
+                QVERIFY(extremes.Within(samples, first, last) == Searched(samples, first, last));
+                QVERIFY(extremes.Within(samples, first, last - 1) == Searched(samples, first, last - 1));
+                QVERIFY(extremes.Within(samples, first + 1, last) == Searched(samples, first + 1, last));
+            }
+        }
+    }
+
+    void fetchesNothingFromOutside()
+    {
+        const std::vector<float> samples = Noise(SampleExtremes::BlockLength * SampleExtremes::GroupLength + 77);
+        const SampleExtremes extremes(samples);
+        for (std::size_t position = 0; position < 2 * samples.size(); ++position) {
+            extremes.Prefetch(samples, position);
+        }
+        extremes.Prefetch(samples, std::numeric_limits<std::size_t>::max());
+        SampleExtremes().Prefetch({}, 0);
+        QVERIFY(extremes.Within(samples, 0, samples.size()) == Searched(samples, 0, samples.size()));
+    }
+
     void nothingIsSilent()
     {
         QCOMPARE(SampleExtremes().Peak(), 0.0F);
