@@ -24,8 +24,8 @@ sox -n -r 48000 -c 2 -e float -b 32 float.wav synth 299 pinknoise vol 0.5
 cat hour.wav ten.wav ten.mp3 float.wav >/dev/null
 
 median() { # COMMAND
-  # Nobody is to be timed while removing or replacing what an earlier run wrote.
-  hyperfine --shell=none --prepare "rm -f ours.wav peer.wav" --warmup 1 --runs "$runs" --export-csv times.csv \
+  # Nobody is to be timed while removing or replacing what an earlier run wrote, nor while the disk still stores it.
+  hyperfine --shell=none --prepare "sh -c 'rm -f ours.wav peer.wav; sync'" --warmup 1 --runs "$runs" --export-csv times.csv \
     "$1" >/dev/null 2>&1
   # Counted from the end, since the command in front may hold commas: median, user, system, min, max.
   awk -F, 'NR == 2 { print $(NF - 4) }' times.csv
@@ -35,14 +35,15 @@ peak() { # COMMAND...
   /usr/bin/time -f %M "$@" 2>&1 >/dev/null | tail -n 1
 }
 
-idle=$(peak "$task" idle)
-row() { # NAME "TASK" "FFMPEG ARGUMENTS" "SOX COMMAND or -" LIMIT
-  local ours ffmpeg sox="-" memory
+row() { # NAME "TASK" "FFMPEG ARGUMENTS" "SOX COMMAND or -" LIMIT "IDLE TASK"
+  local ours ffmpeg sox="-" memory idle
   ours=$(median "$task $2")
   ffmpeg=$(median "ffmpeg -nostdin -loglevel error -y $3")
   [ "$4" = - ] || sox=$(median "$4")
   # shellcheck disable=SC2086
   memory=$(peak "$task" $2)
+  # shellcheck disable=SC2086
+  idle=$(peak "$task" $6)
   awk -v name="$1" -v ours="$ours" -v ffmpeg="$ffmpeg" -v sox="$sox" -v limit="$5" \
       -v memory="$((memory - idle))" 'BEGIN {
     printf "| %s | %.2f s | %.2f s | %s | %.2f | %s | %.0f MiB |\n", name, ours, ffmpeg,
@@ -53,13 +54,13 @@ row() { # NAME "TASK" "FFMPEG ARGUMENTS" "SOX COMMAND or -" LIMIT
 echo "| task | this library | ffmpeg | sox | ratio to ffmpeg | at most | memory above idle |"
 echo "|---|---|---|---|---|---|---|"
 row "left channel of 1 h, 48 kHz, 16 bit, stereo" "left hour.wav ours.wav" \
-  "-i hour.wav -af pan=mono|c0=c0 -c:a pcm_s16le peer.wav" "sox hour.wav peer.wav remix 1" 0.25
+  "-i hour.wav -af pan=mono|c0=c0 -c:a pcm_s16le peer.wav" "sox hour.wav peer.wav remix 1" 0.25 idle
 row "10 min of it mixed to mono" "mix hour.wav ours.wav 600" \
-  "-t 600 -i hour.wav -ac 1 -c:a pcm_s16le peer.wav" "sox hour.wav peer.wav trim 0 600 remix 1,2" 0.25
+  "-t 600 -i hour.wav -ac 1 -c:a pcm_s16le peer.wav" "sox hour.wav peer.wav trim 0 600 remix 1,2" 0.25 idle
 row "10 min MP3 to 96 kHz float" "decode ten.mp3 ours.wav 96000" \
-  "-i ten.mp3 -ar 96000 -c:a pcm_f32le peer.wav" "sox ten.mp3 -r 96000 -e float -b 32 peer.wav" 0.9
+  "-i ten.mp3 -ar 96000 -c:a pcm_f32le peer.wav" "sox ten.mp3 -r 96000 -e float -b 32 peer.wav" 0.9 "look ten.mp3"
 row "10 min 48 kHz stereo to 44.1 kHz mono float" "convert ten.wav ours.wav 44100" \
-  "-i ten.wav -ar 44100 -ac 1 -c:a pcm_f32le peer.wav" "sox ten.wav -r 44100 -c 1 -e float -b 32 peer.wav" 0.9
+  "-i ten.wav -ar 44100 -ac 1 -c:a pcm_f32le peer.wav" "sox ten.wav -r 44100 -c 1 -e float -b 32 peer.wav" 0.9 idle
 
 # What is measured inside a program, without its start; the median of all runs, in milliseconds.
 inner() { # COMMAND...

@@ -23,11 +23,22 @@ for seconds in "${lengths[@]}"; do
   cat "$seconds.wav" "$seconds.mp3" >/dev/null
 done
 
-idle=$(/usr/bin/time -f %M "$programs/vantoraudio-task" idle 2>&1 >/dev/null | tail -n 1)
+peak() { # COMMAND...
+  /usr/bin/time -f %M "$@" 2>&1 >/dev/null | tail -n 1
+}
+task=$programs/vantoraudio-task
+window=$programs/vantoraudio-window
+idle=$(peak "$task" idle)
+idle_with_ffmpeg=$(peak "$task" look 60.mp3)
 
 # Seconds and KiB above idle of a whole program.
 whole() { # COMMAND...
   /usr/bin/time -f '%e %M' "$@" 2>&1 >/dev/null | tail -n 1 | awk -v idle="$idle" '{ print $1, $2 - idle }'
+}
+
+whole_with_ffmpeg() { # COMMAND...
+  local idle=$idle_with_ffmpeg
+  whole "$@"
 }
 
 # Seconds of another program.
@@ -66,15 +77,13 @@ read_view() { # PROGRAM FILE SECONDS
   inner "$1" read "$2" 0 "$3" "$(steps "$3")"
 }
 
-task=$programs/vantoraudio-task
-window=$programs/vantoraudio-window
 echo "| task | 1 min | 10 min | 1 h | 3 h | exponent |"
 echo "|---|---|---|---|---|---|"
 row "\`cat\` of the file" plain cat SECONDS.wav
 row "left channel" whole "$task" left SECONDS.wav out.wav
 row "all of it mixed to mono" whole "$task" mix SECONDS.wav out.wav SECONDS
 row "to 44.1 kHz mono float" whole "$task" convert SECONDS.wav out.wav 44100
-row "MP3 to 96 kHz float" whole "$task" decode SECONDS.mp3 out.wav 96000
+row "MP3 to 96 kHz float" whole_with_ffmpeg "$task" decode SECONDS.mp3 out.wav 96000
 row "samples for a view of 1600 pixels" read_view "$task" SECONDS.wav SECONDS
 row "a ready copy opened and shown" inner "$session" "$window" open SECONDS.wav
 row "longest deafness while exporting" inner "$session" "$window" gap SECONDS.wav out.wav

@@ -2,6 +2,7 @@
  * Runs one task of the library as a whole process, so that it can be timed against other programs.
  *
  *   vantoraudio-task idle                              starts and ends, for its own memory
+ *   vantoraudio-task look IN                           the same after a look into a file, which loads FFmpeg
  *   vantoraudio-task left IN OUT                       the left channel
  *   vantoraudio-task mix IN OUT SECONDS                both channels averaged, from the start
  *   vantoraudio-task decode IN OUT RATE                any audio to a WAV file of floats
@@ -72,6 +73,9 @@ bool Run(const QStringList& arguments)
     const QString number = arguments.value(4);
     if (task == u"idle"_s) {
         return true;
+    }
+    if (task == u"look"_s) {
+        return Decoder::GetDuration(in) > 0;
     }
     const QStringList range = arguments.mid(3);
     if (task == u"read"_s || task == u"listen"_s) {
