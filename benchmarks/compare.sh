@@ -84,8 +84,10 @@ echo "|---|---|---|---|---|"
 against_cat "samples of 1 h for a view of 1600 pixels" hour.wav 2.0 0 "$task" read hour.wav 0 3600 54000
 against_cat "every sample of 299 s of float stereo" float.wav 5 0 "$task" read float.wav 0 299 1
 against_cat "the same with a receiver on another thread" float.wav 8 0 "$task" listen float.wav 0 299 1
-against_cat "the same without GLib, on Qt's own event dispatcher" float.wav 8 0 \
+against_cat "its 71,760 reports alone, nothing read" float.wav - 0 "$task" report 71760
+against_cat "the same view without GLib, on Qt's own event dispatcher" float.wav 8 0 \
   env QT_NO_GLIB=1 "$task" listen float.wav 0 299 1
+against_cat "its reports alone without GLib" float.wav - 0 env QT_NO_GLIB=1 "$task" report 71760
 against_cat "1 h opened and shown, from a ready copy" hour.wav 3 150 \
   "$session" "$programs/vantoraudio-window" open hour.wav
 

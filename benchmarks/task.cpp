@@ -7,8 +7,11 @@
  *   vantoraudio-task mix IN OUT SECONDS                both channels averaged, from the start
  *   vantoraudio-task decode IN OUT RATE                any audio to a WAV file of floats
  *   vantoraudio-task convert IN OUT RATE               a WAV file to mono floats
- *   vantoraudio-task read IN FROM TO STEP              samples for a view, with nobody listening; prints
- * milliseconds vantoraudio-task listen IN FROM TO STEP            the same with a receiver on another thread
+ *   vantoraudio-task read IN FROM TO STEP              samples for a view, with nobody listening
+ *   vantoraudio-task listen IN FROM TO STEP            the same with a receiver on another thread
+ *   vantoraudio-task report COUNT                      so many reports to such a receiver, and nothing else
+ *
+ * The last three print milliseconds.
  */
 #include <vantorAudioEngine/Decoder.h>
 #include <vantorAudioEngine/WavFile.h>
@@ -20,6 +23,7 @@
 #include <QtCore/QThread>
 
 #include <cstdio>
+#include <functional>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -40,17 +44,25 @@ bool ConvertToMono(WavFile& file, const QString& out, int rate)
     return file.Convert(format, out);
 }
 
+void PrintTime(const std::function<void()>& work)
+{
+    QElapsedTimer timer;
+    timer.start();
+    work();
+    std::printf("%.2f\n", static_cast<double>(timer.nsecsElapsed()) / 1e6);
+}
+
 bool Read(WavFile& file, const QStringList& range)
 {
     file.SetSelectedChannel(WavFile::ChannelLeftRight);
-    QElapsedTimer timer;
-    timer.start();
-    file.ReadData(range.value(0).toDouble(), range.value(1).toDouble(), range.value(2).toInt());
-    std::printf("%.2f\n", static_cast<double>(timer.nsecsElapsed()) / 1e6);
+    PrintTime(
+        [&] { file.ReadData(range.value(0).toDouble(), range.value(1).toDouble(), range.value(2).toInt()); });
     return !file.GetSamples().isEmpty();
 }
 
-bool ReadWithListener(WavFile& file, const QStringList& range)
+/** Does the work while a receiver on another thread counts its reports. */
+template<typename Work>
+bool IsHeard(WavFile& file, Work work)
 {
     QThread thread;
     QObject listener;
@@ -58,11 +70,30 @@ bool ReadWithListener(WavFile& file, const QStringList& range)
     listener.moveToThread(&thread);
     QObject::connect(&file, &WavFile::ProgressChanged, &listener, [&] { ++reports; });
     thread.start();
-    const bool isRead = Read(file, range);
+    const bool isDone = work();
     // The thread ends after the reports that came before this.
     QMetaObject::invokeMethod(&listener, [&] { thread.quit(); });
     thread.wait();
-    return isRead && reports > 0;
+    return isDone && reports > 0;
+}
+
+bool ReadWithListener(WavFile& file, const QStringList& range)
+{
+    return IsHeard(file, [&] { return Read(file, range); });
+}
+
+bool ReportOnly(int count)
+{
+    WavFile file;
+    const auto report = [&, text = u"Updating..."_s] {
+        for (int i = 0; i < count; ++i) {
+            Q_EMIT file.ProgressChanged(i % 100, 0, 100, text);
+        }
+    };
+    return IsHeard(file, [&] {
+        PrintTime(report);
+        return true;
+    });
 }
 
 bool Run(const QStringList& arguments)
@@ -73,6 +104,9 @@ bool Run(const QStringList& arguments)
     const QString number = arguments.value(4);
     if (task == u"idle"_s) {
         return true;
+    }
+    if (task == u"report"_s) {
+        return ReportOnly(in.toInt());
     }
     if (task == u"look"_s) {
         return Decoder::GetDuration(in) > 0;
