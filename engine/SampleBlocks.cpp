@@ -102,6 +102,21 @@ void AppendCoded(QList<float>& values, QByteArrayView block, int channelCount, B
 
 } // namespace
 
+qsizetype BytesPerFrame(const BlockFormat& format)
+{
+    const qsizetype channelCount = qMax(0, format.audio.channelCount());
+    switch (format.audio.sampleFormat()) {
+    case QAudioFormat::Int16:
+        return channelCount * S16::size;
+    case QAudioFormat::Int32:
+        return channelCount * (format.sampleSize == 24 ? S24::size : S32::size);
+    case QAudioFormat::Float:
+        return channelCount * F32::size;
+    default:
+        return 0;
+    }
+}
+
 void AppendBlock(QList<float>& values, QByteArrayView block, const BlockFormat& format, BlockPick pick)
 {
     const int channelCount = format.audio.channelCount();

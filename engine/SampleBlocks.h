@@ -24,6 +24,9 @@ struct BlockFormat
     int sampleSize = 0;
 };
 
+/** What AppendBlock() takes for a frame of that format, in bytes; 0 where it yields nothing. */
+qsizetype BytesPerFrame(const BlockFormat& format);
+
 /** Which of a block's samples are wanted. */
 struct BlockPick
 {

@@ -32,15 +32,33 @@ bool SharedFileCursor::ReadBlock(qint64 size, QByteArray& block)
     return !block.isEmpty();
 }
 
+bool SharedFileCursor::ReadSpaced(const Spacing& spacing, QByteArray& block)
+{
+    const QMutexLocker lock(&m_deviceLock);
+    const qint64 end = m_position + qMin(spacing.length, BytesLeftLocked());
+    const qint64 count = (end - m_position + spacing.distance - 1) / spacing.distance;
+    block.resize(count * spacing.size);
+    qint64 used = 0;
+    while (m_position < end) {
+        const qint64 arrived = ReadLocked(block.data() + used, spacing.size);
+        used += arrived;
+        if (arrived < spacing.size) {
+            m_position += arrived;
+            break;
+        }
+        MoveToLocked(qMin(m_position + spacing.distance, end));
+    }
+    block.resize(used);
+    return !block.isEmpty();
+}
+
 void SharedFileCursor::MoveTo(qint64 position)
 {
     if (position == m_position) {
         return;
     }
     const QMutexLocker lock(&m_deviceLock);
-    if (m_isPlaced && position >= 0 && m_file.seek(position)) {
-        m_position = position;
-    }
+    MoveToLocked(position);
 }
 
 qint64 SharedFileCursor::BytesLeftLocked() const
@@ -54,6 +72,13 @@ qint64 SharedFileCursor::ReadLocked(char* bytes, qint64 size)
         return 0;
     }
     return qMax(qint64(0), m_file.read(bytes, size));
+}
+
+void SharedFileCursor::MoveToLocked(qint64 position)
+{
+    if (m_isPlaced && position >= 0 && m_file.seek(position)) {
+        m_position = position;
+    }
 }
 
 } // namespace vantoraudio::AudioEngine

@@ -15,8 +15,12 @@ namespace {
 /** How many values a block of an extraction yields. */
 constexpr qint64 valuesPerBlock = 200;
 
-/** So many bytes are read at once, in whole blocks and at least one of them. */
+/** So many bytes are read at once: many short blocks, or a part of a long one. */
 constexpr qint64 pieceSize = qint64(1024) * 1024;
+
+/** From this distance on, in bytes, only the frames that are wanted are read. Nearer ones come faster, even from a
+ *  disk, together with what lies between them. */
+constexpr qint64 leastDistance = qint64(128) * 1024;
 
 } // namespace
 
@@ -31,11 +35,20 @@ struct WavFile::Extraction
     qint64 end = 0;
 
     qint64 BlockSize() const { return valuesPerBlock * BytesPerValue(); }
-    /** How much to read at once at a place, in bytes. */
+    /** Whether a block is read by itself, and in parts. Readers of damaged headers may find no place to divide it.
+     */
+    bool HasLongBlocks() const;
+    bool HasDistantFrames() const { return Distance() >= leastDistance; }
+    /** Of one wanted frame from the next one, in bytes, as the block readers count them. */
+    qint64 Distance() const { return pick.step * BytesPerFrame(format); }
+    /** How much to read at once at a place, in bytes: whole blocks, at least one of them. */
     qint64 PieceSize(qint64 position) const;
+    /** The same within a long block of which `left` bytes are left. */
+    qint64 PartSize(qint64 left) const;
     /** Whole blocks are read, so it may be more than lies between start and end. */
     qint64 BytesToRead() const;
     qint64 ValueCount(qint64 bytes) const;
+    bool AppendLongBlock(QList<float>& values, SharedFileCursor& cursor, QByteArray& buffer) const;
 
 private:
     qint64 BytesPerValue() const;
@@ -65,6 +78,16 @@ qint64 WavFile::Extraction::PieceSize(qint64 position) const
     }
     const qint64 blocksLeft = (end - position + BlockSize() - 1) / BlockSize();
     return qBound(qint64(1), pieceSize / BlockSize(), blocksLeft) * BlockSize();
+}
+
+bool WavFile::Extraction::HasLongBlocks() const
+{
+    return BlockSize() > pieceSize && Distance() > 0 && BlockSize() % Distance() == 0;
+}
+
+qint64 WavFile::Extraction::PartSize(qint64 left) const
+{
+    return qMin(left, qMax(qint64(1), pieceSize / Distance()) * Distance());
 }
 
 qint64 WavFile::Extraction::ValueCount(qint64 bytes) const
@@ -100,6 +123,27 @@ WavFile::Extraction WavFile::StartExtraction(double startTime, double endTime, i
             .end = position(endTime)};
 }
 
+/** Reads a block and appends its values. False when nothing of it arrives. */
+bool WavFile::Extraction::AppendLongBlock(QList<float>& values, SharedFileCursor& cursor, QByteArray& buffer) const
+{
+    if (HasDistantFrames()) {
+        const SharedFileCursor::Spacing frames{
+            .size = BytesPerFrame(format), .distance = Distance(), .length = BlockSize()};
+        const bool hasArrived = cursor.ReadSpaced(frames, buffer);
+        AppendBlock(values, buffer, format, {1, pick.channel});
+        return hasArrived;
+    }
+    bool hasArrived = false;
+    bool isWhole = true;
+    for (qint64 left = BlockSize(); left > 0 && isWhole; left -= buffer.size()) {
+        const qint64 size = PartSize(left);
+        hasArrived = cursor.ReadBlock(size, buffer) || hasArrived;
+        isWhole = buffer.size() == size;
+        AppendBlock(values, buffer, format, pick);
+    }
+    return hasArrived;
+}
+
 QList<float> WavFile::Extract(const Extraction& extraction)
 {
     const QString progressText = tr("Updating...");
@@ -112,20 +156,29 @@ QList<float> WavFile::Extract(const Extraction& extraction)
         const double progress = double(position) / double(extraction.end) * 100.0;
         Q_EMIT ProgressChanged(TruncateToInt32(progress), 0, 100, progressText);
     };
-    QByteArray piece;
-    while (cursor.Position() < extraction.end && !LoadShared(m_abortRead)) {
-        const qint64 position = cursor.Position();
-        if (!cursor.ReadBlock(extraction.PieceSize(position), piece)) {
+    QByteArray buffer;
+    const auto appendLongBlock = [&](qint64 position) {
+        report(position);
+        return extraction.AppendLongBlock(values, cursor, buffer);
+    };
+    const auto appendShortBlocks = [&](qint64 position) {
+        if (!cursor.ReadBlock(extraction.PieceSize(position), buffer)) {
             report(position);
-            break;
+            return false;
         }
         qint64 passed = 0;
         do {
             report(position + passed);
-            passed = qMin(passed + extraction.BlockSize(), qint64(piece.size()));
-        } while (passed < piece.size() && !LoadShared(m_abortRead));
-        AppendBlock(values, QByteArrayView(piece).first(passed), extraction.format, extraction.pick);
+            passed = qMin(passed + extraction.BlockSize(), qint64(buffer.size()));
+        } while (passed < buffer.size() && !LoadShared(m_abortRead));
+        AppendBlock(values, QByteArrayView(buffer).first(passed), extraction.format, extraction.pick);
         cursor.MoveTo(position + passed);
+        return true;
+    };
+    bool hasMore = true;
+    while (hasMore && cursor.Position() < extraction.end && !LoadShared(m_abortRead)) {
+        const qint64 position = cursor.Position();
+        hasMore = extraction.HasLongBlocks() ? appendLongBlock(position) : appendShortBlocks(position);
     }
     return values;
 }

@@ -1,4 +1,5 @@
 #include "tests/support/AbortDuringReport.h"
+#include "tests/support/BrokenReading.h"
 #include "tests/support/ContextTranslator.h"
 #include "tests/support/OpenedWav.h"
 #include "tests/support/WavFileTestAccess.h"
@@ -47,6 +48,73 @@ QString Updating(int progress)
     return u"%1 of 0..100 Updating..."_s.arg(progress);
 }
 
+/** Audio whose frames are wanted one by one from far apart; what lies between them is no silence. */
+struct DistantFrames
+{
+    int tag = 1;
+    int bits = 16;
+    int channels = 1;
+    /** What the header says where that is not the same. */
+    int statedBits = bits;
+    /** From one wanted frame to the next one, in frames. */
+    int step = 1;
+    int count = 0;
+
+    qint64 FrameSize() const { return qint64(channels) * bits / 8; }
+    qint64 Distance() const { return step * FrameSize(); }
+    qint64 Position(int index) const { return 44 + index * Distance(); }
+
+    float Value(int index, int channel) const
+    {
+        const auto value = static_cast<float>(Integer(index, channel));
+        return tag == 3     ? value
+               : bits == 32 ? std::ldexp(value, -31)
+                            : value / (bits == 16 ? 32767.0F : 8388607.0F);
+    }
+
+    /** `rest` bytes follow the last wanted frame; with a negative number that many of its own are missing. */
+    QByteArray File(qint64 rest) const
+    {
+        QByteArray data((count - 1) * Distance() + FrameSize() + qMax(qint64(0), rest), '\x11');
+        for (int i = 0; i < count; ++i) {
+            for (int channel = 0; channel < channels; ++channel) {
+                const qint32 integer = Integer(i, channel);
+                const QByteArray sample =
+                    tag == 3 ? LittleEndian(static_cast<float>(integer)) : LittleEndian(integer);
+                data.replace(i * Distance() + channel * bits / 8, bits / 8, sample.left(bits / 8));
+            }
+        }
+        data.chop(qMax(qint64(0), -rest));
+        return WavBytes{.formatTag = quint16(tag),
+                        .channels = quint16(channels),
+                        .sampleRate = 32768,
+                        .bits = quint16(statedBits),
+                        .data = data}
+            .Build();
+    }
+
+private:
+    static int Integer(int index, int channel) { return (index + 1) * (channel == 0 ? 3 : -5); }
+};
+
+void AddDistantFrames()
+{
+    QTest::addColumn<DistantFrames>("audio");
+    for (const int channels : {1, 2}) {
+        for (const int bits : {16, 24, 32}) {
+            const int frameSize = channels * bits / 8;
+            const DistantFrames near{.bits = bits, .channels = channels, .step = 9'000 / frameSize, .count = 450};
+            const DistantFrames far{.bits = bits, .channels = channels, .step = 140'000 / frameSize, .count = 210};
+            QTest::addRow("%d bits, %d channels, near", bits, channels) << near;
+            QTest::addRow("%d bits, %d channels, far", bits, channels) << far;
+        }
+        QTest::addRow("float, %d channels, near", channels)
+            << DistantFrames{.tag = 3, .bits = 32, .channels = channels, .step = 3'000, .count = 450};
+        QTest::addRow("float, %d channels, far", channels)
+            << DistantFrames{.tag = 3, .bits = 32, .channels = channels, .step = 40'000, .count = 210};
+    }
+}
+
 } // namespace
 
 class TestExtraction : public QObject
@@ -70,6 +138,18 @@ private Q_SLOTS:
     void readsAllSampleFormats();
     void readsTheMiddleOfEveryFormat_data();
     void readsTheMiddleOfEveryFormat();
+    void readsFramesFromFarApart_data() { AddDistantFrames(); }
+    void readsFramesFromFarApart();
+    void endsWithAFileBetweenDistantFrames_data() { AddDistantFrames(); }
+    void endsWithAFileBetweenDistantFrames();
+    void endsWithAFileWithinADistantFrame_data() { AddDistantFrames(); }
+    void endsWithAFileWithinADistantFrame();
+    void endsWithAFailureAmongDistantFrames_data() { AddDistantFrames(); }
+    void endsWithAFailureAmongDistantFrames();
+    void stopsAfterALongBlockDuringWhichItWasAborted_data() { AddDistantFrames(); }
+    void stopsAfterALongBlockDuringWhichItWasAborted();
+    void readsDistantFloatsThatSayFewerBits_data();
+    void readsDistantFloatsThatSayFewerBits();
     void dropsATrailingPartialFrame_data();
     void dropsATrailingPartialFrame();
     void leavesTheFileBehindTheLastBlock();
@@ -309,6 +389,121 @@ void TestExtraction::readsTheMiddleOfEveryFormat()
     QCOMPARE(wav.file.GetSamples().size(), 600);
     for (int i = 0; i < 600; ++i) {
         QCOMPARE(wav.file.GetSamples().at(i), static_cast<float>(300 + i) * unit);
+    }
+}
+
+void TestExtraction::readsFramesFromFarApart()
+{
+    QFETCH(const DistantFrames, audio);
+    OpenedWav wav(audio.File(audio.Distance()));
+    wav.file.SetSelectedChannel(WavFile::ChannelRight);
+    // Two blocks: from the fourth wanted frame on, half a step before the last one that is asked for.
+    constexpr int first = 3;
+    const int last = audio.count - 1;
+    wav.file.ReadData(Seconds(first * audio.step), Seconds(last * qint64(audio.step) - audio.step / 2),
+                      audio.step);
+
+    const qint64 end = audio.Position(last) - audio.step / 2 * audio.FrameSize();
+    QStringList reports;
+    for (int block = first; audio.Position(block) < end; block += 200) {
+        reports << Updating(int(audio.Position(block) * 100 / end));
+    }
+    QVERIFY(reports.size() > 1);
+    QCOMPARE(wav.file.pos(), wav.file.size());
+    QCOMPARE(QStringList(wav.log), reports + QStringList({u"NewData"_s, updated}));
+    Values expected;
+    for (int i = first; i < audio.count; ++i) {
+        expected << audio.Value(i, audio.channels - 1);
+    }
+    // The last block goes on to the end of the file, where one more frame stands.
+    QCOMPARE(wav.file.GetSamples().size(), expected.size() + 1);
+    QCOMPARE(wav.file.GetSamples().first(expected.size()), expected);
+}
+
+void TestExtraction::endsWithAFileBetweenDistantFrames()
+{
+    QFETCH(const DistantFrames, audio);
+    for (const qint64 rest : {qint64(0), audio.Distance() / 2, audio.Distance() - audio.FrameSize()}) {
+        OpenedWav wav(audio.File(rest));
+        wav.file.SetSelectedChannel(WavFile::ChannelLeft);
+        wav.file.ReadData(0, Seconds(3 * qint64(audio.count) * audio.step), audio.step);
+        QCOMPARE(wav.file.GetSamples().size(), audio.count);
+        for (int i = 0; i < audio.count; ++i) {
+            QCOMPARE(wav.file.GetSamples().at(i), audio.Value(i, 0));
+        }
+        // At the end of the file one more block is begun, which is empty.
+        const qint64 end = audio.Position(3 * audio.count);
+        QStringList reports;
+        for (int block = 0; block < audio.count; block += 200) {
+            reports << Updating(int(audio.Position(block) * 100 / end));
+        }
+        reports << Updating(int(wav.file.size() * 100 / end));
+        QCOMPARE(QStringList(wav.log), reports + QStringList({u"NewData"_s, updated}));
+        QCOMPARE(wav.file.pos(), wav.file.size());
+    }
+}
+
+void TestExtraction::endsWithAFileWithinADistantFrame()
+{
+    QFETCH(const DistantFrames, audio);
+    OpenedWav wav(audio.File(-1));
+    wav.file.SetSelectedChannel(WavFile::ChannelLeft);
+    wav.file.ReadData(0, Seconds(3 * qint64(audio.count) * audio.step), audio.step);
+    QCOMPARE(wav.file.GetSamples().size(), audio.count - 1);
+    QCOMPARE(wav.file.GetSamples().constLast(), audio.Value(audio.count - 2, 0));
+    QCOMPARE(wav.file.pos(), wav.file.size());
+}
+
+void TestExtraction::endsWithAFailureAmongDistantFrames()
+{
+    QFETCH(const DistantFrames, audio);
+    OpenedWav wav(audio.File(0));
+    wav.file.SetSelectedChannel(WavFile::ChannelLeft);
+    connect(&wav.file, &WavFile::ProgressChanged, &wav.file, [&] {
+        if (wav.log.size() == 2) {
+            QVERIFY(BreakReading(wav.file));
+        }
+    });
+    wav.file.ReadData(0, wav.file.GetDuration(), audio.step);
+    // What has been read ahead of the failure may count.
+    QCOMPARE(wav.log.last(2), QStringList({u"NewData"_s, updated}));
+    QVERIFY(wav.file.GetSamples().size() >= 200);
+    QVERIFY(wav.file.GetSamples().size() < audio.count);
+    for (int i = 0; i < wav.file.GetSamples().size(); ++i) {
+        QCOMPARE(wav.file.GetSamples().at(i), audio.Value(i, 0));
+    }
+}
+
+void TestExtraction::stopsAfterALongBlockDuringWhichItWasAborted()
+{
+    QFETCH(const DistantFrames, audio);
+    OpenedWav wav(audio.File(0));
+    connect(&wav.file, &WavFile::ProgressChanged, &wav.file, &WavFile::AbortRead);
+    wav.file.ReadData(0, wav.file.GetDuration(), audio.step);
+    QCOMPARE(QStringList(wav.log), QStringList({Updating(0), updated}));
+    QCOMPARE(wav.file.pos(), audio.Position(200));
+    QVERIFY(wav.file.GetSamples().isEmpty());
+}
+
+void TestExtraction::readsDistantFloatsThatSayFewerBits_data()
+{
+    QTest::addColumn<DistantFrames>("audio");
+    for (const int bits : {16, 24}) {
+        for (const int step : {4'000, 40'000}) {
+            QTest::addRow("%d bits, every %dth frame", bits, step)
+                << DistantFrames{.tag = 3, .bits = 32, .statedBits = bits, .step = step, .count = 180};
+        }
+    }
+}
+
+void TestExtraction::readsDistantFloatsThatSayFewerBits()
+{
+    QFETCH(const DistantFrames, audio);
+    OpenedWav wav(audio.File(0));
+    wav.file.ReadData(0, Seconds(3 * qint64(audio.count) * audio.step), audio.step);
+    QCOMPARE(wav.file.GetSamples().size(), audio.count);
+    for (int i = 0; i < audio.count; ++i) {
+        QCOMPARE(wav.file.GetSamples().at(i), audio.Value(i, 0));
     }
 }
 
