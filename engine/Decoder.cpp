@@ -133,6 +133,8 @@ private:
     ReadingPace m_pace;
     WorkPerPiece m_work;
     Clock::time_point m_readAt;
+    /** When the last buffer had been dealt with: what the disk took to store it is no lateness of the next one. */
+    Clock::time_point m_freeAt;
     /** Keeps the event loop from sleeping. */
     QTimer m_wakefulness;
     QFile m_source;
@@ -171,6 +173,7 @@ void Decoder::Run::Start(SilenceWatch::Patience patience)
                      [this] { End(WavFile::ErrorInvalidFormat); });
     SetSource();
     m_readAt = Clock::now();
+    m_freeAt = m_readAt;
     m_decoderThreads = {};
     m_decoderThreads.Start([this] { m_decoder->start(); });
     m_silence.Start(patience);
@@ -215,6 +218,7 @@ void Decoder::Run::OnBufferReady()
     } else {
         End(WavFile::ErrorInvalidFormat);
     }
+    m_freeAt = Clock::now();
 }
 
 QAudioBuffer Decoder::Run::ReadAtPace()
@@ -222,7 +226,7 @@ QAudioBuffer Decoder::Run::ReadAtPace()
     if (const auto work = m_work.OnPiece()) {
         m_pace.SetWork(*work);
     }
-    const auto next = m_readAt + m_pace.IntervalAfter(Clock::now() - m_readAt);
+    const auto next = m_readAt + m_pace.IntervalAfter(Clock::now() - m_freeAt);
     if (m_pace.IsHopeless() && !std::exchange(m_sharesProcessors, true)) {
         m_decoderThreads.MakeOrdinary();
     }

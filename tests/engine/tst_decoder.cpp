@@ -86,6 +86,13 @@ int BatchThreadCount()
     }));
 }
 
+bool CanHaveBatchThreads()
+{
+    const sched_param parameters{};
+    return sched_setscheduler(0, SCHED_BATCH, &parameters) == 0 &&
+           sched_setscheduler(0, SCHED_OTHER, &parameters) == 0;
+}
+
 void BeBusyFor(std::chrono::milliseconds time)
 {
     const auto end = std::chrono::steady_clock::now() + time;
@@ -124,6 +131,7 @@ private Q_SLOTS:
     void decodesNoFurtherWhenTheDiskIsFull();
 #ifdef Q_OS_LINUX
     void decodesInBatchesUntilBuffersAreLate();
+    void decodesInBatchesHoweverLongItsOwnWorkTakes();
 #endif
 
     void endsWhenTheDecoderNeverStarts();
@@ -592,9 +600,7 @@ void TestDecoder::tellsThatTheHeaderWasNotWritten()
 #ifdef Q_OS_LINUX
 void TestDecoder::decodesInBatchesUntilBuffersAreLate()
 {
-    const sched_param parameters{};
-    if (sched_setscheduler(0, SCHED_BATCH, &parameters) != 0 ||
-        sched_setscheduler(0, SCHED_OTHER, &parameters) != 0) {
+    if (!CanHaveBatchThreads()) {
         QSKIP("threads may not be scheduled otherwise here");
     }
     const QString in = Path(u"late.mp3"_s);
@@ -617,6 +623,34 @@ void TestDecoder::decodesInBatchesUntilBuffersAreLate()
     QVERIFY(atFirst > 0);
     QCOMPARE(afterwards, 0);
     QCOMPARE(BatchThreadCount(), 0);
+}
+
+void TestDecoder::decodesInBatchesHoweverLongItsOwnWorkTakes()
+{
+    if (!CanHaveBatchThreads()) {
+        QSKIP("threads may not be scheduled otherwise here");
+    }
+    const QString in = Path(u"slow.mp3"_s);
+    QVERIFY(AudioPrograms::MakeTone(Path(u"slow.wav"_s), 44100, 2, 5.0));
+    QVERIFY(AudioPrograms::Encode(u"mp3"_s, Path(u"slow.wav"_s), in));
+    int readings = 0;
+    int afterwards = -1;
+    const Interceptor interceptor([&](QAudioDecoder& decoder, int number) {
+        if (number == 0) {
+            // Told while a buffer is read: as a disk that takes its time.
+            QObject::connect(&decoder, &QAudioDecoder::bufferAvailableChanged, &decoder, [&](bool isAvailable) {
+                if (!isAvailable && ++readings < 80) {
+                    BeBusyFor(std::chrono::milliseconds(2));
+                }
+            });
+        } else if (number == 100) {
+            afterwards = BatchThreadCount();
+        }
+        return false;
+    });
+    QCOMPARE(Decoder::Convert(in, Path(u"slow out.wav"_s), 44100), WavFile::Success);
+    QVERIFY(readings > 80);
+    QVERIFY(afterwards > 0);
 }
 #endif
 
