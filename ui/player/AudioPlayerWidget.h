@@ -238,6 +238,7 @@ private:
     QFrame* SetupSelectionStart(QWidget* parent);
     QFrame* SetupSelectionEnd(QWidget* parent);
     void SetupHintSection();
+    void SetupAccessibleNames();
     QLineEdit* CreateTimeField(QWidget* parent, const char* name, const QSize& size, const QString& text);
     static QLineEdit* CreateTotalField(QWidget* parent);
     void ConnectSignals();

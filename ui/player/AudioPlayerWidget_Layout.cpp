@@ -113,6 +113,7 @@ void AudioPlayerWidget::SetupUi()
     SetupAudioPlayerControls();
     SetupSelectionsControls();
     SetupHintSection();
+    SetupAccessibleNames();
     SetHint(QString());
     SetEditMode(false);
     EnableAudioControls(false);
@@ -326,6 +327,27 @@ void AudioPlayerWidget::SetupHintSection()
     layout->addWidget(CreateLine(frame, "hLineHintBottom"));
     m_controls->frmAudioPlayerHint = frame;
     m_controls->mainLayout->addWidget(frame);
+}
+
+/** Most controls bear a picture only: what screen readers call them. */
+void AudioPlayerWidget::SetupAccessibleNames()
+{
+    m_waveformWidget->setAccessibleName(tr("Waveform"));
+    m_controls->btnMute->setAccessibleName(tr("Mute"));
+    m_controls->hSliderVolume->setAccessibleName(tr("Volume"));
+    m_controls->btnStop->setAccessibleName(tr("Stop"));
+    m_controls->btnPlayPause->setAccessibleName(tr("Play"));
+    m_controls->btnLoop->setAccessibleName(tr("Loop"));
+    m_controls->btnSettings->setAccessibleName(tr("Settings"));
+    m_controls->edCurrentPosition->setAccessibleName(tr("Current position"));
+    m_controls->edTotalDuration->setAccessibleName(tr("Total duration"));
+    m_controls->cmbboxChannelSelector->setAccessibleName(tr("Channel"));
+    m_controls->edSelectionStart->setAccessibleName(tr("Start of the selection"));
+    m_controls->btnDecSelectionStart->setAccessibleName(tr("Start earlier"));
+    m_controls->btnIncSelectionStart->setAccessibleName(tr("Start later"));
+    m_controls->edSelectionEnd->setAccessibleName(tr("End of the selection"));
+    m_controls->btnDecSelectionEnd->setAccessibleName(tr("End earlier"));
+    m_controls->btnIncSelectionEnd->setAccessibleName(tr("End later"));
 }
 
 void AudioPlayerWidget::ConnectSignals()

@@ -6,6 +6,7 @@
 #include <vantorAudioEngine/BGFXWaveformWidget.h>
 
 #include <QtCore/QMetaEnum>
+#include <QtGui/QAccessible>
 #include <QtTest/QTest>
 #include <QtWidgets/QAbstractButton>
 #include <QtWidgets/QApplication>
@@ -112,6 +113,7 @@ private Q_SLOTS:
     void startsOutsideEditModeWithoutAHint();
     void takesKeysByClickAndTab();
     void ownsPlayerAndWaveform();
+    void screenReadersFindANameForEachControl();
     void textsAreTranslatedInTheContextOfTheClass();
 
 private:
@@ -556,6 +558,25 @@ void PlayerLayoutTest::ownsPlayerAndWaveform()
     QCOMPARE(NameOfParent(Access::Waveform(*m_player)), u"frmWaveForm"_s);
 }
 
+void PlayerLayoutTest::screenReadersFindANameForEachControl()
+{
+    QStringList names;
+    for (QWidget* widget : m_player->findChildren<QWidget*>()) {
+        // A combo box has a list of its own, whose name is Qt's concern.
+        const bool isPartOfAnother = qobject_cast<QComboBox*>(widget->parentWidget()) != nullptr;
+        if (widget->focusPolicy() == Qt::NoFocus || isPartOfAnother || widget->window() != m_player.get()) {
+            continue;
+        }
+        const QAccessibleInterface* interface = QAccessible::queryAccessibleInterface(widget);
+        QVERIFY(interface != nullptr);
+        const QString name = interface->text(QAccessible::Name);
+        QVERIFY2(!name.isEmpty(), qPrintable(widget->objectName()));
+        QVERIFY2(!names.contains(name), qPrintable(name));
+        names << name;
+    }
+    QVERIFY(names.size() >= 16);
+}
+
 void PlayerLayoutTest::textsAreTranslatedInTheContextOfTheClass()
 {
     const ContextTranslator translator;
@@ -570,6 +591,8 @@ void PlayerLayoutTest::textsAreTranslatedInTheContextOfTheClass()
         const auto* translated = player.findChild<QPushButton*>(button->objectName());
         QCOMPARE(translated->text(), button->text().isEmpty() ? QString() : context + button->text());
         QCOMPARE(translated->toolTip(), button->toolTip().isEmpty() ? QString() : context + button->toolTip());
+        QCOMPARE(translated->accessibleName(),
+                 button->accessibleName().isEmpty() ? QString() : context + button->accessibleName());
     }
 }
 
