@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Runs each task of the library on files of 1 min, 10 min, 1 h and 3 h, in the page cache, and prints a table of times
-# and memory with the exponent of growth between the longest two: 1 is linear, 0 constant. Takes some minutes and 20 GB
-# of disk.
+# Runs each task of the library three times on files of 1 min, 10 min, 1 h and 3 h, in the page cache, and prints a
+# table of median times and of memory with the exponent of growth between the longest two: 1 is linear, 0 constant.
+# Takes a quarter of an hour and 20 GB of disk.
 #
 #   benchmarks/growth.sh
 set -euo pipefail
@@ -20,7 +20,6 @@ lengths=(60 600 3600 10800)
 for seconds in "${lengths[@]}"; do
   sox -n -r 48000 -c 2 -b 16 "$seconds.wav" synth "$seconds" pinknoise vol 0.5
   lame --quiet -b 192 "$seconds.wav" "$seconds.mp3"
-  cat "$seconds.wav" "$seconds.mp3" >/dev/null
 done
 
 peak() { # COMMAND...
@@ -51,12 +50,23 @@ inner() { # COMMAND...
   "$@" 2>/dev/null | awk '{ print $1 / 1000, "-" }'
 }
 
-row() { # NAME MEASURE COMMAND...   with SECONDS, STEP and names of files replaced
-  local name=$1 measure=$2 cells=() seconds
-  shift 2
-  for seconds in "${lengths[@]}"; do
+# What a command measures when its files are in memory and the disk has nothing left to store.
+quietly() { # SECONDS MEASURE COMMAND...
+  local seconds=$1
+  shift
+  for _ in 1 2 3; do
     rm -f out.wav
-    cells+=("$("$measure" "${@//SECONDS/$seconds}")")
+    sync
+    cat "$seconds.wav" "$seconds.mp3" >/dev/null
+    "$@"
+  done | sort -n | sed -n 2p
+}
+
+row() { # NAME MEASURE COMMAND...   with SECONDS replaced
+  local name=$1 cells=() seconds
+  shift
+  for seconds in "${lengths[@]}"; do
+    cells+=("$(quietly "$seconds" "${@//SECONDS/$seconds}")")
   done
   printf '%s\n' "${cells[@]}" | awk -v name="$name" '
     { time[NR] = $1; memory[NR] = $2 }
@@ -69,12 +79,21 @@ row() { # NAME MEASURE COMMAND...   with SECONDS, STEP and names of files replac
     }'
 }
 
-# The view of 1600 pixels asks for two values a pixel column.
+# As many bytes as a task writes for each second of audio, by a program that does nothing else.
+write_only() { # SECONDS BYTES-PER-SECOND
+  plain dd if=/dev/zero of=out.wav bs=64k count=$(($1 * $2 / 65536)) status=none
+}
+
+# What a view of 1600 pixels asks for: every sample, or above five minutes a thousand values for each pixel column.
 steps() { # SECONDS
-  echo $(($1 < 300 ? 1 : $1 * 48000 / 3200))
+  echo $(($1 < 300 ? 1 : $1 * 48000 / 1600000))
 }
 read_view() { # PROGRAM FILE SECONDS
   inner "$1" read "$2" 0 "$3" "$(steps "$3")"
+}
+# As few as a picture of the whole needs.
+read_overview() { # PROGRAM FILE SECONDS
+  inner "$1" read "$2" 0 "$3" $(($3 * 48000 / 3200))
 }
 
 echo "| task | 1 min | 10 min | 1 h | 3 h | exponent |"
@@ -83,7 +102,10 @@ row "\`cat\` of the file" plain cat SECONDS.wav
 row "left channel" whole "$task" left SECONDS.wav out.wav
 row "all of it mixed to mono" whole "$task" mix SECONDS.wav out.wav SECONDS
 row "to 44.1 kHz mono float" whole "$task" convert SECONDS.wav out.wav 44100
+row "as many bytes written by \`dd\`" write_only SECONDS 176400
 row "MP3 to 96 kHz float" whole_with_ffmpeg "$task" decode SECONDS.mp3 out.wav 96000
+row "as many bytes written by \`dd\`" write_only SECONDS 768000
 row "samples for a view of 1600 pixels" read_view "$task" SECONDS.wav SECONDS
+row "3,200 samples of all of it" read_overview "$task" SECONDS.wav SECONDS
 row "a ready copy opened and shown" inner "$session" "$window" open SECONDS.wav
 row "longest deafness while exporting" inner "$session" "$window" gap SECONDS.wav out.wav
