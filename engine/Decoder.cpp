@@ -125,7 +125,6 @@ private:
     qint64 m_dataSize = 0;
     QByteArray m_block;
     std::optional<WavFile::AudioEngineReturnValue> m_result;
-    bool m_hasSounded = false;
     bool m_isSecondTry = false;
     QEventLoop m_loop;
     /** The platform's decoder may keep silent for ever about a file that it cannot decode. */
@@ -154,7 +153,6 @@ Decoder::Run::Run(QFile& output, int sampleRate, SampleType type)
 
 WavFile::AudioEngineReturnValue Decoder::Run::Decode(const QString& inPath)
 {
-    m_output.seek(writtenHeaderSize);
     m_source.setFileName(inPath);
     Start(SilenceWatch::Patience::WithNobody);
     if (!m_result) {
@@ -166,6 +164,7 @@ WavFile::AudioEngineReturnValue Decoder::Run::Decode(const QString& inPath)
 
 void Decoder::Run::Start(SilenceWatch::Patience patience)
 {
+    m_output.seek(writtenHeaderSize);
     m_decoder = std::make_unique<QAudioDecoder>();
     QObject::connect(m_decoder.get(), &QAudioDecoder::bufferReady, &m_loop, [this] { OnBufferReady(); });
     QObject::connect(m_decoder.get(), &QAudioDecoder::finished, &m_loop, [this] { OnFinished(); });
@@ -191,15 +190,17 @@ void Decoder::Run::SetSource()
     }
 }
 
-/** Qt 6.4's decoder now and then misses its own signal to start and stands still; another one hardly does so, too.
- */
+/** Qt 6.4's decoder now and then misses a signal of its own and stands still, at the start or later; another one
+ * hardly does so, too. It begins anew, since no decoder begins in the middle. */
 void Decoder::Run::OnSilence()
 {
-    if (m_hasSounded || std::exchange(m_isSecondTry, true)) {
+    if (std::exchange(m_isSecondTry, true) || !m_output.resize(writtenHeaderSize)) {
         End(WavFile::ErrorInvalidFormat);
-    } else {
-        Start(SilenceWatch::Patience::WithTheBusy);
+        return;
     }
+    m_block.resize(0);
+    m_dataSize = 0;
+    Start(SilenceWatch::Patience::WithTheBusy);
 }
 
 void Decoder::Run::OnBufferReady()
@@ -208,7 +209,6 @@ void Decoder::Run::OnBufferReady()
         return;
     }
     m_silence.OnSound();
-    m_hasSounded = true;
     const QAudioBuffer buffer = ReadAtPace();
     m_channelCount = buffer.format().channelCount();
     const auto bytes = m_type == SampleType::Float ? ResampleAsFloat(buffer, m_sampleRate)
