@@ -45,7 +45,8 @@ public:
      * - ErrorOpenFile: a path is empty, `inPath` cannot be read, `outPath` cannot be written, or both are the same
      *   file in a folder that may not be written, where it could not be replaced in one step.
      * - ErrorInvalidFormat: not audio, or it cannot be decoded to its end: an unknown sample type, an error of the
-     *   framework, 10 s without progress, the end of the application.
+     *   framework, 10 s without progress in a second attempt as well, the end of the application. Also where
+     * FFmpeg's libavformat or libavcodec cannot be loaded, which a warning tells once.
      * - ErrorWriteHeader: the new file could not be written whole.
      *
      * The audio grows in an unnamed or temporary file, so that no part of it ever stands under `outPath`. What the
@@ -64,7 +65,9 @@ public:
 
     /**
      * How long the audio of `path` lasts, in milliseconds: what the container states, or the audio stream where
-     * the container states nothing. 0 when the path is empty or that cannot be found; the debug log tells why.
+     * the container states nothing. 0 when the path is empty or that cannot be found; the debug log tells why. 0
+     * also where FFmpeg's libavformat or libavcodec cannot be loaded, which a warning tells once.
+     *
      * Reads a few megabytes of the file at most and leaves it closed.
      */
     static int GetDuration(const QString& path);
@@ -89,7 +92,8 @@ private:
 
     /**
      * Opens `path` into `format`, finds its first audio stream and opens a decoder for it in `codec`. Both must
-     * be allocated and not open. 0 on success, -1 on failure, with the cause on the debug log.
+     * be allocated and not open. 0 on success, -1 on failure, with the cause on the debug log. Only where FFmpeg()
+     * is there.
      *
      * The caller closes and frees both, except that a file that cannot be opened frees `format`: `streamIndex`
      * keeps its value then, while in every other case it becomes the stream's index or -1.

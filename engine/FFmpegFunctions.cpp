@@ -1,43 +1,66 @@
 #include "engine/FFmpegFunctions.h"
 
 #include <QtCore/QDebug>
-#include <QtCore/QLibrary>
+#include <QtCore/QFile>
+
+#ifdef Q_OS_LINUX
+#    include <dlfcn.h>
+#else
+#    include <QtCore/QLibrary>
+#endif
+
+using namespace Qt::Literals::StringLiterals;
 
 namespace vantoraudio::AudioEngine {
 
 namespace {
 
-void Complain(const QLibrary& library, const char* missing)
+#ifdef Q_OS_LINUX
+
+/** Stays loaded until the program ends. Loaded by this library itself instead of by way of Qt, so that it is
+ * searched for where a linked one would be. */
+class Library
 {
-    qWarning() << "Files cannot be looked into:" << missing << "is missing in" << library.fileName()
-               << library.errorString();
-}
+public:
+    Library(const QString& name, unsigned version)
+        : m_handle(dlopen(QFile::encodeName(u"lib%1.so.%2"_s.arg(name).arg(version)).constData(), RTLD_LAZY))
+    {
+    }
+
+    void* Find(const char* function) const { return m_handle != nullptr ? dlsym(m_handle, function) : nullptr; }
+    QString Error() const { return QString::fromLocal8Bit(dlerror()); }
+
+private:
+    void* const m_handle;
+};
+
+#else
+
+class Library
+{
+public:
+    Library(const QString& name, unsigned version) : m_library(name, int(version)) {}
+
+    void* Find(const char* function) { return reinterpret_cast<void*>(m_library.resolve(function)); }
+    QString Error() const { return m_library.errorString(); }
+
+private:
+    QLibrary m_library;
+};
+
+#endif
 
 template<typename Function>
-bool Fetch(QLibrary& library, const char* name, Function& function)
+bool Fetch(Library& library, const char* name, Function& function)
 {
-    function = reinterpret_cast<Function>(library.resolve(name));
+    function = reinterpret_cast<Function>(library.Find(name));
     if (function == nullptr) {
-        Complain(library, name);
+        qWarning() << "Files cannot be looked into:" << library.Error();
     }
     return function != nullptr;
 }
 
-/** Qt hands over whatever version somebody else in the program has loaded before under the same name. */
-bool IsVersion(QLibrary& library, const char* versionFunction, unsigned major)
-{
-    unsigned (*version)() = nullptr;
-    if (!Fetch(library, versionFunction, version)) {
-        return false;
-    }
-    if (AV_VERSION_MAJOR(version()) != major) {
-        Complain(library, "its proper version");
-        return false;
-    }
-    return true;
-}
-
-bool FetchFormatFunctions(QLibrary& library, FFmpegFunctions& to)
+bool FetchFormatFunctions(Library&& library, FFmpegFunctions& to)
 {
     return Fetch(library, "avformat_alloc_context", to.avformat_alloc_context) &&
            Fetch(library, "avformat_free_context", to.avformat_free_context) &&
@@ -47,7 +70,7 @@ bool FetchFormatFunctions(QLibrary& library, FFmpegFunctions& to)
            Fetch(library, "av_read_frame", to.av_read_frame);
 }
 
-bool FetchCodecFunctions(QLibrary& library, FFmpegFunctions& to)
+bool FetchCodecFunctions(Library&& library, FFmpegFunctions& to)
 {
     return Fetch(library, "avcodec_alloc_context3", to.avcodec_alloc_context3) &&
            Fetch(library, "avcodec_free_context", to.avcodec_free_context) &&
@@ -65,12 +88,9 @@ bool FetchCodecFunctions(QLibrary& library, FFmpegFunctions& to)
 
 std::optional<FFmpegFunctions> LoadFFmpegFunctions(const FFmpegLibraries& libraries)
 {
-    QLibrary format(libraries.format, int(libraries.formatVersion));
-    QLibrary codec(libraries.codec, int(libraries.codecVersion));
     FFmpegFunctions functions;
-    const bool hasAll = IsVersion(format, "avformat_version", libraries.formatVersion) &&
-                        IsVersion(codec, "avcodec_version", libraries.codecVersion) &&
-                        FetchFormatFunctions(format, functions) && FetchCodecFunctions(codec, functions);
+    const bool hasAll = FetchFormatFunctions({libraries.format, libraries.formatVersion}, functions) &&
+                        FetchCodecFunctions({libraries.codec, libraries.codecVersion}, functions);
     return hasAll ? std::optional(functions) : std::nullopt;
 }
 

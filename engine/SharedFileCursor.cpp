@@ -46,7 +46,9 @@ bool SharedFileCursor::ReadSpaced(const Spacing& spacing, QByteArray& block)
             m_position += arrived;
             break;
         }
-        MoveToLocked(qMin(m_position + spacing.distance, end));
+        if (!MoveToLocked(qMin(m_position + spacing.distance, end))) {
+            break;
+        }
     }
     block.resize(used);
     return !block.isEmpty();
@@ -74,11 +76,13 @@ qint64 SharedFileCursor::ReadLocked(char* bytes, qint64 size)
     return qMax(qint64(0), m_file.read(bytes, size));
 }
 
-void SharedFileCursor::MoveToLocked(qint64 position)
+bool SharedFileCursor::MoveToLocked(qint64 position)
 {
-    if (m_isPlaced && position >= 0 && m_file.seek(position)) {
+    const bool isMoved = m_isPlaced && position >= 0 && m_file.seek(position);
+    if (isMoved) {
         m_position = position;
     }
+    return isMoved;
 }
 
 } // namespace vantoraudio::AudioEngine

@@ -37,9 +37,9 @@ public:
     struct Spacing
     {
         /** Of one stretch, at least 1. */
-        qint64 size = 0;
+        qint64 size = 1;
         /** From one's beginning to the next one's, at least `size`. */
-        qint64 distance = 0;
+        qint64 distance = 1;
         /** The stretches begin before this many bytes. */
         qint64 length = 0;
     };
@@ -57,7 +57,7 @@ public:
 private:
     qint64 BytesLeftLocked() const;
     qint64 ReadLocked(char* bytes, qint64 size);
-    void MoveToLocked(qint64 position);
+    bool MoveToLocked(qint64 position);
 
     QFile& m_file;
     QMutex& m_deviceLock;

@@ -18,8 +18,8 @@ constexpr qint64 valuesPerBlock = 200;
 /** So many bytes are read at once: many short blocks, or a part of a long one. */
 constexpr qint64 pieceSize = qint64(1024) * 1024;
 
-/** From this distance on, in bytes, only the frames that are wanted are read. Nearer ones come faster, even from a
- *  disk, together with what lies between them. */
+/** With so much between them, in bytes, only the frames that are wanted are read. Nearer ones come faster, even
+ * from a disk, together with what lies between them. */
 constexpr qint64 leastDistance = qint64(128) * 1024;
 
 } // namespace
@@ -35,15 +35,15 @@ struct WavFile::Extraction
     qint64 end = 0;
 
     qint64 BlockSize() const { return valuesPerBlock * BytesPerValue(); }
-    /** Whether a block is read by itself, and in parts. Readers of damaged headers may find no place to divide it.
+    /** Whether a block is read by itself, and in parts. */
+    bool HasLongBlocks() const { return BlockSize() > pieceSize; }
+    bool HasDistantFrames() const { return Distance() - BytesPerFrame(format) >= leastDistance; }
+    /** Of one wanted frame from the next one, in bytes, as the block readers count them; 0 where they take none.
      */
-    bool HasLongBlocks() const;
-    bool HasDistantFrames() const { return Distance() >= leastDistance; }
-    /** Of one wanted frame from the next one, in bytes, as the block readers count them. */
     qint64 Distance() const { return pick.step * BytesPerFrame(format); }
     /** How much to read at once at a place, in bytes: whole blocks, at least one of them. */
     qint64 PieceSize(qint64 position) const;
-    /** The same within a long block of which `left` bytes are left. */
+    /** How much to read at once of a long block, in bytes: whole distances, or all that is left of it. */
     qint64 PartSize(qint64 left) const;
     /** Whole blocks are read, so it may be more than lies between start and end. */
     qint64 BytesToRead() const;
@@ -80,14 +80,10 @@ qint64 WavFile::Extraction::PieceSize(qint64 position) const
     return qBound(qint64(1), pieceSize / BlockSize(), blocksLeft) * BlockSize();
 }
 
-bool WavFile::Extraction::HasLongBlocks() const
-{
-    return BlockSize() > pieceSize && Distance() > 0 && BlockSize() % Distance() == 0;
-}
-
 qint64 WavFile::Extraction::PartSize(qint64 left) const
 {
-    return qMin(left, qMax(qint64(1), pieceSize / Distance()) * Distance());
+    const qint64 distance = qMax(qint64(1), Distance());
+    return qMin(left, qMax(qint64(1), pieceSize / distance) * distance);
 }
 
 qint64 WavFile::Extraction::ValueCount(qint64 bytes) const

@@ -103,17 +103,35 @@ void AddDistantFrames()
     for (const int channels : {1, 2}) {
         for (const int bits : {16, 24, 32}) {
             const int frameSize = channels * bits / 8;
-            const DistantFrames near{.bits = bits, .channels = channels, .step = 9'000 / frameSize, .count = 450};
-            const DistantFrames far{.bits = bits, .channels = channels, .step = 140'000 / frameSize, .count = 210};
-            QTest::addRow("%d bits, %d channels, near", bits, channels) << near;
-            QTest::addRow("%d bits, %d channels, far", bits, channels) << far;
+            QTest::addRow("%d bits, %d channels, near", bits, channels)
+                << DistantFrames{.bits = bits, .channels = channels, .step = 9'000 / frameSize, .count = 450};
         }
         QTest::addRow("float, %d channels, near", channels)
             << DistantFrames{.tag = 3, .bits = 32, .channels = channels, .step = 3'000, .count = 450};
-        QTest::addRow("float, %d channels, far", channels)
-            << DistantFrames{.tag = 3, .bits = 32, .channels = channels, .step = 40'000, .count = 210};
     }
+    QTest::newRow("16 bits, 1 channel, far") << DistantFrames{.step = 70'000, .count = 210};
+    QTest::newRow("24 bits, 2 channels, far")
+        << DistantFrames{.bits = 24, .channels = 2, .step = 23'000, .count = 210};
+    QTest::newRow("float, 2 channels, far")
+        << DistantFrames{.tag = 3, .bits = 32, .channels = 2, .step = 17'000, .count = 210};
 }
+
+/** Counts what it is asked to read. */
+class CountingWav : public WavFile
+{
+public:
+    qint64 largestRead = 0;
+    qint64 bytesRead = 0;
+
+protected:
+    qint64 readData(char* bytes, qint64 size) override
+    {
+        const qint64 arrived = WavFile::readData(bytes, size);
+        largestRead = qMax(largestRead, size);
+        bytesRead += qMax(qint64(0), arrived);
+        return arrived;
+    }
+};
 
 } // namespace
 
@@ -148,6 +166,9 @@ private Q_SLOTS:
     void endsWithAFailureAmongDistantFrames();
     void stopsAfterALongBlockDuringWhichItWasAborted_data() { AddDistantFrames(); }
     void stopsAfterALongBlockDuringWhichItWasAborted();
+    void endsWithAFileWithinALongBlock();
+    void readsLongBlocksInParts();
+    void readsNothingBetweenFramesThatAreFarApart();
     void readsDistantFloatsThatSayFewerBits_data();
     void readsDistantFloatsThatSayFewerBits();
     void dropsATrailingPartialFrame_data();
@@ -483,6 +504,48 @@ void TestExtraction::stopsAfterALongBlockDuringWhichItWasAborted()
     QCOMPARE(QStringList(wav.log), QStringList({Updating(0), updated}));
     QCOMPARE(wav.file.pos(), audio.Position(200));
     QVERIFY(wav.file.GetSamples().isEmpty());
+}
+
+void TestExtraction::endsWithAFileWithinALongBlock()
+{
+    // Blocks of 200 values are read in parts; the file ends at the end of one.
+    const DistantFrames audio{.step = 4'096, .count = 400};
+    for (const int values : {16, 32, 64, 128, 256}) {
+        WavFile file;
+        const QString path = m_files.Write(u"file.wav"_s, audio.File(0).first(audio.Position(values)));
+        QCOMPARE(file.Open(path), WavFile::Success);
+        SignalLog log(file);
+        file.ReadData(0, Seconds(audio.count * qint64(audio.step)), audio.step);
+        QCOMPARE(file.GetSamples().size(), values);
+        QStringList reports{Updating(0)};
+        if (values > 200) {
+            reports << Updating(int(audio.Position(200) * 100 / audio.Position(audio.count)));
+        }
+        reports << Updating(int(audio.Position(values) * 100 / audio.Position(audio.count)));
+        QCOMPARE(QStringList(log), reports + QStringList({u"NewData"_s, updated}));
+    }
+}
+
+void TestExtraction::readsLongBlocksInParts()
+{
+    const DistantFrames audio{.step = 60'000, .count = 210};
+    CountingWav file;
+    QCOMPARE(file.Open(m_files.Write(u"file.wav"_s, audio.File(0))), WavFile::Success);
+    file.ReadData(0, file.GetDuration(), audio.step);
+    QCOMPARE(file.GetSamples().size(), audio.count);
+    // A block has 24 MB.
+    QVERIFY(file.largestRead <= 1024 * 1024);
+    QVERIFY(file.bytesRead >= file.size());
+}
+
+void TestExtraction::readsNothingBetweenFramesThatAreFarApart()
+{
+    const DistantFrames audio{.step = 70'000, .count = 210};
+    CountingWav file;
+    QCOMPARE(file.Open(m_files.Write(u"file.wav"_s, audio.File(0))), WavFile::Success);
+    file.ReadData(0, file.GetDuration(), audio.step);
+    QCOMPARE(file.GetSamples().size(), audio.count);
+    QVERIFY(file.bytesRead < file.size() / 5);
 }
 
 void TestExtraction::readsDistantFloatsThatSayFewerBits_data()

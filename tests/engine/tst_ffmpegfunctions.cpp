@@ -38,15 +38,13 @@ void TestFFmpegFunctions::areNothingWithoutALibrary_data()
     QTest::newRow("another codec version") << FFmpegLibraries{.codecVersion = 1} << u"avcodec"_s;
     QTest::newRow("function missing") << FFmpegLibraries{.format = u"avcodec"_s,
                                                          .formatVersion = LIBAVCODEC_VERSION_MAJOR}
-                                      << u"avformat_version"_s;
+                                      << u"avformat_alloc_context"_s;
 }
 
 void TestFFmpegFunctions::areNothingWithoutALibrary()
 {
     QFETCH(const FFmpegLibraries, libraries);
     QFETCH(const QString, warning);
-    // The proper ones, which Qt would hand over again for the same name.
-    QVERIFY(FFmpeg() != nullptr);
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"^Files cannot be looked into: .*%1.*"_s.arg(warning)));
     QVERIFY(!LoadFFmpegFunctions(libraries).has_value());
 }

@@ -106,6 +106,8 @@ private Q_SLOTS:
     void decodesASingle24BitSample();
     void passesFloatsUnchanged();
     void appendsBehindFormerValues();
+    void countsTheBytesOfAFrameAsItTakesThem_data();
+    void countsTheBytesOfAFrameAsItTakesThem();
     void agreesWithAPlainDecodingOfRandomBlocks();
 
 private:
@@ -400,6 +402,40 @@ void TestSampleBlocks::appendsBehindFormerValues()
     AppendF32Block(values, PackF32({1, 2}), 1, {});
     AppendS16Block(values, PackS16({32767}), 1, {});
     QCOMPARE(values, Values({7, 1, 2, 1}));
+}
+
+void TestSampleBlocks::countsTheBytesOfAFrameAsItTakesThem_data()
+{
+    QTest::addColumn<int>("sampleFormat");
+    QTest::addColumn<int>("sampleSize");
+    QTest::addColumn<int>("bytesPerSample");
+    QTest::newRow("unknown") << int(QAudioFormat::Unknown) << 16 << 0;
+    QTest::newRow("8 bits") << int(QAudioFormat::UInt8) << 8 << 0;
+    QTest::newRow("16 bits") << int(QAudioFormat::Int16) << 16 << 2;
+    QTest::newRow("24 bits") << int(QAudioFormat::Int32) << 24 << 3;
+    QTest::newRow("32 bits") << int(QAudioFormat::Int32) << 32 << 4;
+    QTest::newRow("float") << int(QAudioFormat::Float) << 32 << 4;
+    QTest::newRow("float that says 16 bits") << int(QAudioFormat::Float) << 16 << 4;
+    QTest::newRow("float that says 24 bits") << int(QAudioFormat::Float) << 24 << 4;
+}
+
+void TestSampleBlocks::countsTheBytesOfAFrameAsItTakesThem()
+{
+    QFETCH(const int, sampleFormat);
+    QFETCH(const int, sampleSize);
+    QFETCH(const int, bytesPerSample);
+    for (const int channels : {-1, 0, 1, 2, 6}) {
+        BlockFormat format{{}, sampleSize};
+        format.audio.setSampleFormat(QAudioFormat::SampleFormat(sampleFormat));
+        format.audio.setChannelCount(channels);
+        QCOMPARE(BytesPerFrame(format), qMax(0, channels) * bytesPerSample);
+        const QByteArray block(11 * BytesPerFrame(format), '\0');
+        for (const int missing : {0, 1}) {
+            Values values;
+            AppendBlock(values, QByteArrayView(block).chopped(qMin(missing, int(block.size()))), format, {});
+            QCOMPARE(values.size(), block.isEmpty() ? 0 : 11 - missing);
+        }
+    }
 }
 
 void TestSampleBlocks::agreesWithAPlainDecodingOfRandomBlocks()
