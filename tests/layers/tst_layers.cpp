@@ -111,7 +111,8 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("library");
         QTest::addColumn<QString>("door");
-        QTest::addRow("FFmpeg") << u"lib(av|sw)\\w+/.*"_s << u"engine/FFmpeg((Probe|Resampler)\\.cpp|Functions\\.h)"_s;
+        QTest::addRow("FFmpeg") << u"lib(av|sw)\\w+/.*"_s
+                                << u"engine/FFmpeg((Probe|Resampler)\\.cpp|Functions\\.h)"_s;
         QTest::addRow("OpenGL") << u"(QtOpenGL/|QtGui/QOpenGL|QtGui/QOffscreenSurface|GL/|GLES).*"_s
                                 << u"render/bgfx/device/OpenGL\\w*\\.(cpp|h)"_s;
         // A format is plain data and part of several public functions; what plays or decodes is not.
