@@ -42,11 +42,8 @@ bool SharedFileCursor::ReadSpaced(const Spacing& spacing, QByteArray& block)
     while (m_position < end) {
         const qint64 arrived = ReadLocked(block.data() + used, spacing.size);
         used += arrived;
-        if (arrived < spacing.size) {
+        if (arrived < spacing.size || !MoveToLocked(qMin(m_position + spacing.distance, end))) {
             m_position += arrived;
-            break;
-        }
-        if (!MoveToLocked(qMin(m_position + spacing.distance, end))) {
             break;
         }
     }

@@ -64,7 +64,7 @@ qint64 WavFile::Extraction::BytesPerValue() const
 
 qint64 WavFile::Extraction::BytesToRead() const
 {
-    if (start >= end || frameSize < 1) {
+    if (start >= end || BlockSize() < 1) {
         return 0;
     }
     const qint64 blockCount = (end - start + BlockSize() - 1) / BlockSize();
