@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Runs each task of the library three times on files of 1 min, 10 min, 1 h and 3 h, in the page cache, and prints a
 # table of median times and of memory with the exponent of growth between the longest two: 1 is linear, 0 constant.
-# Takes a quarter of an hour and 20 GB of disk.
+# Takes ten minutes or so and 20 GB of disk.
 #
 #   benchmarks/growth.sh
 set -euo pipefail

@@ -174,7 +174,11 @@ void Decoder::Run::Start(SilenceWatch::Patience patience)
     m_readAt = Clock::now();
     m_freeAt = m_readAt;
     m_decoderThreads = {};
-    m_decoderThreads.Start([this] { m_decoder->start(); });
+    if (m_sharesProcessors) {
+        m_decoder->start();
+    } else {
+        m_decoderThreads.Start([this] { m_decoder->start(); });
+    }
     m_silence.Start(patience);
 }
 

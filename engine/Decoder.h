@@ -46,7 +46,7 @@ public:
      *   file in a folder that may not be written, where it could not be replaced in one step.
      * - ErrorInvalidFormat: not audio, or it cannot be decoded to its end: an unknown sample type, an error of the
      *   framework, 10 s without progress in a second attempt as well, the end of the application. Also where
-     * FFmpeg's libavformat or libavcodec cannot be loaded, which a warning tells once.
+     *   libavformat or libavcodec cannot be loaded, which a warning tells once.
      * - ErrorWriteHeader: the new file could not be written whole.
      *
      * The audio grows in an unnamed or temporary file, so that no part of it ever stands under `outPath`. What the

@@ -132,6 +132,7 @@ private Q_SLOTS:
 #ifdef Q_OS_LINUX
     void decodesInBatchesUntilBuffersAreLate();
     void decodesInBatchesHoweverLongItsOwnWorkTakes();
+    void startsNoBatchesAgainOnceBuffersWereLate();
 #endif
 
     void endsWhenTheDecoderNeverStarts();
@@ -670,6 +671,31 @@ void TestDecoder::decodesInBatchesHoweverLongItsOwnWorkTakes()
     QCOMPARE(Decoder::Convert(in, Path(u"slow out.wav"_s), 44100), WavFile::Success);
     QVERIFY(readings > 80);
     QVERIFY(afterwards > 0);
+}
+
+void TestDecoder::startsNoBatchesAgainOnceBuffersWereLate()
+{
+    if (!CanHaveBatchThreads()) {
+        QSKIP("threads may not be scheduled otherwise here");
+    }
+    const QString in = Path(u"late and silent.mp3"_s);
+    QVERIFY(AudioPrograms::MakeTone(Path(u"late and silent.wav"_s), 44100, 2, 5.0));
+    QVERIFY(AudioPrograms::Encode(u"mp3"_s, Path(u"late and silent.wav"_s), in));
+    QPointer<QAudioDecoder> first;
+    int ofSecond = -1;
+    const Interceptor interceptor([&](QAudioDecoder& decoder, int number) {
+        if (number == 0) {
+            first = &decoder;
+        } else if (first == &decoder && number < 80) {
+            BeBusyFor(std::chrono::milliseconds(2));
+        } else if (first.isNull() && ofSecond < 0) {
+            ofSecond = BatchThreadCount();
+        }
+        return first == &decoder && number > 100;
+    });
+    QCOMPARE(Decoder::Convert(in, Path(u"late and silent out.wav"_s), 44100), WavFile::Success);
+    QVERIFY(first.isNull());
+    QCOMPARE(ofSecond, 0);
 }
 #endif
 

@@ -3,7 +3,7 @@
 
 #include <vantorAudioEngine/Decoder.h>
 
-#include <QtCore/QDir>
+#include <QtCore/QFile>
 #include <QtTest/QtTest>
 
 using namespace Qt::Literals::StringLiterals;
