@@ -156,8 +156,8 @@ void TestWavFile::declaresItsSignalsInOrder()
 {
     const QMetaObject& meta = WavFile::staticMetaObject;
     const int first = meta.methodOffset();
-    QCOMPARE(meta.method(first).methodSignature(), "NewData()"_qba);
-    QCOMPARE(meta.method(first + 1).methodSignature(), "ProgressChanged(int,int,int,QString)"_qba);
+    QCOMPARE(meta.method(first).methodSignature(), "NewData()"_ba);
+    QCOMPARE(meta.method(first + 1).methodSignature(), "ProgressChanged(int,int,int,QString)"_ba);
     QCOMPARE(meta.method(first + 1).parameterNames(), QByteArrayList({"progress", "min", "max", "text"}));
     QCOMPARE(meta.method(first + 1).methodType(), QMetaMethod::Signal);
 }
@@ -592,7 +592,7 @@ void TestWavFile::writesTheHeaderAndGoesBehindIt()
     QCOMPARE(file.pos(), 44);
     QCOMPARE(file.GetDataOffset(), 44);
     QCOMPARE(TemporaryFiles::Read(file.fileName()).left(44).toHex(),
-             "524946460c04000057415645666d7420100000000100020044ac000010b102000400100064617461e8030000"_qba);
+             "524946460c04000057415645666d7420100000000100020044ac000010b102000400100064617461e8030000"_ba);
 }
 
 void TestWavFile::writesThirtyTwoBitsForATwentyFourBitFile()
@@ -607,8 +607,8 @@ void TestWavFile::writesThirtyTwoBitsForATwentyFourBitFile()
     access.SampleSize() = 24;
     QCOMPARE(access.WriteHeader(0), WavFile::Success);
     const QByteArray header = TemporaryFiles::Read(file.fileName());
-    QCOMPARE(header.mid(20, 2).toHex(), "0100"_qba);
-    QCOMPARE(header.mid(32, 4).toHex(), "04002000"_qba);
+    QCOMPARE(header.mid(20, 2).toHex(), "0100"_ba);
+    QCOMPARE(header.mid(32, 4).toHex(), "04002000"_ba);
 }
 
 void TestWavFile::doesNotRevisitTheHeader()
@@ -621,7 +621,7 @@ void TestWavFile::doesNotRevisitTheHeader()
     QCOMPARE(access.WriteHeader(2), WavFile::Success);
     file.write("abcdef");
     file.close();
-    QCOMPARE(TemporaryFiles::Read(file.fileName()).mid(36).toHex(), "6461746102000000616263646566"_qba);
+    QCOMPARE(TemporaryFiles::Read(file.fileName()).mid(36).toHex(), "6461746102000000616263646566"_ba);
 }
 
 void TestWavFile::writesNothingForAFormatWithoutEncoding()

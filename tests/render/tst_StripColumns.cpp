@@ -7,6 +7,7 @@
 #include <limits>
 #include <random>
 
+using namespace Qt::Literals::StringLiterals;
 using namespace vantoraudio::bgfx;
 using namespace vantoraudio::bgfx::device;
 using vantoraudio::vantor3D::Vertex::Pos2f;
@@ -62,27 +63,27 @@ class tst_StripColumns : public QObject
 private Q_SLOTS:
     void holdsThePixelsOfAFlatLine()
     {
-        QCOMPARE(Text({{1.0F, 5.3F}, {4.0F, 5.3F}}), u"1:5-5 2:5-5 3:5-5"_qs);
+        QCOMPARE(Text({{1.0F, 5.3F}, {4.0F, 5.3F}}), u"1:5-5 2:5-5 3:5-5"_s);
         // Only where it passes the middle of a column.
-        QCOMPARE(Text({{1.6F, 5.3F}, {4.4F, 5.3F}}), u"2:5-5 3:5-5"_qs);
+        QCOMPARE(Text({{1.6F, 5.3F}, {4.4F, 5.3F}}), u"2:5-5 3:5-5"_s);
     }
 
     void holdsTheCentresThatASteepLinePasses()
     {
-        QCOMPARE(Text({{7.2F, 3.0F}, {7.2F, 6.0F}}), u"7:3-5"_qs);
-        QCOMPARE(Text({{7.2F, 3.6F}, {7.2F, 6.4F}}), u"7:4-5"_qs);
-        QCOMPARE(Text({{7.2F, 6.4F}, {7.2F, 3.6F}}), u"7:4-5"_qs);
+        QCOMPARE(Text({{7.2F, 3.0F}, {7.2F, 6.0F}}), u"7:3-5"_s);
+        QCOMPARE(Text({{7.2F, 3.6F}, {7.2F, 6.4F}}), u"7:4-5"_s);
+        QCOMPARE(Text({{7.2F, 6.4F}, {7.2F, 3.6F}}), u"7:4-5"_s);
     }
 
     void sharesASteepLineOutAmongItsColumns()
     {
         // From column 2 into 3 at height 13, and from there into 4 at 23.
-        QCOMPARE(Text({{2.5F, 8.0F}, {4.5F, 28.0F}}), u"2:8-12 3:13-22 4:23-27"_qs);
+        QCOMPARE(Text({{2.5F, 8.0F}, {4.5F, 28.0F}}), u"2:8-12 3:13-22 4:23-27"_s);
     }
 
     void holdsAllThatPassesAColumn()
     {
-        QCOMPARE(Text({{3.1F, 5.0F}, {3.2F, 9.0F}, {3.3F, 1.0F}, {3.6F, 6.0F}}), u"3:1-8"_qs);
+        QCOMPARE(Text({{3.1F, 5.0F}, {3.2F, 9.0F}, {3.3F, 1.0F}, {3.6F, 6.0F}}), u"3:1-8"_s);
     }
 
     void isTheSameInBothDirections()
@@ -115,9 +116,9 @@ private Q_SLOTS:
         QCOMPARE(Text({{-50.0F, 1.0F}, {-30.0F, 3.0F}, {0.0F, 4.0F}}), QString());
         QCOMPARE(Text({{100.0F, 1.0F}, {130.0F, 3.0F}}), QString());
         QCOMPARE(Text({{5.2F, -20.0F}, {5.3F, -10.0F}, {8.9F, -1.0F}}), QString());
-        QCOMPARE(Text({{5.2F, -20.0F}, {5.2F, 300.0F}}), u"5:0-99"_qs);
-        QCOMPARE(Text({{-1.0F, 7.2F}, {1.0F, 7.2F}}), u"0:7-7"_qs);
-        QCOMPARE(Text({{99.0F, 7.2F}, {400.0F, 7.2F}}), u"99:7-7"_qs);
+        QCOMPARE(Text({{5.2F, -20.0F}, {5.2F, 300.0F}}), u"5:0-99"_s);
+        QCOMPARE(Text({{-1.0F, 7.2F}, {1.0F, 7.2F}}), u"0:7-7"_s);
+        QCOMPARE(Text({{99.0F, 7.2F}, {400.0F, 7.2F}}), u"99:7-7"_s);
     }
 
     void staysInsideTheViewport()
@@ -127,17 +128,17 @@ private Q_SLOTS:
         call.transform = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
         // Four pixels wide and high, the lower edge 94 rows above the target's.
         call.viewport = {10, 2, 4, 4};
-        QCOMPARE(Text(call), u"10:94-94 11:95-95 12:96-96 13:97-97"_qs);
+        QCOMPARE(Text(call), u"10:94-94 11:95-95 12:96-96 13:97-97"_s);
         call.viewport = {98, 2, 4, 4};
-        QCOMPARE(Text(call), u"98:94-94 99:95-95"_qs);
+        QCOMPARE(Text(call), u"98:94-94 99:95-95"_s);
         call.viewport = {200, 2, 4, 4};
         QCOMPARE(Text(call), QString());
     }
 
     void survivesCoordinatesOfAnySize()
     {
-        QCOMPARE(Text({{-1e30F, 5.2F}, {1e30F, 5.2F}}).count(u":5-5"_qs), 100);
-        QCOMPARE(Text({{20.5F, -Largest}, {20.5F, Largest}}), u"20:0-99"_qs);
+        QCOMPARE(Text({{-1e30F, 5.2F}, {1e30F, 5.2F}}).count(u":5-5"_s), 100);
+        QCOMPARE(Text({{20.5F, -Largest}, {20.5F, Largest}}), u"20:0-99"_s);
         std::mt19937 random(7);
         const std::array values{0.0F,   1.0F,    -1.0F,    5.5F,       1e6F,     -1e9F,     1e20F,
                                 -3e38F, Largest, -Largest, NotANumber, Infinite, -Infinite, 1e-40F};
@@ -164,16 +165,16 @@ private Q_SLOTS:
 
     void isOnlyForStripsThatNeverTurnBack()
     {
-        QCOMPARE(Text({{1.0F, 1.0F}, {5.0F, 1.0F}, {4.9F, 3.0F}}), u"none"_qs);
-        QCOMPARE(Text({{5.0F, 1.0F}, {1.0F, 1.0F}, {1.1F, 3.0F}}), u"none"_qs);
-        QVERIFY(Text({{5.0F, 1.0F}, {5.0F, 4.0F}, {5.0F, 2.0F}}) != u"none"_qs);
+        QCOMPARE(Text({{1.0F, 1.0F}, {5.0F, 1.0F}, {4.9F, 3.0F}}), u"none"_s);
+        QCOMPARE(Text({{5.0F, 1.0F}, {1.0F, 1.0F}, {1.1F, 3.0F}}), u"none"_s);
+        QVERIFY(Text({{5.0F, 1.0F}, {5.0F, 4.0F}, {5.0F, 2.0F}}) != u"none"_s);
     }
 
     void isOnlyForFiniteVertices()
     {
         for (const float bad : {NotANumber, Infinite, -Infinite}) {
-            QCOMPARE(Text({{0.5F, 1.0F}, {1.5F, bad}, {4.5F, 1.0F}}), u"none"_qs);
-            QCOMPARE(Text({{0.5F, 1.0F}, {1.5F, 1.0F}, {bad, 1.0F}}), u"none"_qs);
+            QCOMPARE(Text({{0.5F, 1.0F}, {1.5F, bad}, {4.5F, 1.0F}}), u"none"_s);
+            QCOMPARE(Text({{0.5F, 1.0F}, {1.5F, 1.0F}, {bad, 1.0F}}), u"none"_s);
         }
     }
 

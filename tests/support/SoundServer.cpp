@@ -40,7 +40,7 @@ SoundServer::SoundServer(const QStringList& sinks)
 {
     QFile::setPermissions(m_folder.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     qputenv("XDG_RUNTIME_DIR", QFile::encodeName(m_folder.path()));
-    qputenv("PULSE_SERVER", "unix:" + QFile::encodeName(m_folder.filePath(QStringLiteral("native"))));
+    qputenv("PULSE_SERVER", QByteArray("unix:" + QFile::encodeName(m_folder.filePath(QStringLiteral("native")))));
     if (!qEnvironmentVariableIsSet("QT_MEDIA_BACKEND")) {
         qputenv("QT_MEDIA_BACKEND", "ffmpeg");
     }

@@ -178,7 +178,7 @@ int main(int argc, char** argv)
         return 1;
     }
     file.close();
-    qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + QFile::encodeName(path));
+    qputenv("QT_QPA_PLATFORM", QByteArray("offscreen:configfile=" + QFile::encodeName(path)));
     qunsetenv("QT_SCALE_FACTOR");
     QApplication application(argc, argv);
     TestWaveformScreens test;
