@@ -19,8 +19,10 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QFile>
+#include <QtCore/QLibraryInfo>
 #include <QtCore/QStringList>
 #include <QtCore/QThread>
+#include <QtCore/QVersionNumber>
 
 #include <cstdio>
 #include <functional>
@@ -138,7 +140,10 @@ bool Run(const QStringList& arguments)
 
 int main(int argc, char* argv[])
 {
-    qputenv("QT_MEDIA_BACKEND", "ffmpeg");
+    // Qt before 6.5 would choose a backend that needs further plug-ins.
+    if (QLibraryInfo::version() < QVersionNumber(6, 5)) {
+        qputenv("QT_MEDIA_BACKEND", "ffmpeg");
+    }
     const QCoreApplication application(argc, argv);
     const bool done = Run(QCoreApplication::arguments());
     if (!done) {

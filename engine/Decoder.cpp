@@ -1,9 +1,7 @@
-#include "engine/BatchThreads.h"
 #include "engine/BufferResampling.h"
+#include "engine/DecoderSource.h"
 #include "engine/FileReplacement.h"
 #include "engine/PendingFile.h"
-#include "engine/ProcessorTime.h"
-#include "engine/ReadingPace.h"
 #include "engine/SilenceWatch.h"
 #include "engine/WavHeader.h"
 
@@ -11,13 +9,9 @@
 
 #include <QtCore/QEventLoop>
 #include <QtCore/QFileInfo>
-#include <QtCore/QThread>
-#include <QtCore/QTimer>
-#include <QtCore/QUrl>
-#include <QtMultimedia/QAudioBuffer>
-#include <QtMultimedia/QAudioDecoder>
 
-#include <chrono>
+#include <algorithm>
+#include <cmath>
 #include <memory>
 #include <optional>
 #include <span>
@@ -31,8 +25,6 @@ constexpr int defaultSampleRate = 96000;
 
 /** Decoded buffers are short and dear to write one by one; much longer blocks would keep the decoder waiting. */
 constexpr qsizetype writtenBlockSize = 1 << 16;
-
-constexpr std::chrono::microseconds longestWakefulness(200);
 
 template<typename Sample>
 SampleBuffer<Sample> SamplesOf(const QAudioBuffer& buffer)
@@ -79,10 +71,32 @@ std::optional<QByteArray> ResampleAsFloat(const QAudioBuffer& buffer, int target
     }
 }
 
+bool IsFinite(float sample)
+{
+    return std::isfinite(sample);
+}
+
+/** Whether the buffer holds sound. Some files, such as layer 2 under the name of layer 3, are decoded to noise. */
+bool IsSound(const QAudioBuffer& buffer)
+{
+    return buffer.format().sampleFormat() != QAudioFormat::Float ||
+           std::ranges::all_of(SamplesOf<float>(buffer).samples, IsFinite);
+}
+
 bool CanBeRead(const QString& path)
 {
     // Opening a pipe would wait for its other end.
     return QFileInfo(path).isFile() && QFile(path).open(QIODevice::ReadOnly);
+}
+
+/** A file of which nothing is ever heard is given up within two seconds, two attempts included. */
+SilenceLimits LimitsFor(const DecoderSource& source)
+{
+    SilenceLimits limits;
+    if (source.TellsOfFailure()) {
+        limits.beforeFirstSound *= 2;
+    }
+    return limits;
 }
 
 /** The only copy of someone's audio makes way for nothing that a power failure could take. */
@@ -100,20 +114,15 @@ bool Commit(PendingFile& output, bool replacesInput)
 class Decoder::Run
 {
 public:
-    Run(QFile& output, int sampleRate, SampleType type);
+    Run(QFile& output, int sampleRate, SampleType type, const SourceMaker& makeSource);
 
     WavFile::AudioEngineReturnValue Decode(const QString& inPath);
 
 private:
-    using Clock = std::chrono::steady_clock;
-
-    void Start(SilenceWatch::Patience patience);
-    void SetSource();
+    void Start();
     void OnBufferReady();
-    QAudioBuffer ReadAtPace();
     void OnFinished();
     void OnSilence();
-    void StayAwake();
     void Append(const QByteArray& bytes);
     bool WriteBlock();
     void End(WavFile::AudioEngineReturnValue result);
@@ -121,40 +130,30 @@ private:
     QFile& m_output;
     const int m_sampleRate;
     const SampleType m_type;
+    const SourceMaker& m_makeSource;
+    QString m_inPath;
     int m_channelCount = 2;
     qint64 m_dataSize = 0;
     QByteArray m_block;
     std::optional<WavFile::AudioEngineReturnValue> m_result;
     bool m_isSecondTry = false;
     QEventLoop m_loop;
-    /** The platform's decoder may keep silent for ever about a file that it cannot decode. */
     SilenceWatch m_silence;
-    ReadingPace m_pace;
-    WorkPerPiece m_work;
-    Clock::time_point m_readAt;
-    /** When the last buffer had been dealt with: what the disk took to store it is no lateness of the next one. */
-    Clock::time_point m_freeAt;
-    /** Keeps the event loop from sleeping. */
-    QTimer m_wakefulness;
-    QFile m_source;
-    std::unique_ptr<QAudioDecoder> m_decoder;
-    /** They hand every buffer on to each other. */
-    BatchThreads m_decoderThreads;
-    /** Set once other work has kept the processors from the decoder. */
-    bool m_sharesProcessors = false;
+    std::unique_ptr<DecoderSource> m_source;
 };
 
-Decoder::Run::Run(QFile& output, int sampleRate, SampleType type)
-    : m_output(output), m_sampleRate(sampleRate), m_type(type), m_silence([this] { OnSilence(); })
+Decoder::Run::Run(QFile& output, int sampleRate, SampleType type, const SourceMaker& makeSource)
+    : m_output(output), m_sampleRate(sampleRate), m_type(type), m_makeSource(makeSource), m_silence([this] {
+        OnSilence();
+    })
 {
     m_block.reserve(writtenBlockSize);
-    QObject::connect(&m_wakefulness, &QTimer::timeout, &m_loop, [this] { StayAwake(); });
 }
 
 WavFile::AudioEngineReturnValue Decoder::Run::Decode(const QString& inPath)
 {
-    m_source.setFileName(inPath);
-    Start(SilenceWatch::Patience::WithNobody);
+    m_inPath = inPath;
+    Start();
     if (!m_result) {
         m_loop.exec();
     }
@@ -162,49 +161,29 @@ WavFile::AudioEngineReturnValue Decoder::Run::Decode(const QString& inPath)
     return m_result.value_or(WavFile::ErrorInvalidFormat);
 }
 
-void Decoder::Run::Start(SilenceWatch::Patience patience)
+void Decoder::Run::Start()
 {
     m_output.seek(writtenHeaderSize);
-    m_decoder = std::make_unique<QAudioDecoder>();
-    QObject::connect(m_decoder.get(), &QAudioDecoder::bufferReady, &m_loop, [this] { OnBufferReady(); });
-    QObject::connect(m_decoder.get(), &QAudioDecoder::finished, &m_loop, [this] { OnFinished(); });
-    QObject::connect(m_decoder.get(), qOverload<QAudioDecoder::Error>(&QAudioDecoder::error), &m_loop,
+    m_source = m_makeSource(m_inPath);
+    QObject::connect(m_source.get(), &DecoderSource::BufferReady, &m_loop, [this] { OnBufferReady(); });
+    QObject::connect(m_source.get(), &DecoderSource::Finished, &m_loop, [this] { OnFinished(); });
+    QObject::connect(m_source.get(), &DecoderSource::Failed, &m_loop,
                      [this] { End(WavFile::ErrorInvalidFormat); });
-    SetSource();
-    m_readAt = Clock::now();
-    m_freeAt = m_readAt;
-    m_decoderThreads = {};
-    if (m_sharesProcessors) {
-        m_decoder->start();
-    } else {
-        m_decoderThreads.Start([this] { m_decoder->start(); });
-    }
-    m_silence.Start(patience);
+    m_silence.Start(LimitsFor(*m_source));
+    m_source->Start();
 }
 
-void Decoder::Run::SetSource()
-{
-    const QUrl url = QUrl::fromLocalFile(m_source.fileName());
-    // Some platform decoders look for a file under the escaped name.
-    const bool isEscaped = url.toEncoded().contains('%');
-    if (isEscaped && (m_source.isOpen() ? m_source.seek(0) : m_source.open(QIODevice::ReadOnly))) {
-        m_decoder->setSourceDevice(&m_source);
-    } else {
-        m_decoder->setSource(url);
-    }
-}
-
-/** Qt 6.4's decoder now and then misses a signal of its own and stands still, at the start or later; another one
- * hardly does so, too. It begins anew, since no decoder begins in the middle. */
+/** Begins anew where that may help, since no decoder begins in the middle. */
 void Decoder::Run::OnSilence()
 {
-    if (std::exchange(m_isSecondTry, true) || !m_output.resize(writtenHeaderSize)) {
+    const bool isWorthATry = m_source->MayStandStill() && !std::exchange(m_isSecondTry, true);
+    if (!isWorthATry || !m_output.resize(writtenHeaderSize)) {
         End(WavFile::ErrorInvalidFormat);
         return;
     }
     m_block.resize(0);
     m_dataSize = 0;
-    Start(SilenceWatch::Patience::WithTheBusy);
+    Start();
 }
 
 void Decoder::Run::OnBufferReady()
@@ -213,46 +192,14 @@ void Decoder::Run::OnBufferReady()
         return;
     }
     m_silence.OnSound();
-    const QAudioBuffer buffer = ReadAtPace();
+    const QAudioBuffer buffer = m_source->Read();
     m_channelCount = buffer.format().channelCount();
     const auto bytes = m_type == SampleType::Float ? ResampleAsFloat(buffer, m_sampleRate)
                                                    : ResampleAsDecoded(buffer, m_sampleRate);
-    if (bytes) {
+    if (bytes && IsSound(buffer)) {
         Append(*bytes);
     } else {
         End(WavFile::ErrorInvalidFormat);
-    }
-    m_freeAt = Clock::now();
-}
-
-QAudioBuffer Decoder::Run::ReadAtPace()
-{
-    if (const auto work = m_work.OnPiece()) {
-        m_pace.SetWork(*work);
-    }
-    const auto next = m_readAt + m_pace.IntervalAfter(Clock::now() - m_freeAt);
-    if (m_pace.IsHopeless() && !std::exchange(m_sharesProcessors, true)) {
-        m_decoderThreads.MakeOrdinary();
-    }
-    // Far shorter than any sleep that a system offers.
-    while (Clock::now() < next) {
-        QThread::yieldCurrentThread();
-    }
-    m_readAt = Clock::now();
-    // Whoever else has work would get a whole slice of time at each yielding.
-    if (!m_sharesProcessors && !m_wakefulness.isActive()) {
-        m_wakefulness.start(0);
-    }
-    return m_decoder->read();
-}
-
-/** The next buffer mostly comes before the processor would have fallen asleep and been woken again. */
-void Decoder::Run::StayAwake()
-{
-    if (m_sharesProcessors || Clock::now() - m_readAt > longestWakefulness) {
-        m_wakefulness.stop();
-    } else {
-        QThread::yieldCurrentThread();
     }
 }
 
@@ -287,6 +234,8 @@ void Decoder::Run::End(WavFile::AudioEngineReturnValue result)
 {
     if (!m_result) {
         m_result = result;
+        // An inner call's event loop may go on for long before this call's own loop can end.
+        m_silence.Stop();
         m_loop.quit();
     }
 }
@@ -297,17 +246,17 @@ Decoder::~Decoder() = default;
 
 WavFile::AudioEngineReturnValue Decoder::Convert(const QString& inPath, const QString& outPath, int sampleRate)
 {
-    return Decode(inPath, outPath, sampleRate, SampleType::AsDecoded);
+    return Decode(inPath, outPath, sampleRate, SampleType::AsDecoded, &MakeQtDecoderSource);
 }
 
 WavFile::AudioEngineReturnValue Decoder::ConvertToFloat(const QString& inPath, const QString& outPath,
                                                         int sampleRate)
 {
-    return Decode(inPath, outPath, sampleRate, SampleType::Float);
+    return Decode(inPath, outPath, sampleRate, SampleType::Float, &MakeQtDecoderSource);
 }
 
 WavFile::AudioEngineReturnValue Decoder::Decode(const QString& inPath, const QString& outPath, int sampleRate,
-                                                SampleType type)
+                                                SampleType type, const SourceMaker& makeSource)
 {
     if (inPath.isEmpty() || outPath.isEmpty()) {
         return WavFile::ErrorOpenFile;
@@ -325,7 +274,7 @@ WavFile::AudioEngineReturnValue Decoder::Decode(const QString& inPath, const QSt
         return WavFile::ErrorInvalidFormat;
     }
     const int targetRate = sampleRate == -1 ? defaultSampleRate : sampleRate;
-    auto result = Run(output.File(), targetRate, type).Decode(source);
+    auto result = Run(output.File(), targetRate, type, makeSource).Decode(source);
     const bool replacesInput = IsSameFile(inPath, outPath);
     if (result == WavFile::Success && !Commit(output, replacesInput)) {
         result = WavFile::ErrorWriteHeader;

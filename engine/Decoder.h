@@ -7,6 +7,13 @@
 #include <QtCore/QObject>
 #include <QtCore/QString>
 
+#include <functional>
+#include <memory>
+
+namespace vantoraudio::AudioEngine {
+class DecoderSource;
+}
+
 struct AVCodecContext;
 struct AVFormatContext;
 
@@ -36,17 +43,17 @@ public:
      * float. So the result is sound for what is decoded to float (MP3, Ogg Vorbis, AAC), and noise for what is
      * decoded to integers (FLAC, WAV). ConvertToFloat() is right for both.
      *
-     * Runs an event loop until the decoding has ended, at most 2 s for a file that turns out not to be decodable
-     * (10 s where the framework says nothing of it and the program works at something else meanwhile): the caller
-     * may be called, closed and even destroyed meanwhile, and other conversions may start. Ending the application
-     * ends the call too.
+     * Runs an event loop until the decoding has ended, at most 2 s for a file that turns out not to be decodable:
+     * the caller may be called, closed and even destroyed meanwhile, and other conversions may start. Ending the
+     * application ends the call too.
      *
      * - Success: `outPath` is the whole new file. Both paths may name the same file: it is read to its end first.
      * - ErrorOpenFile: a path is empty, `inPath` cannot be read, `outPath` cannot be written, or both are the same
      *   file in a folder that may not be written, where it could not be replaced in one step.
-     * - ErrorInvalidFormat: not audio, or it cannot be decoded to its end: an unknown sample type, an error of the
-     *   framework, 10 s without progress in a second attempt as well, the end of the application. Also where
-     *   libavformat or libavcodec cannot be loaded, which a warning tells once.
+     * - ErrorInvalidFormat: not audio, or it cannot be decoded to its end: an unknown sample type, samples that
+     *   are no finite numbers, an error of the framework, 10 s without progress (in a second attempt as well with
+     *   a framework that is known to stand still at times), the end of the application. Also where libavformat or
+     *   libavcodec cannot be loaded, which a warning tells once.
      * - ErrorWriteHeader: the new file could not be written whole.
      *
      * The audio grows in an unnamed or temporary file, so that no part of it ever stands under `outPath`. What the
@@ -84,8 +91,12 @@ private:
         Float
     };
 
+    /** Makes what decodes the file of that absolute path; tests put others in its place. */
+    using SourceMaker =
+        std::function<std::unique_ptr<vantoraudio::AudioEngine::DecoderSource>(const QString& path)>;
+
     static WavFile::AudioEngineReturnValue Decode(const QString& inPath, const QString& outPath, int sampleRate,
-                                                  SampleType type);
+                                                  SampleType type, const SourceMaker& makeSource);
 
     /** Whether FFmpeg finds an audio stream in `path` and its beginning can be decoded. */
     static bool HoldsAudio(const QString& path);

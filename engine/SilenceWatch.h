@@ -3,7 +3,6 @@
 #include <QtCore/QTimer>
 
 #include <chrono>
-#include <ctime>
 #include <functional>
 
 namespace vantoraudio::AudioEngine {
@@ -12,9 +11,9 @@ namespace vantoraudio::AudioEngine {
  * the program was busy itself, counts one tick only. */
 struct SilenceLimits
 {
-    std::chrono::milliseconds tick{250};
-    int beforeFirstSound = 3;
-    int atMost = 40;
+    std::chrono::milliseconds tick{100};
+    int beforeFirstSound = 9;
+    int betweenSounds = 100;
 };
 
 /**
@@ -28,32 +27,21 @@ struct SilenceLimits
 class SilenceWatch
 {
 public:
-    /** Who may be silent for the longer time also before the first sound: a program that uses the processor
-     *  meanwhile may be one whose decoder has to work slowly on a loaded machine. */
-    enum class Patience
-    {
-        WithNobody,
-        WithTheBusy
-    };
+    /** `onSilence` is called once for each Start() at most, from the event loop. */
+    explicit SilenceWatch(std::function<void()> onSilence);
 
-    /** `onSilence` is called once for each Start(), from the event loop. */
-    explicit SilenceWatch(std::function<void()> onSilence, SilenceLimits limits = {});
-
-    void Start(Patience patience);
+    void Start(const SilenceLimits& limits);
     void OnSound();
+    void Stop();
 
 private:
     void OnTick();
-    bool IsTooLong(bool isSpared) const;
-    bool HasWorked();
 
     const std::function<void()> m_onSilence;
-    const SilenceLimits m_limits;
-    Patience m_patience = Patience::WithNobody;
+    SilenceLimits m_limits;
     QTimer m_timer;
     int m_silentTicks = 0;
     bool m_hasSounded = false;
-    std::clock_t m_processorTime = 0;
 };
 
 } // namespace vantoraudio::AudioEngine

@@ -1,5 +1,9 @@
+#include "engine/QtDefects.h"
 #include "engine/Truncation.h"
-#include "playback/OutputGuard.h"
+#include "playback/DeviceFollower.h"
+#include "playback/OutputDevices.h"
+#include "playback/SoundSettling.h"
+#include "playback/StandstillWatch.h"
 
 #include <vantorAudioEngine/AudioPlayer.h>
 
@@ -11,14 +15,11 @@
 #include <QtCore/QSignalBlocker>
 #include <QtCore/QUrl>
 #include <QtMultimedia/QAudioOutput>
-#include <QtMultimedia/QMediaDevices>
 
 #include <algorithm>
 #include <utility>
 
-using vantoraudio::AudioEngine::OutputGuard;
-using vantoraudio::AudioEngine::TruncateToInt32;
-using vantoraudio::AudioEngine::TruncateToInt64;
+using namespace vantoraudio::AudioEngine;
 
 namespace {
 
@@ -30,10 +31,13 @@ namespace {
 
 constexpr double millisecondsPerSecond = 1000.0;
 
-// The FFmpeg backend of Qt 6.4 opens the name that this encoding of the URL gives: it garbles every letter that is
-// not ASCII, and what stands before a colon in a relative name is taken for a protocol.
+// Where names are garbled the backend opens the name that this encoding of the URL gives, and what stands before a
+// colon in a relative name is taken for a protocol.
 bool OpensByUrl(const QUrl& url)
 {
+    if (!QtDefects::GarblesNames()) {
+        return true;
+    }
     const QString path = url.toLocalFile();
     const bool seemsToNameAProtocol = QDir::isRelativePath(path) && path.contains(u':');
     return !seemsToNameAProtocol && url.toEncoded(QUrl::PreferLocalFile) == QFile::encodeName(path);
@@ -65,17 +69,27 @@ std::unique_ptr<QIODevice> DeviceFor(const QString& path, const QUrl& url)
 AudioPlayer::AudioPlayer(QObject* parent) : QMediaPlayer(parent), m_audioOutput(new QAudioOutput(this))
 {
     setAudioOutput(m_audioOutput);
-    m_outputGuard = std::make_unique<OutputGuard>(*this, *m_audioOutput);
+    m_deviceFollower = std::make_unique<DeviceFollower>(*this, *m_audioOutput);
+    if (QtDefects::LosesSeeks()) {
+        m_standstillWatch = std::make_unique<StandstillWatch>(*this);
+    }
     connect(this, &QMediaPlayer::positionChanged, this, &AudioPlayer::PlaybackLoop);
     connect(this, &QMediaPlayer::mediaStatusChanged, this, &AudioPlayer::OnMediaStatusChanged);
-    connect(this, &QMediaPlayer::sourceChanged, this, [this] { DropUnusedSourceFile(); });
+    connect(this, &QMediaPlayer::sourceChanged, this, [this] {
+        m_whenLoaded.clear();
+        DropUnusedSourceFile();
+    });
 }
 
 AudioPlayer::~AudioPlayer()
 {
     // The base class reports its last changes when this part of the object no longer exists.
     disconnect(this, nullptr, this, nullptr);
-    m_outputGuard.reset();
+    m_standstillWatch.reset();
+    m_deviceFollower.reset();
+    if (!source().isEmpty() || sourceDevice()) {
+        LetSoundSettleBeforeTheEnd();
+    }
     if (m_sourceFile) {
         // The base class reads from the file on a thread of its own until it has another source.
         const QSignalBlocker quiet(this);
@@ -90,6 +104,7 @@ void AudioPlayer::SetAudio(const QString& filePath, double duration)
         setSource(QUrl());
     }
     LoadSource(filePath);
+    m_whenLoaded.clear();
     m_selectionStart = 0.0;
     m_selectionEnd = duration;
 }
@@ -116,8 +131,29 @@ void AudioPlayer::DropUnusedSourceFile()
 
 void AudioPlayer::play()
 {
-    m_outputGuard->Refresh();
+    m_deviceFollower->Refresh();
     QMediaPlayer::play();
+}
+
+void AudioPlayer::setPosition(qint64 position)
+{
+    WhenLoaded([this, position] { QMediaPlayer::setPosition(position); });
+}
+
+void AudioPlayer::WhenLoaded(std::function<void()> request)
+{
+    if (QtDefects::LosesSeeksWhileLoading() && mediaStatus() == LoadingMedia) {
+        m_whenLoaded.push_back(std::move(request));
+    } else {
+        request();
+    }
+}
+
+void AudioPlayer::FollowRequests()
+{
+    for (const auto& request : std::exchange(m_whenLoaded, {})) {
+        request();
+    }
 }
 
 void AudioPlayer::PauseResume()
@@ -133,20 +169,25 @@ void AudioPlayer::SetSelection(double start, double end)
 {
     m_selectionStart = start;
     m_selectionEnd = end;
-    const qint64 position = PositionAt(start);
-    setPosition(position);
-    SeekAgainIfLost(position);
+    // This one counts, whatever else was asked for while the source was being loaded.
+    m_whenLoaded.clear();
+    WhenLoaded([this, start] { SeekTo(PositionAt(start)); });
 }
 
-// The running audio thread of the FFmpeg backend of Qt 6.4 can take the clock back behind a seek.
+void AudioPlayer::SeekTo(qint64 wanted)
+{
+    setPosition(wanted);
+    SeekAgainIfLost(wanted);
+}
+
 void AudioPlayer::SeekAgainIfLost(qint64 wanted)
 {
-    if (position() != wanted) {
+    if (QtDefects::LosesSeeks() && position() != wanted) {
         setPosition(wanted);
     }
 }
 
-// The FFmpeg backend of Qt 6.4 stands still for minutes after a seek far behind the end of the file.
+// Qt 6.4 stands still for minutes after a seek far behind the end of the file.
 qint64 AudioPlayer::PositionAt(double seconds) const
 {
     const qint64 position = TruncateToInt64(seconds * millisecondsPerSecond);
@@ -156,7 +197,7 @@ qint64 AudioPlayer::PositionAt(double seconds) const
 void AudioPlayer::ClearSelection()
 {
     m_selectionStart = 0.0;
-    m_selectionEnd = static_cast<double>(duration()) / millisecondsPerSecond;
+    WhenLoaded([this] { m_selectionEnd = static_cast<double>(duration()) / millisecondsPerSecond; });
 }
 
 void AudioPlayer::LoopPlayback(bool loop)
@@ -198,14 +239,14 @@ void AudioPlayer::SetAudioOutputDevice(const QAudioDevice& device)
     if (!m_audioOutput) {
         return;
     }
-    const QList<QAudioDevice> available = QMediaDevices::audioOutputs();
+    const QList<QAudioDevice> available = PresentOutputs();
     const auto entry = std::find(available.cbegin(), available.cend(), device);
     if (entry == available.cend()) {
         return;
     }
     m_audioOutputDevice = device;
     m_audioOutput->setDevice(*entry);
-    m_outputGuard->Prefer(*entry);
+    m_deviceFollower->Prefer(*entry);
 }
 
 QAudioDevice AudioPlayer::GetAudioOutputDevice()
@@ -228,6 +269,9 @@ void AudioPlayer::PlaybackLoop(qint64 currentPosition)
 
 void AudioPlayer::OnMediaStatusChanged(QMediaPlayer::MediaStatus mediaStatus)
 {
+    if (mediaStatus == LoadedMedia) {
+        FollowRequests();
+    }
     if (mediaStatus != EndOfMedia) {
         return;
     }
@@ -238,9 +282,9 @@ void AudioPlayer::OnMediaStatusChanged(QMediaPlayer::MediaStatus mediaStatus)
     }
 }
 
-// The FFmpeg backend of Qt 6.4 reports the last position, the stopped state and the end of the media in one go. A
-// player that is restarted in the midst of that is stopped again by the rest, reports the end again without having
-// played anything, and so on.
+// Qt's FFmpeg backend reports the last position, the stopped state and the end of the media in one go. A player
+// that is restarted in the midst of that is stopped again by the rest, reports the end again without having played
+// anything, and so on.
 void AudioPlayer::RestartAfterReport()
 {
     const auto restart = [this] {
@@ -263,11 +307,12 @@ void AudioPlayer::PauseAtEndOfMedia()
 {
     setPosition(PositionAt(m_selectionStart));
     pause();
-    // The FFmpeg backend of Qt 6.4 would report the end once more and stop the paused player. An output that joins
-    // it anew has nothing to report.
-    QAudioOutput* const output = audioOutput();
-    setAudioOutput(nullptr);
-    setAudioOutput(output);
+    if (QtDefects::ReportsTheEndTwice()) {
+        // An output that joins the player anew has nothing to report.
+        QAudioOutput* const output = audioOutput();
+        setAudioOutput(nullptr);
+        setAudioOutput(output);
+    }
 }
 
 // The end of the media is reported right behind its last position, see RestartAfterReport(), unless there is no

@@ -6,14 +6,17 @@
 #include <QtMultimedia/QAudioDevice>
 #include <QtMultimedia/QMediaPlayer>
 
+#include <functional>
 #include <memory>
+#include <vector>
 
 class QAudioOutput;
 class QIODevice;
 
 namespace vantoraudio::AudioEngine {
-class OutputGuard;
-}
+class DeviceFollower;
+class StandstillWatch;
+} // namespace vantoraudio::AudioEngine
 
 /**
  * Plays one audio file and keeps playback inside a stretch of it, the selection.
@@ -25,12 +28,16 @@ class OutputGuard;
  * Times are seconds from the start of the file, positions and durations of the base class milliseconds. Seconds
  * that no position can hold become the nearest position, not-a-number becomes 0.
  *
+ * Qt 6.5 and later load a source in the background: until mediaStatus() is LoadedMedia, playbackState() stays
+ * stopped, and position() and duration() are 0. What is asked of this class meanwhile - to play, to pause, a
+ * position, a selection - happens once the source is there, the last request of a kind counting. Requests that
+ * reach the base class through a QMediaPlayer may be lost then.
+ *
  * Nothing here reports failures: listen to errorOccurred() of the base class. While the machine has no output
  * device at all, a player that has a source runs without an audio output, so that play() is safe then; playback
  * stands still and goes on by itself when a device appears. When the device in use disappears, another one takes
- * over. With a Qt older than 6.5 on Linux, where the sound server offers none, that takes an event loop that comes
- * round every millisecond: a sound thread that writes to its lost device before blocks for good, and this player's
- * destructor with it.
+ * over. Where the sound server offers none at all, that takes an event loop that comes round within some
+ * milliseconds: Qt's sound thread may wait for good for its lost device, and this player's destructor with it.
  *
  * At the end of the file the way back to the selection's start is taken in the next round of the event loop; until
  * then the player is stopped. A selection that starts at or behind the end of the file, or a file without audio,
@@ -58,6 +65,10 @@ public:
     /** The base class's play(), made safe for the moment in which the device in use has just disappeared: calls
      *  through a QMediaPlayer are that only some 50 ms later. */
     void play();
+
+    /** The base class's setPosition(), in milliseconds, but kept while the source is being loaded and followed
+     * then. */
+    void setPosition(qint64 position);
 
     /** Pauses while playing, plays from the current position otherwise. */
     void PauseResume();
@@ -103,6 +114,9 @@ private:
     void RestartPlayback();
     void RestartAfterReport();
     void PauseAtEndOfMedia();
+    void WhenLoaded(std::function<void()> request);
+    void FollowRequests();
+    void SeekTo(qint64 wanted);
     void SeekAgainIfLost(qint64 wanted);
     bool IsAtEndOfMedia() const;
     qint64 PositionAt(double seconds) const;
@@ -117,5 +131,9 @@ private:
 
     bool m_restarting = false;
     std::unique_ptr<QIODevice> m_sourceFile;
-    std::unique_ptr<vantoraudio::AudioEngine::OutputGuard> m_outputGuard;
+    /** What was asked for while the source was being loaded, in its order. */
+    std::vector<std::function<void()>> m_whenLoaded;
+    std::unique_ptr<vantoraudio::AudioEngine::DeviceFollower> m_deviceFollower;
+    /** Only where seeks get lost. */
+    std::unique_ptr<vantoraudio::AudioEngine::StandstillWatch> m_standstillWatch;
 };

@@ -1,6 +1,6 @@
-#include <vantorAudioEngine/HardwareManager.h>
+#include "playback/OutputDevices.h"
 
-#include <QtMultimedia/QMediaDevices>
+#include <vantorAudioEngine/HardwareManager.h>
 
 #include <algorithm>
 #include <iterator>
@@ -36,7 +36,7 @@ HardwareManager& HardwareManager::operator=(const HardwareManager& other)
 
 QList<QAudioDevice> HardwareManager::GetAvailableDevices(const QAudioFormat& format, QAudioDevice::Mode)
 {
-    const QList<QAudioDevice> all = QMediaDevices::audioOutputs();
+    const QList<QAudioDevice> all = PresentOutputs();
     const auto fits = [&format](const QAudioDevice& device) { return device.isFormatSupported(format); };
     QList<QAudioDevice> fitting;
     std::copy_if(all.cbegin(), all.cend(), std::back_inserter(fitting), fits);

@@ -1,9 +1,9 @@
 #include "playback/SoundSettling.h"
 
+#include "engine/QtDefects.h"
+
 #include <QtCore/QCoreApplication>
-#include <QtCore/QLibraryInfo>
 #include <QtCore/QThread>
-#include <QtCore/QVersionNumber>
 
 #include <atomic>
 #include <chrono>
@@ -21,15 +21,6 @@ constexpr auto settling = 30ms;
 std::atomic<Clock::time_point> settled;
 std::atomic<bool> isWaitPlanned;
 
-bool ConnectionEndsSafely()
-{
-#ifdef Q_OS_LINUX
-    return QLibraryInfo::version() >= QVersionNumber(6, 8);
-#else
-    return true;
-#endif
-}
-
 void WaitUntilSettled()
 {
     isWaitPlanned = false;
@@ -43,7 +34,7 @@ void WaitUntilSettled()
 
 void LetSoundSettleBeforeTheEnd()
 {
-    if (ConnectionEndsSafely()) {
+    if (!QtDefects::FreesItsConnectionInUse()) {
         return;
     }
     settled = Clock::now() + settling;

@@ -7,5 +7,5 @@ cd "$(dirname "$0")/.."
 
 git ls-files --cached --others --exclude-standard -z -- \
     'engine/*.cpp' 'playback/*.cpp' 'render/*.cpp' 'ui/*.cpp' 'examples/*.cpp' |
-  xargs -0 -r -n 1 -P "$(nproc)" clang-tidy-14 -p "build/${1:-dev}" --quiet
+  xargs -0 -r -n 1 -P "$(nproc)" clang-tidy -p "build/${1:-dev}" --quiet
 echo "clang-tidy: clean"

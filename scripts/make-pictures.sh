@@ -15,6 +15,6 @@ cmake --build --preset dev --target vantoraudio-pictures
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 sox -n -r 48000 -c 2 -b 16 "$work/an hour of noise.wav" synth 3600 pinknoise vol 0.5
-QT_MEDIA_BACKEND=ffmpeg scripts/private-session.sh \
+scripts/private-session.sh \
   build/dev/tests/examples/vantoraudio-pictures "$folder" "$file" "$work/an hour of noise.wav" 2>"$work/messages" ||
   { cat "$work/messages" >&2; exit 1; }

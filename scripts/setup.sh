@@ -10,7 +10,7 @@ build_packages=(
   g++ cmake ninja-build pkg-config git
   qt6-base-dev qt6-multimedia-dev qt6-svg-dev
   libgl-dev libegl-dev
-  libavformat-dev libavcodec-dev libswresample-dev libavutil-dev
+  libavformat-dev libavcodec-dev libswresample-dev libavutil-dev libpulse-dev
 )
 run_packages=(
   libgl1-mesa-dri libegl1 qt6-qpa-plugins fonts-dejavu-core

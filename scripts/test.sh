@@ -11,5 +11,5 @@ preset=${1:-dev}
 scripts/setup.sh
 cmake --preset "$preset" -DVANTORAUDIO_BUILD_TESTS=ON
 cmake --build --preset "$preset"
-# A second try, because the media backend of Qt 6.4 loses races of its own now and then, on a busy machine above all.
+# A second try, because Qt's media backend loses races of its own now and then, on a busy machine above all.
 scripts/private-session.sh ctest --preset "$preset" --parallel "$(nproc)" --repeat until-pass:2 "$@"

@@ -1,16 +1,19 @@
 /** The least that embedding needs: shows, plays and edits the file that the command line names. */
 #include <vantorAudioEngine/AudioPlayerWidget.h>
 
+#include <QtCore/QLibraryInfo>
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QTimer>
+#include <QtCore/QVersionNumber>
 #include <QtWidgets/QApplication>
 
 using vantoraudio::vantorAudioEngine::UI::AudioPlayerWidget;
 
 int main(int argc, char* argv[])
 {
-    if (!qEnvironmentVariableIsSet("QT_MEDIA_BACKEND")) {
-        qputenv("QT_MEDIA_BACKEND", "ffmpeg"); // Qt before 6.5 would choose one that needs further plug-ins.
+    // Qt before 6.5 would choose a backend that needs further plug-ins.
+    if (QLibraryInfo::version() < QVersionNumber(6, 5) && !qEnvironmentVariableIsSet("QT_MEDIA_BACKEND")) {
+        qputenv("QT_MEDIA_BACKEND", "ffmpeg");
     }
     QApplication application(argc, argv);
     const QTemporaryDir workingCopies;

@@ -9,7 +9,7 @@ using namespace std::chrono_literals;
 DeviceMenu::DeviceMenu(QWidget* parent) : QMenu(tr("&Output device"), parent)
 {
     connect(&m_mediaDevices, &QMediaDevices::audioOutputsChanged, this, &DeviceMenu::LookForChanges);
-    // On PulseAudio Qt 6.4 takes note of a change without telling of it.
+    // On PulseAudio Qt does not tell of every change.
     m_look.callOnTimeout(this, &DeviceMenu::LookForChanges);
     m_look.start(1s);
     connect(&m_hardware, &vantoraudio::AudioEngine::HardwareManager::AudioDeviceListChanged, this,
@@ -36,8 +36,8 @@ void DeviceMenu::Fill()
     clear();
     delete findChild<QActionGroup*>();
     auto* group = new QActionGroup(this);
-    const QAudioDevice current = CurrentDevice();
     m_listed = m_hardware.GetAvailableDevices(QAudioDevice::Output);
+    const QAudioDevice current = CurrentDevice();
     for (const QAudioDevice& device : m_listed) {
         AddDevice(device, device == current);
     }
@@ -58,6 +58,5 @@ void DeviceMenu::AddDevice(const QAudioDevice& device, bool checked)
 
 QAudioDevice DeviceMenu::CurrentDevice() const
 {
-    const bool stillThere = QMediaDevices::audioOutputs().contains(m_chosen);
-    return stillThere ? m_chosen : QMediaDevices::defaultAudioOutput();
+    return m_listed.contains(m_chosen) ? m_chosen : QMediaDevices::defaultAudioOutput();
 }

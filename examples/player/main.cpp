@@ -31,8 +31,7 @@ struct Options
     bool play = false;
 };
 
-/** Debian's Qt 6.4 would choose a backend that plays nothing without further plug-ins; later versions of Qt
- *  choose this one by themselves. */
+/** Qt before 6.5 would choose a backend that needs further plug-ins. */
 void ChooseMediaBackend()
 {
     if (QLibraryInfo::version() < QVersionNumber(6, 5) && !qEnvironmentVariableIsSet("QT_MEDIA_BACKEND")) {

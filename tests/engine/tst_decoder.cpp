@@ -1,3 +1,4 @@
+#include "engine/DecoderSource.h"
 #include "tests/support/AudioPrograms.h"
 #include "tests/support/DecoderTestAccess.h"
 #include "tests/support/FileSizeLimit.h"
@@ -11,24 +12,21 @@
 #include <QtCore/QDir>
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QFileInfo>
-#include <QtCore/QPointer>
 #include <QtCore/QRandomGenerator>
 #include <QtCore/QThread>
 #include <QtCore/QTimer>
-#include <QtMultimedia/QAudioDecoder>
+#include <QtMultimedia/QAudioBuffer>
+#include <QtMultimedia/QAudioFormat>
 #include <QtTest/QTest>
 
-#include <algorithm>
-#include <chrono>
-#include <functional>
+#include <initializer_list>
+#include <limits>
 #include <memory>
 #include <sys/stat.h>
 
-#ifdef Q_OS_LINUX
-#    include <sched.h>
-#endif
-
 using namespace Qt::Literals::StringLiterals;
+using vantoraudio::AudioEngine::DecoderSource;
+using vantoraudio::AudioEngine::MakeQtDecoderSource;
 
 namespace {
 
@@ -51,56 +49,117 @@ QStringList AllIn(const QString& folder)
                                   QDir::Name);
 }
 
-/** Sees what the platform's decoder sends to its Qt object, and may keep it to itself. */
-class Interceptor : public QObject
+constexpr int fakeRate = 48000;
+constexpr int fakeChannels = 2;
+
+QAudioBuffer Buffer(QAudioFormat::SampleFormat sampleFormat, const QByteArray& bytes)
 {
-public:
-    /** Called with the number of the message; true swallows it. */
-    using Handler = std::function<bool(QAudioDecoder&, int)>;
+    QAudioFormat format;
+    format.setSampleFormat(sampleFormat);
+    format.setSampleRate(fakeRate);
+    format.setChannelCount(fakeChannels);
+    return QAudioBuffer(bytes, format);
+}
 
-    explicit Interceptor(Handler handler) : m_handler(std::move(handler))
+/** The float sample 0.5 again and again, but for the last one. */
+QAudioBuffer FloatBuffer(float last = 0.5F)
+{
+    QList<float> samples(2048, 0.5F);
+    samples.back() = last;
+    return Buffer(QAudioFormat::Float,
+                  {reinterpret_cast<const char*>(samples.constData()), samples.size() * qsizetype(sizeof(float))});
+}
+
+/** What a fake decoder does. */
+struct Script
+{
+    enum Ending
     {
-        QCoreApplication::instance()->installEventFilter(this);
-    }
+        Finishes,
+        Fails,
+        FailsAndGoesOn,
+        FallsSilent
+    };
 
-    int Count() const { return m_count; }
-
-    bool eventFilter(QObject* object, QEvent* event) override
-    {
-        auto* const decoder = qobject_cast<QAudioDecoder*>(object->parent());
-        return event->type() == QEvent::MetaCall && decoder != nullptr && m_handler(*decoder, m_count++);
-    }
-
-private:
-    Handler m_handler;
-    int m_count = 0;
+    int buffers = 0;
+    Ending ending = FallsSilent;
+    bool mayStandStill = false;
+    bool tellsOfFailure = true;
+    bool beginsWithinStart = true;
+    QAudioBuffer buffer = FloatBuffer();
 };
 
-#ifdef Q_OS_LINUX
-
-int BatchThreadCount()
+/** Follows its script instead of decoding. */
+class FakeSource : public DecoderSource
 {
-    const QStringList threads = QDir(u"/proc/self/task"_s).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
-    return static_cast<int>(std::count_if(threads.begin(), threads.end(), [](const QString& thread) {
-        return sched_getscheduler(thread.toInt()) == SCHED_BATCH;
-    }));
-}
+public:
+    FakeSource(const Script& script, int& readings) : m_script(script), m_readings(readings) {}
 
-bool CanHaveBatchThreads()
-{
-    const sched_param parameters{};
-    return sched_setscheduler(0, SCHED_BATCH, &parameters) == 0 &&
-           sched_setscheduler(0, SCHED_OTHER, &parameters) == 0;
-}
-
-void BeBusyFor(std::chrono::milliseconds time)
-{
-    const auto end = std::chrono::steady_clock::now() + time;
-    while (std::chrono::steady_clock::now() < end) {
+    void Start() override
+    {
+        if (m_script.beginsWithinStart) {
+            Continue();
+        } else {
+            // Not a queued call: an inner event loop leaves those waiting.
+            QTimer::singleShot(10, this, [this] { Continue(); });
+        }
     }
-}
+    QAudioBuffer Read() override
+    {
+        ++m_readings;
+        ContinueSoon();
+        return m_script.buffer;
+    }
+    bool MayStandStill() const override { return m_script.mayStandStill; }
+    bool TellsOfFailure() const override { return m_script.tellsOfFailure; }
 
-#endif
+private:
+    void ContinueSoon()
+    {
+        QMetaObject::invokeMethod(
+            this, [this] { Continue(); }, Qt::QueuedConnection);
+    }
+    void Continue()
+    {
+        if (m_told++ < m_script.buffers) {
+            Q_EMIT BufferReady();
+        } else if (m_script.ending == Script::Finishes) {
+            Q_EMIT Finished();
+        } else if (m_script.ending != Script::FallsSilent) {
+            Q_EMIT Failed();
+        }
+        if (m_script.ending == Script::FailsAndGoesOn && m_told > m_script.buffers) {
+            Q_EMIT BufferReady();
+            Q_EMIT Finished();
+        }
+    }
+
+    const Script m_script;
+    int& m_readings;
+    int m_told = 0;
+};
+
+/** Makes fake decoders, one for each script; then Qt's. */
+class Fakes
+{
+public:
+    Fakes(std::initializer_list<Script> scripts) : m_scripts(scripts) {}
+
+    std::unique_ptr<DecoderSource> operator()(const QString& path)
+    {
+        const int index = m_made++;
+        return index < m_scripts.size() ? std::make_unique<FakeSource>(m_scripts.at(index), m_readings)
+                                        : MakeQtDecoderSource(path);
+    }
+
+    int Made() const { return m_made; }
+    int Readings() const { return m_readings; }
+
+private:
+    const QList<Script> m_scripts;
+    int m_made = 0;
+    int m_readings = 0;
+};
 
 } // namespace
 
@@ -129,18 +188,19 @@ private Q_SLOTS:
     void tellsThatTheDiskIsFull();
     void tellsThatTheFileCannotGrow();
     void decodesNoFurtherWhenTheDiskIsFull();
-#ifdef Q_OS_LINUX
-    void decodesInBatchesUntilBuffersAreLate();
-    void decodesInBatchesHoweverLongItsOwnWorkTakes();
-    void startsNoBatchesAgainOnceBuffersWereLate();
-#endif
 
+    void writesWhatTheDecoderDelivers();
+    void endsWhenTheDecoderNeverStarts_data();
     void endsWhenTheDecoderNeverStarts();
     void startsAnotherDecoderWhenTheFirstSaysNothing();
+    void endsWhenTheDecoderFallsSilent_data();
     void endsWhenTheDecoderFallsSilent();
     void startsAnotherDecoderWhenTheFirstFallsSilent();
+    void endsWhenTheDecoderReportsAnError_data();
     void endsWhenTheDecoderReportsAnError();
-    void refusesABufferOfAnUnknownSampleType();
+    void refusesABufferThatIsNoSound_data();
+    void refusesABufferThatIsNoSound();
+    void beginsNothingAnewAfterItsEnd();
     void goesOnWhenTheProgramItselfWasBusy();
 
     void endsWithTheApplication_data();
@@ -154,14 +214,12 @@ private Q_SLOTS:
     void tellsThatTheHeaderWasNotWritten();
 
 private:
-    QString Path(const QString& name) const
+    QString Path(const QString& name) const { return m_files.Path(name); }
+    WavFile::AudioEngineReturnValue ConvertWith(Fakes& fakes, const QString& outPath) const
     {
-        return m_files.Path(name);
+        return DecoderTestAccess::Convert(Path(u"short.mp3"_s), outPath, fakeRate, std::ref(fakes));
     }
-    QByteArray Expected(const QString& name) const
-    {
-        return TemporaryFiles::Read(Path(name + u".expected"));
-    }
+    QByteArray Expected(const QString& name) const { return TemporaryFiles::Read(Path(name + u".expected")); }
     void MakeFile(const QString& name, int rate, double seconds);
 
     TemporaryFiles m_files;
@@ -372,110 +430,157 @@ void TestDecoder::tellsThatTheFileCannotGrow()
 void TestDecoder::decodesNoFurtherWhenTheDiskIsFull()
 {
     const TemporaryFiles files;
-    const QString outPath = files.Path(u"out.wav"_s);
-    const Interceptor interceptor([](QAudioDecoder&, int) { return false; });
-    QCOMPARE(Decoder::Convert(Path(u"long.mp3"_s), outPath, 48000), WavFile::Success);
-    const int messagesOfAll = interceptor.Count();
+    Fakes fakes{Script{.buffers = 1000, .ending = Script::Finishes}};
     {
         const FileSizeLimit limit(2'000'000);
-        QCOMPARE(Decoder::Convert(Path(u"long.mp3"_s), outPath, 48000), WavFile::ErrorWriteHeader);
+        QCOMPARE(ConvertWith(fakes, files.Path(u"out.wav"_s)), WavFile::ErrorWriteHeader);
     }
-    QCOMPARE_LT(interceptor.Count() - messagesOfAll, messagesOfAll / 2);
+    // A buffer has 8192 bytes, and some of them are written together.
+    QVERIFY(fakes.Readings() > 240 && fakes.Readings() < 260);
     QVERIFY(AllIn(files.Path({})).isEmpty());
+}
+
+void TestDecoder::writesWhatTheDecoderDelivers()
+{
+    const TemporaryFiles files;
+    const QString outPath = files.Path(u"out.wav"_s);
+    Fakes fakes{Script{.buffers = 20, .ending = Script::Finishes}};
+    QCOMPARE(ConvertWith(fakes, outPath), WavFile::Success);
+    QCOMPARE(TemporaryFiles::Read(outPath).mid(44), QByteArray("\0\0\0\x3f", 4).repeated(20 * 2048));
+    QCOMPARE(fakes.Made(), 1);
+}
+
+void TestDecoder::endsWhenTheDecoderNeverStarts_data()
+{
+    QTest::addColumn<bool>("mayStandStill");
+    QTest::addColumn<bool>("tellsOfFailure");
+    QTest::addColumn<int>("attempts");
+    QTest::addRow("one that always says how it ends") << false << true << 1;
+    QTest::addRow("one that stands still now and then and hides failures") << true << false << 2;
+    QTest::addRow("one that hides failures") << false << false << 1;
 }
 
 void TestDecoder::endsWhenTheDecoderNeverStarts()
 {
+    QFETCH(const bool, mayStandStill);
+    QFETCH(const bool, tellsOfFailure);
+    QFETCH(const int, attempts);
     const TemporaryFiles files;
-    const Interceptor interceptor([](QAudioDecoder&, int) { return true; });
+    const Script script{.mayStandStill = mayStandStill, .tellsOfFailure = tellsOfFailure};
+    Fakes fakes{script, script, script};
     QElapsedTimer timer;
     timer.start();
-    QCOMPARE(Decoder::Convert(Path(u"short.mp3"_s), files.Path(u"out.wav"_s), 48000), WavFile::ErrorInvalidFormat);
-    QVERIFY(timer.elapsed() < longestRefusal);
-    QVERIFY(interceptor.Count() > 0);
+    QCOMPARE(ConvertWith(fakes, files.Path(u"out.wav"_s)), WavFile::ErrorInvalidFormat);
+    QVERIFY2(timer.elapsed() < longestRefusal, qPrintable(QString::number(timer.elapsed())));
+    QCOMPARE(fakes.Made(), attempts);
     QVERIFY(AllIn(files.Path({})).isEmpty());
 }
 
 void TestDecoder::startsAnotherDecoderWhenTheFirstSaysNothing()
 {
     const TemporaryFiles files;
-    QPointer<QAudioDecoder> first;
-    const Interceptor interceptor([&](QAudioDecoder& decoder, int number) {
-        if (number == 0) {
-            first = &decoder;
-        }
-        return first == &decoder;
-    });
+    Fakes fakes{Script{.mayStandStill = true}};
     const QString outPath = files.Path(u"out.wav"_s);
-    QCOMPARE(Decoder::Convert(Path(u"short.mp3"_s), outPath, 48000), WavFile::Success);
-    QVERIFY(first.isNull());
+    QCOMPARE(ConvertWith(fakes, outPath), WavFile::Success);
     QCOMPARE(TemporaryFiles::Read(outPath), Expected(u"short.mp3"_s));
+}
+
+void TestDecoder::endsWhenTheDecoderFallsSilent_data()
+{
+    QTest::addColumn<bool>("mayStandStill");
+    QTest::addColumn<int>("attempts");
+    QTest::addRow("one that always says how it ends") << false << 1;
+    QTest::addRow("one that stands still now and then") << true << 2;
 }
 
 void TestDecoder::endsWhenTheDecoderFallsSilent()
 {
+    QFETCH(const bool, mayStandStill);
+    QFETCH(const int, attempts);
     const TemporaryFiles files;
     const QString outPath = files.Write(u"out.wav"_s, Expected(u"short.mp3"_s));
-    const Interceptor interceptor([](QAudioDecoder&, int number) { return number > 20; });
+    // A second one says nothing at all.
+    Fakes fakes{Script{.buffers = 20, .mayStandStill = mayStandStill}, Script{}};
     QElapsedTimer timer;
     timer.start();
-    QCOMPARE(Decoder::Convert(Path(u"short.mp3"_s), outPath, 48000), WavFile::ErrorInvalidFormat);
-    // The second try says nothing at all.
-    QVERIFY(timer.elapsed() > 9000 && timer.elapsed() < 12500 + longestRefusal);
+    QCOMPARE(ConvertWith(fakes, outPath), WavFile::ErrorInvalidFormat);
+    QVERIFY(timer.elapsed() > 9000 && timer.elapsed() < 10500 + longestRefusal);
+    QCOMPARE(fakes.Made(), attempts);
     QVERIFY(AllIn(files.Path({})).isEmpty());
 }
 
 void TestDecoder::startsAnotherDecoderWhenTheFirstFallsSilent()
 {
     const TemporaryFiles files;
-    QPointer<QAudioDecoder> first;
-    // Late enough for some of the audio to be written already.
-    const Interceptor interceptor([&](QAudioDecoder& decoder, int number) {
-        if (number == 0) {
-            first = &decoder;
-        }
-        return first == &decoder && number > 60;
-    });
     const QString outPath = files.Path(u"out.wav"_s);
-    QCOMPARE(Decoder::Convert(Path(u"short.mp3"_s), outPath, 48000), WavFile::Success);
-    QVERIFY(first.isNull());
+    // Late enough for some of the audio to be written already.
+    Fakes fakes{Script{.buffers = 60, .mayStandStill = true}};
+    QCOMPARE(ConvertWith(fakes, outPath), WavFile::Success);
+    QCOMPARE(fakes.Made(), 2);
     QCOMPARE(TemporaryFiles::Read(outPath), Expected(u"short.mp3"_s));
+}
+
+void TestDecoder::endsWhenTheDecoderReportsAnError_data()
+{
+    QTest::addColumn<int>("buffers");
+    QTest::addColumn<bool>("goesOn");
+    QTest::addRow("while it starts") << 0 << false;
+    QTest::addRow("later") << 10 << false;
+    // What comes after the end of the call changes nothing.
+    QTest::addRow("while it starts, and goes on") << 0 << true;
+    QTest::addRow("later, and goes on") << 10 << true;
 }
 
 void TestDecoder::endsWhenTheDecoderReportsAnError()
 {
+    QFETCH(const int, buffers);
+    QFETCH(const bool, goesOn);
     const TemporaryFiles files;
-    const Interceptor interceptor([](QAudioDecoder& decoder, int number) {
-        if (number == 10) {
-            Q_EMIT decoder.error(QAudioDecoder::ResourceError);
-            // What comes after the end of the call changes nothing.
-            Q_EMIT decoder.finished();
-            Q_EMIT decoder.bufferReady();
-        }
-        return false;
-    });
+    Fakes fakes{Script{.buffers = buffers, .ending = goesOn ? Script::FailsAndGoesOn : Script::Fails}};
     QElapsedTimer timer;
     timer.start();
-    QCOMPARE(Decoder::Convert(Path(u"short.mp3"_s), files.Path(u"out.wav"_s), 48000), WavFile::ErrorInvalidFormat);
+    QCOMPARE(ConvertWith(fakes, files.Path(u"out.wav"_s)), WavFile::ErrorInvalidFormat);
     QVERIFY(timer.elapsed() < longestRefusal);
+    QCOMPARE(fakes.Readings(), buffers);
+    QCOMPARE(fakes.Made(), 1);
     QVERIFY(AllIn(files.Path({})).isEmpty());
 }
 
-void TestDecoder::refusesABufferOfAnUnknownSampleType()
+void TestDecoder::refusesABufferThatIsNoSound_data()
+{
+    QTest::addColumn<QAudioBuffer>("buffer");
+    QTest::addRow("unknown sample type") << Buffer(QAudioFormat::Unknown, QByteArray(64, 'x'));
+    QTest::addRow("no format") << QAudioBuffer();
+    QTest::addRow("not a number") << FloatBuffer(std::numeric_limits<float>::quiet_NaN());
+    QTest::addRow("infinite") << FloatBuffer(std::numeric_limits<float>::infinity());
+    QTest::addRow("infinite below") << FloatBuffer(-std::numeric_limits<float>::infinity());
+}
+
+void TestDecoder::refusesABufferThatIsNoSound()
+{
+    QFETCH(const QAudioBuffer, buffer);
+    const TemporaryFiles files;
+    Fakes fakes{Script{.buffers = 10, .ending = Script::Finishes, .buffer = buffer}};
+    QCOMPARE(ConvertWith(fakes, files.Path(u"out.wav"_s)), WavFile::ErrorInvalidFormat);
+    QCOMPARE(fakes.Readings(), 1);
+    QVERIFY(AllIn(files.Path({})).isEmpty());
+}
+
+/** A call that has ended comes back only after the calls that its event loop has started. */
+void TestDecoder::beginsNothingAnewAfterItsEnd()
 {
     const TemporaryFiles files;
-    const Interceptor interceptor([](QAudioDecoder& decoder, int number) {
-        if (number == 0) {
-            // Nothing has been decoded yet: the buffer that is read has no format at all.
-            Q_EMIT decoder.bufferReady();
-        }
-        return true;
-    });
-    QElapsedTimer timer;
-    timer.start();
-    QCOMPARE(Decoder::Convert(Path(u"short.mp3"_s), files.Path(u"out.wav"_s), 48000), WavFile::ErrorInvalidFormat);
-    QVERIFY(timer.elapsed() < 1400);
-    QVERIFY(AllIn(files.Path({})).isEmpty());
+    const QString outPath = files.Path(u"outer.wav"_s);
+    Fakes outer{Script{
+        .ending = Script::Finishes, .mayStandStill = true, .tellsOfFailure = false, .beginsWithinStart = false}};
+    // Silent for longer than the outer one may be.
+    Fakes inner{Script{}};
+    int innerResult = 1;
+    QTimer::singleShot(0, this, [&] { innerResult = ConvertWith(inner, files.Path(u"inner.wav"_s)); });
+    QCOMPARE(ConvertWith(outer, outPath), WavFile::Success);
+    QCOMPARE(innerResult, int(WavFile::ErrorInvalidFormat));
+    QCOMPARE(outer.Made(), 1);
+    QCOMPARE(TemporaryFiles::Read(outPath).size(), 44);
 }
 
 void TestDecoder::goesOnWhenTheProgramItselfWasBusy()
@@ -616,88 +721,6 @@ void TestDecoder::tellsThatTheHeaderWasNotWritten()
     QTest::ignoreMessage(QtWarningMsg, warning.constData());
     QCOMPARE(DecoderTestAccess::WriteHeader(readOnly, 8, 44100, 2), 0);
 }
-
-#ifdef Q_OS_LINUX
-void TestDecoder::decodesInBatchesUntilBuffersAreLate()
-{
-    if (!CanHaveBatchThreads()) {
-        QSKIP("threads may not be scheduled otherwise here");
-    }
-    const QString in = Path(u"late.mp3"_s);
-    QVERIFY(AudioPrograms::MakeTone(Path(u"late.wav"_s), 44100, 2, 5.0));
-    QVERIFY(AudioPrograms::Encode(u"mp3"_s, Path(u"late.wav"_s), in));
-    int atFirst = -1;
-    int afterwards = -1;
-    const Interceptor interceptor([&](QAudioDecoder&, int number) {
-        if (number == 2) {
-            atFirst = BatchThreadCount();
-        } else if (number < 80) {
-            // As a thread that does not get the processor.
-            BeBusyFor(std::chrono::milliseconds(2));
-        } else if (number == 100) {
-            afterwards = BatchThreadCount();
-        }
-        return false;
-    });
-    QCOMPARE(Decoder::Convert(in, Path(u"late out.wav"_s), 44100), WavFile::Success);
-    QVERIFY(atFirst > 0);
-    QCOMPARE(afterwards, 0);
-    QCOMPARE(BatchThreadCount(), 0);
-}
-
-void TestDecoder::decodesInBatchesHoweverLongItsOwnWorkTakes()
-{
-    if (!CanHaveBatchThreads()) {
-        QSKIP("threads may not be scheduled otherwise here");
-    }
-    const QString in = Path(u"slow.mp3"_s);
-    QVERIFY(AudioPrograms::MakeTone(Path(u"slow.wav"_s), 44100, 2, 5.0));
-    QVERIFY(AudioPrograms::Encode(u"mp3"_s, Path(u"slow.wav"_s), in));
-    int readings = 0;
-    int afterwards = -1;
-    const Interceptor interceptor([&](QAudioDecoder& decoder, int number) {
-        if (number == 0) {
-            // Told while a buffer is read: as a disk that takes its time.
-            QObject::connect(&decoder, &QAudioDecoder::bufferAvailableChanged, &decoder, [&](bool isAvailable) {
-                if (!isAvailable && ++readings < 80) {
-                    BeBusyFor(std::chrono::milliseconds(2));
-                }
-            });
-        } else if (number == 100) {
-            afterwards = BatchThreadCount();
-        }
-        return false;
-    });
-    QCOMPARE(Decoder::Convert(in, Path(u"slow out.wav"_s), 44100), WavFile::Success);
-    QVERIFY(readings > 80);
-    QVERIFY(afterwards > 0);
-}
-
-void TestDecoder::startsNoBatchesAgainOnceBuffersWereLate()
-{
-    if (!CanHaveBatchThreads()) {
-        QSKIP("threads may not be scheduled otherwise here");
-    }
-    const QString in = Path(u"late and silent.mp3"_s);
-    QVERIFY(AudioPrograms::MakeTone(Path(u"late and silent.wav"_s), 44100, 2, 5.0));
-    QVERIFY(AudioPrograms::Encode(u"mp3"_s, Path(u"late and silent.wav"_s), in));
-    QPointer<QAudioDecoder> first;
-    int ofSecond = -1;
-    const Interceptor interceptor([&](QAudioDecoder& decoder, int number) {
-        if (number == 0) {
-            first = &decoder;
-        } else if (first == &decoder && number < 80) {
-            BeBusyFor(std::chrono::milliseconds(2));
-        } else if (first.isNull() && ofSecond < 0) {
-            ofSecond = BatchThreadCount();
-        }
-        return first == &decoder && number > 100;
-    });
-    QCOMPARE(Decoder::Convert(in, Path(u"late and silent out.wav"_s), 44100), WavFile::Success);
-    QVERIFY(first.isNull());
-    QCOMPARE(ofSecond, 0);
-}
-#endif
 
 QTEST_GUILESS_MAIN(TestDecoder)
 #include "tst_decoder.moc"

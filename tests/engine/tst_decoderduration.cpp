@@ -141,9 +141,10 @@ void TestDecoderDuration::takesTheStreamsDurationWhereTheContainerStatesNone()
     QByteArray bytes = TemporaryFiles::Read(path);
     const qsizetype box = bytes.indexOf("mvhd");
     QVERIFY(box > 0);
+    QVERIFY(bytes.mid(box + 20, 4) != QByteArray(4, '\0'));
     bytes.replace(box + 20, 4, QByteArray(4, '\0'));
     const QString patched = m_files.Write(u"patched.m4a"_s, bytes);
-    QCOMPARE(ProbedSeconds(patched), 0.0);
+    // FFmpeg 7 makes a duration of the whole of the streams' already, FFmpeg 5 leaves it at 0.
     const int streamDuration = Decoder::GetDuration(patched);
     QVERIFY(std::abs(streamDuration - duration) < 50);
 }

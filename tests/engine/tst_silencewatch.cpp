@@ -4,40 +4,13 @@
 #include <QtCore/QThread>
 #include <QtTest/QtTest>
 
-#include <atomic>
-#include <thread>
-
 using namespace std::chrono_literals;
 using vantoraudio::AudioEngine::SilenceLimits;
 using vantoraudio::AudioEngine::SilenceWatch;
 
 namespace {
 
-/** More than any of these tests waits for. */
-constexpr int nearlyNever = 1000;
-
-/** Uses the processor, as a decoder on another thread does. */
-class Work
-{
-public:
-    Work()
-        : m_thread([this] {
-            while (!m_isOver) {
-            }
-        })
-    {
-    }
-    ~Work()
-    {
-        m_isOver = true;
-        m_thread.join();
-    }
-    Q_DISABLE_COPY_MOVE(Work)
-
-private:
-    std::atomic<bool> m_isOver = false;
-    std::thread m_thread;
-};
+constexpr SilenceLimits shortLimits{.tick = 100ms, .beforeFirstSound = 3, .betweenSounds = 8};
 
 } // namespace
 
@@ -46,95 +19,109 @@ class TestSilenceWatch : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void isPatientForTwoSecondsWithTwoTriesAndTenBetweenSounds()
-    {
-        const SilenceLimits limits;
-        QCOMPARE(2 * limits.tick * limits.beforeFirstSound, 1500ms);
-        QCOMPARE(limits.tick * limits.atMost, 10s);
-    }
+    void init();
 
-    void tellsOnceOfADecoderThatNeverSounds()
-    {
-        SilenceWatch watch = Watch(nearlyNever);
-        watch.Start(SilenceWatch::Patience::WithTheBusy);
-        QTRY_COMPARE(m_silences, 1);
-        QVERIFY(m_time.elapsed() >= 290);
-        QTest::qWait(500);
-        QCOMPARE(m_silences, 1);
-    }
-
-    void givesAWorkingProgramMoreTime()
-    {
-        SilenceWatch watch = Watch(nearlyNever);
-        watch.Start(SilenceWatch::Patience::WithTheBusy);
-        {
-            const Work work;
-            QTest::qWait(600);
-            QCOMPARE(m_silences, 0);
-        }
-        QTRY_COMPARE(m_silences, 1);
-    }
-
-    void givesAWorkingProgramNoMoreTimeUnlessToldTo()
-    {
-        SilenceWatch watch = Watch(nearlyNever);
-        const Work work;
-        watch.Start(SilenceWatch::Patience::WithNobody);
-        QTRY_COMPARE_WITH_TIMEOUT(m_silences, 1, 2000);
-    }
-
-    void losesPatienceWithAWorkingProgramToo()
-    {
-        SilenceWatch watch = Watch(8);
-        const Work work;
-        watch.Start(SilenceWatch::Patience::WithTheBusy);
-        QTRY_COMPARE(m_silences, 1);
-        QVERIFY(m_time.elapsed() >= 790);
-    }
-
-    void waitsLongerBetweenSounds()
-    {
-        SilenceWatch watch = Watch(8);
-        watch.Start(SilenceWatch::Patience::WithTheBusy);
-        watch.OnSound();
-        QTest::qWait(350);
-        watch.OnSound();
-        m_time.restart();
-        QTRY_COMPARE(m_silences, 1);
-        // The tick under way counts as a whole one.
-        QVERIFY(m_time.elapsed() >= 690);
-    }
-
-    void countsAStandstillOfTheEventLoopOnce()
-    {
-        SilenceWatch watch = Watch(nearlyNever);
-        watch.Start(SilenceWatch::Patience::WithTheBusy);
-        QThread::msleep(1500);
-        QCoreApplication::processEvents();
-        QCOMPARE(m_silences, 0);
-        QTRY_COMPARE(m_silences, 1);
-        QVERIFY(m_time.elapsed() >= 1500 + 90);
-    }
-
-    void isQuietUnlessStarted()
-    {
-        const SilenceWatch watch = Watch(8);
-        QTest::qWait(500);
-        QCOMPARE(m_silences, 0);
-    }
+    void isPatientForLessThanASecondAtFirstAndForTenBetweenSounds();
+    void tellsOnceOfADecoderThatNeverSounds();
+    void waitsLongerBetweenSounds();
+    void tellsAgainWhenStartedAgain();
+    void forgetsTheSoundsBeforeAStart();
+    void countsAStandstillOfTheEventLoopOnce();
+    void isQuietUnlessStarted();
+    void isQuietOnceStopped();
 
 private:
-    SilenceWatch Watch(int atMost)
-    {
-        const SilenceLimits limits{.tick = 100ms, .beforeFirstSound = 3, .atMost = atMost};
-        m_silences = 0;
-        m_time.start();
-        return SilenceWatch([this] { ++m_silences; }, limits);
-    }
+    void WaitForAnother();
 
     int m_silences = 0;
+    SilenceWatch m_watch{[this] { ++m_silences; }};
     QElapsedTimer m_time;
 };
+
+void TestSilenceWatch::init()
+{
+    m_silences = 0;
+    m_watch.Stop();
+    m_time.start();
+}
+
+/** Longer than the first one would take. */
+void TestSilenceWatch::WaitForAnother()
+{
+    bool isOver = false;
+    SilenceWatch another([&] { isOver = true; });
+    another.Start({.tick = 100ms, .beforeFirstSound = 9});
+    QTRY_VERIFY(isOver);
+}
+
+void TestSilenceWatch::isPatientForLessThanASecondAtFirstAndForTenBetweenSounds()
+{
+    const SilenceLimits limits;
+    QCOMPARE(limits.tick * limits.beforeFirstSound, 900ms);
+    QCOMPARE(limits.tick * limits.betweenSounds, 10s);
+}
+
+void TestSilenceWatch::tellsOnceOfADecoderThatNeverSounds()
+{
+    m_watch.Start(shortLimits);
+    QTRY_COMPARE(m_silences, 1);
+    QVERIFY(m_time.elapsed() >= 290);
+    WaitForAnother();
+    QCOMPARE(m_silences, 1);
+}
+
+void TestSilenceWatch::waitsLongerBetweenSounds()
+{
+    m_watch.Start(shortLimits);
+    m_watch.OnSound();
+    QTRY_COMPARE(m_silences, 1);
+    QVERIFY(m_time.elapsed() >= 790);
+}
+
+void TestSilenceWatch::tellsAgainWhenStartedAgain()
+{
+    m_watch.Start(shortLimits);
+    QTRY_COMPARE(m_silences, 1);
+    m_watch.Start(shortLimits);
+    QTRY_COMPARE(m_silences, 2);
+}
+
+void TestSilenceWatch::forgetsTheSoundsBeforeAStart()
+{
+    m_watch.Start(shortLimits);
+    m_watch.OnSound();
+    m_watch.Start(shortLimits);
+    // Otherwise the other one would end first.
+    bool isOver = false;
+    SilenceWatch another([&] { isOver = true; });
+    another.Start({.tick = 100ms, .beforeFirstSound = 6});
+    QTRY_COMPARE(m_silences, 1);
+    QVERIFY(!isOver);
+}
+
+void TestSilenceWatch::countsAStandstillOfTheEventLoopOnce()
+{
+    m_watch.Start(shortLimits);
+    QThread::msleep(1500);
+    QCoreApplication::processEvents();
+    QCOMPARE(m_silences, 0);
+    QTRY_COMPARE(m_silences, 1);
+    QVERIFY(m_time.elapsed() >= 1500 + 90);
+}
+
+void TestSilenceWatch::isQuietUnlessStarted()
+{
+    WaitForAnother();
+    QCOMPARE(m_silences, 0);
+}
+
+void TestSilenceWatch::isQuietOnceStopped()
+{
+    m_watch.Start(shortLimits);
+    m_watch.Stop();
+    WaitForAnother();
+    QCOMPARE(m_silences, 0);
+}
 
 QTEST_GUILESS_MAIN(TestSilenceWatch)
 #include "tst_silencewatch.moc"

@@ -9,7 +9,9 @@
 
 #include <QtCore/QDir>
 #include <QtCore/QElapsedTimer>
+#include <QtCore/QLibraryInfo>
 #include <QtCore/QTemporaryDir>
+#include <QtCore/QVersionNumber>
 #include <QtGui/QScreen>
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
@@ -113,6 +115,10 @@ int main(int argc, char* argv[])
     const QTemporaryDir home;
     for (const char* name : {"XDG_CACHE_HOME", "XDG_CONFIG_HOME"}) {
         qputenv(name, home.path().toLocal8Bit());
+    }
+    // Qt before 6.5 would choose a backend that needs further plug-ins.
+    if (QLibraryInfo::version() < QVersionNumber(6, 5)) {
+        qputenv("QT_MEDIA_BACKEND", "ffmpeg");
     }
     QApplication application(argc, argv);
     QApplication::setApplicationName(u"vantoraudio-player"_s);

@@ -29,9 +29,11 @@
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QSlider>
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <memory>
+#include <string_view>
 
 using namespace Qt::Literals::StringLiterals;
 using vantoraudio::vantorAudioEngine::UI::BGFXWaveformWidget;
@@ -143,6 +145,15 @@ bool Shows(const QImage& image, const QColor& color)
         }
     }
     return false;
+}
+
+/** In the system's theme. */
+QColor WaveformColor()
+{
+    const auto roles = Appearance::Roles();
+    const auto waveform = std::ranges::find_if(
+        roles, [](const Appearance::Role& role) { return std::string_view(role.key) == "waveform"; });
+    return Appearance().ColorOf(static_cast<std::size_t>(waveform - roles.begin()));
 }
 
 } // namespace
@@ -560,16 +571,25 @@ private Q_SLOTS:
         }
     }
 
+    void theProgramLeavesAScreenshot_data()
+    {
+        QTest::addColumn<QStringList>("options");
+        QTest::addRow("at rest") << QStringList();
+        QTest::addRow("playing") << QStringList{u"--play"_s};
+    }
     void theProgramLeavesAScreenshot()
     {
+        QFETCH(const QStringList, options);
         QTemporaryDir folder;
         const QString picture = folder.filePath(u"picture.png"_s);
-        const Outcome outcome = RunPlayer({u"--play"_s, u"--view"_s, u"1-6"_s, u"--selection"_s, u"2-3.5"_s,
-                                           u"--screenshot"_s, picture, Recording});
+        const Outcome outcome =
+            RunPlayer(options + QStringList{u"--view"_s, u"1-6"_s, u"--selection"_s, u"2-3.5"_s, u"--screenshot"_s,
+                                            picture, Recording});
         QVERIFY2(outcome.exitCode == 0, qPrintable(outcome.message));
         const QImage image(picture);
         QVERIFY(image.width() >= 600 && image.height() >= 300);
         QVERIFY(DistinctColors(image) > 20);
+        QVERIFY2(Shows(image, m_waveformColor), "the waveform is missing");
     }
 
     void theProgramNamesTheFileThatItCannotRead()
@@ -604,6 +624,10 @@ private Q_SLOTS:
         QCOMPARE(outcome.exitCode, 2);
         QVERIFY(outcome.message.contains(u"6-1"_s));
     }
+
+private:
+    /** Asked for before a test changes the theme. */
+    const QColor m_waveformColor = WaveformColor();
 };
 
 int main(int argc, char* argv[])

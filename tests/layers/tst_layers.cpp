@@ -87,7 +87,8 @@ private Q_SLOTS:
         QTest::addRow("engine knows no player and no widget") << u"engine"_s << (u"engine/.*|"_s + PublicEngine);
         QTest::addRow("playback knows no file class and no widget")
             << u"playback"_s
-            << (arithmetic + u"|playback/.*|vantorAudioEngine/(AudioPlayer|HardwareManager)\\.h"_s);
+            << (arithmetic +
+                u"|engine/QtDefects\\.h|playback/.*|vantorAudioEngine/(AudioPlayer|HardwareManager)\\.h"_s);
         QTest::addRow("render knows none of the others") << u"render"_s << u"render/.*"_s;
         QTest::addRow("ui/waveform knows no file class and no player")
             << u"ui/waveform"_s
@@ -116,8 +117,10 @@ private Q_SLOTS:
         QTest::addRow("OpenGL") << u"(QtOpenGL/|QtGui/QOpenGL|QtGui/QOffscreenSurface|GL/|GLES).*"_s
                                 << u"render/bgfx/device/OpenGL\\w*\\.(cpp|h)"_s;
         // A format is plain data and part of several public functions; what plays or decodes is not.
-        QTest::addRow("Qt Multimedia") << u"QtMultimedia/(?!QAudioFormat).*|QtMultimedia"_s
-                                       << u"playback/.*|engine/Decoder\\.cpp|ui/player/.*|examples/.*"_s;
+        QTest::addRow("Qt Multimedia")
+            << u"QtMultimedia/(?!QAudioFormat).*|QtMultimedia"_s
+            << u"playback/.*|engine/Decoder(Source)?\\.(h|cpp)|ui/player/.*|examples/.*"_s;
+        QTest::addRow("PulseAudio") << u"pulse/.*"_s << u"playback/SoundServerSinks\\.cpp"_s;
         QTest::addRow("the renderer's shim")
             << u"render/bgfx/bgfx\\.h"_s
             << u"render/.*|ui/waveform/(WaveformGeometry|WaveformProgram|BGFXWaveform\\w*)\\.(cpp|h)"_s;

@@ -1,9 +1,11 @@
 #pragma once
 
-#include "playback/OutputGuard.h"
+#include "playback/DeviceFollower.h"
+#include "playback/StandstillWatch.h"
 
 #include <vantorAudioEngine/AudioPlayer.h>
 
+#include <chrono>
 #include <utility>
 
 /** What the tests see of a player beyond its public side. */
@@ -21,20 +23,24 @@ public:
     static bool IsLooping(const AudioPlayer& player) { return player.m_loop; }
     static QAudioOutput* Output(const AudioPlayer& player) { return player.m_audioOutput; }
     static QAudioOutput* TakeOutput(AudioPlayer& player) { return std::exchange(player.m_audioOutput, nullptr); }
-    static vantoraudio::AudioEngine::OutputGuard& Guard(AudioPlayer& player) { return *player.m_outputGuard; }
     static bool HoldsASourceFile(const AudioPlayer& player) { return player.m_sourceFile != nullptr; }
 };
 
 namespace vantoraudio::AudioEngine {
 
-class OutputGuardTestAccess
+class StandstillWatchTestAccess
 {
 public:
-    /** As if nothing had been played for so long that the guard takes notice. */
-    static void LetProgressBeDue(OutputGuard& guard) { guard.m_progressIsDue.setRemainingTime(0); }
-    static bool IsProgressDue(const OutputGuard& guard) { return guard.m_progressIsDue.hasExpired(); }
-    static void NoteProgress(OutputGuard& guard, qint64 position) { guard.NoteProgress(position); }
-    static void EndStandstill(OutputGuard& guard) { guard.EndStandstill(); }
+    /** As if nothing had been played for so long that the watch takes notice. */
+    static void LetProgressBeDue(StandstillWatch& watch) { watch.m_progressIsDue.setRemainingTime(0); }
+    static bool IsProgressDue(const StandstillWatch& watch) { return watch.m_progressIsDue.hasExpired(); }
+    static void NoteProgress(StandstillWatch& watch, qint64 position) { watch.NoteProgress(position); }
+    static bool IsLooking(const StandstillWatch& watch) { return watch.m_timer.isActive(); }
+    static std::chrono::milliseconds TimeBetweenLooks(const StandstillWatch& watch)
+    {
+        return watch.m_timer.intervalAsDuration();
+    }
+    static void EndStandstill(StandstillWatch& watch) { watch.EndStandstill(); }
 };
 
 } // namespace vantoraudio::AudioEngine

@@ -66,6 +66,9 @@ private Q_SLOTS:
 
     void setAudioSelectsTheWholeFileAndDoesNotPlay();
     void setAudioKeepsTheLoopFlag();
+    void followsWhatWasAskedForWhileLoading_data();
+    void followsWhatWasAskedForWhileLoading();
+    void forgetsWhatWasAskedForWithTheFormerFile();
     void setAudioReportsAMissingFileAndKeepsTheNewSelection();
     void setAudioReportsAPipeInsteadOfWaitingForItsOtherEnd();
     void theSelectionStaysWhenTheHostSetsAnotherSource();
@@ -115,6 +118,7 @@ private Q_SLOTS:
 
 private:
     QString File(const QString& name, double seconds);
+    void Load(AudioPlayer& player, const QString& file);
 
     QTemporaryDir m_folder;
     QString m_long;
@@ -128,6 +132,13 @@ QString AudioPlayerTest::File(const QString& name, double seconds)
     Tone tone;
     tone.seconds = seconds;
     return WriteToneFile(path, tone) ? path : QString();
+}
+
+/** Takes the file and waits until it is there, which is at once or a moment later. */
+void AudioPlayerTest::Load(AudioPlayer& player, const QString& file)
+{
+    player.SetAudio(file, file == m_long ? 30.0 : 0.0);
+    QTRY_COMPARE_WITH_TIMEOUT(player.mediaStatus(), QMediaPlayer::LoadedMedia, patience);
 }
 
 void AudioPlayerTest::initTestCase()
@@ -202,6 +213,59 @@ void AudioPlayerTest::setAudioKeepsTheLoopFlag()
     player.LoopPlayback(true);
     player.SetAudio(m_long, 30.0);
     QVERIFY(Access::IsLooping(player));
+}
+
+void AudioPlayerTest::followsWhatWasAskedForWhileLoading_data()
+{
+    QTest::addColumn<QStringList>("requests");
+    QTest::addColumn<double>("start");
+    QTest::addColumn<double>("end");
+    QTest::addColumn<qint64>("position");
+    using L = QStringList;
+    QTest::newRow("a selection") << L{QStringLiteral("select")} << 5.0 << 6.0 << qint64(5000);
+    QTest::newRow("a position") << L{QStringLiteral("seek")} << 0.0 << 25.0 << qint64(20000);
+    QTest::newRow("no selection") << L{QStringLiteral("select"), QStringLiteral("clear")} << 0.0 << 30.0
+                                  << qint64(5000);
+    QTest::newRow("a selection after none")
+        << L{QStringLiteral("clear"), QStringLiteral("select")} << 5.0 << 6.0 << qint64(5000);
+    QTest::newRow("a selection after a position")
+        << L{QStringLiteral("seek"), QStringLiteral("select")} << 5.0 << 6.0 << qint64(5000);
+    QTest::newRow("a position after a selection")
+        << L{QStringLiteral("select"), QStringLiteral("seek")} << 5.0 << 6.0 << qint64(20000);
+}
+
+void AudioPlayerTest::followsWhatWasAskedForWhileLoading()
+{
+    QFETCH(QStringList, requests);
+    QFETCH(double, start);
+    QFETCH(double, end);
+    QFETCH(qint64, position);
+    AudioPlayer player;
+    player.SetAudio(m_long, 25.0);
+    for (const QString& request : requests) {
+        if (request == u"select") {
+            player.SetSelection(5.0, 6.0);
+        } else if (request == u"seek") {
+            player.setPosition(20000);
+        } else {
+            player.ClearSelection();
+        }
+    }
+    QTRY_COMPARE_WITH_TIMEOUT(player.position(), position, patience);
+    QCOMPARE(player.mediaStatus(), QMediaPlayer::LoadedMedia);
+    QCOMPARE(Access::SelectionStart(player), start);
+    QCOMPARE(Access::SelectionEnd(player), end);
+}
+
+void AudioPlayerTest::forgetsWhatWasAskedForWithTheFormerFile()
+{
+    AudioPlayer player;
+    player.SetAudio(m_long, 30.0);
+    player.SetSelection(5.0, 6.0);
+    player.setPosition(7000);
+    Load(player, m_long);
+    QCOMPARE(player.position(), 0);
+    QCOMPARE(Access::SelectionEnd(player), 30.0);
 }
 
 void AudioPlayerTest::setAudioReportsAMissingFileAndKeepsTheNewSelection()
@@ -286,15 +350,16 @@ void AudioPlayerTest::loadsFilesWithOddNames()
 void AudioPlayerTest::letsGoOfItsOwnSourceFileWhenTheHostSetsAnotherSource()
 {
     AudioPlayer player;
-    const QString odd = File(QStringLiteral("ünlocked.wav"), 2.0);
+    const QString pipe = m_folder.filePath(QStringLiteral("unlocked.wav"));
+    QCOMPARE(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
 
-    player.SetAudio(odd, 2.0);
+    player.SetAudio(pipe, 2.0);
     QVERIFY(Access::HoldsASourceFile(player));
     player.setSource(QUrl::fromLocalFile(m_long));
     QVERIFY(!Access::HoldsASourceFile(player));
     QTRY_COMPARE_WITH_TIMEOUT(player.duration(), 30000, patience);
 
-    player.SetAudio(odd, 2.0);
+    player.SetAudio(pipe, 2.0);
     QBuffer buffer;
     buffer.setData(ToneFileBytes({.seconds = 4.0}));
     QVERIFY(buffer.open(QIODevice::ReadOnly));
@@ -319,7 +384,7 @@ void AudioPlayerTest::survivesChangingOddlyNamedFilesWhilePlaying()
 void AudioPlayerTest::pauseResumeFollowsTheState()
 {
     AudioPlayer player;
-    player.SetAudio(m_long, 30.0);
+    Load(player, m_long);
     player.PauseResume();
     QCOMPARE(player.playbackState(), QMediaPlayer::PlayingState);
     player.PauseResume();
@@ -331,7 +396,7 @@ void AudioPlayerTest::pauseResumeFollowsTheState()
 void AudioPlayerTest::pauseResumeFromStoppedPlaysFromTheSelectionStart()
 {
     AudioPlayer player;
-    player.SetAudio(m_long, 30.0);
+    Load(player, m_long);
     player.SetSelection(12.5, 20.0);
     QCOMPARE(player.playbackState(), QMediaPlayer::StoppedState);
     QCOMPARE(player.position(), 12500);
@@ -345,7 +410,7 @@ void AudioPlayerTest::pauseResumeFromStoppedPlaysFromTheSelectionStart()
 void AudioPlayerTest::setSelectionMovesThePositionAndKeepsTheState()
 {
     AudioPlayer player;
-    player.SetAudio(m_long, 30.0);
+    Load(player, m_long);
     player.play();
     QTRY_VERIFY_WITH_TIMEOUT(player.position() > 0, patience);
     const StateLog log(player);
@@ -386,7 +451,7 @@ void AudioPlayerTest::setSelectionAcceptsAStartBehindTheFile()
     QFETCH(double, start);
     for (const bool playing : {false, true}) {
         AudioPlayer player;
-        player.SetAudio(m_long, 30.0);
+        Load(player, m_long);
         playing ? player.play() : player.pause();
         player.SetSelection(start, start);
         QCOMPARE(Access::SelectionStart(player), start);
@@ -410,7 +475,7 @@ void AudioPlayerTest::setSelectionAcceptsTimesThatNoPositionCanHold()
     QFETCH(double, start);
     QFETCH(double, end);
     AudioPlayer player;
-    player.SetAudio(m_long, 30.0);
+    Load(player, m_long);
     player.SetSelection(5.0, 6.0);
     player.SetSelection(start, end);
     QCOMPARE(Access::SelectionStart(player), start);
@@ -421,7 +486,7 @@ void AudioPlayerTest::setSelectionAcceptsTimesThatNoPositionCanHold()
 void AudioPlayerTest::clearSelectionTakesTheDurationAndKeepsThePosition()
 {
     AudioPlayer player;
-    player.SetAudio(m_long, 30.0);
+    Load(player, m_long);
     player.SetSelection(5.0, 6.0);
     player.ClearSelection();
     QCOMPARE(Access::SelectionStart(player), 0.0);
@@ -441,7 +506,7 @@ void AudioPlayerTest::clearSelectionOfAnEmptyPlayerEndsAtZero()
 void AudioPlayerTest::loopPlaybackChangesNothingElse()
 {
     AudioPlayer player;
-    player.SetAudio(m_long, 30.0);
+    Load(player, m_long);
     player.SetSelection(5.0, 6.0);
     player.LoopPlayback(true);
     QVERIFY(Access::IsLooping(player));
@@ -495,9 +560,9 @@ void AudioPlayerTest::whatEndsAtOnceStaysPausedAtItsStart()
     QSignalSpy states(&player, &QMediaPlayer::playbackStateChanged);
     player.LoopPlayback(loop);
     if (empty) {
-        player.SetAudio(m_empty, 0.0);
+        Load(player, m_empty);
     } else {
-        player.SetAudio(m_long, 30.0);
+        Load(player, m_long);
         player.SetSelection(30.0, 30.0);
     }
     const qint64 start = player.position();
@@ -580,7 +645,7 @@ void AudioPlayerTest::takesTheFirstListedDeviceThatIsEqual()
 void AudioPlayerTest::playbackLoopDoesNothingUnlessPlaying()
 {
     AudioPlayer player;
-    player.SetAudio(m_long, 30.0);
+    Load(player, m_long);
     player.SetSelection(2.0, 4.0);
     player.setPosition(10000);
     Access::PlaybackLoop(player, 10000);
@@ -614,7 +679,7 @@ void AudioPlayerTest::playbackLoopRestartsAtTheSelectionEnd()
     QFETCH(bool, loop);
     QFETCH(QList<QMediaPlayer::PlaybackState>, states);
     AudioPlayer player;
-    player.SetAudio(m_long, 30.0);
+    Load(player, m_long);
     player.SetSelection(2.5, 4.0);
     player.LoopPlayback(loop);
     player.setPosition(3000);
@@ -628,7 +693,7 @@ void AudioPlayerTest::playbackLoopRestartsAtTheSelectionEnd()
 void AudioPlayerTest::anInvertedSelectionRestartsAtItsStart()
 {
     AudioPlayer player;
-    player.SetAudio(m_long, 30.0);
+    Load(player, m_long);
     player.SetSelection(10.0, 5.0);
     QCOMPARE(Access::SelectionStart(player), 10.0);
     QCOMPARE(Access::SelectionEnd(player), 5.0);
@@ -649,7 +714,7 @@ void AudioPlayerTest::anEmptySelectionPausesAtTheFirstPosition()
 void AudioPlayerTest::ignoresEveryMediaStatusButTheEnd()
 {
     AudioPlayer player;
-    player.SetAudio(m_long, 30.0);
+    Load(player, m_long);
     player.SetSelection(2.0, 4.0);
     player.setPosition(3000);
     player.play();
@@ -665,7 +730,7 @@ void AudioPlayerTest::ignoresEveryMediaStatusButTheEnd()
 void AudioPlayerTest::theEndOfTheMediaRestartsInOrder()
 {
     AudioPlayer player;
-    player.SetAudio(m_long, 30.0);
+    Load(player, m_long);
     player.SetSelection(2.0, 4.0);
     player.setPosition(3000);
 

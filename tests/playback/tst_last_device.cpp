@@ -1,3 +1,4 @@
+#include "playback/OutputDevices.h"
 #include "tests/support/SoundRecording.h"
 #include "tests/support/SoundServer.h"
 #include "tests/support/Tone.h"
@@ -9,11 +10,12 @@
 #include <QtCore/QEventLoop>
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QTimer>
-#include <QtMultimedia/QMediaDevices>
 #include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
 
 #include <functional>
+
+using vantoraudio::AudioEngine::PresentOutputs;
 
 namespace {
 
@@ -67,7 +69,7 @@ private Q_SLOTS:
                 QTRY_COMPARE_WITH_TIMEOUT(recording.Frequency(SoundRecording::Left), 440, patience);
             }
             QFuture<bool> removal = QtConcurrent::run([&] { return m_server.RemoveSink(name); });
-            WaitAwake([] { return QMediaDevices::audioOutputs().isEmpty(); });
+            WaitAwake([] { return PresentOutputs().isEmpty(); });
             QVERIFY(removal.result());
             const qint64 position = player.position();
             QSignalSpy positions(&player, &QMediaPlayer::positionChanged);

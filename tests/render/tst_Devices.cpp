@@ -47,6 +47,14 @@ std::vector<Pos2f> RandomStrip(unsigned seed, std::size_t count, float range)
     return strip;
 }
 
+/** Moves both ends of a line away from its middle. */
+void Lengthen(Pos2f& start, Pos2f& end, float factor)
+{
+    const Pos2f middle{(start.x + end.x) / 2, (start.y + end.y) / 2};
+    for (Pos2f* point : {&start, &end})
+        *point = {middle.x + (point->x - middle.x) * factor, middle.y + (point->y - middle.y) * factor};
+}
+
 /** Like audio: x rises slowly, many vertices to a column, y jumps about. */
 std::vector<Pos2f> DenseStrip(unsigned seed, std::size_t count, float width, float height)
 {
@@ -166,6 +174,8 @@ private Q_SLOTS:
     void survivesCoordinatesOfAnySize();
     void drawsLinesThatReachFarOutside_data() { AddDevices(); }
     void drawsLinesThatReachFarOutside();
+    void drawsTrianglesThatReachFarOutside_data() { AddDevices(); }
+    void drawsTrianglesThatReachFarOutside();
     void drawsNothingInAnEmptyScene_data() { AddDevices(); }
     void drawsNothingInAnEmptyScene();
     void drawsMillionsOfVerticesInOnePass_data() { AddDevices(); }
@@ -408,6 +418,24 @@ void tst_Devices::drawsLinesThatReachFarOutside()
     QCOMPARE(LitPixels(picture.copy(20, 0, 1, 20)).size(), std::size_t(20));
 }
 
+void tst_Devices::drawsTrianglesThatReachFarOutside()
+{
+    MAKE_DEVICE;
+    // As a long selection seen through a short view; its edges may be outside or right in the picture.
+    for (const qreal far : {1e3, 1e5, 1e7, 1e8}) {
+        const QImage picture = Picture({50, 20}, [far](BGFXRenderer& renderer, const BGFXViewContext& view) {
+            DrawTriangles(renderer, view, {{-far, 2}, {far, 2}, {far, 6}, {far, 6}, {-far, 6}, {-far, 2}}, White);
+            DrawTriangles(renderer, view, {{10, 8}, {far, 8}, {far, 12}, {far, 12}, {10, 12}, {10, 8}}, White);
+            DrawTriangles(renderer, view, {{-far, 14}, {30, 14}, {30, 18}, {30, 18}, {-far, 18}, {-far, 14}},
+                          White);
+        });
+        QCOMPARE(LitPixels(picture.copy(0, 0, 50, 7)).size(), std::size_t(50 * 4));
+        QCOMPARE(LitPixels(picture.copy(10, 8, 40, 4)).size(), std::size_t(40 * 4));
+        QCOMPARE(LitPixels(picture.copy(0, 14, 30, 4)).size(), std::size_t(30 * 4));
+        QCOMPARE(LitPixels(picture).size(), std::size_t(50 * 4 + 40 * 4 + 30 * 4));
+    }
+}
+
 void tst_Devices::drawsNothingInAnEmptyScene()
 {
     MAKE_DEVICE;
@@ -443,7 +471,8 @@ void tst_Devices::agreeToWithinAPixel_data()
 {
     QTest::addColumn<int>("kind");
     QTest::addColumn<unsigned>("seed");
-    const std::array<const char*, 5> kinds{"random strip", "dense strip", "lines", "fan of lines", "triangles"};
+    const std::array<const char*, 6> kinds{"random strip", "dense strip", "lines",
+                                           "fan of lines", "triangles",   "lines far outside"};
     for (int kind = 0; kind < int(kinds.size()); ++kind) {
         for (unsigned seed = 0; seed < 20; ++seed)
             QTest::addRow("%s %u", kinds[std::size_t(kind)], seed) << kind << seed;
@@ -455,9 +484,11 @@ void tst_Devices::agreeToWithinAPixel()
     QFETCH(int, kind);
     QFETCH(unsigned, seed);
     const auto draw = [&](BGFXRenderer& renderer, const BGFXViewContext& view) {
-        const std::vector<Pos2f> points = RandomStrip(seed, 30, 200.0F);
+        std::vector<Pos2f> points = RandomStrip(seed, 30, 200.0F);
         std::vector<Line> lines;
         std::vector<QPointF> corners;
+        for (std::size_t i = 0; kind == 5 && i + 1 < points.size(); i += 2)
+            Lengthen(points[i], points[i + 1], std::pow(10.0F, float(seed % 6)));
         for (std::size_t i = 0; i + 1 < points.size(); ++i) {
             const Pos2f start = kind == 3 ? Pos2f{100.0F, 100.0F} : points[i];
             lines.push_back({{start.x, start.y, 0.0F}, {points[i + 1].x, points[i + 1].y, 0.0F}, White});

@@ -6,6 +6,13 @@
 class DecoderTestAccess
 {
 public:
+    /** As Decoder::Convert(), but decodes with what `makeSource` makes. */
+    template<typename SourceMaker>
+    static WavFile::AudioEngineReturnValue Convert(const QString& inPath, const QString& outPath, int sampleRate,
+                                                   const SourceMaker& makeSource)
+    {
+        return Decoder::Decode(inPath, outPath, sampleRate, Decoder::SampleType::AsDecoded, makeSource);
+    }
     static int GetAudioCodecContext(AVFormatContext* format, AVCodecContext* codec, int& streamIndex,
                                     const QString& path)
     {

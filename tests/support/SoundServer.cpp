@@ -1,5 +1,7 @@
 #include "tests/support/SoundServer.h"
 
+#include "engine/QtDefects.h"
+
 #include <QtCore/QByteArray>
 #include <QtCore/QDeadlineTimer>
 #include <QtCore/QFile>
@@ -41,7 +43,8 @@ SoundServer::SoundServer(const QStringList& sinks)
     QFile::setPermissions(m_folder.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     qputenv("XDG_RUNTIME_DIR", QFile::encodeName(m_folder.path()));
     qputenv("PULSE_SERVER", QByteArray("unix:" + QFile::encodeName(m_folder.filePath(QStringLiteral("native")))));
-    if (!qEnvironmentVariableIsSet("QT_MEDIA_BACKEND")) {
+    if (vantoraudio::AudioEngine::QtDefects::PrefersABackendWithoutPlugins() &&
+        !qEnvironmentVariableIsSet("QT_MEDIA_BACKEND")) {
         qputenv("QT_MEDIA_BACKEND", "ffmpeg");
     }
     qunsetenv("PULSE_SINK");

@@ -11,8 +11,8 @@
  * A PulseAudio server of the test's own, with sinks that come and go as the test wants and are heard by nobody.
  *
  * Create it first thing in main(), before any Qt application or multimedia object: it points PULSE_SERVER and
- * XDG_RUNTIME_DIR of this process at itself, and asks Qt for the FFmpeg backend unless QT_MEDIA_BACKEND says
- * otherwise; Qt reads them once. It ends with the object, and with the process at the latest.
+ * XDG_RUNTIME_DIR of this process at itself, and asks a Qt that would take another one for the FFmpeg
+ * backend; Qt reads them once. It ends with the object, and with the process at the latest.
  */
 class SoundServer
 {

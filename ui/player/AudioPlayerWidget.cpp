@@ -232,7 +232,7 @@ bool AudioPlayerWidget::IsBusy() const
 
 bool AudioPlayerWidget::IsReadingSamples() const
 {
-    return m_samplesWatcher.isRunning();
+    return m_samplesWatcher.isRunning() || AreSamplesOnTheirWay();
 }
 
 double AudioPlayerWidget::GetDelay() const
@@ -274,6 +274,14 @@ void AudioPlayerWidget::GetSamples(double startTime, double endTime, int stepSiz
 void AudioPlayerWidget::ForgetPendingSamples()
 {
     m_formerSamples = File().GetSamples();
+    m_awaitsSamples = true;
+}
+
+/** Reading has ended, and the news of it has not come to this thread yet. */
+bool AudioPlayerWidget::AreSamplesOnTheirWay() const
+{
+    const QList<float> samples = File().GetSamples();
+    return m_awaitsSamples && !samples.isEmpty() && !samples.isSharedWith(m_formerSamples);
 }
 
 void AudioPlayerWidget::OnNewSamples()
@@ -283,6 +291,7 @@ void AudioPlayerWidget::OnNewSamples()
         return;
     }
     m_formerSamples.clear();
+    m_awaitsSamples = false;
     m_waveformWidget->UpdateAudioSampleBuffer(samples);
 }
 

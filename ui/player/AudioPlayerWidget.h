@@ -100,7 +100,8 @@ public:
     /** A snippet is being written or a channel filtered. */
     [[nodiscard]] bool IsBusy() const;
 
-    /** Samples for the waveform are being read; ends with ProgressChanged(0, 0, 1, "Updated"). */
+    /** Samples for the waveform are being read, or have been and are not shown yet. Ends in the event loop, at
+     *  about the time of ProgressChanged(0, 0, 1, "Updated"). */
     [[nodiscard]] bool IsReadingSamples() const;
 
     /** Seconds of silence shown behind the audio. */
@@ -250,6 +251,7 @@ private:
     void ShowWaveform(double duration);
     void FillChannelSelector();
     void ForgetPendingSamples();
+    [[nodiscard]] bool AreSamplesOnTheirWay() const;
     void EnableAudioControls(bool canPlay);
     void SetBusy(bool busy);
 
@@ -303,6 +305,7 @@ private:
     bool m_isGoingBack = false;
     /** Samples that were there before the latest request and do not answer it. */
     QList<float> m_formerSamples;
+    bool m_awaitsSamples = false;
 };
 
 } // namespace vantoraudio::vantorAudioEngine::UI

@@ -47,10 +47,10 @@ void OpenGLColumns::Create(QOpenGLFunctions& gl)
     gl.glGenTextures(1, &m_texture);
     m_version = 0;
     gl.glBindTexture(GL_TEXTURE_2D, m_texture);
-    for (const GLenum filter : {GL_TEXTURE_MIN_FILTER, GL_TEXTURE_MAG_FILTER}) {
+    for (const GLenum filter : {GLenum(GL_TEXTURE_MIN_FILTER), GLenum(GL_TEXTURE_MAG_FILTER)}) {
         gl.glTexParameteri(GL_TEXTURE_2D, filter, GL_NEAREST);
     }
-    for (const GLenum direction : {GL_TEXTURE_WRAP_S, GL_TEXTURE_WRAP_T}) {
+    for (const GLenum direction : {GLenum(GL_TEXTURE_WRAP_S), GLenum(GL_TEXTURE_WRAP_T)}) {
         gl.glTexParameteri(GL_TEXTURE_2D, direction, GL_CLAMP_TO_EDGE);
     }
 }

@@ -133,7 +133,7 @@ private:
 
     void DrawLines(QOpenGLFunctions& gl, const OpenGLProgram& program, const DrawCall& call)
     {
-        const std::vector<LineVertex> lines = ToWindowLines(call, m_frameBuffer->height());
+        const std::vector<LineVertex> lines = ToWindowLines(call, m_frameBuffer->width(), m_frameBuffer->height());
         if (lines.empty()) {
             return;
         }

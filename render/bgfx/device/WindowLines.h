@@ -19,9 +19,9 @@ VertexLayout LineVertexLayout();
 
 /**
  * The lines of a line list or strip, two vertices each, ready to be drawn with FromWindow(). Lines at vertices
- * that are not finite are left out.
+ * that are not finite are left out, and so is what lies outside the picture: any coordinates are safe for drivers.
  */
-std::vector<LineVertex> ToWindowLines(const DrawCall& call, int targetHeight);
+std::vector<LineVertex> ToWindowLines(const DrawCall& call, int targetWidth, int targetHeight);
 
 /** From window coordinates to -1..1 in the viewport. */
 Matrix FromWindow(const Rect& viewport, int targetHeight);

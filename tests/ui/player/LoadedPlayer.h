@@ -58,7 +58,7 @@ public:
     {
         return QTest::qWaitFor([this] {
             const bool canPlay = Player().mediaStatus() == QMediaPlayer::LoadedMedia && Player().duration() > 0;
-            return canPlay && !Access::IsReadingSamples(widget);
+            return canPlay && !widget.IsReadingSamples();
         });
     }
 

@@ -45,7 +45,7 @@ public:
 
     bool HasRead() const
     {
-        return QTest::qWaitFor([this] { return !Access::IsReadingSamples(*player); }, patience);
+        return QTest::qWaitFor([this] { return !player->IsReadingSamples(); }, patience);
     }
     bool IsIdle() const
     {

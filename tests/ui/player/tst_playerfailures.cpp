@@ -1,3 +1,4 @@
+#include "playback/OutputDevices.h"
 #include "tests/support/AudioPrograms.h"
 #include "tests/support/FileSizeLimit.h"
 #include "tests/support/OrdinaryUser.h"
@@ -7,7 +8,6 @@
 #include "tests/ui/player/PlayerSetup.h"
 
 #include <QtCore/QDir>
-#include <QtMultimedia/QMediaDevices>
 #include <QtWidgets/QApplication>
 
 using namespace Qt::Literals::StringLiterals;
@@ -22,7 +22,7 @@ const TestAudio stereo{.coding = S16, .channels = 2, .rate = 8000, .frames = 800
 QStringList DeviceNames()
 {
     QStringList names;
-    for (const QAudioDevice& device : QMediaDevices::audioOutputs()) {
+    for (const QAudioDevice& device : vantoraudio::AudioEngine::PresentOutputs()) {
         names.append(QString::fromUtf8(device.id()));
     }
     names.sort();
@@ -79,7 +79,7 @@ void PlayerFailuresTest::playsOnElsewhereWhenItsDeviceVanishes()
     PlayerSetup setup;
     QVERIFY(MakeLongFile(setup.copies.Path(u"long.wav"_s)));
     QVERIFY(setup.Load(setup.originals.Path(u"long.wav"_s)));
-    const QList<QAudioDevice> devices = QMediaDevices::audioOutputs();
+    const QList<QAudioDevice> devices = vantoraudio::AudioEngine::PresentOutputs();
     setup.player->SetAudioOutputDevice(devices[0].id() == "two" ? devices[0] : devices[1]);
     setup.Controls().btnPlayPause->click();
     QTRY_VERIFY_WITH_TIMEOUT(setup.Audio().position() > 0, PlayerSetup::patience);

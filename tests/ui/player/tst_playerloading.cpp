@@ -7,6 +7,7 @@
 #include "tests/ui/waveform/WaveformTestAccess.h"
 
 #include <QtCore/QDir>
+#include <QtCore/QThreadPool>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QLabel>
 
@@ -116,6 +117,7 @@ private Q_SLOTS:
     void convertsAnotherFileInPlace();
     void convertIgnoresTheResultOfOpening();
 
+    void readsSamplesUntilTheyAreShown();
     void aNewRequestForSamplesEndsTheRunningOne();
     void ignoresNewsOfFormerSamples();
     void asksForSamplesWithoutTheFormerDelay();
@@ -616,6 +618,23 @@ void PlayerLoadingTest::convertIgnoresTheResultOfOpening()
     QVERIFY(!isConverted);
     QCOMPARE(TemporaryFiles::Read(junk), QByteArray(100, 'x'));
     QVERIFY(setup.player->errors.isEmpty());
+}
+
+void PlayerLoadingTest::readsSamplesUntilTheyAreShown()
+{
+    PlayerSetup setup;
+    setup.player->SetAudioFile(setup.originals.Write(u"take.wav"_s, Mono()));
+    auto& diagram = WaveformTestAccess::DiagramOf(setup.View());
+    // They are read, but this thread has not heard of it.
+    QThreadPool::globalInstance()->waitForDone();
+    QVERIFY(setup.player->IsReadingSamples());
+    QCOMPARE(WaveformTestAccess::Buffer(diagram).end, 0.0);
+    QTRY_VERIFY(!setup.player->IsReadingSamples());
+    QVERIFY(WaveformTestAccess::Buffer(diagram).end > 0.0);
+    // The same when reading is cut short, which brings no samples.
+    Q_EMIT setup.View().GetSamples(0.0, 1.0, 1);
+    setup.player->Close();
+    QTRY_VERIFY(!setup.player->IsReadingSamples());
 }
 
 void PlayerLoadingTest::aNewRequestForSamplesEndsTheRunningOne()

@@ -62,11 +62,13 @@ struct Window
         view.show();
     }
 
-    /** Its size stays the same in logical pixels, as window systems see to. */
+    /** Its size stays the same in logical pixels, as window systems see to. This platform keeps that in device
+     * pixels instead, which Qt 6.8 tells the widget at once and Qt 6.4 never. */
     void MoveTo(const QString& screen)
     {
+        const QSize size = view.size();
         view.windowHandle()->setScreen(Screen(screen));
-        view.windowHandle()->resize(view.size());
+        view.windowHandle()->resize(size);
     }
 
     /** What was painted last, in device pixels. Looking at it draws nothing anew. */

@@ -1,0 +1,116 @@
+#pragma once
+
+#include <QtCore/QLibraryInfo>
+#include <QtCore/QVersionNumber>
+
+/**
+ * The defects of Qt that this library works round, each with the versions in which it was seen and in which it was
+ * looked for in vain. Every workaround asks here, and tst_qtdefects shows each defect, or its absence, in plain
+ * Qt.
+ *
+ * To drop an old Qt: delete the functions that tell of nothing newer, and follow the compiler.
+ *
+ * Seen means: with Debian 12 (Qt 6.4.2) and Debian 13 (Qt 6.8.2), FFmpeg backend, PulseAudio 16 and 17. Between
+ * these two versions a defect is taken to end where Qt's own change log or sources say so, else with 6.8.
+ */
+namespace vantoraudio::AudioEngine::QtDefects {
+
+/** Whether the Qt that runs, not the one built against, is older. */
+inline bool IsBefore(int major, int minor)
+{
+    return QLibraryInfo::version() < QVersionNumber(major, minor);
+}
+
+/** By default the GStreamer backend is taken, which plays and decodes nothing, or crashes, without plug-ins that
+ * Qt does not bring. It is the program that chooses the other one, by the environment variable QT_MEDIA_BACKEND.
+ * Seen in 6.4.2; 6.8.2 has no other backend than FFmpeg's. */
+inline bool PrefersABackendWithoutPlugins()
+{
+#ifdef Q_OS_LINUX
+    return IsBefore(6, 5);
+#else
+    return false;
+#endif
+}
+
+/** QAudioDecoder sleeps for 10 ms whenever it is read while it has no buffer ready: 10 min of MP3 read as fast as
+ *  it goes take 7 s instead of 1.2. Seen in 6.4.2, not in 6.8.2. */
+inline bool NapsWhileDecoding()
+{
+    return IsBefore(6, 5);
+}
+
+/** QAudioDecoder says neither error() nor finished() of a file that it cannot open: one that is missing or empty,
+ * a folder, text, a thousand random bytes under an Ogg name. Seen in 6.4.2; 6.8.2 reports an error within start().
+ */
+inline bool IsSilentAboutWhatItCannotDecode()
+{
+    return IsBefore(6, 5);
+}
+
+/** QAudioDecoder's threads now and then miss each other's wake-up, at the start or later, and stand still for
+ * ever. Seen in 6.4.2, not in 6.8.2. */
+inline bool MissesItsOwnSignals()
+{
+    return IsBefore(6, 5);
+}
+
+/** The list of output devices is not up to date. 6.4.2 notices every change but never emits
+ * audioOutputsChanged(); 6.8.2 goes on listing a device that has gone until another one appears or becomes the
+ * default. PulseAudio only. */
+inline bool MissesDeviceChanges()
+{
+#ifdef Q_OS_LINUX
+    return true;
+#else
+    return false;
+#endif
+}
+
+/** A player that has no output plays on without sound: its position moves with the clock. Seen in 6.8.2; in 6.4.2
+ * the position stands still but for a millisecond a second. */
+inline bool RunsOnWithoutOutput()
+{
+    return !IsBefore(6, 5);
+}
+
+/** A seek is lost now and then: the running audio thread takes the clock back behind it (about one seek in a
+ * hundred while playing), or, close to the end of the media, the player stands still from then on (one end in
+ * thousands). Seen in 6.4.2, not in 6.8.2. */
+inline bool LosesSeeks()
+{
+    return IsBefore(6, 5);
+}
+
+/** A source is loaded in the background, and a position that is set meanwhile is lost. Seen in 6.8.2; 6.4.2 loads
+ *  while the caller waits. */
+inline bool LosesSeeksWhileLoading()
+{
+    return !IsBefore(6, 5);
+}
+
+/** A source's name is garbled where it holds letters beyond ASCII or a percent sign. Seen in 6.4.2, not in 6.8.2.
+ */
+inline bool GarblesNames()
+{
+    return IsBefore(6, 5);
+}
+
+/** A player that is paused at the end of the media reports the end once more and stops. Seen in 6.4.2. */
+inline bool ReportsTheEndTwice()
+{
+    return IsBefore(6, 5);
+}
+
+/** The connection to PulseAudio is freed at the program's end while its thread still reads from it: one program in
+ * a hundred that ends right after its last sound crashes. Seen in 6.4.2; mended in 6.8. */
+inline bool FreesItsConnectionInUse()
+{
+#ifdef Q_OS_LINUX
+    return IsBefore(6, 8);
+#else
+    return false;
+#endif
+}
+
+} // namespace vantoraudio::AudioEngine::QtDefects

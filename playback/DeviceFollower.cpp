@@ -1,0 +1,142 @@
+#include "playback/DeviceFollower.h"
+
+#include "engine/QtDefects.h"
+#include "playback/OutputDevices.h"
+#include "playback/SoundServerSinks.h"
+
+#include <QtCore/QUrl>
+#include <QtMultimedia/QAudioOutput>
+#include <QtMultimedia/QMediaPlayer>
+
+#include <algorithm>
+#include <chrono>
+
+namespace vantoraudio::AudioEngine {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/** Qt's list may be behind the sound server's for this long. */
+constexpr auto betweenChecks = 50ms;
+constexpr int checksAfterAChange = 20;
+
+// By id: two descriptions of one device differ as soon as another device becomes the default one.
+const QAudioDevice* Find(const QList<QAudioDevice>& devices, const QByteArray& id)
+{
+    const auto isWanted = [&id](const QAudioDevice& device) { return device.id() == id; };
+    const auto found = std::find_if(devices.cbegin(), devices.cend(), isWanted);
+    return found == devices.cend() ? nullptr : &*found;
+}
+
+} // namespace
+
+DeviceFollower::DeviceFollower(QMediaPlayer& player, QAudioOutput& output) : m_player(player), m_output(output)
+{
+    const auto refresh = [this] { Refresh(); };
+    QObject::connect(&m_devices, &QMediaDevices::audioOutputsChanged, &m_context, refresh);
+    QObject::connect(&player, &QMediaPlayer::sourceChanged, &m_context, refresh);
+    QObject::connect(&player, &QMediaPlayer::playbackStateChanged, &m_context, refresh);
+    if (QtDefects::MissesDeviceChanges()) {
+        ListenToTheSoundServer();
+    }
+}
+
+void DeviceFollower::ListenToTheSoundServer()
+{
+    m_catchingUp.setInterval(betweenChecks);
+    QObject::connect(&m_catchingUp, &QTimer::timeout, &m_context, [this] {
+        if (--m_checksLeft <= 0) {
+            m_catchingUp.stop();
+        }
+        Refresh();
+    });
+    QObject::connect(&SoundServerSinks::Shared(), &SoundServerSinks::Changed, &m_context,
+                     [this] { RefreshForAWhile(); });
+}
+
+void DeviceFollower::RefreshForAWhile()
+{
+    m_checksLeft = checksAfterAChange;
+    m_catchingUp.start();
+    Refresh();
+}
+
+void DeviceFollower::Prefer(const QAudioDevice& device)
+{
+    m_preferred = device;
+    Refresh();
+}
+
+void DeviceFollower::Refresh()
+{
+    const QList<QAudioDevice> available = PresentOutputs();
+    if (available.isEmpty()) {
+        Detach();
+        return;
+    }
+    const QAudioDevice device = ChooseDevice(available);
+    if (device.id() != m_output.device().id()) {
+        m_output.setDevice(device);
+    }
+    Attach();
+}
+
+bool DeviceFollower::HasMedia() const
+{
+    return !m_player.source().isEmpty() || m_player.sourceDevice();
+}
+
+QAudioDevice DeviceFollower::ChooseDevice(const QList<QAudioDevice>& available) const
+{
+    for (const QByteArray& id :
+         {m_preferred.id(), m_output.device().id(), QMediaDevices::defaultAudioOutput().id()}) {
+        if (const QAudioDevice* device = Find(available, id)) {
+            return *device;
+        }
+    }
+    return available.constFirst();
+}
+
+void DeviceFollower::Detach()
+{
+    if (!HasMedia() || m_player.audioOutput() != &m_output) {
+        return;
+    }
+    m_isDetached = true;
+    m_player.setAudioOutput(nullptr);
+    if (QtDefects::RunsOnWithoutOutput()) {
+        m_playbackRate = m_player.playbackRate();
+        m_player.setPlaybackRate(0.0);
+    }
+}
+
+void DeviceFollower::Attach()
+{
+    if (!m_isDetached) {
+        return;
+    }
+    m_isDetached = false;
+    if (QtDefects::RunsOnWithoutOutput() && m_player.playbackRate() == 0.0) {
+        m_player.setPlaybackRate(m_playbackRate);
+    }
+    if (m_player.audioOutput()) {
+        return; // the host's own
+    }
+    m_player.setAudioOutput(&m_output);
+    if (m_player.playbackState() == QMediaPlayer::PlayingState) {
+        // Meanwhile the source was read to its end unheard, and an output that joins a running player starts there
+        // or not at all.
+        PlayAnew(m_player);
+    }
+}
+
+void PlayAnew(QMediaPlayer& player)
+{
+    const qint64 position = player.position();
+    player.pause();
+    player.setPosition(position);
+    player.play();
+}
+
+} // namespace vantoraudio::AudioEngine

@@ -1,0 +1,136 @@
+#include "render/bgfx/device/WindowLines.h"
+#include "render/vantor3D/Vertex.h"
+
+#include <QtTest/QtTest>
+
+#include <array>
+#include <cmath>
+#include <limits>
+
+using namespace vantoraudio::bgfx;
+using namespace vantoraudio::bgfx::device;
+using vantoraudio::vantor3D::Vertex::Pos2f;
+using vantoraudio::vantor3D::Vertex::Pos3fColorRGBA;
+
+namespace {
+
+constexpr float NotANumber = std::numeric_limits<float>::quiet_NaN();
+constexpr float Infinite = std::numeric_limits<float>::infinity();
+constexpr float Largest = std::numeric_limits<float>::max();
+constexpr int Width = 100;
+constexpr int Height = 60;
+
+/** Scene coordinates are window coordinates of a target of 100 by 60. */
+template<typename Vertex>
+DrawCall Call(const std::vector<Vertex>& points, Topology topology = Topology::Lines)
+{
+    DrawCall call;
+    call.topology = topology;
+    call.viewport = {0, 0, Width, Height};
+    call.transform = FromWindow(call.viewport, Height);
+    call.layout = Vertex::Layout();
+    call.vertices = {reinterpret_cast<const std::uint8_t*>(points.data()), points.size() * sizeof(Vertex)};
+    call.vertexCount = static_cast<std::uint32_t>(points.size());
+    return call;
+}
+
+std::vector<LineVertex> LinesOf(const DrawCall& call)
+{
+    return ToWindowLines(call, Width, Height);
+}
+
+bool IsNear(double value, double expected)
+{
+    // A line is moved by a 64th of a pixel at most.
+    return std::fabs(value - expected) < 0.02;
+}
+
+} // namespace
+
+class tst_WindowLines : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void cutsBackWhatReachesFarOutside_data()
+    {
+        QTest::addColumn<QLineF>("line");
+        QTest::addColumn<QLineF>("cut");
+        QTest::newRow("inside") << QLineF(3, 5, 90, 50) << QLineF(3, 5, 90, 50);
+        QTest::newRow("a little outside") << QLineF(-1.5, 30, 101.5, 30) << QLineF(-1.5, 30, 101.5, 30);
+        QTest::newRow("flat") << QLineF(-1e6, 4.5, 1e6, 4.5) << QLineF(-2, 4.5, 102, 4.5);
+        QTest::newRow("flat, backwards") << QLineF(1e6, 4.5, -1e6, 4.5) << QLineF(102, 4.5, -2, 4.5);
+        QTest::newRow("upright") << QLineF(20.5, -1e30, 20.5, 1e30) << QLineF(20.5, -2, 20.5, 62);
+        QTest::newRow("as long as can be")
+            << QLineF(qreal(-Largest), 7, qreal(Largest), 7) << QLineF(-2, 7, 102, 7);
+        QTest::newRow("one end outside") << QLineF(50, 10, 250, 110) << QLineF(50, 10, 102, 36);
+        QTest::newRow("through the top") << QLineF(50, 30, 1050, 1030) << QLineF(50, 30, 82, 62);
+        QTest::newRow("through left and bottom") << QLineF(-1000, -990, 40, 50) << QLineF(-2, 8, 40, 50);
+    }
+
+    void cutsBackWhatReachesFarOutside()
+    {
+        QFETCH(const QLineF, line);
+        QFETCH(const QLineF, cut);
+        const std::vector<Pos2f> ends{{float(line.x1()), float(line.y1())}, {float(line.x2()), float(line.y2())}};
+        const auto lines = LinesOf(Call(ends));
+        QCOMPARE(lines.size(), std::size_t(2));
+        QVERIFY(IsNear(double(lines[0].x), cut.x1()));
+        QVERIFY(IsNear(double(lines[0].y), cut.y1()));
+        QVERIFY(IsNear(double(lines[1].x), cut.x2()));
+        QVERIFY(IsNear(double(lines[1].y), cut.y2()));
+    }
+
+    void leavesOutWhatCannotBeSeen_data()
+    {
+        QTest::addColumn<QLineF>("line");
+        QTest::newRow("left") << QLineF(-1e6, 10, -5, 20);
+        QTest::newRow("right") << QLineF(105, 10, 105, 20);
+        QTest::newRow("below") << QLineF(-1e6, -5, 1e6, -5);
+        QTest::newRow("above") << QLineF(20, 1e20, 20, 65);
+        QTest::newRow("past a corner") << QLineF(-100, 20, 20, -100);
+        QTest::newRow("not a number") << QLineF(10, 10, qreal(NotANumber), 20);
+        QTest::newRow("infinite") << QLineF(qreal(-Infinite), 10, 20, 20);
+    }
+
+    void leavesOutWhatCannotBeSeen()
+    {
+        QFETCH(const QLineF, line);
+        const std::vector<Pos2f> ends{{float(line.x1()), float(line.y1())}, {float(line.x2()), float(line.y2())}};
+        QVERIFY(LinesOf(Call(ends)).empty());
+        // And nothing but that.
+        const std::vector<Pos2f> strip{{10, 10}, {20, 10}, ends[0], ends[1], {30, 10}, {40, 10}};
+        QVERIFY(LinesOf(Call(strip, Topology::LineStrip)).size() >= 4);
+        const std::vector<Pos2f> list{{10, 10}, {20, 10}, ends[0], ends[1], {30, 10}, {40, 10}};
+        QCOMPARE(LinesOf(Call(list)).size(), std::size_t(4));
+    }
+
+    void keepsTheColoursWhereTheyWere()
+    {
+        // From black to white over 200 pixels, of which the right half is visible and two pixels more.
+        const std::vector<Pos3fColorRGBA> ends{{-100.0F, 30.0F, 0.0F, 0xff000000},
+                                               {100.0F, 30.0F, 0.0F, 0xffffffff}};
+        const auto lines = LinesOf(Call(ends));
+        QCOMPARE(lines.size(), std::size_t(2));
+        QCOMPARE(lines[0].color, (std::array<std::uint8_t, 4>{125, 125, 125, 255}));
+        QCOMPARE(lines[1].color, (std::array<std::uint8_t, 4>{255, 255, 255, 255}));
+    }
+
+    void cutsToThePartOfTheViewportInsideTheTarget()
+    {
+        // 1000 by 1000 with its lower left corner 100 to the left of the picture's and its top at the picture's
+        // top.
+        const std::vector<Pos2f> ends{{-1.0F, 0.99F}, {1.0F, 0.99F}};
+        DrawCall call = Call(ends);
+        call.viewport = {-100, 0, 1000, 1000};
+        call.transform = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+        const auto lines = LinesOf(call);
+        QCOMPARE(lines.size(), std::size_t(2));
+        QVERIFY(IsNear(double(lines[0].x), -2.0));
+        QVERIFY(IsNear(double(lines[1].x), 102.0));
+        QVERIFY(IsNear(double(lines[0].y), 55.0));
+    }
+};
+
+QTEST_GUILESS_MAIN(tst_WindowLines)
+#include "tst_WindowLines.moc"
