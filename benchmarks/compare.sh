@@ -58,7 +58,7 @@ row "left channel of 1 h, 48 kHz, 16 bit, stereo" "left hour.wav ours.wav" \
 row "10 min of it mixed to mono" "mix hour.wav ours.wav 600" \
   "-t 600 -i hour.wav -ac 1 -c:a pcm_s16le peer.wav" "sox hour.wav peer.wav trim 0 600 remix 1,2" 0.25 idle
 row "10 min MP3 to 96 kHz float" "decode ten.mp3 ours.wav 96000" \
-  "-i ten.mp3 -ar 96000 -c:a pcm_f32le peer.wav" "sox ten.mp3 -r 96000 -e float -b 32 peer.wav" 0.9 "look ten.mp3"
+  "-i ten.mp3 -ar 96000 -c:a pcm_f32le peer.wav" "sox ten.mp3 -r 96000 -e float -b 32 peer.wav" 1.5 "look ten.mp3"
 row "10 min 48 kHz stereo to 44.1 kHz mono float" "convert ten.wav ours.wav 44100" \
   "-i ten.wav -ar 44100 -ac 1 -c:a pcm_f32le peer.wav" "sox ten.wav -r 44100 -c 1 -e float -b 32 peer.wav" 0.9 idle
 

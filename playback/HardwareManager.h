@@ -29,8 +29,8 @@ public:
     /** Takes over the two devices of other; the input and output objects, parent and connections stay. */
     HardwareManager& operator=(const HardwareManager& other);
 
-    /** The output devices that support format, in the order of QMediaDevices::audioOutputs(). Always outputs:
-     *  mode is not looked at, whatever it asks for. */
+    /** The output devices that support format, in the order of QMediaDevices::audioOutputs(), without those that
+     * have gone and that Qt still lists. Always outputs: mode is not looked at, whatever it asks for. */
     QList<QAudioDevice> GetAvailableDevices(const QAudioFormat& format, QAudioDevice::Mode mode);
 
     /** The same for 16-bit stereo at 44100 Hz. */
