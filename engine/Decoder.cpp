@@ -130,7 +130,7 @@ private:
     QFile& m_output;
     const int m_sampleRate;
     const SampleType m_type;
-    const SourceMaker& m_makeSource;
+    const SourceMaker m_makeSource;
     QString m_inPath;
     int m_channelCount = 2;
     qint64 m_dataSize = 0;

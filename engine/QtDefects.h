@@ -4,14 +4,12 @@
 #include <QtCore/QVersionNumber>
 
 /**
- * The defects of Qt that this library works round, each with the versions in which it was seen and in which it was
- * looked for in vain. Every workaround asks here, and tst_qtdefects shows each defect, or its absence, in plain
- * Qt.
+ * The defects of Qt that this library works round, with the versions in which each was seen and in which it was
+ * looked for in vain: Qt 6.4.2 of Debian 12 and 6.8.2 of Debian 13, FFmpeg backend, PulseAudio 16 and 17. Of the
+ * versions between them nothing was seen; Qt's sources say that its player and decoder were written anew for 6.5.
  *
- * To drop an old Qt: delete the functions that tell of nothing newer, and follow the compiler.
- *
- * Seen means: with Debian 12 (Qt 6.4.2) and Debian 13 (Qt 6.8.2), FFmpeg backend, PulseAudio 16 and 17. Between
- * these two versions a defect is taken to end where Qt's own change log or sources say so, else with 6.8.
+ * The library's workarounds ask here, and tst_qtdefects shows in plain Qt what shows reliably. To drop an old Qt:
+ * delete the functions that tell of nothing newer, and follow the compiler.
  */
 namespace vantoraudio::AudioEngine::QtDefects {
 
@@ -83,10 +81,10 @@ inline bool LosesSeeks()
 }
 
 /** A source is loaded in the background, and a position that is set meanwhile is lost. Seen in 6.8.2; 6.4.2 loads
- *  while the caller waits. */
+ *  while the caller waits, and so do all before 6.6.3 by their sources. */
 inline bool LosesSeeksWhileLoading()
 {
-    return !IsBefore(6, 5);
+    return !IsBefore(6, 6);
 }
 
 /** A source's name is garbled where it holds letters beyond ASCII or a percent sign. Seen in 6.4.2, not in 6.8.2.
@@ -96,7 +94,8 @@ inline bool GarblesNames()
     return IsBefore(6, 5);
 }
 
-/** A player that is paused at the end of the media reports the end once more and stops. Seen in 6.4.2. */
+/** A player that is paused at the end of the media reports the end once more and stops. Seen in 6.4.2, not in
+ *  6.8.2. */
 inline bool ReportsTheEndTwice()
 {
     return IsBefore(6, 5);

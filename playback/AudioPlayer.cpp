@@ -11,6 +11,7 @@
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
+#include <QtCore/QPointer>
 #include <QtCore/QScopedValueRollback>
 #include <QtCore/QSignalBlocker>
 #include <QtCore/QUrl>
@@ -104,7 +105,6 @@ void AudioPlayer::SetAudio(const QString& filePath, double duration)
         setSource(QUrl());
     }
     LoadSource(filePath);
-    m_whenLoaded.clear();
     m_selectionStart = 0.0;
     m_selectionEnd = duration;
 }
@@ -135,6 +135,14 @@ void AudioPlayer::play()
     QMediaPlayer::play();
 }
 
+void AudioPlayer::stop()
+{
+    QMediaPlayer::stop();
+    if (mediaStatus() == LoadingMedia) {
+        setPosition(0);
+    }
+}
+
 void AudioPlayer::setPosition(qint64 position)
 {
     WhenLoaded([this, position] { QMediaPlayer::setPosition(position); });
@@ -151,7 +159,11 @@ void AudioPlayer::WhenLoaded(std::function<void()> request)
 
 void AudioPlayer::FollowRequests()
 {
-    for (const auto& request : std::exchange(m_whenLoaded, {})) {
+    // Whoever hears of what happens may load another file, or delete the player.
+    const QPointer<AudioPlayer> self(this);
+    while (self && !m_whenLoaded.empty() && mediaStatus() != LoadingMedia) {
+        const auto request = std::move(m_whenLoaded.front());
+        m_whenLoaded.erase(m_whenLoaded.begin());
         request();
     }
 }

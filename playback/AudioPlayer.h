@@ -28,10 +28,10 @@ class StandstillWatch;
  * Times are seconds from the start of the file, positions and durations of the base class milliseconds. Seconds
  * that no position can hold become the nearest position, not-a-number becomes 0.
  *
- * Qt 6.5 and later load a source in the background: until mediaStatus() is LoadedMedia, playbackState() stays
- * stopped, and position() and duration() are 0. What is asked of this class meanwhile - to play, to pause, a
- * position, a selection - happens once the source is there, the last request of a kind counting. Requests that
- * reach the base class through a QMediaPlayer may be lost then.
+ * Later versions of Qt (6.8 for one) load a source in the background: until mediaStatus() is LoadedMedia,
+ * playbackState() stays stopped, and position() and duration() are 0. What is asked of this class meanwhile
+ * happens in its order once the source is there; a second PauseResume() does not take back the first. Seeks that
+ * reach the base class through a QMediaPlayer are lost then.
  *
  * Nothing here reports failures: listen to errorOccurred() of the base class. While the machine has no output
  * device at all, a player that has a source runs without an audio output, so that play() is safe then; playback
@@ -62,9 +62,11 @@ public:
      *  errorOccurred(); source() and the selection are the new ones then, too. */
     void SetAudio(const QString& filePath, double duration);
 
-    /** The base class's play(), made safe for the moment in which the device in use has just disappeared: calls
-     *  through a QMediaPlayer are that only some 50 ms later. */
+    /** The base class's play(), made safe for the moment in which the device in use has just disappeared. */
     void play();
+
+    /** The base class's stop(), which goes back to 0, also in a source that is being loaded. */
+    void stop();
 
     /** The base class's setPosition(), in milliseconds, but kept while the source is being loaded and followed
      * then. */
@@ -97,7 +99,7 @@ public:
     bool IsMuted() const;
 
     /** Plays on device from now on, also in the middle of playing. A device that QMediaDevices::audioOutputs()
-     *  does not list is ignored. */
+     *  does not list, or that has gone, is ignored. */
     void SetAudioOutputDevice(const QAudioDevice& device);
 
     /** The device that SetAudioOutputDevice() accepted last, or a null device. It stays the answer while that

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <utility>
 
 namespace vantoraudio::AudioEngine {
 
@@ -20,6 +21,9 @@ using namespace std::chrono_literals;
 /** Qt's list may be behind the sound server's for this long. */
 constexpr auto betweenChecks = 50ms;
 constexpr int checksAfterAChange = 20;
+
+/** A playback rate that no one hears or sees. Qt divides by it. */
+constexpr qreal standingStill = 1e-6;
 
 // By id: two descriptions of one device differ as soon as another device becomes the default one.
 const QAudioDevice* Find(const QList<QAudioDevice>& devices, const QByteArray& id)
@@ -103,11 +107,10 @@ void DeviceFollower::Detach()
     if (!HasMedia() || m_player.audioOutput() != &m_output) {
         return;
     }
-    m_isDetached = true;
     m_player.setAudioOutput(nullptr);
-    if (QtDefects::RunsOnWithoutOutput()) {
+    if (!std::exchange(m_isDetached, true) && QtDefects::RunsOnWithoutOutput()) {
         m_playbackRate = m_player.playbackRate();
-        m_player.setPlaybackRate(0.0);
+        m_player.setPlaybackRate(standingStill);
     }
 }
 
@@ -117,7 +120,7 @@ void DeviceFollower::Attach()
         return;
     }
     m_isDetached = false;
-    if (QtDefects::RunsOnWithoutOutput() && m_player.playbackRate() == 0.0) {
+    if (QtDefects::RunsOnWithoutOutput() && m_player.playbackRate() < 2.0 * standingStill) {
         m_player.setPlaybackRate(m_playbackRate);
     }
     if (m_player.audioOutput()) {
@@ -134,9 +137,13 @@ void DeviceFollower::Attach()
 void PlayAnew(QMediaPlayer& player)
 {
     const qint64 position = player.position();
+    const QUrl source = player.source();
     player.pause();
-    player.setPosition(position);
-    player.play();
+    // Whoever heard of the pause may have done something else.
+    if (player.playbackState() == QMediaPlayer::PausedState && player.source() == source) {
+        player.setPosition(position);
+        player.play();
+    }
 }
 
 } // namespace vantoraudio::AudioEngine

@@ -23,7 +23,11 @@ QAudioFormat CompactDiscFormat()
 
 } // namespace
 
-HardwareManager::HardwareManager(QObject* parent) : QObject(parent) {}
+HardwareManager::HardwareManager(QObject* parent) : QObject(parent)
+{
+    // What goes from now on is known to have gone.
+    PresentOutputs();
+}
 
 HardwareManager::~HardwareManager() = default;
 

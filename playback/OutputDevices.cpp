@@ -5,14 +5,24 @@
 
 #include <QtMultimedia/QMediaDevices>
 
+#include <algorithm>
+
 namespace vantoraudio::AudioEngine {
 
 QList<QAudioDevice> PresentOutputs()
 {
     QList<QAudioDevice> devices = QMediaDevices::audioOutputs();
-    if (QtDefects::MissesDeviceChanges()) {
-        const SoundServerSinks& sinks = SoundServerSinks::Shared();
-        devices.removeIf([&sinks](const QAudioDevice& device) { return sinks.HasLost(device.id()); });
+    if (!QtDefects::MissesDeviceChanges()) {
+        return devices;
+    }
+    const SoundServerSinks& sinks = SoundServerSinks::Shared();
+    const auto present = sinks.Present();
+    // Where none is the server's, Qt plays by other means.
+    const bool areTheServers = std::any_of(devices.cbegin(), devices.cend(), [&sinks](const QAudioDevice& device) {
+        return sinks.Knows(device.id());
+    });
+    if (present && areTheServers) {
+        devices.removeIf([&present](const QAudioDevice& device) { return !present->contains(device.id()); });
     }
     return devices;
 }

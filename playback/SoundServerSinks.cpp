@@ -22,10 +22,17 @@ public:
         if (state == PA_CONTEXT_READY) {
             pa_context_set_subscribe_callback(context, OnChange, sinks);
             Release(pa_context_subscribe(context, PA_SUBSCRIPTION_MASK_SINK, nullptr, nullptr));
-            Release(pa_context_get_sink_info_list(context, OnSink, sinks));
+            Release(pa_context_get_sink_info_list(context, OnListedSink, sinks));
         } else if (!PA_CONTEXT_IS_GOOD(state)) {
-            Of(sinks).Forget();
+            Of(sinks).SetListed(false);
+            Of(sinks).ConnectLater();
         }
+    }
+
+    static void OnTime(pa_mainloop_api* loop, pa_time_event* event, const timeval*, void* sinks)
+    {
+        loop->time_free(event);
+        Of(sinks).Connect();
     }
 
 private:
@@ -42,16 +49,24 @@ private:
     {
         const int kind = event & PA_SUBSCRIPTION_EVENT_TYPE_MASK;
         if (kind == PA_SUBSCRIPTION_EVENT_NEW) {
-            Release(pa_context_get_sink_info_by_index(context, number, OnSink, sinks));
+            Release(pa_context_get_sink_info_by_index(context, number, OnNewSink, sinks));
         } else if (kind == PA_SUBSCRIPTION_EVENT_REMOVE) {
             Of(sinks).Remove(number);
         }
     }
 
-    static void OnSink(pa_context*, const pa_sink_info* sink, int isEnd, void* sinks)
+    static void OnNewSink(pa_context*, const pa_sink_info* sink, int isEnd, void* sinks)
     {
         if (isEnd == 0) {
             Of(sinks).Add(sink->index, sink->name);
+        }
+    }
+
+    static void OnListedSink(pa_context* context, const pa_sink_info* sink, int isEnd, void* sinks)
+    {
+        OnNewSink(context, sink, isEnd, sinks);
+        if (isEnd > 0) {
+            Of(sinks).SetListed(true);
         }
     }
 };
@@ -61,60 +76,69 @@ private:
 SoundServerSinks& SoundServerSinks::Shared()
 {
     static SoundServerSinks shared;
-    shared.ConnectIfBroken();
     return shared;
 }
-
-SoundServerSinks::SoundServerSinks() = default;
 
 SoundServerSinks::~SoundServerSinks()
 {
     Disconnect();
 }
 
-bool SoundServerSinks::HasLost(const QByteArray& id) const
+std::optional<QSet<QByteArray>> SoundServerSinks::Present() const
 {
     const QMutexLocker lock(&m_mutex);
-    return m_lost.contains(id);
+    if (!m_isListed) {
+        return std::nullopt;
+    }
+    return QSet<QByteArray>(m_present.cbegin(), m_present.cend());
+}
+
+bool SoundServerSinks::Knows(const QByteArray& id) const
+{
+    const QMutexLocker lock(&m_mutex);
+    return m_known.contains(id);
 }
 
 #ifdef Q_OS_LINUX
 
-void SoundServerSinks::ConnectIfBroken()
+SoundServerSinks::SoundServerSinks() : m_loop(pa_threaded_mainloop_new())
 {
-    const QMutexLocker connecting(&m_connecting);
-    {
-        const QMutexLocker lock(&m_mutex);
-        if (!std::exchange(m_isBroken, false)) {
-            return;
-        }
+    Connect();
+    pa_threaded_mainloop_start(m_loop);
+}
+
+void SoundServerSinks::Connect()
+{
+    if (m_context) {
+        pa_context_set_state_callback(m_context, nullptr, nullptr);
+        pa_context_unref(m_context);
     }
-    Disconnect();
-    m_loop = pa_threaded_mainloop_new();
     m_context = pa_context_new(pa_threaded_mainloop_get_api(m_loop), "output devices");
     pa_context_set_state_callback(m_context, Callbacks::OnState, this);
-    // Never starts a server: whoever plays does that.
-    if (pa_context_connect(m_context, nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr) < 0 ||
-        pa_threaded_mainloop_start(m_loop) < 0) {
-        Forget();
-    }
+    // Never starts a server: whoever plays does that. A refusal is told to the callback as well.
+    pa_context_connect(m_context, nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr);
+}
+
+void SoundServerSinks::ConnectLater()
+{
+    timeval time{};
+    pa_timeval_add(pa_gettimeofday(&time), PA_USEC_PER_SEC);
+    pa_mainloop_api* const loop = pa_threaded_mainloop_get_api(m_loop);
+    loop->time_new(loop, &time, Callbacks::OnTime, this);
 }
 
 void SoundServerSinks::Disconnect()
 {
-    if (!m_loop) {
-        return;
-    }
     pa_threaded_mainloop_stop(m_loop);
     pa_context_set_state_callback(m_context, nullptr, nullptr);
     pa_context_disconnect(m_context);
-    pa_context_unref(std::exchange(m_context, nullptr));
-    pa_threaded_mainloop_free(std::exchange(m_loop, nullptr));
+    pa_context_unref(m_context);
+    pa_threaded_mainloop_free(m_loop);
 }
 
 #else
 
-void SoundServerSinks::ConnectIfBroken() {}
+SoundServerSinks::SoundServerSinks() = default;
 
 void SoundServerSinks::Disconnect() {}
 
@@ -125,7 +149,7 @@ void SoundServerSinks::Add(unsigned number, const QByteArray& id)
     {
         const QMutexLocker lock(&m_mutex);
         m_present.insert(number, id);
-        m_lost.remove(id);
+        m_known.insert(id);
     }
     Q_EMIT Changed();
 }
@@ -134,21 +158,24 @@ void SoundServerSinks::Remove(unsigned number)
 {
     {
         const QMutexLocker lock(&m_mutex);
-        const QByteArray id = m_present.take(number);
-        if (id.isEmpty()) {
-            return;
-        }
-        m_lost.insert(id);
+        m_present.remove(number);
     }
     Q_EMIT Changed();
 }
 
-void SoundServerSinks::Forget()
+/** While the server is away nothing is listed. */
+void SoundServerSinks::SetListed(bool isListed)
 {
-    const QMutexLocker lock(&m_mutex);
-    m_isBroken = true;
-    m_present.clear();
-    m_lost.clear();
+    {
+        const QMutexLocker lock(&m_mutex);
+        if (!isListed) {
+            m_present.clear();
+        }
+        if (std::exchange(m_isListed, isListed) == isListed) {
+            return;
+        }
+    }
+    Q_EMIT Changed();
 }
 
 } // namespace vantoraudio::AudioEngine

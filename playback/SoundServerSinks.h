@@ -6,33 +6,38 @@
 #include <QtCore/QObject>
 #include <QtCore/QSet>
 
+#include <optional>
+
 struct pa_context;
 struct pa_threaded_mainloop;
 
 namespace vantoraudio::AudioEngine {
 
 /**
- * Follows the output devices of the sound server (PulseAudio, or PipeWire in its place) on a connection of its
- * own, because Qt tells of devices that come and go late, in part or not at all.
+ * Follows the output devices ("sinks") of the sound server, PulseAudio or PipeWire in its place, on a connection
+ * of its own, because Qt tells of devices that come and go late, in part or not at all.
  *
- * The connection is made when it is first needed and lasts as long as the program; a broken one is replaced at the
- * next Shared(). Where there is no such server nothing is known. All members may be used on any thread.
+ * The connection lasts as long as the program. While there is no server it is tried again once a second, on a
+ * thread of its own. All members may be used on any thread.
  */
 class SoundServerSinks : public QObject
 {
     Q_OBJECT
 
 public:
-    /** The program's one connection. */
+    /** The program's one connection, made at the first call. It has to answer before anything is known. */
     static SoundServerSinks& Shared();
 
     ~SoundServerSinks() override;
 
-    /** Whether the server had a device with this id and has it no longer. */
-    bool HasLost(const QByteArray& id) const;
+    /** The ids of the devices that the server has now; nothing while that is not known. */
+    std::optional<QSet<QByteArray>> Present() const;
+
+    /** Whether this is, or was in the program's time, a device of the server. */
+    bool Knows(const QByteArray& id) const;
 
 Q_SIGNALS:
-    /** A device came or went. Emitted on the connection's own thread; Qt's list may be a moment behind. */
+    /** A device or the server came or went. Emitted on the connection's own thread; Qt's list may be behind. */
     void Changed();
 
 private:
@@ -40,17 +45,17 @@ private:
 
     SoundServerSinks();
 
-    void ConnectIfBroken();
+    void Connect();
+    void ConnectLater();
     void Disconnect();
     void Add(unsigned number, const QByteArray& id);
     void Remove(unsigned number);
-    void Forget();
+    void SetListed(bool isListed);
 
-    QMutex m_connecting;
     mutable QMutex m_mutex;
     QHash<unsigned, QByteArray> m_present;
-    QSet<QByteArray> m_lost;
-    bool m_isBroken = true;
+    QSet<QByteArray> m_known;
+    bool m_isListed = false;
     pa_threaded_mainloop* m_loop = nullptr;
     pa_context* m_context = nullptr;
 };

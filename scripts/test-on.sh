@@ -5,6 +5,8 @@
 #
 #   scripts/test-on.sh [--fresh] SUITE [PRESET [CTEST-ARGUMENT ...]]      SUITE: bookworm, trixie, sid ...
 #   scripts/test-on.sh [--fresh] SUITE -- COMMAND [ARGUMENT ...]          runs COMMAND there instead
+#
+# --fresh throws the system away first.
 set -euo pipefail
 project=$(cd "$(dirname "$0")/.." && pwd)
 
@@ -13,7 +15,11 @@ if [ "${1:-}" = --fresh ]; then
   fresh=true
   shift
 fi
-suite=${1:?a Debian suite, such as trixie}
+suite=${1:-}
+if ! [[ $suite =~ ^[a-z][a-z0-9-]*$ ]]; then
+  echo 'usage: scripts/test-on.sh [--fresh] SUITE [PRESET ... | -- COMMAND ...]     SUITE: bookworm, trixie, sid' >&2
+  exit 2
+fi
 shift
 
 command=(scripts/test.sh "$@")
@@ -34,7 +40,7 @@ root=$systems/$suite
 [ "$fresh" = false ] || rm -rf --one-file-system "$root"
 if [ ! -d "$root" ]; then
   mirror=$(apt-get indextargets --format '$(ORIGIN) $(LABEL) $(SITE)' 'Created-By: Packages' |
-    sed -n 's/^Debian Debian //p' | head -n 1)
+    awk '$1 == "Debian" && $2 == "Debian" && !mirror { mirror = $3 } END { print mirror }')
   [ -n "$mirror" ] || leave_out 'this machine names no mirror of Debian'
   mkdir -p "$systems"
   rm -rf --one-file-system "$root.unfinished"
@@ -44,18 +50,20 @@ if [ ! -d "$root" ]; then
   mv "$root.unfinished" "$root"
 fi
 
-# What the tests use beside the project, and a build folder for each system. All mounts end with the command.
-mkdir -p "$root/project/main" "$root/project/shared" "$project/build/on-$suite"
+# Each system has a build folder of its own. Some tests use recordings that may lie beside the project. All mounts end
+# with the command.
+recordings=shared/real-wavs
+mkdir -p "$root/project/main" "$root/project/$recordings" "$project/build/on-$suite"
 [ ! -f /etc/resolv.conf ] || cp -L /etc/resolv.conf "$root/etc/resolv.conf"
 exec unshare --mount --pid --fork --kill-child bash -euo pipefail -c '
-  root=$1 project=$2 suite=$3
-  shift 3
+  root=$1 project=$2 suite=$3 recordings=$4
+  shift 4
   mount --bind "$project" "$root/project/main"
   mount --bind "$project/build/on-$suite" "$root/project/main/build"
-  [ ! -d "$project/../shared" ] || mount --bind -o ro "$project/../shared" "$root/project/shared"
+  [ ! -d "$project/../$recordings" ] || mount --bind -o ro "$project/../$recordings" "$root/project/$recordings"
   mount -t proc proc "$root/proc"
   mount --rbind /sys "$root/sys"
   mount --rbind /dev "$root/dev"
   exec chroot "$root" env -i HOME=/root LANG=C.UTF-8 PATH=/usr/sbin:/usr/bin:/sbin:/bin \
     bash -c "cd /project/main && exec \"\$@\"" bash "$@"
-' bash "$root" "$project" "$suite" "${command[@]}"
+' bash "$root" "$project" "$suite" "$recordings" "${command[@]}"

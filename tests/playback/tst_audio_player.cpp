@@ -230,6 +230,8 @@ void AudioPlayerTest::followsWhatWasAskedForWhileLoading_data()
         << L{QStringLiteral("clear"), QStringLiteral("select")} << 5.0 << 6.0 << qint64(5000);
     QTest::newRow("a selection after a position")
         << L{QStringLiteral("seek"), QStringLiteral("select")} << 5.0 << 6.0 << qint64(5000);
+    QTest::newRow("a stop after a position")
+        << L{QStringLiteral("seek"), QStringLiteral("stop")} << 0.0 << 25.0 << qint64(0);
     QTest::newRow("a position after a selection")
         << L{QStringLiteral("select"), QStringLiteral("seek")} << 5.0 << 6.0 << qint64(20000);
 }
@@ -247,12 +249,14 @@ void AudioPlayerTest::followsWhatWasAskedForWhileLoading()
             player.SetSelection(5.0, 6.0);
         } else if (request == u"seek") {
             player.setPosition(20000);
+        } else if (request == u"stop") {
+            player.stop();
         } else {
             player.ClearSelection();
         }
     }
-    QTRY_COMPARE_WITH_TIMEOUT(player.position(), position, patience);
-    QCOMPARE(player.mediaStatus(), QMediaPlayer::LoadedMedia);
+    QTRY_COMPARE_WITH_TIMEOUT(player.mediaStatus(), QMediaPlayer::LoadedMedia, patience);
+    QCOMPARE(player.position(), position);
     QCOMPARE(Access::SelectionStart(player), start);
     QCOMPARE(Access::SelectionEnd(player), end);
 }

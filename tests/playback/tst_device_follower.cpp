@@ -7,7 +7,10 @@
 #include <vantorAudioEngine/AudioPlayer.h>
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QEventLoop>
 #include <QtCore/QTemporaryDir>
+#include <QtCore/QTimer>
 #include <QtCore/QUrl>
 #include <QtMultimedia/QAudioOutput>
 #include <QtTest/QSignalSpy>
@@ -44,6 +47,21 @@ void LetRun(const AudioPlayer& player)
     positions.wait(500);
 }
 
+/** Counts every timer event of the program. */
+class TimerCounter : public QObject
+{
+public:
+    TimerCounter() { qApp->installEventFilter(this); }
+
+    bool eventFilter(QObject* receiver, QEvent* event) override
+    {
+        count += event->type() == QEvent::Timer ? 1 : 0;
+        return QObject::eventFilter(receiver, event);
+    }
+
+    int count = 0;
+};
+
 } // namespace
 
 /** A player on a machine whose output devices come and go. */
@@ -69,6 +87,8 @@ private Q_SLOTS:
     void playsElsewhereWhenItsDeviceLeftWhileStopped();
     void goesOnElsewhereWhenItsDeviceLeavesWhilePlaying();
     void returnsToTheChosenDevice();
+    void noTimerWakesAProgramOften_data();
+    void noTimerWakesAProgramOften();
     void ignoresADeviceThatHasGone();
     void leavesAnOutputOfTheHostAlone();
 
@@ -288,6 +308,41 @@ void DeviceFollowerTest::returnsToTheChosenDevice()
     QCOMPARE(player->GetAudioOutputDevice().id(), QByteArray("one"));
     QVERIFY(m_server.AddSink(QStringLiteral("one")));
     QTRY_COMPARE_WITH_TIMEOUT(Access::Output(*player)->device().id(), QByteArray("one"), patience);
+}
+
+void DeviceFollowerTest::noTimerWakesAProgramOften_data()
+{
+    QTest::addColumn<bool>("playing");
+    QTest::newRow("playing") << true;
+    QTest::newRow("idle") << false;
+}
+
+void DeviceFollowerTest::noTimerWakesAProgramOften()
+{
+    QFETCH(bool, playing);
+    SetSinks({QStringLiteral("one")});
+    const auto player = Player();
+    if (playing) {
+        player->play();
+        QTRY_VERIFY_WITH_TIMEOUT(player->position() > 0, patience);
+    }
+    // What catches up with the device that has just come ends by itself.
+    QSignalSpy positions(player.get(), &QMediaPlayer::positionChanged);
+    positions.wait(playing ? 1 : 1500);
+    QTRY_VERIFY_WITH_TIMEOUT(!playing || player->position() > 2000, patience);
+
+    TimerCounter counter;
+    QElapsedTimer timer;
+    timer.start();
+    QEventLoop loop;
+    QTimer end;
+    end.setSingleShot(true);
+    connect(&end, &QTimer::timeout, &loop, &QEventLoop::quit);
+    end.start(2000);
+    loop.exec();
+    // Qt 6.8 looks at the position twenty times a second.
+    QVERIFY2(counter.count <= timer.elapsed() / 50 + 2, qPrintable(QString::number(counter.count)));
+    QVERIFY(playing || counter.count <= 2);
 }
 
 void DeviceFollowerTest::ignoresADeviceThatHasGone()

@@ -12,6 +12,7 @@
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 
 namespace {
 
@@ -50,9 +51,6 @@ SoundServer::SoundServer(const QStringList& sinks)
     qunsetenv("PULSE_SINK");
     qunsetenv("PULSE_RUNTIME_PATH");
     Start();
-    const QDeadlineTimer deadline(30000);
-    while (!IsRunning() && !deadline.hasExpired()) {
-    }
     for (const QString& sink : sinks) {
         AddSink(sink);
     }
@@ -60,10 +58,16 @@ SoundServer::SoundServer(const QStringList& sinks)
 
 SoundServer::~SoundServer()
 {
+    Kill();
+}
+
+void SoundServer::Kill()
+{
     if (m_process > 0) {
         ::kill(m_process, SIGKILL);
-        ::waitpid(m_process, nullptr, 0);
+        ::waitpid(std::exchange(m_process, -1), nullptr, 0);
     }
+    m_modules.clear();
 }
 
 void SoundServer::Start()
@@ -80,6 +84,9 @@ void SoundServer::Start()
         ::execlp("pulseaudio", "pulseaudio", "-n", "--daemonize=no", "--exit-idle-time=-1", "--log-target=null",
                  "--realtime=no", "--high-priority=no", protocol.constData(), static_cast<char*>(nullptr));
         ::_exit(127);
+    }
+    const QDeadlineTimer deadline(30000);
+    while (!IsRunning() && !deadline.hasExpired()) {
     }
 }
 

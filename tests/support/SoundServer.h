@@ -29,12 +29,14 @@ public:
     bool RemoveSink(const QString& name);
     void RemoveAllSinks();
 
+    /** Ends the server as a crash would, and starts one without sinks at the same place. */
+    void Kill();
+    void Start();
+
     /** From now on the server makes a sink "auto_null" whenever it has no other one, as desktop systems do. */
     bool StandIn();
 
 private:
-    void Start();
-
     QTemporaryDir m_folder;
     pid_t m_process = -1;
     QHash<QString, QString> m_modules;

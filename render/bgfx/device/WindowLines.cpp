@@ -68,7 +68,7 @@ bool Cut(LineEnd& start, LineEnd& end, double WindowPoint::*axis, double lower, 
 bool CutToBox(LineEnd& start, LineEnd& end, const PixelBox& box)
 {
     constexpr double Margin = 2.0;
-    return Cut(start, end, &WindowPoint::x, box.left - Margin, box.right + Margin) &&
+    return !box.IsEmpty() && Cut(start, end, &WindowPoint::x, box.left - Margin, box.right + Margin) &&
            Cut(start, end, &WindowPoint::y, box.bottom - Margin, box.top + Margin);
 }
 
