@@ -14,10 +14,10 @@ namespace vantoraudio::AudioEngine {
 /**
  * Keeps a media player on an output device that exists.
  *
- * While there is no device at all the player plays into no output; when one appears the player gets its output
- * back and goes on where it was: with Qt 6.4.2 it would crash without one, with 6.8.2 its thread would wait for
- * good. When its device has gone it moves to another one. Volume and mute belong to the output and survive all of
- * that. Player and output must outlive the follower.
+ * While there is no device at all the player plays into no output: with Qt 6.4.2 it would crash, with 6.8.2 its
+ * sound thread would wait for good. When one appears the player gets its output back and goes on where it was.
+ * When its device has gone it moves to another one. Volume and mute belong to the output and survive all of that.
+ * Player and output must outlive the follower.
  */
 class DeviceFollower
 {

@@ -116,6 +116,18 @@ private Q_SLOTS:
         QCOMPARE(lines[1].color, (std::array<std::uint8_t, 4>{255, 255, 255, 255}));
     }
 
+    void drawsNothingInAViewportBesideTheTarget()
+    {
+        const std::vector<Pos2f> ends{{-1000.0F, 10.0F}, {1000.0F, 10.0F}};
+        DrawCall call = Call(ends);
+        QCOMPARE(LinesOf(call).size(), std::size_t(2));
+        // Far enough that no part of it is near the target's edge, on either side.
+        for (const int x : {Width + 10, -Width - 10}) {
+            call.viewport.x = x;
+            QVERIFY(LinesOf(call).empty());
+        }
+    }
+
     void cutsToThePartOfTheViewportInsideTheTarget()
     {
         // 1000 by 1000 with its lower left corner 100 to the left of the picture's and its top at the picture's
