@@ -51,7 +51,7 @@ void LetRun(const AudioPlayer& player)
 class TimerCounter : public QObject
 {
 public:
-    TimerCounter() { qApp->installEventFilter(this); }
+    TimerCounter() { QCoreApplication::instance()->installEventFilter(this); }
 
     bool eventFilter(QObject* receiver, QEvent* event) override
     {
