@@ -21,6 +21,9 @@ sox -n -r 48000 -c 2 -b 16 hour.wav synth 3600 pinknoise vol 0.5
 sox hour.wav ten.wav trim 0 600
 lame --quiet -b 192 ten.wav ten.mp3
 sox -n -r 48000 -c 2 -e float -b 32 float.wav synth 299 pinknoise vol 0.5
+for kind in ogg flac m4a opus; do
+  ffmpeg -nostdin -loglevel error -i ten.wav "ten.$kind"
+done
 cat hour.wav ten.wav ten.mp3 float.wav >/dev/null
 
 median() { # COMMAND
@@ -58,7 +61,7 @@ row "left channel of 1 h, 48 kHz, 16 bit, stereo" "left hour.wav ours.wav" \
 row "10 min of it mixed to mono" "mix hour.wav ours.wav 600" \
   "-t 600 -i hour.wav -ac 1 -c:a pcm_s16le peer.wav" "sox hour.wav peer.wav trim 0 600 remix 1,2" 0.25 idle
 row "10 min MP3 to 96 kHz float" "decode ten.mp3 ours.wav 96000" \
-  "-i ten.mp3 -ar 96000 -c:a pcm_f32le peer.wav" "sox ten.mp3 -r 96000 -e float -b 32 peer.wav" 1.5 "look ten.mp3"
+  "-i ten.mp3 -ar 96000 -c:a pcm_f32le peer.wav" "sox ten.mp3 -r 96000 -e float -b 32 peer.wav" 1.5 idle
 row "10 min 48 kHz stereo to 44.1 kHz mono float" "convert ten.wav ours.wav 44100" \
   "-i ten.wav -ar 44100 -ac 1 -c:a pcm_f32le peer.wav" "sox ten.wav -r 44100 -c 1 -e float -b 32 peer.wav" 0.9 idle
 
@@ -77,6 +80,33 @@ against_cat() { # NAME FILE LIMIT LIMIT-IN-MS COMMAND...
       (extra > 0 ? sprintf(", and %d ms", extra) : "")
   }'
 }
+
+# Imports by turns with ffmpeg: ours inside the program, ffmpeg with its start. The ratio is the median of the pairs'.
+pairs() { # FILE RATE
+  local rate=()
+  [ "$2" = 0 ] || rate=(-ar "$2")
+  for ((run = 0; run < runs; ++run)); do
+    local ours start end
+    rm -f ours.wav peer.wav
+    sync
+    ours=$("$task" import "$1" ours.wav "$2" 2>/dev/null)
+    rm -f ours.wav
+    sync
+    start=$EPOCHREALTIME
+    ffmpeg -nostdin -loglevel error -i "$1" "${rate[@]}" -c:a pcm_f32le peer.wav
+    end=$EPOCHREALTIME
+    awk -v ours="$ours" -v start="$start" -v end="$end" \
+      'BEGIN { peer = (end - start) * 1000; printf "%.4f %.0f %.0f\n", ours / peer, ours, peer }'
+  done | sort -n | awk '{ line[NR] = $0 } END { print line[int((NR + 1) / 2)] }'
+}
+
+echo
+echo "| import of 10 min | this library | ffmpeg | ratio | at most |"
+echo "|---|---|---|---|---|"
+for kind in mp3 ogg flac m4a opus; do
+  pairs "ten.$kind" 0 | awk -v kind="$kind" '{ printf "| %s | %d ms | %d ms | %.2f | 1.0 |\n", kind, $2, $3, $1 }'
+done
+pairs ten.mp3 96000 | awk '{ printf "| mp3 to 96 kHz | %d ms | %d ms | %.2f | 1.0 |\n", $2, $3, $1 }'
 
 echo
 echo "| task | this library | \`cat\` of the file | ratio | at most |"

@@ -28,16 +28,10 @@ peak() { # COMMAND...
 task=$programs/vantoraudio-task
 window=$programs/vantoraudio-window
 idle=$(peak "$task" idle)
-idle_with_ffmpeg=$(peak "$task" look 60.mp3)
 
 # Seconds and KiB above idle of a whole program.
 whole() { # COMMAND...
   /usr/bin/time -f '%e %M' "$@" 2>&1 >/dev/null | tail -n 1 | awk -v idle="$idle" '{ print $1, $2 - idle }'
-}
-
-whole_with_ffmpeg() { # COMMAND...
-  local idle=$idle_with_ffmpeg
-  whole "$@"
 }
 
 # Seconds of another program.
@@ -103,7 +97,7 @@ row "left channel" whole "$task" left SECONDS.wav out.wav
 row "all of it mixed to mono" whole "$task" mix SECONDS.wav out.wav SECONDS
 row "to 44.1 kHz mono float" whole "$task" convert SECONDS.wav out.wav 44100
 row "as many bytes written by \`dd\`" write_only SECONDS 176400
-row "MP3 to 96 kHz float" whole_with_ffmpeg "$task" decode SECONDS.mp3 out.wav 96000
+row "MP3 to 96 kHz float" whole "$task" decode SECONDS.mp3 out.wav 96000
 row "as many bytes written by \`dd\`" write_only SECONDS 768000
 row "samples for a view of 1600 pixels" read_view "$task" SECONDS.wav SECONDS
 row "3,200 samples of all of it" read_overview "$task" SECONDS.wav SECONDS

@@ -2,17 +2,18 @@
  * Runs one task of the library as a whole process, so that it can be timed against other programs.
  *
  *   vantoraudio-task idle                              starts and ends, for its own memory
- *   vantoraudio-task look IN                           the same after a look into a file, which loads FFmpeg
  *   vantoraudio-task left IN OUT                       the left channel
  *   vantoraudio-task mix IN OUT SECONDS                both channels averaged, from the start
  *   vantoraudio-task decode IN OUT RATE                any audio to a WAV file of floats
+ *   vantoraudio-task import IN OUT RATE                the same with AudioImporter; 0 is the file's own rate
  *   vantoraudio-task convert IN OUT RATE               a WAV file to mono floats
  *   vantoraudio-task read IN FROM TO STEP              samples for a view, with nobody listening
  *   vantoraudio-task listen IN FROM TO STEP            the same with a receiver on another thread
  *   vantoraudio-task report COUNT                      so many reports to such a receiver, and nothing else
  *
- * The last three print milliseconds.
+ * The last three and import print milliseconds.
  */
+#include <vantorAudioEngine/AudioImporter.h>
 #include <vantorAudioEngine/Decoder.h>
 #include <vantorAudioEngine/WavFile.h>
 
@@ -52,6 +53,18 @@ void PrintTime(const std::function<void()>& work)
     timer.start();
     work();
     std::printf("%.2f\n", static_cast<double>(timer.nsecsElapsed()) / 1e6);
+}
+
+/** Tells what came of it on standard error. */
+bool Import(const QString& in, const QString& out, int rate)
+{
+    using namespace vantoraudio::AudioEngine;
+    ImportResult result;
+    PrintTime([&] { result = AudioImporter::ImportNow(in, out, {.sampleRate = rate}); });
+    std::fprintf(stderr, "%lld frames, %d Hz, %d channels, %lld damaged packets. %s\n", result.frameCount,
+                 result.sampleRate, result.channelCount, result.damagedPackets,
+                 qPrintable(AudioFileInfo::TextOf(result.problem, in)));
+    return result.IsSuccess();
 }
 
 bool Read(WavFile& file, const QStringList& range)
@@ -110,9 +123,6 @@ bool Run(const QStringList& arguments)
     if (task == u"report"_s) {
         return ReportOnly(in.toInt());
     }
-    if (task == u"look"_s) {
-        return Decoder::GetDuration(in) > 0;
-    }
     const QStringList range = arguments.mid(3);
     if (task == u"read"_s || task == u"listen"_s) {
         WavFile file;
@@ -120,6 +130,9 @@ bool Run(const QStringList& arguments)
                (task == u"read"_s ? Read(file, range) : ReadWithListener(file, range));
     }
     QFile::remove(out);
+    if (task == u"import"_s) {
+        return Import(in, out, number.toInt());
+    }
     if (task == u"decode"_s) {
         return Decoder::Convert(in, out, number.toInt()) == WavFile::Success;
     }

@@ -2,7 +2,9 @@
  * What a user waits for in the player's window, measured inside the program and printed in milliseconds.
  *
  *   vantoraudio-window open WAV      from SetAudioFile() on a working copy that is there to the complete picture
- *   vantoraudio-window gap WAV OUT   the longest time that the window is deaf while most of the file is exported
+ *   vantoraudio-window load FILE DIR from LoadFile() to the complete picture, and the longest time between two
+ * ticks vantoraudio-window gap WAV OUT   the longest time that the window is deaf while most of the file is
+ * exported
  */
 #include <vantorAudioEngine/AudioPlayerWidget.h>
 
@@ -41,22 +43,50 @@ double Open(AudioPlayerWidget& player, const QString& path)
     return static_cast<double>(timer.nsecsElapsed()) / 1e6;
 }
 
+/** The longest time between two ticks of the GUI thread, in milliseconds. */
+class Ticks
+{
+public:
+    Ticks()
+    {
+        m_timer.callOnTimeout([this] {
+            m_longest = std::max(m_longest, m_sinceTick.nsecsElapsed());
+            m_sinceTick.start();
+        });
+        m_sinceTick.start();
+        m_timer.start(0);
+    }
+
+    double Longest() const { return static_cast<double>(m_longest) / 1e6; }
+
+private:
+    QElapsedTimer m_sinceTick;
+    QTimer m_timer;
+    qint64 m_longest = 0;
+};
+
 double LongestGap(AudioPlayerWidget& player, const QString& outPath)
 {
     player.SetSelectedSnippet({0.0, player.GetAudioDuration()});
-    QElapsedTimer sinceTick;
-    qint64 longest = 0;
-    QTimer ticks;
-    ticks.callOnTimeout([&] { longest = std::max(longest, sinceTick.nsecsElapsed()), sinceTick.start(); });
     bool isDone = false;
     QObject::connect(&player, &AudioPlayerWidget::CreateSnippetFinished, &player, [&] { isDone = true; });
-    sinceTick.start();
-    ticks.start(0);
+    const Ticks ticks;
     player.CreateSnippet(outPath);
-    if (!QTest::qWaitFor([&] { return isDone; }, 600000)) {
-        return -1.0;
-    }
-    return static_cast<double>(longest) / 1e6;
+    return QTest::qWaitFor([&] { return isDone; }, 600000) ? ticks.Longest() : -1.0;
+}
+
+/** Ticks count until the file is there; the time includes its picture. */
+void PrintLoad(AudioPlayerWidget& player, const QString& path)
+{
+    bool isDone = false;
+    QObject::connect(&player, &AudioPlayerWidget::LoadFinished, &player, [&] { isDone = true; });
+    QElapsedTimer timer;
+    timer.start();
+    const Ticks ticks;
+    player.LoadFile(path);
+    const bool isLoaded = QTest::qWaitFor([&] { return isDone; }, 600000);
+    WaitForPicture(player);
+    std::printf("%.1f %.1f\n", isLoaded ? static_cast<double>(timer.nsecsElapsed()) / 1e6 : -1.0, ticks.Longest());
 }
 
 } // namespace
@@ -77,6 +107,11 @@ int main(int argc, char* argv[])
     player.show();
     if (!QTest::qWaitForWindowExposed(&player)) {
         return 1;
+    }
+    if (arguments.value(1) == u"load"_s) {
+        player.SetWritableDirectoryPath(arguments.value(3));
+        PrintLoad(player, path);
+        return 0;
     }
     const double opened = Open(player, path);
     std::printf("%.1f\n", arguments.value(1) == u"gap"_s ? LongestGap(player, arguments.value(3)) : opened);

@@ -117,25 +117,9 @@ QByteArray Resample(const SampleBuffer<Sample>& buffer, int targetRate)
     return resampled;
 }
 
-template<typename Sample>
-QList<float> ToFloat(std::span<const Sample> samples)
-{
-    // 8 bits are unsigned around 128; all types reach -1 exactly and 1 not quite.
-    constexpr double scale = -static_cast<double>(std::numeric_limits<std::make_signed_t<Sample>>::min());
-    constexpr double zero = std::is_unsigned_v<Sample> ? scale : 0.0;
-    QList<float> floats(static_cast<qsizetype>(samples.size()));
-    std::transform(samples.begin(), samples.end(), floats.begin(),
-                   [](Sample sample) { return static_cast<float>((sample - zero) / scale); });
-    return floats;
-}
-
 template QByteArray Resample(const SampleBuffer<quint8>&, int);
 template QByteArray Resample(const SampleBuffer<qint16>&, int);
 template QByteArray Resample(const SampleBuffer<qint32>&, int);
 template QByteArray Resample(const SampleBuffer<float>&, int);
-
-template QList<float> ToFloat(std::span<const quint8>);
-template QList<float> ToFloat(std::span<const qint16>);
-template QList<float> ToFloat(std::span<const qint32>);
 
 } // namespace vantoraudio::AudioEngine

@@ -29,9 +29,4 @@ struct SampleBuffer
 template<typename Sample>
 [[nodiscard]] QByteArray Resample(const SampleBuffer<Sample>& buffer, int targetRate);
 
-/** The samples as floats between -1 and 1; half the range of an unsigned type is 0. Exists for quint8, qint16 and
- *  qint32. */
-template<typename Sample>
-[[nodiscard]] QList<float> ToFloat(std::span<const Sample> samples);
-
 } // namespace vantoraudio::AudioEngine

@@ -1,8 +1,8 @@
+#include "engine/ByteCounting.h"
 #include "engine/FFmpegResampler.h"
 #include "engine/FileReplacement.h"
 #include "engine/S24Samples.h"
 #include "engine/SharedFileCursor.h"
-#include "engine/Truncation.h"
 #include "engine/WavHeader.h"
 
 #include <vantorAudioEngine/WavFile.h>
@@ -28,6 +28,7 @@ struct WavFile::ConversionSource
     int storedFrameSize = 0;
     /** Of all the audio as it is resampled, in bytes. */
     qint64 length = 0;
+    bool allowsLargeFiles = false;
 
     /** -1 when frames cannot be counted. */
     int BlockFrames() const;
@@ -84,7 +85,8 @@ WavFile::ConversionSource WavFile::SourceOfConversion() const
     return {.format = m_fileFormat,
             .is24Bit = is24Bit,
             .storedFrameSize = m_sampleSize / 8 * m_fileFormat.channelCount(),
-            .length = is24Bit ? m_dataLength / 3 * 4 : m_dataLength};
+            .length = is24Bit ? ByteCounting::MultiplySaturating(m_dataLength / 3, 4) : m_dataLength,
+            .allowsLargeFiles = GetLargeFiles()};
 }
 
 /** Converts into a file beside the one at `path`, which then takes its place; this file ends up closed. Until that
@@ -106,7 +108,7 @@ bool WavFile::ConvertOver(const QString& path, const ConversionSource& source, c
     }
     // A few frames at another rate can be too few for the resampler: nothing must not replace the only copy of
     // them.
-    if (QFileInfo(place.fileName()).size() <= writtenHeaderSize) {
+    if (QFileInfo(place.fileName()).size() <= output.GetDataOffset()) {
         return false;
     }
     close();
@@ -120,7 +122,10 @@ bool WavFile::ConvertOver(const QString& path, const ConversionSource& source, c
 bool WavFile::ConvertInto(WavFile& output, const QString& path, const ConversionSource& source,
                           const QAudioFormat& target, FFmpegResampler& resampler)
 {
-    const int dataSize = CalculateAudioDataSize(WrapToInt32(source.length), source.format, target);
+    const ByteCounting counting(source.allowsLargeFiles);
+    const qint64 dataSize = vantoraudio::AudioEngine::CalculateAudioDataSize(counting.Restrict(source.length),
+                                                                             source.format, target, counting);
+    output.SetLargeFiles(source.allowsLargeFiles);
     return output.StartWriting(path, target, dataSize) && ConvertBlocks(output, source, resampler);
 }
 

@@ -1,14 +1,18 @@
 #include "engine/BufferResampling.h"
 #include "engine/DecoderSource.h"
 #include "engine/FileReplacement.h"
+#include "engine/Import.h"
 #include "engine/PendingFile.h"
 #include "engine/SilenceWatch.h"
 #include "engine/WavHeader.h"
 
 #include <vantorAudioEngine/Decoder.h>
 
+#include <QtConcurrent/QtConcurrentRun>
 #include <QtCore/QEventLoop>
 #include <QtCore/QFileInfo>
+#include <QtCore/QFutureWatcher>
+#include <QtCore/QThreadPool>
 
 #include <algorithm>
 #include <cmath>
@@ -33,13 +37,6 @@ SampleBuffer<Sample> SamplesOf(const QAudioBuffer& buffer)
     return {{buffer.constData<Sample>(), count}, buffer.format().channelCount(), buffer.format().sampleRate()};
 }
 
-template<typename Sample>
-QByteArray ResampleAsFloat(const SampleBuffer<Sample>& buffer, int targetRate)
-{
-    const QList<float> samples = ToFloat(buffer.samples);
-    return Resample<float>({samples, buffer.channelCount, buffer.sampleRate}, targetRate);
-}
-
 /** Nothing for a sample type that has no resampler. */
 std::optional<QByteArray> ResampleAsDecoded(const QAudioBuffer& buffer, int targetRate)
 {
@@ -54,20 +51,6 @@ std::optional<QByteArray> ResampleAsDecoded(const QAudioBuffer& buffer, int targ
         return Resample(SamplesOf<float>(buffer), targetRate);
     default:
         return {};
-    }
-}
-
-std::optional<QByteArray> ResampleAsFloat(const QAudioBuffer& buffer, int targetRate)
-{
-    switch (buffer.format().sampleFormat()) {
-    case QAudioFormat::UInt8:
-        return ResampleAsFloat(SamplesOf<quint8>(buffer), targetRate);
-    case QAudioFormat::Int16:
-        return ResampleAsFloat(SamplesOf<qint16>(buffer), targetRate);
-    case QAudioFormat::Int32:
-        return ResampleAsFloat(SamplesOf<qint32>(buffer), targetRate);
-    default:
-        return ResampleAsDecoded(buffer, targetRate);
     }
 }
 
@@ -105,6 +88,21 @@ bool Commit(PendingFile& output, bool replacesInput)
     return (!replacesInput || FlushToDisk(output.File())) && output.Commit();
 }
 
+/** Handles events until the import has ended. The end of the application ends it, too. */
+ImportResult ResultOf(QFuture<ImportResult> future)
+{
+    QEventLoop loop;
+    QFutureWatcher<ImportResult> watcher;
+    QObject::connect(&watcher, &QFutureWatcherBase::finished, &loop, &QEventLoop::quit);
+    watcher.setFuture(future);
+    if (!future.isFinished()) {
+        loop.exec();
+    }
+    future.cancel();
+    future.waitForFinished();
+    return future.resultCount() > 0 ? future.result() : ImportResult{.problem = AudioFileInfo::Problem::Cancelled};
+}
+
 } // namespace
 
 /**
@@ -114,7 +112,7 @@ bool Commit(PendingFile& output, bool replacesInput)
 class Decoder::Run
 {
 public:
-    Run(QFile& output, int sampleRate, SampleType type, const SourceMaker& makeSource);
+    Run(QFile& output, int sampleRate, const SourceMaker& makeSource);
 
     WavFile::AudioEngineReturnValue Decode(const QString& inPath);
 
@@ -129,7 +127,6 @@ private:
 
     QFile& m_output;
     const int m_sampleRate;
-    const SampleType m_type;
     const SourceMaker m_makeSource;
     QString m_inPath;
     int m_channelCount = 2;
@@ -142,10 +139,8 @@ private:
     std::unique_ptr<DecoderSource> m_source;
 };
 
-Decoder::Run::Run(QFile& output, int sampleRate, SampleType type, const SourceMaker& makeSource)
-    : m_output(output), m_sampleRate(sampleRate), m_type(type), m_makeSource(makeSource), m_silence([this] {
-        OnSilence();
-    })
+Decoder::Run::Run(QFile& output, int sampleRate, const SourceMaker& makeSource)
+    : m_output(output), m_sampleRate(sampleRate), m_makeSource(makeSource), m_silence([this] { OnSilence(); })
 {
     m_block.reserve(writtenBlockSize);
 }
@@ -194,8 +189,7 @@ void Decoder::Run::OnBufferReady()
     m_silence.OnSound();
     const QAudioBuffer buffer = m_source->Read();
     m_channelCount = buffer.format().channelCount();
-    const auto bytes = m_type == SampleType::Float ? ResampleAsFloat(buffer, m_sampleRate)
-                                                   : ResampleAsDecoded(buffer, m_sampleRate);
+    const auto bytes = ResampleAsDecoded(buffer, m_sampleRate);
     if (bytes && IsSound(buffer)) {
         Append(*bytes);
     } else {
@@ -246,17 +240,11 @@ Decoder::~Decoder() = default;
 
 WavFile::AudioEngineReturnValue Decoder::Convert(const QString& inPath, const QString& outPath, int sampleRate)
 {
-    return Decode(inPath, outPath, sampleRate, SampleType::AsDecoded, &MakeQtDecoderSource);
-}
-
-WavFile::AudioEngineReturnValue Decoder::ConvertToFloat(const QString& inPath, const QString& outPath,
-                                                        int sampleRate)
-{
-    return Decode(inPath, outPath, sampleRate, SampleType::Float, &MakeQtDecoderSource);
+    return Decode(inPath, outPath, sampleRate, &MakeQtDecoderSource);
 }
 
 WavFile::AudioEngineReturnValue Decoder::Decode(const QString& inPath, const QString& outPath, int sampleRate,
-                                                SampleType type, const SourceMaker& makeSource)
+                                                const SourceMaker& makeSource)
 {
     if (inPath.isEmpty() || outPath.isEmpty()) {
         return WavFile::ErrorOpenFile;
@@ -270,11 +258,11 @@ WavFile::AudioEngineReturnValue Decoder::Decode(const QString& inPath, const QSt
         return WavFile::ErrorOpenFile;
     }
     const QString source = QFileInfo(inPath).absoluteFilePath();
-    if (!HoldsAudio(source)) {
+    if (!HoldsAudio(source) || ChangesChannelCount(source)) {
         return WavFile::ErrorInvalidFormat;
     }
     const int targetRate = sampleRate == -1 ? defaultSampleRate : sampleRate;
-    auto result = Run(output.File(), targetRate, type, makeSource).Decode(source);
+    auto result = Run(output.File(), targetRate, makeSource).Decode(source);
     const bool replacesInput = IsSameFile(inPath, outPath);
     if (result == WavFile::Success && !Commit(output, replacesInput)) {
         result = WavFile::ErrorWriteHeader;
@@ -283,6 +271,28 @@ WavFile::AudioEngineReturnValue Decoder::Decode(const QString& inPath, const QSt
         output.RemoveFormer();
     }
     return result;
+}
+
+/** Imports on a thread of its own and handles events until it has ended. */
+WavFile::AudioEngineReturnValue Decoder::ConvertToFloat(const QString& inPath, const QString& outPath,
+                                                        int sampleRate)
+{
+    if (inPath.isEmpty() || outPath.isEmpty()) {
+        return WavFile::ErrorOpenFile;
+    }
+    // Of the importer 0 would ask for the file's own rate.
+    if (sampleRate == 0) {
+        return WavFile::ErrorInvalidFormat;
+    }
+    const ImportOptions options{.sampleRate = sampleRate == -1 ? defaultSampleRate : sampleRate,
+                                .sampleFormat = ImportOptions::Float,
+                                .mayBeLarge = false};
+    QThreadPool thread;
+    const auto future = QtConcurrent::run(&thread, [&](QPromise<ImportResult>& promise) {
+        const Import::Observer observer{.isCancelled = [&promise] { return promise.isCanceled(); }, .report = {}};
+        promise.addResult(Import(inPath, outPath, options, observer).Run(Import::FormerFile::Goes));
+    });
+    return ResultOf(future).Code();
 }
 
 int Decoder::WriteHeader(QFile& file, int dataSize, int sampleRate, int channelCount)

@@ -51,9 +51,9 @@ public:
      * - ErrorOpenFile: a path is empty, `inPath` cannot be read, `outPath` cannot be written, or both are the same
      *   file in a folder that may not be written, where it could not be replaced in one step.
      * - ErrorInvalidFormat: not audio, or it cannot be decoded to its end: an unknown sample type, samples that
-     *   are no finite numbers, an error of the framework, 10 s without progress (in a second attempt as well with
-     *   a framework that is known to stand still at times), the end of the application. Also where libavformat or
-     *   libavcodec cannot be loaded, which a warning tells once.
+     *   are no finite numbers, a channel count that changes in the middle (the framework crashes because of it),
+     * an error of the framework, 10 s without progress (in a second attempt as well with a framework that is known
+     * to stand still at times), the end of the application.
      * - ErrorWriteHeader: the new file could not be written whole.
      *
      * The audio grows in an unnamed or temporary file, so that no part of it ever stands under `outPath`. What the
@@ -66,14 +66,21 @@ public:
      */
     static WavFile::AudioEngineReturnValue Convert(const QString& inPath, const QString& outPath, int sampleRate);
 
-    /** As Convert(), but turns every sample into a float between -1 and 1, so that the header is true. */
+    /**
+     * Turns any file that FFmpeg reads into a WAV file of true floats, as AudioImporter does with
+     * ImportOptions::Float, and with its quality: no media backend is needed, and more than two channels become
+     * two. `sampleRate` is -1 for 96000, or 1 to ImportOptions::highestSampleRate.
+     *
+     * Events are handled meanwhile, as by Convert(), and both paths may name the same file. The results are those
+     * of Convert(); ErrorInvalidFormat also for another rate, and for what would exceed the 4 GiB that a header
+     * can state. A few damaged packets are passed over.
+     */
     static WavFile::AudioEngineReturnValue ConvertToFloat(const QString& inPath, const QString& outPath,
                                                           int sampleRate);
 
     /**
      * How long the audio of `path` lasts, in milliseconds: what the container states, or the audio stream where
-     * the container states nothing. 0 when the path is empty or that cannot be found; the debug log tells why. 0
-     * also where FFmpeg's libavformat or libavcodec cannot be loaded, which a warning tells once.
+     * the container states nothing. 0 when the path is empty or that cannot be found; the debug log tells why.
      *
      * Reads a few megabytes of the file at most and leaves it closed.
      */
@@ -85,26 +92,23 @@ private:
     class OpenAudio;
     class Run;
 
-    enum class SampleType
-    {
-        AsDecoded,
-        Float
-    };
-
     /** Makes what decodes the file of that absolute path; tests put others in its place. */
     using SourceMaker =
         std::function<std::unique_ptr<vantoraudio::AudioEngine::DecoderSource>(const QString& path)>;
 
     static WavFile::AudioEngineReturnValue Decode(const QString& inPath, const QString& outPath, int sampleRate,
-                                                  SampleType type, const SourceMaker& makeSource);
+                                                  const SourceMaker& makeSource);
 
     /** Whether FFmpeg finds an audio stream in `path` and its beginning can be decoded. */
     static bool HoldsAudio(const QString& path);
 
+    /** Whether the number of channels changes in the middle of the stream, as far as the packets show it without
+     *  being decoded. Qt's decoder crashes because of it, on a thread of its own. */
+    static bool ChangesChannelCount(const QString& path);
+
     /**
      * Opens `path` into `format`, finds its first audio stream and opens a decoder for it in `codec`. Both must
-     * be allocated and not open. 0 on success, -1 on failure, with the cause on the debug log. Only where FFmpeg()
-     * is there.
+     * be allocated and not open. 0 on success, -1 on failure, with the cause on the debug log.
      *
      * The caller closes and frees both, except that a file that cannot be opened frees `format`: `streamIndex`
      * keeps its value then, while in every other case it becomes the stream's index or -1.

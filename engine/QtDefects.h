@@ -8,8 +8,9 @@
  * looked for in vain: Qt 6.4.2 of Debian 12 and 6.8.2 of Debian 13, FFmpeg backend, PulseAudio 16 and 17. Of the
  * versions between them nothing was seen; Qt's sources say that its player and decoder were written anew for 6.5.
  *
- * The library's workarounds ask here, and tst_qtdefects shows in plain Qt what shows reliably. To drop an old Qt:
- * delete the functions that tell of nothing newer, and follow the compiler.
+ * The library's workarounds ask here. In plain Qt, tst_qtdefects shows what shows reliably, and the program
+ * rare_qt_defects beside it counts the rest. To drop an old Qt: delete the functions that tell of nothing newer,
+ * and follow the compiler.
  */
 namespace vantoraudio::AudioEngine::QtDefects {
 

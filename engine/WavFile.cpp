@@ -1,4 +1,5 @@
 #include "engine/SharedValue.h"
+#include "engine/Truncation.h"
 #include "engine/WavHeader.h"
 
 #include <vantorAudioEngine/WavFile.h>
@@ -38,7 +39,8 @@ WavFile::WavFile(QObject* parent) : QFile(parent)
 
 WavFile::~WavFile() = default;
 
-// The flag of channel filtering, the sample size and all of the QFile are left out on purpose.
+// The flag of channel filtering, the sample size, the wish for large files and all of the QFile are left out on
+// purpose.
 WavFile& WavFile::operator=(const WavFile& other)
 {
     if (this == &other) {
@@ -105,6 +107,16 @@ int WavFile::GetSampleSize() const
     return m_sampleSize;
 }
 
+bool WavFile::GetLargeFiles() const
+{
+    return LoadShared(m_allowsLargeFiles);
+}
+
+void WavFile::SetLargeFiles(bool allowed)
+{
+    StoreShared(m_allowsLargeFiles, allowed);
+}
+
 WavFile::ChannelFormat WavFile::GetSelectedChannel() const
 {
     return LoadShared(m_selectedChannel);
@@ -153,7 +165,8 @@ void WavFile::ClearAbortFlag(bool& flag)
 WavFile::AudioEngineReturnValue WavFile::ReadHeader()
 {
     WavHeader header{m_fileFormat, m_sampleSize, m_dataOffset, m_dataLength};
-    const AudioEngineReturnValue result = ReadWavHeader(*this, header);
+    const WavKinds kinds = GetLargeFiles() ? WavKinds::RiffAndRf64 : WavKinds::Riff;
+    const AudioEngineReturnValue result = ReadWavHeader(*this, header, kinds);
     const QMutexLocker lock(&m_mutex);
     m_fileFormat = header.format;
     m_sampleSize = header.sampleSize;
@@ -164,8 +177,14 @@ WavFile::AudioEngineReturnValue WavFile::ReadHeader()
 
 WavFile::AudioEngineReturnValue WavFile::WriteHeader(int dataSize)
 {
+    return WriteHeader(qint64(dataSize));
+}
+
+WavFile::AudioEngineReturnValue WavFile::WriteHeader(qint64 dataSize)
+{
     const bool isAtStart = seek(0);
-    const QByteArray header = ComposeWavHeader(m_fileFormat, dataSize);
+    const QByteArray header = GetLargeFiles() ? ComposeLargeWavHeader(m_fileFormat, dataSize)
+                                              : ComposeWavHeader(m_fileFormat, WrapToInt32(dataSize));
     if (header.isEmpty()) {
         return ErrorInvalidFormat;
     }
@@ -175,7 +194,7 @@ WavFile::AudioEngineReturnValue WavFile::WriteHeader(int dataSize)
     return isWritten ? Success : ErrorWriteHeader;
 }
 
-bool WavFile::StartWriting(const QString& fileName, const QAudioFormat& format, int dataSize)
+bool WavFile::StartWriting(const QString& fileName, const QAudioFormat& format, qint64 dataSize)
 {
     m_fileFormat = format;
     m_hasLostBytes = false;

@@ -36,7 +36,8 @@ public:
     enum AudioEngineReturnValue
     {
         Success = 0,
-        /** Not RIFF/WAVE, or a format tag, bit depth or sub-format that is not supported. */
+        /** Neither RIFF/WAVE nor an allowed RF64, or a format tag, bit depth or sub-format that is not supported.
+         */
         ErrorInvalidFormat = -1,
         /** The file could not be opened. */
         ErrorOpenFile = -2,
@@ -75,8 +76,8 @@ public:
 
     /**
      * Copies what is known of the audio: format, offset, length, duration, samples, selected channel and the abort
-     * flags of reading and writing. The file itself (name, open state, position), the sample size and the abort
-     * flag of channel filtering stay the target's own.
+     * flags of reading and writing. The file itself (name, open state, position), the sample size, the abort flag
+     * of channel filtering and SetLargeFiles() stay the target's own.
      */
     WavFile& operator=(const WavFile& other);
 
@@ -102,6 +103,20 @@ public:
     /** Bits per sample in the file: 16, 24 or 32, whatever the header says of a file that Open() refused, and 0
      *  before the first Open(). */
     int GetSampleSize() const;
+
+    /** Whether files of any length are read and written; false after construction. */
+    [[nodiscard]] bool GetLargeFiles() const;
+    /**
+     * Applies to the next Open() and to the tasks that start from now on. Any thread.
+     *
+     * Not allowed: only RIFF files are opened. Frames and bytes are counted in 32 bits: a position more than 2 GiB
+     * behind the first sample wraps around, and so does a size that a written header states.
+     *
+     * Allowed: RF64 files are opened, too, with a data length of up to 2^63 - 1 bytes, and every position is
+     * reached. CreateSnippet(), FilterChannel() and Convert() state sizes up to 4 GiB in the usual header of 44
+     * bytes and write an RF64 header of 80 bytes for more.
+     */
+    void SetLargeFiles(bool allowed);
 
     ChannelFormat GetSelectedChannel() const;
     /** Chooses the channel of the tasks that start from now on. */
@@ -187,9 +202,10 @@ private:
     /** Reads the header of the open file into the fields; they keep what was read before a failing check, and the
      *  file stays where reading stopped. */
     AudioEngineReturnValue ReadHeader();
-    /** Writes the 44 bytes that describe the file format and `dataSize` bytes of samples to the start of this
-     * file, which must be open for writing, and goes behind them. ErrorInvalidFormat writes nothing. */
+    /** Writes the header that describes the file format and `dataSize` bytes of samples to the start of this file,
+     * which must be open for writing, and goes behind it. ErrorInvalidFormat writes nothing. */
     AudioEngineReturnValue WriteHeader(int dataSize);
+    AudioEngineReturnValue WriteHeader(qint64 dataSize);
 
     static int CalculateAudioDataSize(int bytes, const QAudioFormat& from, const QAudioFormat& to);
     static int BytesToSamples(int bytes, int a, int b);
@@ -234,7 +250,7 @@ private:
 
     struct ChannelCopy;
     ChannelCopy SnapshotForCopy() const;
-    AudioEngineReturnValue WriteChannelFile(const QString& outPath, const ChannelCopy& copy, int dataSize);
+    AudioEngineReturnValue WriteChannelFile(const QString& outPath, const ChannelCopy& copy, qint64 dataSize);
     bool CopyChannel(const ChannelCopy& copy, WavFile& output);
     qsizetype PassBlocks(const ChannelCopy& copy, qint64 position, qsizetype size);
 
@@ -248,7 +264,7 @@ private:
                        vantoraudio::AudioEngine::FFmpegResampler& resampler);
 
     /** Opens this file for writing and writes its header. */
-    bool StartWriting(const QString& fileName, const QAudioFormat& format, int dataSize);
+    bool StartWriting(const QString& fileName, const QAudioFormat& format, qint64 dataSize);
     /** Writes behind what was written before; FinishWriting() tells whether all of it arrived, and closes. */
     void Append(QByteArrayView bytes);
     bool FinishWriting();
@@ -269,6 +285,7 @@ private:
     mutable QMutex m_mutex;
     int m_sampleSize = 0;
     ChannelFormat m_selectedChannel = ChannelNone;
+    bool m_allowsLargeFiles = false;
 
     /** Held while a task moves this file and reads one block; never together with the other mutex. */
     QMutex m_deviceMutex;

@@ -1,7 +1,9 @@
+#include "engine/ByteCounting.h"
 #include "engine/FileReplacement.h"
 #include "engine/SharedFileCursor.h"
 #include "engine/SharedValue.h"
 #include "engine/Truncation.h"
+#include "engine/WavHeader.h"
 
 #include <vantorAudioEngine/WavFile.h>
 
@@ -31,6 +33,7 @@ struct WavFile::ChannelCopy
     qint64 dataOffset = 0;
     /** Of the whole file, in seconds. */
     double duration = 0.0;
+    bool allowsLargeFiles = false;
 
     /** Positions in this file, in bytes. Whole blocks are copied, so audio behind the end may come along: the
      *  header's size does not tell of it, on purpose. */
@@ -43,6 +46,7 @@ struct WavFile::ChannelCopy
 
     int FrameSize() const { return sampleSize / 8 * format.channelCount(); }
     qint64 BlockSize() const { return framesPerBlock * FrameSize(); }
+    ByteCounting Counting() const { return ByteCounting(allowsLargeFiles); }
     qint64 PositionOf(double seconds) const;
     qint64 PieceSize(qint64 position) const;
     bool IsAborted() const { return LoadShared(*abortFlag); }
@@ -50,11 +54,9 @@ struct WavFile::ChannelCopy
     BlockWriter Writer() const;
 };
 
-/** Offsets are 32-bit on purpose: those past 2 GiB of sample data wrap. */
 qint64 WavFile::ChannelCopy::PositionOf(double seconds) const
 {
-    const int frame = TruncateToInt32(double(format.sampleRate()) * seconds);
-    return dataOffset + MultiplyWrapping(FrameSize(), frame);
+    return Counting().PositionOf(seconds, format.sampleRate(), FrameSize(), dataOffset);
 }
 
 /** As many whole blocks as are wanted from there, and as fit into a piece. */
@@ -111,7 +113,7 @@ WavFile::AudioEngineReturnValue WavFile::FilterChannel(const QString& outPath)
     copy.failure = ErrorFilterChannel;
 
     const double bytesPerSecond = double(copy.format.sampleRate()) * copy.OutputFormat().bytesPerSample();
-    return WriteChannelFile(outPath, copy, TruncateToInt32(copy.duration * bytesPerSecond));
+    return WriteChannelFile(outPath, copy, copy.Counting().Truncate(copy.duration * bytesPerSecond));
 }
 
 WavFile::AudioEngineReturnValue WavFile::CreateSnippet(const QString& outPath, double start, double end)
@@ -131,8 +133,11 @@ WavFile::AudioEngineReturnValue WavFile::CreateSnippet(const QString& outPath, d
     // Whole milliseconds, so the size stated may differ from what the frame positions span. A snippet without a
     // frame states -1.
     const double milliseconds = std::round((end - start) * 1000.0);
-    const int frames = TruncateToInt32(double(copy.format.sampleRate()) * milliseconds / 1000.0);
-    return WriteChannelFile(outPath, copy, SamplesToBytes(frames, copy.OutputFormat().bytesPerSample(), 1));
+    const ByteCounting counting = copy.Counting();
+    const qint64 frames = counting.Truncate(double(copy.format.sampleRate()) * milliseconds / 1000.0);
+    const int sampleSize = copy.OutputFormat().bytesPerSample();
+    return WriteChannelFile(outPath, copy,
+                            vantoraudio::AudioEngine::SamplesToBytes(frames, sampleSize, 1, counting));
 }
 
 WavFile::ChannelCopy WavFile::SnapshotForCopy() const
@@ -142,13 +147,15 @@ WavFile::ChannelCopy WavFile::SnapshotForCopy() const
             .sampleSize = m_sampleSize,
             .channel = GetSelectedChannel(),
             .dataOffset = m_dataOffset,
-            .duration = m_duration};
+            .duration = m_duration,
+            .allowsLargeFiles = GetLargeFiles()};
 }
 
 WavFile::AudioEngineReturnValue WavFile::WriteChannelFile(const QString& outPath, const ChannelCopy& copy,
-                                                          int dataSize)
+                                                          qint64 dataSize)
 {
     WavFile output;
+    output.SetLargeFiles(copy.allowsLargeFiles);
     const bool isWritten = output.StartWriting(outPath, copy.OutputFormat(), dataSize) &&
                            CopyChannel(copy, output) && output.FinishWriting();
     return isWritten ? Success : copy.failure;

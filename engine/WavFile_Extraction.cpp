@@ -1,3 +1,4 @@
+#include "engine/ByteCounting.h"
 #include "engine/LargePages.h"
 #include "engine/SampleBlocks.h"
 #include "engine/SharedFileCursor.h"
@@ -21,6 +22,9 @@ constexpr qint64 pieceSize = qint64(1024) * 1024;
 /** With so much between them, in bytes, only the frames that are wanted are read. Nearer ones come faster, even
  * from a disk, together with what lies between them. */
 constexpr qint64 leastDistance = qint64(128) * 1024;
+
+/** Memory for so many values is taken at once; the length of a file is no reason to take more than that. */
+constexpr qint64 mostReservedValues = qint64(1) << 30;
 
 } // namespace
 
@@ -107,10 +111,8 @@ WavFile::Extraction WavFile::StartExtraction(double startTime, double endTime, i
     StoreShared(m_abortRead, false);
 
     const int frameSize = m_fileFormat.channelCount() * (m_sampleSize / 8);
-    // Offsets are 32-bit on purpose: those past 2 GiB of sample data wrap.
-    const auto position = [=, this](double time) {
-        const int frame = TruncateToInt32(double(m_fileFormat.sampleRate()) * time);
-        return m_dataOffset + MultiplyWrapping(frameSize, frame);
+    const auto position = [=, this, counting = ByteCounting(GetLargeFiles())](double time) {
+        return counting.PositionOf(time, m_fileFormat.sampleRate(), frameSize, m_dataOffset);
     };
     return {.format = {m_fileFormat, m_sampleSize},
             .pick = {qMax(1, stepSize), GetSelectedChannel()},
@@ -145,7 +147,8 @@ QList<float> WavFile::Extract(const Extraction& extraction)
     const QString progressText = tr("Updating...");
     SharedFileCursor cursor(*this, m_deviceMutex, extraction.start);
     QList<float> values;
-    values.reserve(extraction.ValueCount(qMin(extraction.BytesToRead(), cursor.BytesLeft())));
+    const qint64 valueCount = extraction.ValueCount(qMin(extraction.BytesToRead(), cursor.BytesLeft()));
+    values.reserve(qMin(valueCount, mostReservedValues));
     PreferLargePages(values.constData(), values.capacity() * qsizetype(sizeof(float)));
     const auto report = [&](qint64 position) {
         // Measured from the beginning of the file on purpose: a range that starts late does not start at 0.

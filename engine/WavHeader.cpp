@@ -118,7 +118,10 @@ void ChunkWalk::MoveWindow()
 class HeaderReader
 {
 public:
-    HeaderReader(QIODevice& device, WavHeader& header) : m_device(device), m_header(header) {}
+    HeaderReader(QIODevice& device, WavHeader& header, WavKinds kinds)
+        : m_device(device), m_header(header), m_kinds(kinds)
+    {
+    }
 
     Result Read();
 
@@ -126,6 +129,7 @@ private:
     using Outcome = std::optional<Result>;
 
     Outcome CheckRiff();
+    Outcome ReadSizeChunk();
     Outcome FindFormatChunk();
     Outcome ReadFormatChunk();
     Outcome ReadRestOfFormatChunk();
@@ -151,7 +155,11 @@ private:
 
     QIODevice& m_device;
     WavHeader& m_header;
+    WavKinds m_kinds;
 
+    bool m_isRf64 = false;
+    /** What RF64 states of its data apart from the "data" chunk. */
+    qint64 m_largeDataSize = 0;
     quint32 m_formatChunkSize = 0;
     quint16 m_tag = 0;
     quint16 m_channelCount = 0;
@@ -165,10 +173,15 @@ Result HeaderReader::Read()
 {
     // The order decides which failure is reported and what is stored by then.
     constexpr std::array steps{
-        &HeaderReader::CheckRiff,         &HeaderReader::FindFormatChunk,
-        &HeaderReader::ReadFormatChunk,   &HeaderReader::ReadRestOfFormatChunk,
-        &HeaderReader::StoreSampleSize,   &HeaderReader::StoreChannelCountAndRate,
-        &HeaderReader::StoreSampleFormat, &HeaderReader::FindDataChunk,
+        &HeaderReader::CheckRiff,
+        &HeaderReader::ReadSizeChunk,
+        &HeaderReader::FindFormatChunk,
+        &HeaderReader::ReadFormatChunk,
+        &HeaderReader::ReadRestOfFormatChunk,
+        &HeaderReader::StoreSampleSize,
+        &HeaderReader::StoreChannelCountAndRate,
+        &HeaderReader::StoreSampleFormat,
+        &HeaderReader::FindDataChunk,
         &HeaderReader::ReadDataChunk,
     };
     for (const auto step : steps) {
@@ -187,10 +200,37 @@ HeaderReader::Outcome HeaderReader::CheckRiff()
         return WavFile::ErrorReadFile;
     }
     const QByteArrayView view(bytes.data(), bytes.size());
-    if (!view.startsWith("RIFF") || !view.endsWith("WAVE")) {
+    m_isRf64 = m_kinds == WavKinds::RiffAndRf64 && view.startsWith("RF64");
+    if ((!view.startsWith("RIFF") && !m_isRf64) || !view.endsWith("WAVE")) {
         return WavFile::ErrorInvalidFormat;
     }
     return {};
+}
+
+/** RF64 begins with the sizes that its 32-bit fields cannot state. Of these only the size of the data is of use.
+ */
+HeaderReader::Outcome HeaderReader::ReadSizeChunk()
+{
+    if (!m_isRf64) {
+        return {};
+    }
+    std::array<char, chunkHeaderSize> start{};
+    if (!ReadWhole(start)) {
+        return WavFile::ErrorReadFile;
+    }
+    const auto size = NumberAt<quint32>(&start[4]);
+    if (!QByteArrayView(start).startsWith("ds64") || size < sizeChunkSize) {
+        return WavFile::ErrorInvalidFormat;
+    }
+    std::array<char, sizeChunkSize> body{};
+    if (!ReadWhole(body)) {
+        return WavFile::ErrorReadFile;
+    }
+    m_largeDataSize = NumberAt<qint64>(&body[8]);
+    if (m_largeDataSize < 0) {
+        return WavFile::ErrorInvalidFormat;
+    }
+    return Skip(qint64(size) - sizeChunkSize);
 }
 
 HeaderReader::Outcome HeaderReader::FindFormatChunk()
@@ -312,7 +352,8 @@ HeaderReader::Outcome HeaderReader::ReadDataChunk()
     if (!ReadWhole(bytes)) {
         return WavFile::ErrorReadFile;
     }
-    m_header.dataLength = NumberAt<quint32>(&bytes[4]);
+    const auto size = NumberAt<quint32>(&bytes[4]);
+    m_header.dataLength = m_isRf64 && size == sizeStatedElsewhere ? m_largeDataSize : size;
     m_header.dataOffset = m_device.pos();
     return {};
 }
@@ -343,9 +384,9 @@ HeaderReader::Outcome HeaderReader::Skip(qint64 size)
 
 } // namespace
 
-WavFile::AudioEngineReturnValue ReadWavHeader(QIODevice& device, WavHeader& header)
+WavFile::AudioEngineReturnValue ReadWavHeader(QIODevice& device, WavHeader& header, WavKinds kinds)
 {
-    return HeaderReader(device, header).Read();
+    return HeaderReader(device, header, kinds).Read();
 }
 
 } // namespace vantoraudio::AudioEngine

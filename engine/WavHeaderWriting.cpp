@@ -4,6 +4,7 @@
 #include <QtCore/QtEndian>
 
 #include <array>
+#include <limits>
 #include <optional>
 
 namespace vantoraudio::AudioEngine {
@@ -43,6 +44,68 @@ std::optional<Encoding> EncodingOf(QAudioFormat::SampleFormat sampleFormat)
     }
 }
 
+/** As BytesToSamples(). */
+qint64 CountSamples(qint64 bytes, int a, int b)
+{
+    return a < 1 || b < 1 || bytes < 0 ? -1 : bytes / (qint64(a) * b);
+}
+
+/** "fmt " and the head of "data", which end every header. */
+QByteArray ComposeChunks(const QAudioFormat& format, Encoding encoding, quint32 statedDataSize)
+{
+    const int channelCount = format.channelCount();
+    const int bitsPerFrame = MultiplyWrapping(channelCount, encoding.bits);
+    const int bitsPerSecond = MultiplyWrapping(bitsPerFrame, format.sampleRate());
+
+    QByteArray chunks("fmt ");
+    AppendNumber(chunks, formatChunkSize);
+    AppendNumber(chunks, encoding.formatTag);
+    AppendNumber(chunks, static_cast<quint16>(channelCount));
+    AppendNumber(chunks, static_cast<quint32>(format.sampleRate()));
+    AppendNumber(chunks, static_cast<quint32>(bitsPerSecond / 8));
+    AppendNumber(chunks, static_cast<quint16>(bitsPerFrame / 8));
+    AppendNumber(chunks, static_cast<quint16>(encoding.bits));
+    chunks.append("data");
+    AppendNumber(chunks, statedDataSize);
+    return chunks;
+}
+
+/** `name`, the size of the whole file and its form. */
+QByteArray ComposeFileHead(const char* name, quint32 statedFileSize)
+{
+    QByteArray head(name);
+    AppendNumber(head, statedFileSize);
+    head.append("WAVE");
+    return head;
+}
+
+/** Whether the size of all that follows the first 8 bytes of a file can be stated by a 32-bit field. */
+bool FitsSizeField(qint64 dataSize, int headerSize)
+{
+    constexpr qint64 highest = std::numeric_limits<quint32>::max();
+    return dataSize <= highest - (headerSize - 8);
+}
+
+/** Sizes that a 32-bit field cannot state. They are counted without a sign: no overflow near the largest one. */
+QByteArray ComposeSizeChunk(const QAudioFormat& format, Encoding encoding, quint64 dataSize)
+{
+    const qint64 frameSize = qint64(format.channelCount()) * (encoding.bits / 8);
+    QByteArray chunk("ds64");
+    AppendNumber(chunk, sizeChunkSize);
+    AppendNumber(chunk, dataSize + (largeHeaderSize - 8));
+    AppendNumber(chunk, dataSize);
+    AppendNumber(chunk, frameSize < 1 ? quint64(0) : dataSize / static_cast<quint64>(frameSize));
+    AppendNumber(chunk, quint32(0));
+    return chunk;
+}
+
+QByteArray ComposeRf64Header(const QAudioFormat& format, Encoding encoding, qint64 dataSize)
+{
+    return ComposeFileHead("RF64", sizeStatedElsewhere) +
+           ComposeSizeChunk(format, encoding, static_cast<quint64>(dataSize)) +
+           ComposeChunks(format, encoding, sizeStatedElsewhere);
+}
+
 } // namespace
 
 QByteArray ComposeWavHeader(const QAudioFormat& format, int dataSize)
@@ -51,53 +114,69 @@ QByteArray ComposeWavHeader(const QAudioFormat& format, int dataSize)
     if (!encoding) {
         return {};
     }
-    const int channelCount = format.channelCount();
-    const int bitsPerFrame = MultiplyWrapping(channelCount, encoding->bits);
-    const int bitsPerSecond = MultiplyWrapping(bitsPerFrame, format.sampleRate());
-    const auto unsignedSize = static_cast<quint32>(dataSize);
+    const auto statedSize = static_cast<quint32>(dataSize);
+    return ComposeFileHead("RIFF", statedSize + 36U) + ComposeChunks(format, *encoding, statedSize);
+}
 
-    QByteArray header;
-    header.reserve(writtenHeaderSize);
-    header.append("RIFF");
-    AppendNumber(header, unsignedSize + 36U);
-    header.append("WAVEfmt ");
-    AppendNumber(header, formatChunkSize);
-    AppendNumber(header, encoding->formatTag);
-    AppendNumber(header, static_cast<quint16>(channelCount));
-    AppendNumber(header, static_cast<quint32>(format.sampleRate()));
-    AppendNumber(header, static_cast<quint32>(bitsPerSecond / 8));
-    AppendNumber(header, static_cast<quint16>(bitsPerFrame / 8));
-    AppendNumber(header, static_cast<quint16>(encoding->bits));
-    header.append("data");
-    AppendNumber(header, unsignedSize);
-    return header;
+QByteArray ComposeLargeWavHeader(const QAudioFormat& format, qint64 dataSize)
+{
+    const auto encoding = EncodingOf(format.sampleFormat());
+    if (encoding && !FitsSizeField(dataSize, writtenHeaderSize)) {
+        return ComposeRf64Header(format, *encoding, dataSize);
+    }
+    return ComposeWavHeader(format, WrapToInt32(dataSize));
+}
+
+QByteArray ComposeWavHeaderWithRoom(const QAudioFormat& format, qint64 dataSize)
+{
+    const auto encoding = EncodingOf(format.sampleFormat());
+    if (!encoding) {
+        return {};
+    }
+    if (!FitsSizeField(dataSize, largeHeaderSize)) {
+        return ComposeRf64Header(format, *encoding, dataSize);
+    }
+    const auto statedSize = static_cast<quint32>(dataSize);
+    QByteArray room("JUNK");
+    AppendNumber(room, sizeChunkSize);
+    room.append(sizeChunkSize, '\0');
+    return ComposeFileHead("RIFF", statedSize + quint32(largeHeaderSize - 8)) + room +
+           ComposeChunks(format, *encoding, statedSize);
 }
 
 int CalculateAudioDataSize(int bytes, const QAudioFormat& from, const QAudioFormat& to)
 {
+    return WrapToInt32(CalculateAudioDataSize(bytes, from, to, ByteCounting(false)));
+}
+
+qint64 CalculateAudioDataSize(qint64 bytes, const QAudioFormat& from, const QAudioFormat& to,
+                              ByteCounting counting)
+{
     if (!to.isValid() || !from.isValid() || bytes < 0) {
         return -1;
     }
-    const int frames = BytesToSamples(bytes, from.bytesPerSample(), from.channelCount());
-    const int targetFrames = TruncateToInt32(double(frames) / from.sampleRate() * to.sampleRate());
-    return SamplesToBytes(targetFrames, to.bytesPerSample(), to.channelCount());
+    const qint64 frames = CountSamples(bytes, from.bytesPerSample(), from.channelCount());
+    const qint64 targetFrames = counting.Truncate(double(frames) / from.sampleRate() * to.sampleRate());
+    return SamplesToBytes(targetFrames, to.bytesPerSample(), to.channelCount(), counting);
 }
 
 int BytesToSamples(int bytes, int a, int b)
 {
-    if (a < 1 || b < 1 || bytes < 0) {
-        return -1;
-    }
-    return static_cast<int>(bytes / (qint64(a) * b));
+    return static_cast<int>(CountSamples(bytes, a, b));
+}
+
+int SamplesToBytes(int samples, int a, int b)
+{
+    return WrapToInt32(SamplesToBytes(samples, a, b, ByteCounting(false)));
 }
 
 // No samples give -1, unlike no bytes above: callers tell an empty result by it.
-int SamplesToBytes(int samples, int a, int b)
+qint64 SamplesToBytes(qint64 samples, int a, int b, ByteCounting counting)
 {
     if (a < 1 || b < 1 || samples < 1) {
         return -1;
     }
-    return MultiplyWrapping(MultiplyWrapping(samples, a), b);
+    return counting.Multiply(counting.Multiply(samples, a), b);
 }
 
 } // namespace vantoraudio::AudioEngine

@@ -23,12 +23,6 @@ QList<Sample> Resampled(const QList<Sample>& samples, int channels, int rate, in
     return result;
 }
 
-template<typename Sample>
-QList<float> Converted(const QList<Sample>& samples)
-{
-    return ToFloat(std::span<const Sample>(samples));
-}
-
 /** One sample at a time, as the interpolation is defined. */
 template<typename Sample>
 QList<Sample> SlowlyResampled(const QList<Sample>& samples, int channels, int rate, int targetRate)
@@ -210,16 +204,6 @@ private Q_SLOTS:
         // 65537 * 65536 is 65536 in 32 bits; divided by 8192 that makes 8 frames.
         const QList<quint8> samples(65537, 9);
         QCOMPARE(Resampled(samples, 1, 8192, 65536), QList<quint8>(8, 9));
-    }
-
-    void turnsEveryIntegerTypeIntoFloats()
-    {
-        QCOMPARE(Converted<quint8>({0, 64, 128, 192, 255}), (QList<float>{-1.0F, -0.5F, 0.0F, 0.5F, 0.9921875F}));
-        QCOMPARE(Converted<qint16>({-32768, -16384, 0, 8192, 32767}),
-                 (QList<float>{-1.0F, -0.5F, 0.0F, 0.25F, 0.999969482421875F}));
-        QCOMPARE(Converted<qint32>({std::numeric_limits<qint32>::min(), 0, 1 << 30}),
-                 (QList<float>{-1.0F, 0.0F, 0.5F}));
-        QCOMPARE(Converted<qint16>({}), QList<float>());
     }
 };
 

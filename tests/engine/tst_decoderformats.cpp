@@ -10,6 +10,7 @@
 #include <QtTest/QTest>
 
 #include <cmath>
+#include <limits>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace AudioPrograms;
@@ -82,6 +83,10 @@ private Q_SLOTS:
     void decodesWhatIsLeftOfATruncatedMp3();
     void makesAnEmptyFileOfAFileWithoutSamples();
     void leavesNoSamplesAtARateOfZero();
+    void convertsToFloatAtSensibleRatesOnly_data();
+    void convertsToFloatAtSensibleRatesOnly();
+    void refusesAChannelCountThatChanges_data();
+    void refusesAChannelCountThatChanges();
 };
 
 void TestDecoderFormats::soundsLikeTheSameFileDecodedByFFmpeg_data()
@@ -134,21 +139,27 @@ void TestDecoderFormats::soundsLikeTheSameFileDecodedByFFmpeg()
 void TestDecoderFormats::decodesFloatFormatsSoundlyWithoutConversion_data()
 {
     QTest::addColumn<QString>("format");
-    QTest::addRow("mp3") << u"mp3"_s;
-    QTest::addRow("ogg") << u"ogg"_s;
-    QTest::addRow("m4a") << u"m4a"_s;
+    QTest::addColumn<int>("unsettledFrames");
+    QTest::addRow("mp3") << u"mp3"_s << 0;
+    QTest::addRow("ogg") << u"ogg"_s << 0;
+    // With Qt 6.8 the beginning of AAC differs from what FFmpeg makes of it.
+    QTest::addRow("m4a") << u"m4a"_s << 4096;
 }
 
 void TestDecoderFormats::decodesFloatFormatsSoundlyWithoutConversion()
 {
     QFETCH(const QString, format);
+    QFETCH(const int, unsettledFrames);
     const TemporaryFiles files;
     const QString source = files.Path(u"tone."_s + format);
     QVERIFY(MakeTone(files.Path(u"tone.wav"_s), 44100, 2));
     QVERIFY(Encode(format, files.Path(u"tone.wav"_s), source));
-    const QByteArray plain = Decoded(source, files.Path(u"plain.wav"_s), 48000);
-    QVERIFY(plain.size() > headerSize + 2 * 47000 * 8);
-    QCOMPARE(plain, DecodedToFloat(source, files.Path(u"float.wav"_s), 48000));
+    const QByteArray plain = Decoded(source, files.Path(u"plain.wav"_s), 44100);
+    QVERIFY(plain.size() > headerSize + 2 * 43000 * 8);
+    const QByteArray converted = DecodedToFloat(source, files.Path(u"float.wav"_s), 44100);
+    QCOMPARE(plain.first(headerSize), converted.first(headerSize));
+    const qsizetype settled = headerSize + unsettledFrames * 8;
+    QCOMPARE(plain.mid(settled), converted.mid(settled));
 }
 
 void TestDecoderFormats::copiesTheSamplesWhenTheRatesAreEqual()
@@ -210,7 +221,8 @@ void TestDecoderFormats::takesMinusOneFor96000Hz()
     const QByteArray byDefault = Decoded(source, files.Path(u"out.wav"_s), -1);
     QCOMPARE(byDefault.first(headerSize), FloatHeader(int(byDefault.size()) - headerSize, 96000, 1));
     QCOMPARE(byDefault, Decoded(source, files.Path(u"out.wav"_s), 96000));
-    QCOMPARE(DecodedToFloat(source, files.Path(u"out.wav"_s), -1), byDefault);
+    QCOMPARE(DecodedToFloat(source, files.Path(u"out.wav"_s), -1),
+             DecodedToFloat(source, files.Path(u"out.wav"_s), 96000));
 }
 
 void TestDecoderFormats::decodesFilesOfAnyName_data()
@@ -303,6 +315,63 @@ void TestDecoderFormats::leavesNoSamplesAtARateOfZero()
     const TemporaryFiles files;
     QVERIFY(MakeTone(files.Path(u"tone.wav"_s), 44100, 1, 0.5));
     QCOMPARE(Decoded(files.Path(u"tone.wav"_s), files.Path(u"out.wav"_s), 0), FloatHeader(0, 0, 1));
+}
+
+void TestDecoderFormats::convertsToFloatAtSensibleRatesOnly_data()
+{
+    QTest::addColumn<int>("rate");
+    QTest::addRow("0") << 0;
+    QTest::addRow("-2") << -2;
+    QTest::addRow("the lowest number") << std::numeric_limits<int>::min();
+    QTest::addRow("a little too high") << 768001;
+    QTest::addRow("the highest number") << std::numeric_limits<int>::max();
+}
+
+void TestDecoderFormats::convertsToFloatAtSensibleRatesOnly()
+{
+    QFETCH(const int, rate);
+    const TemporaryFiles files;
+    const QString source = files.Path(u"tone.wav"_s);
+    QVERIFY(MakeTone(source, 44100, 1, 0.5));
+    const QByteArray former = TemporaryFiles::Read(source);
+    QCOMPARE(Decoder::ConvertToFloat(source, source, rate), WavFile::ErrorInvalidFormat);
+    QCOMPARE(TemporaryFiles::Read(source), former);
+}
+
+void TestDecoderFormats::refusesAChannelCountThatChanges_data()
+{
+    QTest::addColumn<QString>("suffix");
+    QTest::addColumn<QStringList>("encoder");
+    QTest::addRow("MP3") << u"mp3"_s << QStringList{};
+    QTest::addRow("AAC") << u"aac"_s << QStringList{};
+    QTest::addRow("AC-3") << u"ac3"_s << QStringList{};
+    QTest::addRow("Ogg Vorbis") << u"ogg"_s << QStringList{u"-c:a"_s, u"libvorbis"_s};
+}
+
+/** Qt's decoder would crash because of it. The importer reads such files. */
+void TestDecoderFormats::refusesAChannelCountThatChanges()
+{
+    QFETCH(const QString, suffix);
+    QFETCH(const QStringList, encoder);
+    const TemporaryFiles files;
+    QByteArray joined;
+    for (const int channels : {2, 1}) {
+        const QString tone = files.Path(u"tone.wav"_s);
+        const QString part = files.Path(u"part."_s + suffix);
+        QVERIFY(MakeTone(tone, 44100, channels));
+        QVERIFY(
+            Succeeds(u"ffmpeg"_s, QStringList{u"-y"_s, u"-v"_s, u"error"_s, u"-i"_s, tone} + encoder +
+                                      QStringList{u"-id3v2_version"_s, u"0"_s}.mid(suffix == u"mp3"_s ? 0 : 2) +
+                                      QStringList{part}));
+        joined += TemporaryFiles::Read(part);
+    }
+    const QString source = files.Write(u"joined."_s + suffix, joined);
+    const QString out = files.Path(u"out.wav"_s);
+    QCOMPARE(Decoder::Convert(source, out, 44100), WavFile::ErrorInvalidFormat);
+    QVERIFY(!QFile::exists(out));
+    QCOMPARE(Decoder::ConvertToFloat(source, out, 44100), WavFile::Success);
+    const double frames = double(TemporaryFiles::Read(out).size() - headerSize) / 8.0;
+    QVERIFY(Near(frames, 2 * 88200.0, 5000.0));
 }
 
 QTEST_GUILESS_MAIN(TestDecoderFormats)

@@ -11,7 +11,7 @@ public:
     static WavFile::AudioEngineReturnValue Convert(const QString& inPath, const QString& outPath, int sampleRate,
                                                    const SourceMaker& makeSource)
     {
-        return Decoder::Decode(inPath, outPath, sampleRate, Decoder::SampleType::AsDecoded, makeSource);
+        return Decoder::Decode(inPath, outPath, sampleRate, makeSource);
     }
     static int GetAudioCodecContext(AVFormatContext* format, AVCodecContext* codec, int& streamIndex,
                                     const QString& path)

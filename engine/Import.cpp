@@ -1,0 +1,207 @@
+#include "engine/Import.h"
+
+#include <algorithm>
+#include <thread>
+#include <utility>
+
+namespace vantoraudio::AudioEngine {
+
+namespace {
+
+/** Of decoded samples that go to the other thread together, and of what is written at once; in bytes. */
+constexpr qint64 batchSize = 256 * 1024;
+
+int BytesOf(const AVFrame& frame)
+{
+    const int size = av_get_bytes_per_sample(AVSampleFormat(frame.format));
+    return size * frame.nb_samples * frame.ch_layout.nb_channels;
+}
+
+QAudioFormat OutputFormat(int sampleRate, int channelCount)
+{
+    QAudioFormat format;
+    format.setSampleRate(sampleRate);
+    format.setChannelCount(std::min(channelCount, 2));
+    format.setSampleFormat(QAudioFormat::Float);
+    return format;
+}
+
+AVSampleFormat FFmpegFormatOf(QAudioFormat::SampleFormat format)
+{
+    return format == QAudioFormat::Int16 ? AV_SAMPLE_FMT_S16 : AV_SAMPLE_FMT_FLT;
+}
+
+} // namespace
+
+Import::Import(const QString& inPath, const QString& outPath, const ImportOptions& options, Observer observer)
+    : m_options(options)
+    , m_observer(std::move(observer))
+    , m_inPath(inPath)
+    , m_stream(inPath, m_observer.isCancelled)
+    , m_output(outPath)
+{
+}
+
+ImportResult Import::Run(FormerFile formerFile)
+{
+    Problem problem = CheckAhead();
+    if (problem != Problem::None) {
+        return ResultOf(problem);
+    }
+    problem = Transfer();
+    if (problem != Problem::None && formerFile == FormerFile::Goes) {
+        m_output.RemoveFormer();
+    }
+    return ResultOf(problem);
+}
+
+/** What can be refused before anything is decoded. */
+Import::Problem Import::CheckAhead()
+{
+    if (m_options.sampleRate < 0 || m_options.sampleRate > ImportOptions::highestSampleRate) {
+        return Problem::UnsupportedRate;
+    }
+    if (m_stream.GetProblem() != Problem::None || !m_stream.OpenDecoder()) {
+        return m_stream.GetProblem();
+    }
+    const AVCodecParameters& source = *m_stream.Stream().codecpar;
+    const int sampleRate = m_options.sampleRate > 0 ? m_options.sampleRate : source.sample_rate;
+    QAudioFormat format = OutputFormat(sampleRate, source.ch_layout.nb_channels);
+    m_length = {m_stream.Duration(), m_stream.IsDurationCertain()};
+    format.setSampleFormat(FirstSampleFormat(m_options, format, m_length));
+    const double size = m_length.isCertain ? m_length.DataSize(format) : 0.0;
+    if (!m_options.mayBeLarge && size > double(ImportLimits().mostPlainBytes)) {
+        return Problem::TooLong;
+    }
+    if (!m_output.Open(m_inPath)) {
+        return m_output.GetProblem();
+    }
+    return m_output.HasRoomFor(size) ? Problem::None : Problem::NoSpace;
+}
+
+Import::Problem Import::Transfer()
+{
+    std::thread writer([this] { Write(); });
+    Decode(m_stream);
+    m_queue.Close();
+    writer.join();
+    if (m_writingProblem != Problem::None) {
+        return m_writingProblem;
+    }
+    if (m_stream.GetProblem() != Problem::None) {
+        return m_stream.GetProblem();
+    }
+    if (m_observer.isCancelled && m_observer.isCancelled()) {
+        return Problem::Cancelled;
+    }
+    return FinishWriting() ? Problem::None : m_writingProblem;
+}
+
+void Import::Decode(AudioStream& stream)
+{
+    FrameBatch batch;
+    qint64 size = 0;
+    for (FramePointer frame(av_frame_alloc()); frame && stream.ReadFrame(*frame); frame.reset(av_frame_alloc())) {
+        size += BytesOf(*frame);
+        batch.push_back(std::move(frame));
+        if (size >= batchSize) {
+            if (!m_queue.Push(std::exchange(batch, {}))) {
+                return;
+            }
+            size = 0;
+            Report();
+        }
+    }
+    m_queue.Push(std::move(batch));
+    Report();
+}
+
+void Import::Report()
+{
+    if (m_observer.report) {
+        m_observer.report(static_cast<int>(m_stream.Progress() * 1000.0));
+    }
+}
+
+void Import::Write()
+{
+    m_block.reserve(4 * batchSize);
+    bool goesOn = true;
+    while (goesOn) {
+        const FrameBatch batch = m_queue.Pop();
+        goesOn = !batch.empty() && WriteBatch(batch);
+    }
+    // After a failure nobody is left to take what is still decoded.
+    m_queue.Close();
+}
+
+bool Import::WriteBatch(const FrameBatch& batch)
+{
+    for (const FramePointer& frame : batch) {
+        if (!m_resampler && !StartWriting(*frame)) {
+            return false;
+        }
+        if (!m_resampler->Convert(*frame, m_block)) {
+            m_writingProblem = Problem::Damaged;
+            return false;
+        }
+        if (m_block.size() >= batchSize && !WriteBlock()) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/** The first frame decides what the file is like, whatever follows. */
+bool Import::StartWriting(const AVFrame& first)
+{
+    const int sampleRate = m_options.sampleRate > 0 ? m_options.sampleRate : first.sample_rate;
+    QAudioFormat format = OutputFormat(sampleRate, first.ch_layout.nb_channels);
+    format.setSampleFormat(FirstSampleFormat(m_options, format, m_length));
+    m_resampler.emplace(StreamResampler::Target{sampleRate, FFmpegFormatOf(format.sampleFormat()),
+                                                StreamResampler::OutputLayoutFor(first)});
+    m_output.Start(m_options, format, m_length);
+    m_writingProblem = m_output.GetProblem();
+    return m_writingProblem == Problem::None;
+}
+
+bool Import::WriteBlock()
+{
+    const bool isWritten = m_output.Append(m_block);
+    m_writingProblem = m_output.GetProblem();
+    m_block.resize(0);
+    return isWritten;
+}
+
+/** A file without any frame becomes a WAV file without any. */
+bool Import::FinishWriting()
+{
+    if (!m_resampler) {
+        const AVCodecParameters& source = *m_stream.Stream().codecpar;
+        const int sampleRate = m_options.sampleRate > 0 ? m_options.sampleRate : source.sample_rate;
+        m_output.Start(m_options, OutputFormat(sampleRate, source.ch_layout.nb_channels), {1.0, true});
+    } else if (!m_resampler->Drain(m_block) || !WriteBlock()) {
+        m_writingProblem = m_writingProblem == Problem::None ? Problem::Damaged : m_writingProblem;
+        return false;
+    }
+    const bool isFinished = m_output.Finish();
+    m_writingProblem = m_output.GetProblem();
+    return isFinished;
+}
+
+ImportResult Import::ResultOf(Problem problem) const
+{
+    ImportResult result;
+    result.problem = problem;
+    result.damagedPackets = m_stream.DamagedPackets();
+    const QAudioFormat& format = m_output.Format();
+    if (problem == Problem::None && format.bytesPerFrame() > 0) {
+        result.sampleRate = format.sampleRate();
+        result.channelCount = format.channelCount();
+        result.sampleFormat = format.sampleFormat();
+        result.frameCount = m_output.DataSize() / format.bytesPerFrame();
+    }
+    return result;
+}
+
+} // namespace vantoraudio::AudioEngine

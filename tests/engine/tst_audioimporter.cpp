@@ -1,0 +1,419 @@
+#include "tests/support/AudioPrograms.h"
+#include "tests/support/FileSizeLimit.h"
+#include "tests/support/OrdinaryUser.h"
+#include "tests/support/TemporaryFiles.h"
+#include "tests/support/WavBytes.h"
+
+#include <vantorAudioEngine/AudioImporter.h>
+#include <vantorAudioEngine/WavFile.h>
+
+#include <QtCore/QDir>
+#include <QtCore/QFutureWatcher>
+#include <QtCore/QThreadPool>
+#include <QtTest/QSignalSpy>
+#include <QtTest/QtTest>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace vantoraudio::AudioEngine;
+using namespace AudioPrograms;
+using namespace WavTest;
+
+using Problem = AudioFileInfo::Problem;
+
+Q_DECLARE_METATYPE(ImportOptions::SampleFormat)
+
+namespace {
+
+/** Hidden ones too. */
+QStringList FilesIn(const QString& folder)
+{
+    return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
+                                  QDir::Name);
+}
+
+/** Silence of that many seconds, 48 kHz stereo, without taking room on the disk. */
+QString MakeLongWav(const TemporaryFiles& files, qint64 seconds)
+{
+    const qint64 size = seconds * 192000;
+    const WavBytes head{.statedRiffSize = size + 36, .channels = 2, .sampleRate = 48000, .statedDataSize = size};
+    const QString path = files.Write(u"long.wav"_s, head.Build());
+    return QFile::resize(path, 44 + size) ? path : QString();
+}
+
+} // namespace
+
+/** The importer as a program uses it; what it makes of each kind of file is tested elsewhere. */
+class TestAudioImporter : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+
+    void writesWhatItTells_data();
+    void writesWhatItTells();
+    void tellsProgressAndTheResult();
+    void runsOnThePoolThatIsHandedOver();
+    void leavesNothingWhenItIsCancelled();
+    void keepsAnOlderFileWhenItIsCancelled();
+    void endsWithoutResultWhenItIsCancelledBeforeItBegan();
+    void refusesWhatIsNoAudio_data();
+    void refusesWhatIsNoAudio();
+    void refusesAFileThatMayNotBeRead();
+    void refusesAFolderThatMayNotBeWritten();
+    void keepsAnOlderFileWhenTheDiskIsFull();
+    void replacesItsOwnSource();
+    void importsAFileWithoutSamples();
+    void refusesWhatExceedsFourGibibytesWhereItMay();
+    void takesIntegersForWhatWouldExceedTwoGibibytes();
+    void countsDamagedPackets();
+
+    void probesWhatIsInAFile();
+    void probesTitleAndArtist_data();
+    void probesTitleAndArtist();
+    void knowsNothingOfNothing();
+    void tellsHowLargeAnImportBecomes();
+    void hasASentenceForEveryProblem();
+    void hasASentenceForEveryResult();
+
+private:
+    TemporaryFiles m_files;
+    QString m_mp3;
+};
+
+void TestAudioImporter::initTestCase()
+{
+    m_mp3 = m_files.Path(u"tone.mp3"_s);
+    QVERIFY(MakeTone(m_files.Path(u"tone.wav"_s), 44100, 2));
+    QVERIFY(Encode(u"mp3"_s, m_files.Path(u"tone.wav"_s), m_mp3));
+}
+
+void TestAudioImporter::writesWhatItTells_data()
+{
+    QTest::addColumn<int>("rate");
+    QTest::addColumn<ImportOptions::SampleFormat>("format");
+    QTest::addColumn<int>("writtenRate");
+    QTest::addColumn<QAudioFormat::SampleFormat>("writtenFormat");
+    QTest::addRow("its own rate") << 0 << ImportOptions::Float << 44100 << QAudioFormat::Float;
+    QTest::addRow("8 kHz") << 8000 << ImportOptions::Float << 8000 << QAudioFormat::Float;
+    QTest::addRow("192 kHz, integers") << 192000 << ImportOptions::Int16 << 192000 << QAudioFormat::Int16;
+    QTest::addRow("integers") << 0 << ImportOptions::Int16 << 44100 << QAudioFormat::Int16;
+    QTest::addRow("automatic") << 0 << ImportOptions::Automatic << 44100 << QAudioFormat::Float;
+}
+
+void TestAudioImporter::writesWhatItTells()
+{
+    QFETCH(const int, rate);
+    QFETCH(const ImportOptions::SampleFormat, format);
+    QFETCH(const int, writtenRate);
+    QFETCH(const QAudioFormat::SampleFormat, writtenFormat);
+    const TemporaryFiles files;
+    const QString out = files.Path(u"out.wav"_s);
+    const ImportResult result = AudioImporter::ImportNow(m_mp3, out, {.sampleRate = rate, .sampleFormat = format});
+    QVERIFY(result.IsSuccess());
+    QCOMPARE(result.Code(), WavFile::Success);
+    QCOMPARE(result.sampleRate, writtenRate);
+    QCOMPARE(result.channelCount, 2);
+    QCOMPARE(result.sampleFormat, writtenFormat);
+    QCOMPARE(result.frameCount, 2 * writtenRate);
+    QCOMPARE(result.damagedPackets, 0);
+
+    WavFile opened;
+    QCOMPARE(opened.Open(out), WavFile::Success);
+    QCOMPARE(opened.GetDataOffset(), 44);
+    QCOMPARE(opened.GetFileFormat().sampleRate(), writtenRate);
+    QCOMPARE(opened.GetFileFormat().sampleFormat(), writtenFormat);
+    QCOMPARE(opened.GetDataLength(), result.frameCount * opened.GetFileFormat().bytesPerFrame());
+    QCOMPARE(opened.size(), 44 + opened.GetDataLength());
+    QCOMPARE(FilesIn(files.Path({})), QStringList{u"out.wav"_s});
+}
+
+void TestAudioImporter::tellsProgressAndTheResult()
+{
+    const TemporaryFiles files;
+    QFutureWatcher<ImportResult> watcher;
+    QSignalSpy values(&watcher, &QFutureWatcherBase::progressValueChanged);
+    QSignalSpy finished(&watcher, &QFutureWatcherBase::finished);
+    watcher.setFuture(AudioImporter::Import(m_mp3, files.Path(u"out.wav"_s)));
+    QVERIFY(finished.wait());
+    QCOMPARE(watcher.progressMinimum(), 0);
+    QCOMPARE(watcher.progressMaximum(), 1000);
+    QCOMPARE(watcher.progressValue(), 1000);
+    QVERIFY(!values.isEmpty());
+    for (qsizetype i = 1; i < values.size(); ++i) {
+        QVERIFY(values[i].first().toInt() >= values[i - 1].first().toInt());
+    }
+    QCOMPARE(watcher.future().resultCount(), 1);
+    QCOMPARE(watcher.result().frameCount, 88200);
+}
+
+void TestAudioImporter::runsOnThePoolThatIsHandedOver()
+{
+    const TemporaryFiles files;
+    QThreadPool pool;
+    pool.setMaxThreadCount(1);
+    QSemaphore gate;
+    pool.start([&gate] { gate.acquire(); });
+    QFuture<ImportResult> future = AudioImporter::Import(m_mp3, files.Path(u"out.wav"_s), {}, &pool);
+    // The pool's only thread is taken, so nothing has begun; other threads would be free.
+    QVERIFY(!future.isRunning() || future.progressMaximum() == 0);
+    QVERIFY(FilesIn(files.Path({})).isEmpty());
+    gate.release();
+    pool.waitForDone();
+    QVERIFY(future.isFinished());
+    QVERIFY(future.result().IsSuccess());
+}
+
+void TestAudioImporter::leavesNothingWhenItIsCancelled()
+{
+    const TemporaryFiles files;
+    const QString source = MakeLongWav(m_files, 20000);
+    QVERIFY(!source.isEmpty());
+    QFutureWatcher<ImportResult> watcher;
+    QSignalSpy values(&watcher, &QFutureWatcherBase::progressValueChanged);
+    QSignalSpy finished(&watcher, &QFutureWatcherBase::finished);
+    watcher.setFuture(
+        AudioImporter::Import(source, files.Path(u"out.wav"_s), {.sampleFormat = ImportOptions::Int16}));
+    QVERIFY(values.wait());
+    watcher.cancel();
+    QVERIFY(finished.count() > 0 || finished.wait());
+    QCOMPARE(watcher.future().resultCount(), 0);
+    QCOMPARE(FilesIn(files.Path({})), QStringList());
+}
+
+void TestAudioImporter::keepsAnOlderFileWhenItIsCancelled()
+{
+    const TemporaryFiles files;
+    const QString source = MakeLongWav(m_files, 20000);
+    const QString out = files.Write(u"out.wav"_s, "older");
+    QFuture<ImportResult> future = AudioImporter::Import(source, out, {.sampleFormat = ImportOptions::Int16});
+    future.cancel();
+    future.waitForFinished();
+    QCOMPARE(TemporaryFiles::Read(out), "older");
+    QCOMPARE(FilesIn(files.Path({})), QStringList{u"out.wav"_s});
+}
+
+void TestAudioImporter::endsWithoutResultWhenItIsCancelledBeforeItBegan()
+{
+    const TemporaryFiles files;
+    QThreadPool pool;
+    pool.setMaxThreadCount(1);
+    QSemaphore gate;
+    pool.start([&gate] { gate.acquire(); });
+    QFuture<ImportResult> future = AudioImporter::Import(m_mp3, files.Path(u"out.wav"_s), {}, &pool);
+    future.cancel();
+    gate.release();
+    future.waitForFinished();
+    QCOMPARE(future.resultCount(), 0);
+    QVERIFY(FilesIn(files.Path({})).isEmpty());
+}
+
+void TestAudioImporter::refusesWhatIsNoAudio_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<Problem>("problem");
+    QTest::addColumn<WavFile::AudioEngineReturnValue>("code");
+    QTest::addRow("no name") << QString() << Problem::NotFound << WavFile::ErrorOpenFile;
+    QTest::addRow("no file") << m_files.Path(u"missing.mp3"_s) << Problem::NotFound << WavFile::ErrorOpenFile;
+    QTest::addRow("folder") << m_files.Path({}) << Problem::NotAFile << WavFile::ErrorOpenFile;
+    QTest::addRow("device") << u"/dev/zero"_s << Problem::NotAFile << WavFile::ErrorOpenFile;
+    QTest::addRow("empty") << m_files.Write(u"empty.mp3"_s, {}) << Problem::NoAudio << WavFile::ErrorInvalidFormat;
+    QTest::addRow("text") << m_files.Write(u"text.mp3"_s, QByteArray("It is no song. ").repeated(500))
+                          << Problem::NoAudio << WavFile::ErrorInvalidFormat;
+    QTest::addRow("head of a WAV file") << m_files.Write(u"head.wav"_s, WavBytes{.data = {}}.Build().first(30))
+                                        << Problem::NoAudio << WavFile::ErrorInvalidFormat;
+}
+
+void TestAudioImporter::refusesWhatIsNoAudio()
+{
+    QFETCH(const QString, path);
+    QFETCH(const Problem, problem);
+    QFETCH(const WavFile::AudioEngineReturnValue, code);
+    const TemporaryFiles files;
+    const QString out = files.Write(u"out.wav"_s, "older");
+    const ImportResult result = AudioImporter::ImportNow(path, out);
+    QCOMPARE(result.problem, problem);
+    QCOMPARE(result.Code(), code);
+    QCOMPARE(result.frameCount, 0);
+    QCOMPARE(TemporaryFiles::Read(out), "older");
+    QCOMPARE(FilesIn(files.Path({})), QStringList{u"out.wav"_s});
+    QCOMPARE(AudioFileInfo::Probe(path).GetProblem(), problem);
+}
+
+void TestAudioImporter::refusesAFileThatMayNotBeRead()
+{
+    const TemporaryFiles files;
+    const QString source = files.Path(u"secret.mp3"_s);
+    QVERIFY(QFile::copy(m_mp3, source));
+    QVERIFY(QFile::setPermissions(source, {}));
+    QVERIFY(OrdinaryUser::TakesOver(files.Path({})));
+    const OrdinaryUser user;
+    QCOMPARE(AudioFileInfo::Probe(source).GetProblem(), Problem::NoPermission);
+}
+
+void TestAudioImporter::refusesAFolderThatMayNotBeWritten()
+{
+    const ImportResult result = AudioImporter::ImportNow(m_mp3, m_files.Path(u"missing/out.wav"_s));
+    QCOMPARE(result.problem, Problem::CannotBeCreated);
+    QCOMPARE(result.Code(), WavFile::ErrorOpenFile);
+}
+
+void TestAudioImporter::keepsAnOlderFileWhenTheDiskIsFull()
+{
+    const TemporaryFiles files;
+    const QString out = files.Write(u"out.wav"_s, "older");
+    ImportResult result;
+    {
+        const FileSizeLimit limit(20000);
+        result = AudioImporter::ImportNow(m_mp3, out);
+    }
+    QVERIFY(result.problem == Problem::CannotBeWritten || result.problem == Problem::NoSpace);
+    QCOMPARE(result.Code(), WavFile::ErrorWriteHeader);
+    QCOMPARE(TemporaryFiles::Read(out), "older");
+    QCOMPARE(FilesIn(files.Path({})), QStringList{u"out.wav"_s});
+}
+
+void TestAudioImporter::replacesItsOwnSource()
+{
+    const TemporaryFiles files;
+    const QString file = files.Path(u"song.mp3"_s);
+    QVERIFY(QFile::copy(m_mp3, file));
+    const QString link = files.Path(u"link.mp3"_s);
+    QVERIFY(QFile::link(file, link));
+    const ImportResult result = AudioImporter::ImportNow(file, link);
+    QVERIFY(result.IsSuccess());
+    WavFile opened;
+    QCOMPARE(opened.Open(file), WavFile::Success);
+    QCOMPARE(opened.GetDuration(), 2.0);
+    QVERIFY(QFileInfo(link).isSymLink());
+}
+
+void TestAudioImporter::importsAFileWithoutSamples()
+{
+    const TemporaryFiles files;
+    const QString source = files.Write(u"empty.wav"_s, WavBytes{.data = {}}.Build());
+    const ImportResult result = AudioImporter::ImportNow(source, files.Path(u"out.wav"_s));
+    QVERIFY(result.IsSuccess());
+    QCOMPARE(result.frameCount, 0);
+    QCOMPARE(TemporaryFiles::Read(files.Path(u"out.wav"_s)).size(), 44);
+}
+
+void TestAudioImporter::refusesWhatExceedsFourGibibytesWhereItMay()
+{
+    const TemporaryFiles files;
+    const QString source = MakeLongWav(m_files, 18000);
+    const ImportOptions options{.sampleFormat = ImportOptions::Float, .mayBeLarge = false};
+    const ImportResult result = AudioImporter::ImportNow(source, files.Path(u"out.wav"_s), options);
+    QCOMPARE(result.problem, Problem::TooLong);
+    QCOMPARE(result.Code(), WavFile::ErrorInvalidFormat);
+    QVERIFY(FilesIn(files.Path({})).isEmpty());
+}
+
+void TestAudioImporter::takesIntegersForWhatWouldExceedTwoGibibytes()
+{
+    const AudioFileInfo shorter = AudioFileInfo::Probe(MakeLongWav(m_files, 5500));
+    const AudioFileInfo longer = AudioFileInfo::Probe(MakeLongWav(m_files, 5600));
+    QCOMPARE(shorter.GetImportedSize({}), qint64(5500) * 48000 * 8 + 80);
+    QCOMPARE(longer.GetImportedSize({}), qint64(5600) * 48000 * 4 + 80);
+}
+
+void TestAudioImporter::countsDamagedPackets()
+{
+    const TemporaryFiles files;
+    const QString flac = files.Path(u"tone.flac"_s);
+    QVERIFY(Encode(u"flac"_s, m_files.Path(u"tone.wav"_s), flac));
+    QByteArray bytes = TemporaryFiles::Read(flac);
+    bytes.replace(bytes.size() / 2, 3000, QByteArray(3000, '\x55'));
+    const ImportResult result =
+        AudioImporter::ImportNow(files.Write(u"damaged.flac"_s, bytes), files.Path(u"out.wav"_s));
+    QVERIFY(result.IsSuccess());
+    QVERIFY(result.damagedPackets > 0);
+    QVERIFY(result.frameCount > 20000);
+}
+
+void TestAudioImporter::probesWhatIsInAFile()
+{
+    const AudioFileInfo info = AudioFileInfo::Probe(m_mp3);
+    QVERIFY(info.CanBeLoaded());
+    QCOMPARE(info.GetProblemText(), QString());
+    QCOMPARE(info.GetPath(), m_mp3);
+    QVERIFY(info.GetContainer().contains(u"MP2/3"_s));
+    QVERIFY(info.GetCodec().contains(u"MP3"_s));
+    QCOMPARE(info.GetSampleRate(), 44100);
+    QCOMPARE(info.GetChannelCount(), 2);
+    QCOMPARE(info.GetBitsPerSample(), 0);
+    QVERIFY(qAbs(info.GetDuration() - 2.0) < 0.1);
+
+    const AudioFileInfo wav = AudioFileInfo::Probe(m_files.Path(u"tone.wav"_s));
+    QCOMPARE(wav.GetBitsPerSample(), 16);
+    QCOMPARE(wav.GetDuration(), 2.0);
+}
+
+void TestAudioImporter::probesTitleAndArtist_data()
+{
+    QTest::addColumn<QString>("suffix");
+    QTest::addRow("of the file") << u"mp3"_s;
+    QTest::addRow("of the stream") << u"ogg"_s;
+}
+
+void TestAudioImporter::probesTitleAndArtist()
+{
+    QFETCH(const QString, suffix);
+    const TemporaryFiles files;
+    const QString path = files.Path(u"song."_s + suffix);
+    QVERIFY(Succeeds(u"ffmpeg"_s, {u"-v"_s, u"error"_s, u"-i"_s, m_files.Path(u"tone.wav"_s), u"-metadata"_s,
+                                   u"title=Überall Töne"_s, u"-metadata"_s, u"artist=Somebody"_s, path}));
+    const AudioFileInfo info = AudioFileInfo::Probe(path);
+    QCOMPARE(info.GetTitle(), u"Überall Töne"_s);
+    QCOMPARE(info.GetArtist(), u"Somebody"_s);
+}
+
+void TestAudioImporter::knowsNothingOfNothing()
+{
+    const AudioFileInfo info;
+    QCOMPARE(info.GetProblem(), Problem::NotFound);
+    QCOMPARE(info.GetSampleRate(), 0);
+    QCOMPARE(info.GetChannelCount(), 0);
+    QCOMPARE(info.GetBitsPerSample(), 0);
+    QCOMPARE(info.GetDuration(), 0.0);
+    QCOMPARE(info.GetImportedSize({}), 0);
+    QVERIFY(info.GetTitle().isEmpty() && info.GetArtist().isEmpty() && info.GetContainer().isEmpty() &&
+            info.GetCodec().isEmpty() && info.GetPath().isEmpty());
+}
+
+void TestAudioImporter::tellsHowLargeAnImportBecomes()
+{
+    const AudioFileInfo info = AudioFileInfo::Probe(m_files.Path(u"tone.wav"_s));
+    QCOMPARE(info.GetImportedSize({}), 2 * 44100 * 8 + 80);
+    QCOMPARE(info.GetImportedSize({.sampleRate = 96000, .sampleFormat = ImportOptions::Int16}),
+             2 * 96000 * 4 + 80);
+}
+
+void TestAudioImporter::hasASentenceForEveryProblem()
+{
+    QStringList sentences;
+    for (int i = int(Problem::NotFound); i <= int(Problem::Cancelled); ++i) {
+        const QString sentence = AudioFileInfo::TextOf(Problem(i), u"song.mp3"_s);
+        QVERIFY(sentence.contains(u"song.mp3"_s));
+        QVERIFY(!sentences.contains(sentence));
+        sentences << sentence;
+    }
+    QCOMPARE(AudioFileInfo::TextOf(Problem::None, u"song.mp3"_s), QString());
+    QCOMPARE(AudioFileInfo::Probe(u"song.mp3"_s).GetProblemText(),
+             AudioFileInfo::TextOf(Problem::NotFound, QFileInfo(u"song.mp3"_s).absoluteFilePath()));
+}
+
+void TestAudioImporter::hasASentenceForEveryResult()
+{
+    QStringList sentences;
+    for (int code = WavFile::ErrorChannelCount; code < WavFile::Success; ++code) {
+        const QString sentence = TextOf(WavFile::AudioEngineReturnValue(code));
+        QVERIFY(!sentence.isEmpty());
+        QVERIFY(!sentences.contains(sentence));
+        sentences << sentence;
+    }
+    QCOMPARE(TextOf(WavFile::Success), QString());
+}
+
+QTEST_GUILESS_MAIN(TestAudioImporter)
+#include "tst_audioimporter.moc"
