@@ -72,6 +72,27 @@ AVStream* ChosenStream(const AVFormatContext& format)
     return chosen;
 }
 
+/** FFmpeg reads the samples of big-endian WAV files as if they were little-endian. */
+AVCodecID BigEndianOf(AVCodecID codec)
+{
+    switch (codec) {
+    case AV_CODEC_ID_PCM_S16LE:
+        return AV_CODEC_ID_PCM_S16BE;
+    case AV_CODEC_ID_PCM_S24LE:
+        return AV_CODEC_ID_PCM_S24BE;
+    case AV_CODEC_ID_PCM_S32LE:
+        return AV_CODEC_ID_PCM_S32BE;
+    default:
+        return codec;
+    }
+}
+
+bool IsBigEndianWav(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) && file.peek(4) == "RIFX";
+}
+
 /** Only the chosen stream is read. */
 void DiscardOthers(AVFormatContext& format, const AVStream& chosen)
 {
@@ -89,7 +110,7 @@ AudioStream::AudioStream(const QString& path, CancelCheck isCancelled)
         m_problem = Open(path);
     }
     if (m_problem == Problem::None) {
-        m_problem = FindStream();
+        m_problem = FindStream(path);
     }
     if (IsInterrupted(&m_isCancelled) != 0) {
         m_problem = Problem::Cancelled;
@@ -112,7 +133,7 @@ Problem AudioStream::Open(const QString& path)
     return status == 0 ? Problem::None : Problem::NoAudio;
 }
 
-Problem AudioStream::FindStream()
+Problem AudioStream::FindStream(const QString& path)
 {
     if (avformat_find_stream_info(m_format.get(), nullptr) < 0) {
         return Problem::NoAudio;
@@ -122,7 +143,10 @@ Problem AudioStream::FindStream()
         return Problem::NoAudio;
     }
     DiscardOthers(*m_format, *m_stream);
-    const AVCodecParameters& parameters = *m_stream->codecpar;
+    AVCodecParameters& parameters = *m_stream->codecpar;
+    if (IsBigEndianWav(path)) {
+        parameters.codec_id = BigEndianOf(parameters.codec_id);
+    }
     if (IsEncrypted(parameters)) {
         return Problem::Protected;
     }
@@ -219,7 +243,7 @@ bool AudioStream::Feed()
     return true;
 }
 
-/** Tells what could not be read to its end, or gave nothing. Without a packet and a stated length that is no fault. */
+/** Tells what could not be read to its end, or gave nothing although it stated a length or had packets. */
 void AudioStream::OnReadingEnded(int error)
 {
     if (IsInterrupted(&m_isCancelled) != 0) {

@@ -51,7 +51,7 @@ public:
 
 private:
     Problem Open(const QString& path);
-    Problem FindStream();
+    Problem FindStream(const QString& path);
     bool Feed();
     void OnReadingEnded(int error);
     void NoteProgress();

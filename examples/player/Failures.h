@@ -1,15 +1,8 @@
 #pragma once
 
-#include <vantorAudioEngine/WavFile.h>
-
 #include <QtCore/QString>
 
 // Sentences for a person, which name the file and the reason.
-
-QString DescribeOpenFailure(const QString& path, WavFile::AudioEngineReturnValue result);
-
-/** For a file that opens but has nothing to hear, such as a header without any sample behind it. */
-QString DescribeSilentFile(const QString& path);
 
 QString DescribeExportFailure(const QString& path);
 

@@ -40,6 +40,7 @@ void FileExport::Start(const QString& sourcePath, WavFile::ChannelFormat channel
                        Task task)
 {
     m_source = std::make_unique<WavFile>();
+    m_source->SetLargeFiles(true);
     m_outPath = outPath;
     m_isRunning = true;
     m_isCancelled = false;

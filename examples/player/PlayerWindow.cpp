@@ -6,12 +6,9 @@
 #include "SettingsDialog.h"
 #include "TaskProgress.h"
 
-#include <vantorAudioEngine/Decoder.h>
-
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
 #include <QtCore/QMimeData>
-#include <QtCore/QScopedValueRollback>
 #include <QtCore/QSettings>
 #include <QtCore/QTimer>
 #include <QtGui/QDragEnterEvent>
@@ -26,17 +23,11 @@
 #include <QtWidgets/QVBoxLayout>
 
 #include <chrono>
-#include <cmath>
 
 using namespace std::chrono_literals;
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
-
-bool HoldsAudio(const WavFile& file)
-{
-    return std::isfinite(file.GetDuration()) && file.GetDuration() > 0.0;
-}
 
 QString LocalFileOf(const QMimeData* data)
 {
@@ -44,21 +35,9 @@ QString LocalFileOf(const QMimeData* data)
     return urls.size() == 1 ? urls.first().toLocalFile() : QString();
 }
 
-QString NameOf(const QString& path)
-{
-    return QFileInfo(path).fileName();
-}
-
-/** The player reads such files as they are and decodes all others. */
-bool IsReadAsWav(const QString& path)
-{
-    return QFileInfo(path).completeSuffix() == u"wav"_s;
-}
-
 } // namespace
 
-PlayerWindow::PlayerWindow(QWidget* parent)
-    : QMainWindow(parent), m_nextFolder(m_workingFolder.Next()), m_appearance(Appearance::Load())
+PlayerWindow::PlayerWindow(QWidget* parent) : QMainWindow(parent), m_appearance(Appearance::Load())
 {
     setWindowTitle(tr("Player"));
     setAcceptDrops(true);
@@ -80,8 +59,8 @@ void PlayerWindow::BuildView()
     // The time fields are narrow for some systems' fonts.
     m_player->setStyleSheet(u"#edCurrentPosition, #edTotalDuration { font-size: 8pt }"_s);
     m_player->SetEditMode(true);
-    m_player->SetDecodeToFloat(true);
-    m_player->SetWritableDirectoryPath(m_nextFolder);
+    m_player->SetLoadInBackground(true);
+    m_player->SetWritableDirectoryPath(m_workingFolder.Path());
     m_player->SetHint(tr("Wheel: scroll   Ctrl + wheel: zoom   Double click: whole file   Drag: select   "
                          "Space: play and pause"));
 
@@ -131,6 +110,19 @@ void PlayerWindow::ConnectPlayer()
     connect(m_player, &HostPlayer::SettingsButtonClicked, this, &PlayerWindow::AskForSettings);
     connect(m_player, &HostPlayer::CreateSnippetFinished, this,
             [this](const QString& path) { EndExport(tr("Saved “%1”.").arg(QDir::toNativeSeparators(path))); });
+    ConnectLoading();
+}
+
+void PlayerWindow::ConnectLoading()
+{
+    connect(m_player, &HostPlayer::LoadStarted, this, &PlayerWindow::HideFailure);
+    for (const auto loadChanged :
+         {&HostPlayer::LoadStarted, &HostPlayer::LoadFinished, &HostPlayer::LoadCancelled}) {
+        connect(m_player, loadChanged, this, &PlayerWindow::ShowWhatCanBeCancelled);
+    }
+    connect(m_player, &HostPlayer::LoadFinished, this, &PlayerWindow::Opened);
+    connect(m_player, &HostPlayer::LoadFailed, this, &PlayerWindow::OnLoadFailed);
+    connect(m_player, &HostPlayer::LoadCancelled, this, &PlayerWindow::OpenCancelled);
 }
 
 void PlayerWindow::RestoreState()
@@ -149,72 +141,44 @@ void PlayerWindow::SaveState() const
     m_appearance.Save();
 }
 
-bool PlayerWindow::OpenFile(const QString& path)
+void PlayerWindow::OpenFile(const QString& path)
 {
-    // Decoding runs an event loop, in which the user may ask for yet another file.
-    if (m_isLoading) {
-        return false;
-    }
-    const QScopedValueRollback loading(m_isLoading, true);
-    HideFailure();
-    m_openingPath = QFileInfo(path).absoluteFilePath();
-    m_loadError.reset();
-    const bool isWav = IsReadAsWav(path);
-    const auto prepared = isWav ? PrepareWavFile(m_openingPath, m_nextFolder) : WavFile::Success;
-    if (prepared == WavFile::Success) {
-        statusBar()->showMessage(isWav ? QString() : tr("Decoding…"));
-        m_player->SetAudioFile(m_openingPath);
-        statusBar()->clearMessage();
-    } else if (FailureText().isEmpty()) {
-        ShowFailure(DescribeOpenFailure(path, prepared));
-    }
-    return prepared == WavFile::Success && !m_loadError;
-}
-
-/**
- * Looks into a WAV file before the player takes it, so that a bad one does not take the shown one away. One of a
- * kind that the player does not read is decoded to where the player expects its working copy.
- */
-WavFile::AudioEngineReturnValue PlayerWindow::PrepareWavFile(const QString& path, const QString& folder)
-{
-    WavFile file;
-    const WavFile::AudioEngineReturnValue result = file.Open(path);
-    if (result == WavFile::Success && !HoldsAudio(file)) {
-        ShowFailure(DescribeSilentFile(path));
-        return WavFile::ErrorInvalidFormat;
-    }
-    const bool mayBeDecoded = result == WavFile::ErrorInvalidFormat || result == WavFile::ErrorReadFile;
-    return mayBeDecoded ? Decoder::ConvertToFloat(path, folder + u'/' + NameOf(path), -1) : result;
+    m_player->LoadFile(QFileInfo(path).absoluteFilePath());
 }
 
 void PlayerWindow::OnFileLoaded()
 {
     HideFailure();
-    setWindowTitle(NameOf(m_player->GetOriginalAudioFilePath()));
-    m_nextFolder = m_workingFolder.Next();
-    m_player->SetWritableDirectoryPath(m_nextFolder);
+    setWindowTitle(QFileInfo(m_player->GetOriginalAudioFilePath()).fileName());
     m_player->setFocus();
+    if (!m_snippetPath.isEmpty()) {
+        // The file that it was taken from is gone.
+        EndExport(tr("Cancelled."));
+    }
     ShowWhatCanBeExported();
 }
 
-void PlayerWindow::OnFailure(WavFile::AudioEngineReturnValue error)
+void PlayerWindow::OnLoadFailed(const QString& /*path*/, Problem /*problem*/, const QString& sentence)
 {
-    const QString shown = m_player->GetOriginalAudioFilePath();
-    if (m_isLoading) {
-        m_loadError = error;
-        ShowFailure(DescribeOpenFailure(m_openingPath, error));
-    } else if (!m_snippetPath.isEmpty()) {
-        ShowFailure(DescribeExportFailure(m_snippetPath));
-        EndExport(QString());
-    } else if (error == WavFile::ErrorFilterChannel || error == WavFile::Success) {
-        ShowFailure(DescribeChannelFailure(shown));
-    } else {
-        ShowFailure(DescribeOpenFailure(shown, error));
-    }
+    ShowFailure(sentence);
     if (m_player->GetAudioFileName().isEmpty()) {
         setWindowTitle(tr("Player"));
     }
+    ShowWhatCanBeCancelled();
     ShowWhatCanBeExported();
+    Q_EMIT OpenFailed();
+}
+
+/** Of what follows opening; OnLoadFailed() tells more of a file that cannot be opened. */
+void PlayerWindow::OnFailure(WavFile::AudioEngineReturnValue error)
+{
+    const bool isOfExport = error == WavFile::ErrorCreateSnippet || error == WavFile::Success;
+    if (isOfExport && !m_snippetPath.isEmpty()) {
+        ShowFailure(DescribeExportFailure(m_snippetPath));
+        EndExport(QString());
+    } else if (error == WavFile::ErrorFilterChannel || error == WavFile::Success) {
+        ShowFailure(DescribeChannelFailure(m_player->GetOriginalAudioFilePath()));
+    }
 }
 
 void PlayerWindow::OnProgress(int progress, int min, int max, const QString& text)
@@ -224,13 +188,33 @@ void PlayerWindow::OnProgress(int progress, int min, int max, const QString& tex
     QTimer::singleShot(0, this, &PlayerWindow::CheckPicture);
 }
 
-void PlayerWindow::OnBusyChanged(bool isBusy)
+void PlayerWindow::OnBusyChanged()
 {
-    m_progress->SetCancellable(isBusy && !m_snippetPath.isEmpty());
-    if (!isBusy) {
+    ShowWhatCanBeCancelled();
+    ShowWhatCanBeExported();
+}
+
+void PlayerWindow::ShowWhatCanBeCancelled()
+{
+    const bool isWritingSelection = m_player->IsBusy() && !m_snippetPath.isEmpty();
+    m_progress->SetCancellable(m_player->IsLoading() || m_export.IsRunning() || isWritingSelection);
+    EndProgressWhenIdle();
+}
+
+void PlayerWindow::EndProgressWhenIdle()
+{
+    if (!m_player->IsLoading() && !m_player->IsBusy() && !m_export.IsRunning() && IsPictureComplete()) {
         m_progress->End();
     }
-    ShowWhatCanBeExported();
+}
+
+void PlayerWindow::CancelTask()
+{
+    if (m_player->IsLoading()) {
+        m_player->CancelLoad();
+    } else {
+        CancelExport();
+    }
 }
 
 void PlayerWindow::CheckPicture()
@@ -240,9 +224,7 @@ void PlayerWindow::CheckPicture()
         QTimer::singleShot(10ms, this, &PlayerWindow::CheckPicture);
         return;
     }
-    if (!m_player->IsBusy() && !m_export.IsRunning()) {
-        m_progress->End();
-    }
+    EndProgressWhenIdle();
     if (m_isSnippetWaiting) {
         m_isSnippetWaiting = false;
         m_player->CreateSnippet(m_snippetPath);
@@ -306,8 +288,7 @@ void PlayerWindow::closeEvent(QCloseEvent* event)
 
 void PlayerWindow::AskForFile()
 {
-    const QString path = QFileDialog::getOpenFileName(
-        this, tr("Open"), QString(), tr("Audio files (*.wav *.mp3 *.flac *.ogg *.m4a);;All files (*)"));
+    const QString path = QFileDialog::getOpenFileName(this, tr("Open"), QString(), HostPlayer::GetLoadableFiles());
     if (!path.isEmpty()) {
         OpenFile(path);
     }

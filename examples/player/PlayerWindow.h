@@ -4,10 +4,11 @@
 #include "FileExport.h"
 #include "WorkingFolder.h"
 
+#include <vantorAudioEngine/AudioFileInfo.h>
+
 #include <QtWidgets/QMainWindow>
 
 #include <functional>
-#include <optional>
 
 class HostPlayer;
 class QAction;
@@ -25,13 +26,16 @@ public:
     explicit PlayerWindow(QWidget* parent = nullptr);
     ~PlayerWindow() override;
 
-    /** Shows the file and makes it ready to play. Otherwise a sentence above the waveform tells why not. */
-    bool OpenFile(const QString& path);
+    /** Shows the file as soon as it is ready to play, and ends with Opened(), OpenFailed() or OpenCancelled().
+     *  After a failure a sentence above the waveform tells the reason. The former file stays until then. */
+    void OpenFile(const QString& path);
     /** These write a new file in the background and end with ExportEnded(). An existing file is left alone. */
     void ExportSelection(const QString& outPath);
     void ExportChannel(const QString& outPath, WavFile::ChannelFormat channel);
     void ConvertFile(const QString& outPath, const QAudioFormat& format);
     void CancelExport();
+    /** Gives up what the user is waiting for: the file that is being opened, or else the export. */
+    void CancelTask();
 
     void Play();
     void ShowRange(double start, double end);
@@ -45,6 +49,10 @@ public:
     QString FailureText() const;
 
 Q_SIGNALS:
+    // Also of files that the user opens with the player's own button.
+    void Opened();
+    void OpenFailed();
+    void OpenCancelled();
     void PictureCompleted();
     void PositionChanged(double seconds);
     void ExportEnded();
@@ -63,15 +71,19 @@ private:
     void SaveState() const;
 
     void AskForFile();
-    WavFile::AudioEngineReturnValue PrepareWavFile(const QString& path, const QString& folder);
+    void ConnectLoading();
     void OnFileLoaded();
+    using Problem = vantoraudio::AudioEngine::AudioFileInfo::Problem;
+    void OnLoadFailed(const QString& path, Problem problem, const QString& sentence);
     void OnFailure(WavFile::AudioEngineReturnValue error);
     void OnProgress(int progress, int min, int max, const QString& text);
-    void OnBusyChanged(bool isBusy);
+    void OnBusyChanged();
     void CheckPicture();
 
     void ShowFailure(const QString& sentence);
     void HideFailure();
+    void ShowWhatCanBeCancelled();
+    void EndProgressWhenIdle();
 
     bool CanExportTo(const QString& outPath);
     void StartExport(const QString& outPath, WavFile::ChannelFormat channel, FileExport::Task task);
@@ -83,7 +95,6 @@ private:
     void SetAppearance(const Appearance& appearance);
 
     WorkingFolder m_workingFolder;
-    QString m_nextFolder;
     Appearance m_appearance;
     HostPlayer* m_player = nullptr;
     QLabel* m_failure = nullptr;
@@ -91,9 +102,6 @@ private:
     TaskProgress* m_progress = nullptr;
     FileExport m_export;
 
-    bool m_isLoading = false;
-    QString m_openingPath;
-    std::optional<WavFile::AudioEngineReturnValue> m_loadError;
     /** The selection goes there; it waits while the waveform is being read. */
     QString m_snippetPath;
     bool m_isSnippetWaiting = false;

@@ -13,6 +13,8 @@
 #include <array>
 #include <utility>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace {
 
 struct Target
@@ -51,9 +53,10 @@ void PlayerWindow::BuildExport(QMenu* fileMenu)
         EndExport(QString());
     });
     connect(&m_export, &FileExport::Cancelled, this, [this] { EndExport(tr("Cancelled.")); });
-    connect(m_progress, &TaskProgress::CancelRequested, this, &PlayerWindow::CancelExport);
+    connect(m_progress, &TaskProgress::CancelRequested, this, &PlayerWindow::CancelTask);
 
     m_exportMenu = fileMenu->addMenu(tr("&Export"));
+    m_exportMenu->setObjectName("export"_L1);
     m_selectionAction = m_exportMenu->addAction(tr("&Selection…"), QKeySequence::Save, this,
                                                 [this] { ExportSelection(AskForOutput(tr("selection"))); });
     m_leftAction = m_exportMenu->addAction(
@@ -131,15 +134,15 @@ void PlayerWindow::StartExport(const QString& outPath, WavFile::ChannelFormat ch
     }
     HideFailure();
     m_export.Start(m_player->GetAudioFileName(), channel, outPath, std::move(task));
-    m_progress->SetCancellable(true);
+    ShowWhatCanBeCancelled();
     ShowWhatCanBeExported();
 }
 
 void PlayerWindow::EndExport(const QString& message)
 {
     m_snippetPath.clear();
-    m_progress->SetCancellable(false);
-    m_progress->End();
+    m_isSnippetWaiting = false;
+    ShowWhatCanBeCancelled();
     statusBar()->showMessage(message, 5000);
     ShowWhatCanBeExported();
     Q_EMIT ExportEnded();

@@ -45,14 +45,19 @@ WorkingFolder::WorkingFolder()
     m_lock->tryLock();
 }
 
-WorkingFolder::~WorkingFolder() = default;
+WorkingFolder::~WorkingFolder()
+{
+    m_lock.reset();
+    // Without its warnings: the end of a load that was just given up may come later, and leaves an empty folder
+    // then, which the next start clears away.
+    m_folder->setAutoRemove(false);
+    if (m_folder->isValid()) {
+        QDir(m_folder->path()).removeRecursively();
+    }
+}
 
-QString WorkingFolder::Next()
+QString WorkingFolder::Path() const
 {
     // Never an empty path, which the player would take for the current folder, where the user's own files may lie.
-    const QDir folder(m_folder->isValid() ? m_folder->path() : CacheFolder() + u"/unavailable"_s);
-    QDir(folder.filePath(QString::number(m_count - 1))).removeRecursively();
-    const QString next = QString::number(++m_count);
-    folder.mkdir(next);
-    return folder.filePath(next);
+    return m_folder->isValid() ? m_folder->path() : CacheFolder() + u"/unavailable"_s;
 }

@@ -99,19 +99,53 @@ void Show(PlayerWindow& window, const Options& options)
     }
 }
 
+void TakeScreenshot(PlayerWindow& window, const Options& options, bool opened)
+{
+    if (options.screenshot.isEmpty()) {
+        return;
+    }
+    const bool playing = opened && options.play && !options.file.isEmpty();
+    auto* job = new ScreenshotJob(window, options.screenshot, playing);
+    QObject::connect(job, &ScreenshotJob::Done, qApp,
+                     [opened](bool saved) { QApplication::exit(opened && saved ? 0 : 1); });
+}
+
+void OnOpened(PlayerWindow& window, const Options& options)
+{
+    Show(window, options);
+    TakeScreenshot(window, options, true);
+}
+
+void OnNotOpened(PlayerWindow& window, const Options& options)
+{
+    if (!window.FailureText().isEmpty()) {
+        QTextStream(stderr) << window.FailureText() << Qt::endl;
+    }
+    TakeScreenshot(window, options, false);
+}
+
+void Open(PlayerWindow& window, const Options& options)
+{
+    // Of the files that the window opens only the first is meant.
+    auto* first = new QObject(&window);
+    const auto upon = [&, first](auto signal, auto function) {
+        QObject::connect(&window, signal, first, [&, first, function] {
+            delete first;
+            function(window, options);
+        });
+    };
+    upon(&PlayerWindow::Opened, &OnOpened);
+    upon(&PlayerWindow::OpenFailed, &OnNotOpened);
+    upon(&PlayerWindow::OpenCancelled, &OnNotOpened);
+    window.OpenFile(options.file);
+}
+
 void Start(PlayerWindow& window, const Options& options)
 {
-    const bool opened = options.file.isEmpty() || window.OpenFile(options.file);
-    if (!opened) {
-        QTextStream(stderr) << window.FailureText() << Qt::endl;
-    } else if (!options.file.isEmpty()) {
-        Show(window, options);
-    }
-    if (!options.screenshot.isEmpty()) {
-        const bool playing = opened && options.play && !options.file.isEmpty();
-        auto* job = new ScreenshotJob(window, options.screenshot, playing);
-        QObject::connect(job, &ScreenshotJob::Done, qApp,
-                         [opened](bool saved) { QApplication::exit(opened && saved ? 0 : 1); });
+    if (options.file.isEmpty()) {
+        TakeScreenshot(window, options, true);
+    } else {
+        Open(window, options);
     }
 }
 
@@ -130,7 +164,7 @@ int main(int argc, char* argv[])
 
     PlayerWindow window;
     window.show();
-    // Once the application runs: decoding takes a while, and the window may be closed meanwhile.
+    // Once the application runs, which a screenshot may end at once.
     QTimer::singleShot(0, &window, [&] { Start(window, options); });
     return QApplication::exec();
 }

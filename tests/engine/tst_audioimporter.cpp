@@ -64,6 +64,8 @@ private Q_SLOTS:
     void keepsAnOlderFileWhenTheDiskIsFull();
     void replacesItsOwnSource();
     void importsAFileWithoutSamples();
+    void readsBigEndianSamplesAsSuch_data();
+    void readsBigEndianSamplesAsSuch();
     void refusesWhatExceedsFourGibibytesWhereItMay();
     void takesIntegersForWhatWouldExceedTwoGibibytes();
     void countsDamagedPackets();
@@ -296,6 +298,44 @@ void TestAudioImporter::importsAFileWithoutSamples()
     QVERIFY(result.IsSuccess());
     QCOMPARE(result.frameCount, 0);
     QCOMPARE(TemporaryFiles::Read(files.Path(u"out.wav"_s)).size(), 44);
+}
+
+void TestAudioImporter::readsBigEndianSamplesAsSuch_data()
+{
+    QTest::addColumn<int>("bits");
+    QTest::addRow("16 bit") << 16;
+    QTest::addRow("24 bit") << 24;
+    QTest::addRow("32 bit") << 32;
+}
+
+/** FFmpeg by itself makes noise of them. */
+void TestAudioImporter::readsBigEndianSamplesAsSuch()
+{
+    QFETCH(const int, bits);
+    const TemporaryFiles files;
+    const qsizetype size = bits / 8;
+    QByteArray header("RIFX\0\0\0\0WAVEfmt \0\0\0\x10\0\1\0\1\0\0\xAC\x44", 28);
+    QByteArray samples;
+    const auto append = [](QByteArray& bytes, qint64 number, qsizetype width) {
+        for (qsizetype i = width - 1; i >= 0; --i) {
+            bytes += char((number >> (8 * i)) & 0xFF);
+        }
+    };
+    append(header, 44100 * size, 4);
+    append(header, size, 2);
+    append(header, bits, 2);
+    for (int i = -1000; i < 1000; ++i) {
+        append(samples, qint64(i) << (bits - 16), size);
+    }
+    header += "data";
+    append(header, samples.size(), 4);
+    const QString source = files.Write(u"big.wav"_s, header + samples);
+    QVERIFY(AudioImporter::ImportNow(source, files.Path(u"out.wav"_s)).IsSuccess());
+    QByteArray expected;
+    for (int i = -1000; i < 1000; ++i) {
+        expected += LittleEndian(float(i) / 32768.0F);
+    }
+    QCOMPARE(TemporaryFiles::Read(files.Path(u"out.wav"_s)).mid(44), expected);
 }
 
 void TestAudioImporter::refusesWhatExceedsFourGibibytesWhereItMay()

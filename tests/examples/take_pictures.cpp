@@ -42,6 +42,9 @@ public:
         std::printf("%s: %s\n", qPrintable(name), isSaved ? "taken" : "FAILED");
     }
 
+    /** Without which the pictures would show something else. */
+    void Expect(bool isTrue) { m_hasAll = m_hasAll && isTrue; }
+
     bool HasAll() const { return m_hasAll; }
 
 private:
@@ -65,6 +68,18 @@ Condition Settled(Condition condition, int milliseconds = 300)
     };
 }
 
+/** Waits until the window has shown the file or refused it; false when it does neither. */
+bool Open(PlayerWindow& window, const QString& path)
+{
+    bool hasEnded = false;
+    QObject context;
+    const auto end = [&hasEnded] { hasEnded = true; };
+    QObject::connect(&window, &PlayerWindow::Opened, &context, end);
+    QObject::connect(&window, &PlayerWindow::OpenFailed, &context, end);
+    window.OpenFile(path);
+    return QTest::qWaitFor([&hasEnded] { return hasEnded; }, 30000);
+}
+
 bool TakeAll(const QString& folder, const QString& stereoFile, const QString& longFile)
 {
     Photographer photographer(folder);
@@ -73,7 +88,7 @@ bool TakeAll(const QString& folder, const QString& stereoFile, const QString& lo
     photographer.Take(window, u"empty"_s, Settled([&] { return window.isActiveWindow() || window.isVisible(); }));
 
     const auto isComplete = [&] { return window.IsPictureComplete(); };
-    window.OpenFile(stereoFile);
+    photographer.Expect(Open(window, stereoFile));
     photographer.Take(window, u"loaded"_s, Settled(isComplete));
 
     const double duration = window.Duration();
@@ -87,7 +102,7 @@ bool TakeAll(const QString& folder, const QString& stereoFile, const QString& lo
     window.Play();
     photographer.Take(window, u"playing"_s, [&] { return position > duration * 0.25; });
 
-    window.OpenFile(longFile);
+    photographer.Expect(Open(window, longFile));
     window.SelectRange(1.0, window.Duration() - 1.0);
     photographer.Take(window, u"long"_s, Settled(isComplete));
     const QTemporaryDir exports;
@@ -96,13 +111,13 @@ bool TakeAll(const QString& folder, const QString& stereoFile, const QString& lo
     photographer.Take(window, u"exporting"_s, Settled([&] { return progress->isVisible(); }, 30));
     window.CancelExport();
 
-    window.OpenFile(folder);
+    photographer.Expect(Open(window, folder));
     photographer.Take(window, u"error"_s, Settled([&] { return !window.FailureText().isEmpty(); }));
 
     Appearance dark;
     dark.theme = Appearance::Theme::Dark;
     dark.ApplyTo(*window.findChild<HostPlayer*>());
-    window.OpenFile(stereoFile);
+    photographer.Expect(Open(window, stereoFile));
     window.SelectRange(duration * 0.2, duration * 0.35);
     photographer.Take(window, u"dark"_s, Settled(isComplete));
     return photographer.HasAll();

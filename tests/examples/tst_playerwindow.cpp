@@ -3,6 +3,8 @@
 #include "PlayerWindow.h"
 #include "ScreenshotJob.h"
 #include "SettingsDialog.h"
+#include "TaskProgress.h"
+#include "tests/support/HeldFile.h"
 
 #include <vantorAudioEngine/BGFXWaveformWidget.h>
 
@@ -26,6 +28,8 @@
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QDialogButtonBox>
 #include <QtWidgets/QLabel>
+#include <QtWidgets/QMenu>
+#include <QtWidgets/QProgressBar>
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QSlider>
 
@@ -42,10 +46,60 @@ namespace {
 
 const QString Recording = QStringLiteral(VANTOR_RECORDING);
 
+/** What a window has told since this was made. */
+class WindowLog
+{
+public:
+    explicit WindowLog(PlayerWindow& window)
+    {
+        QObject::connect(&window, &PlayerWindow::Opened, &m_context, [this] {
+            isOpened = true;
+            // One that was completed before is of the former file.
+            isCompleted = false;
+        });
+        QObject::connect(&window, &PlayerWindow::OpenFailed, &m_context, [this] { isRefused = true; });
+        QObject::connect(&window, &PlayerWindow::OpenCancelled, &m_context, [this] { isCancelled = true; });
+        QObject::connect(&window, &PlayerWindow::PictureCompleted, &m_context, [this] { isCompleted = true; });
+    }
+
+    bool HasEnded() const
+    {
+        return QTest::qWaitFor([this] { return isOpened || isRefused || isCancelled; }, 20000);
+    }
+    bool HasCompleted() const
+    {
+        return QTest::qWaitFor([this] { return isOpened && isCompleted; }, 10000);
+    }
+
+    bool isOpened = false;
+    bool isRefused = false;
+    bool isCancelled = false;
+    bool isCompleted = false;
+
+private:
+    QObject m_context;
+};
+
+/** False when the window refuses the file. */
+bool Open(PlayerWindow& window, const QString& path)
+{
+    const WindowLog log(window);
+    window.OpenFile(path);
+    return log.HasEnded() && log.isOpened;
+}
+
+bool Refuses(PlayerWindow& window, const QString& path)
+{
+    const WindowLog log(window);
+    window.OpenFile(path);
+    return log.HasEnded() && log.isRefused && !log.isOpened;
+}
+
 bool OpenCompletely(PlayerWindow& window, const QString& path)
 {
-    QSignalSpy completed(&window, &PlayerWindow::PictureCompleted);
-    return window.OpenFile(path) && (!completed.isEmpty() || completed.wait(10000));
+    const WindowLog log(window);
+    window.OpenFile(path);
+    return log.HasEnded() && log.isOpened && log.HasCompleted();
 }
 
 BGFXWaveformWidget* WaveformOf(PlayerWindow& window)
@@ -185,31 +239,31 @@ private Q_SLOTS:
         window.show();
         QVERIFY(OpenCompletely(window, Recording));
         const double duration = window.Duration();
-        QVERIFY(!window.OpenFile(broken));
-        QCOMPARE(window.FailureText(),
-                 u"“%1” cannot be opened: it is no audio that can be decoded."_s.arg(broken));
+        QVERIFY(Refuses(window, broken));
+        QCOMPARE(window.FailureText(), u"“%1” holds no audio that can be decoded."_s.arg(broken));
         QVERIFY(window.findChild<QLabel*>(u"failure"_s)->isVisible());
         QCOMPARE(window.Duration(), duration);
         QCOMPARE(window.windowTitle(), u"welcome.wav"_s);
 
-        QVERIFY(OpenCompletely(window, Recording));
+        QVERIFY(Open(window, Recording));
         QVERIFY(!window.findChild<QLabel*>(u"failure"_s)->isVisible());
+        QCOMPARE(window.FailureText(), QString());
     }
 
     void saysWhyAFileCannotBeOpened_data()
     {
         QTest::addColumn<QString>("path");
-        QTest::addColumn<QString>("reason");
-        QTest::addRow("missing") << u"/nowhere/take.wav"_s << u"there is no such file"_s;
-        QTest::addRow("folder") << QDir::tempPath() << u"it is a folder"_s;
+        QTest::addColumn<QString>("sentence");
+        QTest::addRow("missing") << u"/nowhere/take.wav"_s << u"There is no file “/nowhere/take.wav”."_s;
+        QTest::addRow("folder") << QDir::tempPath() << u"“%1” is not a file."_s.arg(QDir::tempPath());
     }
     void saysWhyAFileCannotBeOpened()
     {
         QFETCH(const QString, path);
-        QFETCH(const QString, reason);
+        QFETCH(const QString, sentence);
         PlayerWindow window;
-        QVERIFY(!window.OpenFile(path));
-        QCOMPARE(window.FailureText(), u"“%1” cannot be opened: %2."_s.arg(path, reason));
+        QVERIFY(Refuses(window, path));
+        QCOMPARE(window.FailureText(), sentence);
     }
 
     void showsOrRefusesWhatOtherProgramsWrote_data()
@@ -244,9 +298,9 @@ private Q_SLOTS:
     {
         PlayerWindow window;
         window.show();
-        QSignalSpy completed(&window, &PlayerWindow::PictureCompleted);
+        const WindowLog log(window);
         Drop(window, {QUrl::fromLocalFile(Recording)});
-        QVERIFY(!completed.isEmpty() || completed.wait(10000));
+        QVERIFY(log.HasEnded() && log.HasCompleted());
         QCOMPARE(window.windowTitle(), u"welcome.wav"_s);
     }
 
@@ -260,6 +314,134 @@ private Q_SLOTS:
         QVERIFY2(OpenCompletely(window, compressed), qPrintable(window.FailureText()));
         QCOMPARE(window.windowTitle(), u"spoken words #1.mp3"_s);
         QVERIFY(std::abs(window.Duration() - 17.06) < 0.2);
+    }
+
+    void goesByWhatIsInAFileNotByItsName_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<bool>("isFlac");
+        QTest::addRow("WAV in capitals") << u"take.WAV"_s << false;
+        QTest::addRow("WAV without a suffix") << u"take"_s << false;
+        QTest::addRow("FLAC called WAV") << u"take.wav"_s << true;
+    }
+    void goesByWhatIsInAFileNotByItsName()
+    {
+        QFETCH(const QString, name);
+        QFETCH(const bool, isFlac);
+        QTemporaryDir folder;
+        const QString path = folder.filePath(name);
+        if (isFlac) {
+            QCOMPARE(QProcess::execute(u"sox"_s, {Recording, u"-t"_s, u"flac"_s, path}), 0);
+        } else {
+            QVERIFY(QFile::copy(Recording, path));
+        }
+        PlayerWindow window;
+        QVERIFY2(OpenCompletely(window, path), qPrintable(window.FailureText()));
+        QCOMPARE(window.windowTitle(), name);
+        QVERIFY(window.Duration() > 17.0 && window.Duration() < 17.1);
+        QCOMPARE(PlayerOf(window)->GetAudioFileFormat().sampleRate(), 22050);
+    }
+
+    void theFormerFileStaysWhileTheNextIsOpened()
+    {
+        QTemporaryDir folder;
+        const QString next = folder.filePath(u"next.wav"_s);
+        QVERIFY(QFile::copy(Recording, next));
+        PlayerWindow window;
+        QVERIFY(OpenCompletely(window, Recording));
+        window.SelectRange(1.0, 2.0);
+        const WindowLog log(window);
+        window.OpenFile(next);
+        QVERIFY(PlayerOf(window)->IsLoading());
+        QCOMPARE(window.windowTitle(), u"welcome.wav"_s);
+        QCOMPARE(WaveformOf(window)->GetSelectedSnippet(), std::make_pair(1.0, 2.0));
+        QVERIFY(log.HasEnded() && log.isOpened);
+        QCOMPARE(window.windowTitle(), u"next.wav"_s);
+        QCOMPARE(WaveformOf(window)->GetSelectedSnippet(), std::make_pair(0.0, 0.0));
+    }
+
+    void theCancelButtonGivesUpOpening()
+    {
+        PlayerWindow window;
+        window.show();
+        QVERIFY(OpenCompletely(window, Recording));
+        const double duration = window.Duration();
+        auto* progress = window.findChild<TaskProgress*>();
+        auto* cancel = progress->findChild<QPushButton*>();
+        QTRY_VERIFY(progress->isHidden());
+        const WindowLog log(window);
+        window.OpenFile(QStringLiteral(VANTOR_PLAYER));
+        QVERIFY(!cancel->isHidden());
+        cancel->click();
+        QVERIFY(log.isCancelled && !PlayerOf(window)->IsLoading());
+        QVERIFY(cancel->isHidden() && progress->isHidden());
+        QCOMPARE(window.FailureText(), QString());
+        QCOMPARE(window.Duration(), duration);
+    }
+
+    void showsPercentAndACancelButtonWhileAFileIsOpened()
+    {
+        QTemporaryDir folder;
+        const QString path = folder.filePath(u"stuck.wav"_s);
+        QVERIFY(QFile::copy(Recording, path));
+        const HeldFile held(path);
+        if (!held.IsHeld()) {
+            QSKIP("This file system lets every reader in.");
+        }
+        PlayerWindow window;
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        QVERIFY(OpenCompletely(window, Recording));
+        const WindowLog log(window);
+        window.OpenFile(path);
+        auto* progress = window.findChild<TaskProgress*>();
+        QTRY_VERIFY(progress->isVisible());
+        QCOMPARE(progress->findChild<QProgressBar*>()->text(), u"Loading... 0 %"_s);
+        QTest::mouseClick(progress->findChild<QPushButton*>(), Qt::LeftButton);
+        QVERIFY(log.isCancelled && !progress->isVisible());
+    }
+
+    void aFileThatCannotBeOpenedLeavesTheExportAlone()
+    {
+        QTemporaryDir folder;
+        const QString path = folder.filePath(u"selection.wav"_s);
+        PlayerWindow window;
+        QVERIFY(OpenCompletely(window, Recording));
+        window.SelectRange(1.0, 2.0);
+        QSignalSpy ended(&window, &PlayerWindow::ExportEnded);
+        const BusyPool busy;
+        window.ExportSelection(path);
+        QVERIFY(Refuses(window, u"/nowhere/take.wav"_s));
+        QCOMPARE(ended.size(), 0);
+        QVERIFY(PlayerOf(window)->IsBusy());
+        busy.Release();
+        QVERIFY(!ended.isEmpty() || ended.wait(20000));
+        QVERIFY(QFile::exists(path));
+        QCOMPARE(window.FailureText(), u"There is no file “/nowhere/take.wav”."_s);
+    }
+
+    void theLoadButtonOpensInTheBackground()
+    {
+        const PlayerWindow window;
+        QVERIFY(window.findChild<HostPlayer*>()->GetLoadInBackground());
+    }
+
+    void aSelectionBeingWrittenEndsWithItsFile()
+    {
+        QTemporaryDir folder;
+        const QString path = folder.filePath(u"selection.wav"_s);
+        const QString next = folder.filePath(u"next.wav"_s);
+        QVERIFY(QFile::copy(Recording, next));
+        PlayerWindow window;
+        QVERIFY(OpenCompletely(window, Recording));
+        window.SelectRange(1.0, 16.0);
+        const QSignalSpy ended(&window, &PlayerWindow::ExportEnded);
+        const BusyPool busy;
+        window.ExportSelection(path);
+        QVERIFY(Open(window, next));
+        QCOMPARE(ended.size(), 1);
+        QVERIFY(!QFile::exists(path));
+        QVERIFY(ChildNamed<QMenu>(window, u"export"_s)->isEnabled());
     }
 
     void exportsWhatTheLibraryWrites_data()
@@ -373,7 +555,7 @@ private Q_SLOTS:
         const QString path = folder.filePath(u"selection.wav"_s);
         PlayerWindow window;
         const BusyPool busy;
-        QVERIFY(window.OpenFile(Recording));
+        QVERIFY(Open(window, Recording));
         QVERIFY(!window.IsPictureComplete());
         window.SelectRange(1.0, 2.0);
         QSignalSpy ended(&window, &PlayerWindow::ExportEnded);
@@ -447,8 +629,8 @@ private Q_SLOTS:
         QVERIFY(QDir::setCurrent(folder.path()));
         {
             PlayerWindow window;
-            QVERIFY(!window.OpenFile(own));
-            QVERIFY(!window.FailureText().isEmpty());
+            QVERIFY(Refuses(window, own));
+            QCOMPARE(window.FailureText(), u"The audio of “%1” may not be written to that folder."_s.arg(own));
         }
         QVERIFY(QDir::setCurrent(current));
         qputenv("XDG_CACHE_HOME", cache);
@@ -567,8 +749,24 @@ private Q_SLOTS:
     {
         for (int i = 0; i < 20; ++i) {
             PlayerWindow window;
-            QVERIFY(window.OpenFile(Recording));
+            QVERIFY(Open(window, Recording));
         }
+    }
+
+    void closesWhileItStillLoads()
+    {
+        for (int i = 0; i < 20; ++i) {
+            PlayerWindow window;
+            const WindowLog log(window);
+            window.OpenFile(Recording);
+            window.close();
+            QVERIFY(log.isCancelled && !log.isOpened);
+        }
+        const auto hasCopies = [] {
+            const QString cache = QStandardPaths::writableLocation(QStandardPaths::CacheLocation);
+            return QDirIterator(cache, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories).hasNext();
+        };
+        QTRY_VERIFY(!hasCopies());
     }
 
     void theProgramLeavesAScreenshot_data()
@@ -598,7 +796,7 @@ private Q_SLOTS:
         const Outcome outcome =
             RunPlayer({u"--screenshot"_s, folder.filePath(u"picture.png"_s), u"/nowhere/take.wav"_s});
         QCOMPARE(outcome.exitCode, 1);
-        QVERIFY2(outcome.message.contains(u"“/nowhere/take.wav” cannot be opened: there is no such file."_s),
+        QVERIFY2(outcome.message.contains(u"There is no file “/nowhere/take.wav”."_s),
                  qPrintable(outcome.message));
     }
 

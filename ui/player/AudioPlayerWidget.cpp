@@ -19,6 +19,8 @@
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPushButton>
 
+#include <utility>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace vantoraudio::vantorAudioEngine::UI {
@@ -72,6 +74,11 @@ void AudioPlayerWidget::SetAudioFile(const QString& path)
         Reset();
         return;
     }
+    const QPointer<AudioPlayerWidget> self(this);
+    CancelLoad();
+    if (!self) {
+        return;
+    }
     // Decoding runs an event loop, in which this widget may be destroyed.
     const GuardedSignalBlocker blocker(m_controls->edTotalDuration);
     const QString workingPath = WorkingPathOf(path);
@@ -81,7 +88,6 @@ void AudioPlayerWidget::SetAudioFile(const QString& path)
         return;
     }
     m_originalAudioFilePath = path;
-    const QPointer<AudioPlayerWidget> self(this);
     if (File().fileName() != workingPath) {
         Reset();
     }
@@ -104,9 +110,12 @@ WavFile::AudioEngineReturnValue AudioPlayerWidget::Decode(const QString& path, c
 
 void AudioPlayerWidget::OpenWorkingFile(WavFile::AudioEngineReturnValue resultSoFar, const QString& workingPath)
 {
+    File().SetLargeFiles(false);
     const WavFile::AudioEngineReturnValue result =
         resultSoFar == WavFile::Success ? File().Open(workingPath) : resultSoFar;
     if (result == WavFile::Success) {
+        // Kept until the player has left it.
+        const WorkingCopy former = std::exchange(m_background->copy, WorkingCopy());
         ShowLoadedFile(workingPath);
         return;
     }
@@ -162,6 +171,7 @@ void AudioPlayerWidget::Reset()
 void AudioPlayerWidget::Close()
 {
     ++m_loadCount;
+    const QString loadingPath = DropLoad();
     m_background->samples.Stop();
     DropFiltering();
     const bool isWriting = m_snippetWatcher.isRunning();
@@ -172,8 +182,12 @@ void AudioPlayerWidget::Close()
     if (isWriting) {
         Forget(m_snippetWatcher);
     }
+    const QPointer<AudioPlayerWidget> self(this);
     if (m_busy) {
         SetBusy(false);
+    }
+    if (self && !loadingPath.isEmpty()) {
+        Q_EMIT LoadCancelled(loadingPath);
     }
 }
 

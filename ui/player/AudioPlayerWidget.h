@@ -1,5 +1,6 @@
 #pragma once
 
+#include <vantorAudioEngine/AudioFileInfo.h>
 #include <vantorAudioEngine/Export.h>
 #include <vantorAudioEngine/WavFile.h>
 
@@ -26,6 +27,7 @@ class QRegularExpressionValidator;
 namespace vantoraudio::vantorAudioEngine::UI {
 
 class BGFXWaveformWidget;
+struct WorkingCopy;
 
 /**
  * Loads one audio file, shows its waveform, plays it, and lets the user choose a channel and a stretch of time,
@@ -34,18 +36,26 @@ class BGFXWaveformWidget;
  *     auto* player = new AudioPlayerWidget(this);
  *     player->SetWritableDirectoryPath(cacheDirectory);
  *     player->SetEditMode(true);
- *     player->SetAudioFile(path);
+ *     player->LoadFile(path);
  *
  * The widget never works on the caller's file. It copies WAV files into the writable directory, decodes everything
- * else into it, and reads, plays and edits that working copy, which bears the caller's file name. A copy that is
- * there already is used as it is, stale or not: remove it to have the file read anew. Nothing is ever deleted
- * there but a file that could not be decoded and a channel file that could not be finished.
+ * else into it, and reads, plays and edits that working copy, which bears the caller's file name.
+ *
+ * LoadFile() works in the background, takes every file that FFmpeg reads, and goes by what is in a file. Its
+ * working copies lie in hidden folders, where they meet no other file; each is removed when another file is loaded
+ * or the widget is destroyed, with the channel files in it.
+ *
+ * SetAudioFile() goes by the file's name and returns when it is done. Its working copies lie in the writable
+ * directory itself. A copy that is there already is used as it is, stale or not: remove it to have the file read
+ * anew. Nothing is ever deleted there but a file that could not be decoded and a channel file that could not be
+ * finished.
  *
  * Every failed step ends in ErrorHandler(), which does nothing: derive and override it to tell the user.
  *
  * Times are seconds from the start of the file. GUI thread only. Reading samples, writing a snippet and filtering
- * a channel run on QThreadPool::globalInstance(); decoding runs inside SetAudioFile(), with an event loop of its
- * own: the program stays alive meanwhile and may load another file, reset, close or destroy the widget.
+ * a channel run on QThreadPool::globalInstance(), LoadFile() on threads of its own. SetAudioFile() decodes with an
+ * event loop of its own: the program stays alive meanwhile and may load another file, reset, close or destroy the
+ * widget.
  */
 class VANTORAUDIOENGINE_EXPORT AudioPlayerWidget : public QWidget
 {
@@ -68,10 +78,29 @@ public:
      * a.b.wav too, is decoded to 96 kHz.
      */
     void SetAudioFile(const QString& path);
+
+    /**
+     * Loads a file in the background, whatever it is called; an empty path unloads. Returns at once. What can be
+     * read is everything of CanBeLoaded() in AudioFileInfo; WAV files may be of any length. Until the new file is
+     * there the former one stays as it is, with its selection, playback and tasks; after a failure too.
+     *
+     * LoadStarted() comes first, before this returns, then ProgressChanged(permille, 0, 1000, "Loading...") now
+     * and then. In the end exactly one of these comes, unless the widget is destroyed before:
+     * - LoadFinished(), after AudioFileChanged(). The former file passes through Reset() ahead of it. A file that
+     *   is loaded already, and has the size and time that it had then, stays without AudioFileChanged().
+     * - LoadFailed(), after ErrorHandler() with the code of ImportResult::Code().
+     * - LoadCancelled(), when CancelLoad(), the next LoadFile(), SetAudioFile(), Reset() or Close() overtakes it.
+     */
+    void LoadFile(const QString& path);
+    /** Ends LoadFile() without waiting; LoadCancelled() comes before this returns. Does nothing without it. */
+    void CancelLoad();
+    /** LoadFile() is at work. */
+    [[nodiscard]] bool IsLoading() const;
+
     /** Unloads: stops playback, Close(), and an empty view. */
     void Reset();
-    /** Stops the tasks in the background, waits for their end and closes the file. What there is of an unfinished
-     *  snippet or channel file is removed. The view and the player stay as they are. */
+    /** Cancels LoadFile(), stops the tasks in the background, waits for their end and closes the file. What there
+     *  is of an unfinished snippet or channel file is removed. The view and the player stay as they are. */
     void Close();
 
     /** Converts another file in place, as WavFile::Convert() does with an empty output path, what it throws
@@ -83,19 +112,26 @@ public:
     [[nodiscard]] QAudioFormat GetAudioFileFormat() const;
     /** The full path of the working copy; empty without a file. */
     [[nodiscard]] QString GetAudioFileName() const;
-    /** The path that SetAudioFile() was given last and could copy. */
+    /** The path of the file that LoadFile() loaded, or that SetAudioFile() was given last and could copy. */
     [[nodiscard]] QString GetOriginalAudioFilePath() const;
 
     /** Where working copies lie. The directory must exist; it is neither checked nor created. Empty at first,
-     *  which means the current directory of the program. A compressed file that is loaded from this very directory
-     *  is replaced by its decoded audio: choose one that holds nothing of the user's. */
+     *  which means the current directory of the program. A compressed file that SetAudioFile() loads from this
+     *  very directory is replaced by its decoded audio: choose one that holds nothing of the user's. */
     [[nodiscard]] QString GetWritableDirectoryPath() const;
     void SetWritableDirectoryPath(const QString& path);
 
-    /** Whether loading decodes with Decoder::ConvertToFloat(), after which FLAC files and WAV files under unusual
-     *  names sound right, instead of Decoder::Convert(). Off at first; takes effect with the next load. */
+    /** Whether SetAudioFile() decodes with Decoder::ConvertToFloat(), after which FLAC files and WAV files under
+     *  unusual names sound right, instead of Decoder::Convert(). Off at first; takes effect with the next load. */
     [[nodiscard]] bool GetDecodeToFloat() const;
     void SetDecodeToFloat(bool decodeToFloat);
+
+    /** Whether the load button calls LoadFile(), and offers all of GetLoadableFiles(), instead of SetAudioFile().
+     *  Off at first. */
+    [[nodiscard]] bool GetLoadInBackground() const;
+    void SetLoadInBackground(bool loadInBackground);
+    /** The filter of a QFileDialog for LoadFile(): the usual names of audio files, and all files. */
+    [[nodiscard]] static QString GetLoadableFiles();
 
     /** A snippet is being written or a channel filtered. */
     [[nodiscard]] bool IsBusy() const;
@@ -168,6 +204,15 @@ public:
 Q_SIGNALS:
     /** A file was loaded; `fileName` is the full path of its working copy. */
     void AudioFileChanged(const QString& fileName);
+
+    // Of LoadFile(), with the path that it was given.
+    void LoadStarted(const QString& path);
+    void LoadFinished(const QString& path);
+    /** `sentence` tells the user the reason and names the file. */
+    void LoadFailed(const QString& path, vantoraudio::AudioEngine::AudioFileInfo::Problem problem,
+                    const QString& sentence);
+    void LoadCancelled(const QString& path);
+
     /** The playback position in seconds. */
     void AudioPositionChanged(double position);
     /** A task went on: `progress` lies between `min` and `max`. Of a task that reports faster than the program
@@ -247,6 +292,13 @@ private:
     [[nodiscard]] QString WorkingPathOf(const QString& path) const;
     [[nodiscard]] WavFile::AudioEngineReturnValue Decode(const QString& path, const QString& workingPath) const;
     void OpenWorkingFile(WavFile::AudioEngineReturnValue resultSoFar, const QString& workingPath);
+    [[nodiscard]] QString DropLoad();
+    void OnLoadEnded();
+    void ShowCopy(const QString& path, const WorkingCopy& copy);
+    void OpenCopy(const QString& path, const WorkingCopy& copy);
+    void FailLoad(const QString& path, vantoraudio::AudioEngine::AudioFileInfo::Problem problem,
+                  WavFile::AudioEngineReturnValue code);
+    [[nodiscard]] QString AskForFile();
     void ShowLoadedFile(const QString& workingPath);
     void ShowWaveform(double duration);
     void FillChannelSelector();
@@ -297,6 +349,7 @@ private:
     /** The working copy and what runs on it. */
     std::unique_ptr<Background> m_background;
     bool m_decodesToFloat = false;
+    bool m_loadsInBackground = false;
     /** Counts what ends a load: the next load and every closing. */
     int m_loadCount = 0;
     /** Counts what ends a filtering: the next filtering and every closing. */

@@ -5,10 +5,8 @@
 #include <vantorAudioEngine/AudioPlayerWidget.h>
 #include <vantorAudioEngine/BGFXWaveformWidget.h>
 
-#include <QtCore/QPointer>
 #include <QtCore/QSignalBlocker>
 #include <QtGui/QKeyEvent>
-#include <QtWidgets/QFileDialog>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QSlider>
@@ -179,25 +177,6 @@ void AudioPlayerWidget::OnWaveformAudioPositionChanged(double seconds)
         m_controls->edSelectionEnd->setText(u"00:00:00,000"_s);
     }
     Q_EMIT WaveFormSelectionChanged({0.0, 0.0});
-}
-
-void AudioPlayerWidget::OnBtnLoadFileClicked()
-{
-    // Not on the stack, as QFileDialog's own functions have it: this widget may be destroyed meanwhile, and takes
-    // its dialog along.
-    const QPointer<QFileDialog> dialog =
-        new QFileDialog(this, tr("Load audio file"), QString(), tr("Audio files") + u" (*.wav *.mp3)"_s);
-    dialog->setFileMode(QFileDialog::ExistingFiles);
-    const bool isAccepted = dialog->exec() == QDialog::Accepted;
-    if (!dialog) {
-        return;
-    }
-    const QStringList paths = isAccepted ? dialog->selectedFiles() : QStringList();
-    delete dialog;
-    // The player holds one file; further ones are left out.
-    if (!paths.isEmpty()) {
-        SetAudioFile(paths.first());
-    }
 }
 
 void AudioPlayerWidget::keyPressEvent(QKeyEvent* event)

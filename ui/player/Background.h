@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ui/player/FileLoad.h"
 #include "ui/player/FileTasks.h"
 #include "ui/player/WorkingFile.h"
 
@@ -7,7 +8,7 @@
 
 namespace vantoraudio::vantorAudioEngine::UI {
 
-/** The working copy of the loaded file and the tasks that run on it. */
+/** The working copy of the loaded file, the tasks that run on it, and the load of the next file. */
 struct AudioPlayerWidget::Background
 {
     using Result = WavFile::AudioEngineReturnValue;
@@ -26,6 +27,11 @@ struct AudioPlayerWidget::Background
     FileTasks<void> samples{&WavFile::AbortRead};
     FileTasks<Result> snippet{&WavFile::AbortWrite};
     FileTasks<Result> channelFilter{&WavFile::AbortChannelFilter};
+
+    /** Null when nothing is being loaded in the background. */
+    std::unique_ptr<FileLoad> load;
+    /** Of the loaded file, where LoadFile() made it. */
+    WorkingCopy copy;
 };
 
 } // namespace vantoraudio::vantorAudioEngine::UI

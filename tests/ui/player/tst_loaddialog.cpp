@@ -53,6 +53,8 @@ private Q_SLOTS:
     void loadsTheFirstOfSeveralFiles();
     void keepsTheFileWhenCancelled();
     void outlivesAPlayerThatIsDestroyed();
+    void offersAllThatLoadsInTheBackground();
+    void loadsTheChosenFileInTheBackground();
 
 private:
     std::unique_ptr<LoadedPlayer> m_loaded;
@@ -127,6 +129,36 @@ void LoadDialogTest::outlivesAPlayerThatIsDestroyed()
     QMetaObject::invokeMethod(player, "OnBtnLoadFileClicked", Qt::DirectConnection);
     QVERIFY(!watched);
     QVERIFY(QApplication::activeModalWidget() == nullptr);
+}
+
+void LoadDialogTest::offersAllThatLoadsInTheBackground()
+{
+    QStringList filters;
+    QVERIFY(!m_loaded->widget.GetLoadInBackground());
+    m_loaded->widget.SetLoadInBackground(true);
+    QVERIFY(m_loaded->widget.GetLoadInBackground());
+    WithNextDialog(this, [&](QFileDialog& dialog) {
+        filters = dialog.nameFilters();
+        dialog.reject();
+    });
+    QTest::mouseClick(m_loaded->Controls().btnLoadFile, Qt::LeftButton);
+    QCOMPARE(filters.size(), 2);
+    QCOMPARE(filters.join(u";;"), AudioPlayerWidget::GetLoadableFiles());
+    QVERIFY(filters[0].startsWith(u"Audio files (*.wav *.mp3 *.flac "));
+    QCOMPARE(filters[1], u"All files (*)"_s);
+}
+
+void LoadDialogTest::loadsTheChosenFileInTheBackground()
+{
+    const QString path = m_loaded->WriteFile(u"chosen.WAV"_s);
+    m_loaded->widget.SetLoadInBackground(true);
+    const QSignalSpy finished(&m_loaded->widget, &AudioPlayerWidget::LoadFinished);
+    WithNextDialog(this, [&](QFileDialog& dialog) { Choose(dialog, QFileInfo(path).path(), u"chosen.WAV"_s); });
+    QTest::mouseClick(m_loaded->Controls().btnLoadFile, Qt::LeftButton);
+    QVERIFY(m_loaded->widget.IsLoading());
+    QTRY_COMPARE(finished.size(), 1);
+    QCOMPARE(finished[0][0].toString(), path);
+    QCOMPARE(m_loaded->widget.GetOriginalAudioFilePath(), path);
 }
 
 int main(int argc, char* argv[])

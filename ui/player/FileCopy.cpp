@@ -1,0 +1,81 @@
+#include "ui/player/FileCopy.h"
+
+#include <QtCore/QByteArray>
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+#include <QtCore/QStorageInfo>
+
+#ifdef Q_OS_LINUX
+#    include <linux/fs.h>
+#    include <sys/ioctl.h>
+#endif
+
+namespace vantoraudio::vantorAudioEngine::UI {
+namespace {
+
+using Problem = AudioEngine::AudioFileInfo::Problem;
+
+/** Written in a moment, so that a copy can be stopped at any time. */
+constexpr qint64 blockSize = 1 << 20;
+
+bool HasRoomFor(qint64 bytes, const QString& path)
+{
+    const QStorageInfo storage(QFileInfo(path).absolutePath());
+    return !storage.isValid() || storage.bytesAvailable() >= bytes;
+}
+
+/** False where the file system cannot do it; nothing has changed then. */
+bool ShareBytes([[maybe_unused]] const QFile& source, [[maybe_unused]] const QFile& target)
+{
+#ifdef Q_OS_LINUX
+    return ::ioctl(target.handle(), FICLONE, source.handle()) == 0;
+#else
+    return false;
+#endif
+}
+
+int PermilleOf(qint64 part, qint64 whole)
+{
+    return static_cast<int>(1000.0 * double(part) / double(whole));
+}
+
+Problem CopyBlocks(QFile& source, QFile& target, const CopyObserver& goesOn)
+{
+    // A recording that still grows could be copied for ever.
+    const qint64 size = source.size();
+    QByteArray block(blockSize, Qt::Uninitialized);
+    for (qint64 copied = 0; copied < size;) {
+        if (!goesOn(PermilleOf(copied, size))) {
+            return Problem::Cancelled;
+        }
+        const qint64 count = source.read(block.data(), qMin(blockSize, size - copied));
+        if (count < 1) {
+            return Problem::CannotBeRead;
+        }
+        if (target.write(block.constData(), count) != count) {
+            return target.error() == QFileDevice::ResourceError ? Problem::NoSpace : Problem::CannotBeWritten;
+        }
+        copied += count;
+    }
+    return Problem::None;
+}
+
+} // namespace
+
+Problem CopyFile(const QString& from, const QString& to, const CopyObserver& goesOn)
+{
+    QFile source(from);
+    QFile target(to);
+    if (!source.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
+        return Problem::NoPermission;
+    }
+    if (!target.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered)) {
+        return Problem::CannotBeCreated;
+    }
+    if (ShareBytes(source, target)) {
+        return Problem::None;
+    }
+    return HasRoomFor(source.size(), to) ? CopyBlocks(source, target, goesOn) : Problem::NoSpace;
+}
+
+} // namespace vantoraudio::vantorAudioEngine::UI

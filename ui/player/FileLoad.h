@@ -1,0 +1,95 @@
+#pragma once
+
+#include <vantorAudioEngine/AudioFileInfo.h>
+#include <vantorAudioEngine/AudioImporter.h>
+
+#include <QtCore/QDateTime>
+#include <QtCore/QFutureWatcher>
+#include <QtCore/QObject>
+#include <QtCore/QString>
+#include <QtCore/QTemporaryDir>
+
+#include <memory>
+
+namespace vantoraudio::vantorAudioEngine::UI {
+
+/** Tells one state of a file from another one, and from every other file. */
+struct FileState
+{
+    /** Without links. */
+    QString path;
+    qint64 size = 0;
+    QDateTime changed;
+
+    [[nodiscard]] static FileState Of(const QString& path);
+    bool operator==(const FileState&) const = default;
+};
+
+/**
+ * A file that WavFile opens, in a folder of its own. So it can bear the name of its source, and never meets
+ * another file of that name. Whoever holds it last has the folder removed, without waiting for that.
+ */
+struct WorkingCopy
+{
+    std::shared_ptr<QTemporaryDir> folder;
+    QString path;
+    /** What the source was like just before it was read. */
+    FileState source;
+};
+
+/**
+ * Makes the working copy of one file in the background: by copying what WavFile opens, by importing everything
+ * else. What the file is called does not count. GUI thread.
+ *
+ * Works beside QThreadPool::globalInstance(), so that the tasks on a loaded file need not wait for the next one.
+ * Destroying it cancels, without waiting; nothing is left of an unfinished copy. It may be destroyed by its own
+ * signals.
+ */
+class FileLoad : public QObject
+{
+    Q_OBJECT
+
+public:
+    using Problem = AudioEngine::AudioFileInfo::Problem;
+
+    /** Does nothing yet. `former` is taken again where its source is `path` and has not changed since. */
+    FileLoad(const QString& path, const QString& directory, const WorkingCopy& former);
+    ~FileLoad() override;
+
+    void Start();
+
+    /** As it was given. */
+    [[nodiscard]] QString GetPath() const { return m_path; }
+    /** Both are known when it has ended. */
+    [[nodiscard]] Problem GetProblem() const { return m_prepared.problem; }
+    [[nodiscard]] const WorkingCopy& GetCopy() const { return m_prepared.copy; }
+
+Q_SIGNALS:
+    /** From 0 to 1000. */
+    void Progressed(int permille);
+    void Ended();
+
+private:
+    /** What the first look at a file leads to. */
+    struct Prepared
+    {
+        Problem problem = Problem::None;
+        WorkingCopy copy;
+        bool isToBeImported = false;
+    };
+
+    class Preparation;
+
+    void Follow(QFutureWatcherBase& watcher, void (FileLoad::*onFinished)());
+    void OnPrepared();
+    void Import();
+    void OnImported();
+
+    QString m_path;
+    QString m_directory;
+    Prepared m_prepared;
+    QFutureWatcher<Prepared> m_preparing;
+    QFutureWatcher<AudioEngine::ImportResult> m_importing;
+};
+
+} // namespace vantoraudio::vantorAudioEngine::UI
