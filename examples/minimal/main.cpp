@@ -3,7 +3,6 @@
 
 #include <QtCore/QLibraryInfo>
 #include <QtCore/QTemporaryDir>
-#include <QtCore/QTimer>
 #include <QtCore/QVersionNumber>
 #include <QtWidgets/QApplication>
 
@@ -23,8 +22,8 @@ int main(int argc, char* argv[])
     player.SetEditMode(true);
     player.resize(1000, 400);
     player.show();
-    // Once the application runs: decoding takes a while, and the window may be closed meanwhile.
-    QTimer::singleShot(0, &player, [&] { player.SetAudioFile(QApplication::arguments().value(1)); });
+    player.SetLoadInBackground(true);
+    player.LoadFile(QApplication::arguments().value(1));
 
     const int exitCode = QApplication::exec();
     player.Close();

@@ -806,7 +806,8 @@ private Q_SLOTS:
         program.start(QStringLiteral(VANTOR_MINIMAL), {Recording});
         QVERIFY(program.waitForStarted());
         const auto copies = [] {
-            QDirIterator it(QDir::tempPath(), {u"welcome.wav"_s}, QDir::Files, QDirIterator::Subdirectories);
+            QDirIterator it(QDir::tempPath(), {u"welcome.wav"_s}, QDir::Files | QDir::Hidden,
+                            QDirIterator::Subdirectories);
             return it.hasNext();
         };
         QTRY_VERIFY_WITH_TIMEOUT(copies(), 20000);
