@@ -1,3 +1,4 @@
+#include <vantorAudioEngine/AudioImporter.h>
 #include <vantorAudioEngine/Version.h>
 #include <vantorAudioEngine/WavFile.h>
 
@@ -7,5 +8,8 @@ int main()
 {
     WavFile file(nullptr);
     std::puts(qPrintable(vantoraudio::AudioEngine::libVersionString()));
-    return file.Open(QStringLiteral("no such file.wav")) == WavFile::ErrorOpenFile ? 0 : 1;
+    const QString missing = QStringLiteral("no such file.wav");
+    const auto result =
+        vantoraudio::AudioEngine::AudioImporter::ImportNow(missing, QStringLiteral("new file.wav"));
+    return file.Open(missing) == WavFile::ErrorOpenFile && result.Code() == WavFile::ErrorOpenFile ? 0 : 1;
 }
