@@ -143,7 +143,8 @@ void TestDecoderFormats::decodesFloatFormatsSoundlyWithoutConversion_data()
     QTest::addColumn<int>("unsettledFrames");
     QTest::addRow("mp3") << u"mp3"_s << 0;
     QTest::addRow("ogg") << u"ogg"_s << 0;
-    // With Qt 6.8 the beginning of AAC differs from what FFmpeg makes of it.
+    // With Qt 6.8 the beginning of AAC differs from what FFmpeg makes of it, and with it the noise that AAC fills
+    // up with.
     QTest::addRow("m4a") << u"m4a"_s << 4096;
 }
 
@@ -160,9 +161,10 @@ void TestDecoderFormats::decodesFloatFormatsSoundlyWithoutConversion()
     const QByteArray converted = DecodedToFloat(source, files.Path(u"float.wav"_s), 44100);
     QCOMPARE(plain.first(headerSize), converted.first(headerSize));
     const qsizetype settled = headerSize + unsettledFrames * 8;
+    const double tolerance = unsettledFrames == 0 ? 0.0 : 0.01;
     const QList<float> ours = Floats(plain.mid(settled));
     const QList<float> theirs = Floats(converted.mid(settled));
-    QVERIFY(std::ranges::equal(ours, theirs, [](float a, float b) { return Near(a, b, 1e-4); }));
+    QVERIFY(std::ranges::equal(ours, theirs, [tolerance](float a, float b) { return Near(a, b, tolerance); }));
 }
 
 void TestDecoderFormats::copiesTheSamplesWhenTheRatesAreEqual()
