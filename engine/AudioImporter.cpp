@@ -14,9 +14,11 @@ void RunImport(QPromise<ImportResult>& promise, const QString& inPath, const QSt
                const ImportOptions& options)
 {
     promise.setProgressRange(0, 1000);
-    const Import::Observer observer{.isCancelled = [&promise] { return promise.isCanceled(); },
-                                    .report = [&promise](int permille) { promise.setProgressValue(permille); }};
-    const ImportResult result = Import(inPath, outPath, options, observer).Run(Import::FormerFile::Stays);
+    const auto goesOn = [&promise](int permille) {
+        promise.setProgressValue(permille);
+        return !promise.isCanceled();
+    };
+    const ImportResult result = AudioImporter::ImportNow(inPath, outPath, options, goesOn);
     promise.setProgressValue(1000);
     promise.addResult(result);
 }
@@ -49,9 +51,10 @@ QFuture<ImportResult> AudioImporter::Import(const QString& inPath, const QString
                              options);
 }
 
-ImportResult AudioImporter::ImportNow(const QString& inPath, const QString& outPath, const ImportOptions& options)
+ImportResult AudioImporter::ImportNow(const QString& inPath, const QString& outPath, const ImportOptions& options,
+                                      const Observer& goesOn)
 {
-    return AudioEngine::Import(inPath, outPath, options, {}).Run(AudioEngine::Import::FormerFile::Stays);
+    return AudioEngine::Import(inPath, outPath, options, goesOn).Run(AudioEngine::Import::FormerFile::Stays);
 }
 
 } // namespace vantoraudio::AudioEngine

@@ -7,6 +7,8 @@
 #include <QtCore/QFuture>
 #include <QtCore/QString>
 
+#include <functional>
+
 class QThreadPool;
 
 namespace vantoraudio::AudioEngine {
@@ -77,9 +79,14 @@ public:
                                                       const ImportOptions& options = {},
                                                       QThreadPool* pool = nullptr);
 
-    /** The same on the calling thread; returns when it is done. */
+    /** Is told the progress from 0 to 1000, and false ends the import. Asked by both threads of an import, often.
+     */
+    using Observer = std::function<bool(int permille)>;
+
+    /** The same on the calling thread; returns when it is done. Its problem is Cancelled when `goesOn` ended it.
+     */
     [[nodiscard]] static ImportResult ImportNow(const QString& inPath, const QString& outPath,
-                                                const ImportOptions& options = {});
+                                                const ImportOptions& options = {}, const Observer& goesOn = {});
 };
 
 } // namespace vantoraudio::AudioEngine

@@ -28,10 +28,7 @@ QByteArray UrlOf(const QString& path)
 Problem ProblemOfFile(const QString& path)
 {
     const QFileInfo info(path);
-    if (path.isEmpty() || (!info.exists() && !info.isSymLink())) {
-        return Problem::NotFound;
-    }
-    if (!info.exists()) {
+    if (path.isEmpty() || !info.exists()) {
         return Problem::NotFound;
     }
     if (!info.isFile()) {
@@ -82,6 +79,10 @@ AVCodecID BigEndianOf(AVCodecID codec)
         return AV_CODEC_ID_PCM_S24BE;
     case AV_CODEC_ID_PCM_S32LE:
         return AV_CODEC_ID_PCM_S32BE;
+    case AV_CODEC_ID_PCM_F32LE:
+        return AV_CODEC_ID_PCM_F32BE;
+    case AV_CODEC_ID_PCM_F64LE:
+        return AV_CODEC_ID_PCM_F64BE;
     default:
         return codec;
     }
@@ -119,13 +120,23 @@ AudioStream::AudioStream(const QString& path, CancelCheck isCancelled)
 
 Problem AudioStream::Open(const QString& path)
 {
+    const QByteArray url = UrlOf(path);
+    const AVIOInterruptCB interrupt{&IsInterrupted, &m_isCancelled};
+    AVIOContext* input = nullptr;
+    if (avio_open2(&input, url.constData(), AVIO_FLAG_READ, &interrupt, nullptr) < 0) {
+        return Problem::CannotBeRead;
+    }
+    m_input.reset(input);
     AVFormatContext* format = avformat_alloc_context();
     if (format == nullptr) {
         return Problem::CannotBeRead;
     }
-    format->interrupt_callback = {&IsInterrupted, &m_isCancelled};
+    format->pb = input;
+    format->interrupt_callback = interrupt;
+    // A play list may name other files, pipes and addresses. None of them is opened.
+    format->protocol_whitelist = av_strdup("none");
     // Frees the context when it fails.
-    const int status = avformat_open_input(&format, UrlOf(path).constData(), nullptr, nullptr);
+    const int status = avformat_open_input(&format, url.constData(), nullptr, nullptr);
     m_format.reset(format);
     if (status == AVERROR(EIO)) {
         return Problem::CannotBeRead;
@@ -197,6 +208,10 @@ bool AudioStream::OpenDecoder()
 bool AudioStream::ReadFrame(AVFrame& frame)
 {
     while (m_problem == Problem::None) {
+        if (IsInterrupted(&m_isCancelled) != 0) {
+            m_problem = Problem::Cancelled;
+            return false;
+        }
         const int status = avcodec_receive_frame(m_codec.get(), &frame);
         if (status == AVERROR_EOF) {
             OnReadingEnded(m_format->pb != nullptr ? m_format->pb->error : 0);
@@ -204,6 +219,7 @@ bool AudioStream::ReadFrame(AVFrame& frame)
         }
         if (status == 0 && frame.nb_samples > 0 && frame.sample_rate > 0 && frame.ch_layout.nb_channels > 0) {
             ++m_frames;
+            m_decodedSeconds += double(frame.nb_samples) / frame.sample_rate;
             NoteGap(frame);
             return true;
         }
@@ -219,15 +235,13 @@ bool AudioStream::ReadFrame(AVFrame& frame)
 /** Gives the decoder the next packet, or tells it that there is none left. False with a problem. */
 bool AudioStream::Feed()
 {
-    if (IsInterrupted(&m_isCancelled) != 0) {
-        m_problem = Problem::Cancelled;
-        return false;
-    }
     const int status = av_read_frame(m_format.get(), m_packet.get());
     if (status == AVERROR(EAGAIN)) {
         return true;
     }
     if (status < 0) {
+        // Whatever stopped the demuxer, ffmpeg takes it for the end.
+        m_damagedPackets += status == AVERROR_EOF ? 0 : 1;
         avcodec_send_packet(m_codec.get(), nullptr);
         return true;
     }
@@ -252,20 +266,26 @@ void AudioStream::OnReadingEnded(int error)
         m_problem = Problem::CannotBeRead;
     } else if (m_frames == 0 && (m_packets > 0 || IsDurationCertain())) {
         m_problem = Problem::Damaged;
+    } else if (m_damagedPackets == 0 && IsCutOff()) {
+        m_damagedPackets = 1;
     }
+}
+
+/** Whether much less was there than the file states. */
+bool AudioStream::IsCutOff() const
+{
+    return IsDurationCertain() && m_decodedSeconds < 0.98 * Duration() - 1.0;
 }
 
 /** Some demuxers pass over what is damaged without a word, and only the times tell. */
 void AudioStream::NoteGap(const AVFrame& frame)
 {
     const AVRational timeBase = m_stream->time_base;
-    const qint64 length = av_rescale_q(frame.nb_samples, {1, frame.sample_rate}, timeBase);
-    const qint64 time = frame.pts == AV_NOPTS_VALUE ? m_nextTime : frame.pts;
-    if (time != AV_NOPTS_VALUE && m_nextTime != AV_NOPTS_VALUE && time > m_nextTime &&
-        time - m_nextTime > length) {
-        ++m_damagedPackets;
-    }
-    m_nextTime = time == AV_NOPTS_VALUE ? time : time + length;
+    const double length = double(frame.nb_samples) / frame.sample_rate / av_q2d(timeBase);
+    const double time = frame.pts == AV_NOPTS_VALUE ? m_nextTime : double(frame.pts);
+    // Not a number where no time is known, which no comparison takes for a gap.
+    m_damagedPackets += time - m_nextTime > length ? 1 : 0;
+    m_nextTime = time + length;
 }
 
 void AudioStream::NoteProgress()

@@ -7,6 +7,7 @@
 #include <QtCore/QString>
 
 #include <functional>
+#include <limits>
 
 namespace vantoraudio::AudioEngine {
 
@@ -44,7 +45,7 @@ public:
     /** The next frame with samples; false at the end, or with a problem. Damaged packets are passed over. */
     bool ReadFrame(AVFrame& frame);
 
-    /** Packets that could not be decoded, and gaps that others left which were not even found. */
+    /** Packets that could not be decoded, gaps that others left which were not even found, and a missing end. */
     qint64 DamagedPackets() const { return m_damagedPackets; }
     /** How much of the stream was read, from 0 to 1. */
     double Progress() const;
@@ -54,10 +55,13 @@ private:
     Problem FindStream(const QString& path);
     bool Feed();
     void OnReadingEnded(int error);
+    bool IsCutOff() const;
     void NoteProgress();
     void NoteGap(const AVFrame& frame);
 
     CancelCheck m_isCancelled;
+    /** Outlives the format that reads from it. */
+    InputPointer m_input;
     FormatPointer m_format;
     AVStream* m_stream = nullptr;
     const AVCodec* m_decoder = nullptr;
@@ -66,9 +70,10 @@ private:
     Problem m_problem = Problem::None;
     qint64 m_damagedPackets = 0;
     /** Where the next frame should begin, in the stream's time base. */
-    qint64 m_nextTime = AV_NOPTS_VALUE;
+    double m_nextTime = std::numeric_limits<double>::quiet_NaN();
     qint64 m_packets = 0;
     qint64 m_frames = 0;
+    double m_decodedSeconds = 0.0;
     double m_progress = 0.0;
 };
 

@@ -289,8 +289,8 @@ WavFile::AudioEngineReturnValue Decoder::ConvertToFloat(const QString& inPath, c
                                 .mayBeLarge = false};
     QThreadPool thread;
     const auto future = QtConcurrent::run(&thread, [&](QPromise<ImportResult>& promise) {
-        const Import::Observer observer{.isCancelled = [&promise] { return promise.isCanceled(); }, .report = {}};
-        promise.addResult(Import(inPath, outPath, options, observer).Run(Import::FormerFile::Goes));
+        const auto goesOn = [&promise](int /*permille*/) { return !promise.isCanceled(); };
+        promise.addResult(Import(inPath, outPath, options, goesOn).Run(Import::FormerFile::Goes));
     });
     return ResultOf(future).Code();
 }

@@ -43,9 +43,9 @@ public:
      * float. So the result is sound for what is decoded to float (MP3, Ogg Vorbis, AAC), and noise for what is
      * decoded to integers (FLAC, WAV). ConvertToFloat() is right for both.
      *
-     * Runs an event loop until the decoding has ended, at most 2 s for a file that turns out not to be decodable:
-     * the caller may be called, closed and even destroyed meanwhile, and other conversions may start. Ending the
-     * application ends the call too.
+     * Looks through the whole file first, and then runs an event loop until the decoding has ended, at most 2 s
+     * for a file that turns out not to be decodable: the caller may be called, closed and even destroyed
+     * meanwhile, and other conversions may start. Ending the application ends the call too.
      *
      * - Success: `outPath` is the whole new file. Both paths may name the same file: it is read to its end first.
      * - ErrorOpenFile: a path is empty, `inPath` cannot be read, `outPath` cannot be written, or both are the same

@@ -23,6 +23,8 @@ struct ReleaseBy
     }
 };
 
+/** Opened by avio_open2(). */
+using InputPointer = std::unique_ptr<AVIOContext, ReleaseBy<&avio_closep>>;
 using FormatPointer = std::unique_ptr<AVFormatContext, ReleaseBy<&avformat_close_input>>;
 using CodecPointer = std::unique_ptr<AVCodecContext, ReleaseBy<&avcodec_free_context>>;
 using PacketPointer = std::unique_ptr<AVPacket, ReleaseBy<&av_packet_free>>;

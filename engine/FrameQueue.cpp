@@ -7,12 +7,13 @@ namespace vantoraudio::AudioEngine {
 bool FrameQueue::Push(FrameBatch batch)
 {
     QMutexLocker lock(&m_mutex);
-    while (!m_isClosed && m_batches.size() >= mostBatches) {
+    while (!m_isClosed && !m_batches.empty() && m_bytes + batch.bytes > mostBytes) {
         m_changed.wait(&m_mutex);
     }
     if (m_isClosed) {
         return false;
     }
+    m_bytes += batch.bytes;
     m_batches.push_back(std::move(batch));
     m_changed.wakeAll();
     return true;
@@ -29,6 +30,7 @@ FrameBatch FrameQueue::Pop()
     }
     FrameBatch batch = std::move(m_batches.front());
     m_batches.pop_front();
+    m_bytes -= batch.bytes;
     m_changed.wakeAll();
     return batch;
 }

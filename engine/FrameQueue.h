@@ -11,9 +11,14 @@
 namespace vantoraudio::AudioEngine {
 
 /** Frames that go together from one thread to another; single ones would wake it too often. */
-using FrameBatch = std::vector<FramePointer>;
+struct FrameBatch
+{
+    std::vector<FramePointer> frames;
+    /** Of all samples. */
+    qint64 bytes = 0;
+};
 
-/** Decoded frames on their way from the thread that decodes to the thread that writes. It holds a few at most. */
+/** Decoded frames on their way from the thread that decodes to the thread that writes. It holds few bytes. */
 class FrameQueue
 {
 public:
@@ -25,11 +30,13 @@ public:
     void Close();
 
 private:
-    static constexpr std::size_t mostBatches = 4;
+    /** A batch that is larger by itself goes alone. */
+    static constexpr qint64 mostBytes = qint64(1) << 20;
 
     QMutex m_mutex;
     QWaitCondition m_changed;
     std::deque<FrameBatch> m_batches;
+    qint64 m_bytes = 0;
     bool m_isClosed = false;
 };
 

@@ -1,6 +1,7 @@
 #include "engine/Import.h"
 
 #include <algorithm>
+#include <new>
 #include <thread>
 #include <utility>
 
@@ -9,7 +10,9 @@ namespace vantoraudio::AudioEngine {
 namespace {
 
 /** Of decoded samples that go to the other thread together, and of what is written at once; in bytes. */
-constexpr qint64 batchSize = 256 * 1024;
+constexpr qint64 batchSize = qint64(256) * 1024;
+/** A batch must not become so much by resampling that nothing is heard of it for long. */
+constexpr qint64 leastBatchSize = 4096;
 
 int BytesOf(const AVFrame& frame)
 {
@@ -33,13 +36,18 @@ AVSampleFormat FFmpegFormatOf(QAudioFormat::SampleFormat format)
 
 } // namespace
 
-Import::Import(const QString& inPath, const QString& outPath, const ImportOptions& options, Observer observer)
+Import::Import(const QString& inPath, const QString& outPath, const ImportOptions& options, const Observer& goesOn)
     : m_options(options)
-    , m_observer(std::move(observer))
+    , m_goesOn(goesOn)
     , m_inPath(inPath)
-    , m_stream(inPath, m_observer.isCancelled)
-    , m_output(outPath)
+    , m_stream(inPath, CancelCheck())
+    , m_output(outPath, CancelCheck())
 {
+}
+
+AudioStream::CancelCheck Import::CancelCheck() const
+{
+    return [this] { return IsCancelled(); };
 }
 
 ImportResult Import::Run(FormerFile formerFile)
@@ -68,6 +76,7 @@ Import::Problem Import::CheckAhead()
     const int sampleRate = m_options.sampleRate > 0 ? m_options.sampleRate : source.sample_rate;
     QAudioFormat format = OutputFormat(sampleRate, source.ch_layout.nb_channels);
     m_length = {m_stream.Duration(), m_stream.IsDurationCertain()};
+    m_batchSize = qBound(leastBatchSize, batchSize * source.sample_rate / sampleRate, batchSize);
     format.setSampleFormat(FirstSampleFormat(m_options, format, m_length));
     const double size = m_length.isCertain ? m_length.DataSize(format) : 0.0;
     if (!m_options.mayBeLarge && size > double(ImportLimits().mostPlainBytes)) {
@@ -82,66 +91,88 @@ Import::Problem Import::CheckAhead()
 Import::Problem Import::Transfer()
 {
     std::thread writer([this] { Write(); });
-    Decode(m_stream);
+    Problem decodingProblem = Problem::None;
+    try {
+        Decode();
+        decodingProblem = m_stream.GetProblem();
+    } catch (const std::bad_alloc&) {
+        decodingProblem = Problem::CannotBeRead;
+    }
     m_queue.Close();
     writer.join();
-    if (m_writingProblem != Problem::None) {
-        return m_writingProblem;
-    }
-    if (m_stream.GetProblem() != Problem::None) {
-        return m_stream.GetProblem();
-    }
-    if (m_observer.isCancelled && m_observer.isCancelled()) {
+    if (IsCancelled()) {
         return Problem::Cancelled;
+    }
+    if (m_writingProblem != Problem::None || decodingProblem != Problem::None) {
+        return m_writingProblem != Problem::None ? m_writingProblem : decodingProblem;
     }
     return FinishWriting() ? Problem::None : m_writingProblem;
 }
 
-void Import::Decode(AudioStream& stream)
+bool Import::IsCancelled() const
 {
-    FrameBatch batch;
-    qint64 size = 0;
-    for (FramePointer frame(av_frame_alloc()); frame && stream.ReadFrame(*frame); frame.reset(av_frame_alloc())) {
-        size += BytesOf(*frame);
-        batch.push_back(std::move(frame));
-        if (size >= batchSize) {
-            if (!m_queue.Push(std::exchange(batch, {}))) {
-                return;
-            }
-            size = 0;
-            Report();
-        }
-    }
-    m_queue.Push(std::move(batch));
-    Report();
+    return m_goesOn && !m_goesOn(m_progress);
 }
 
-void Import::Report()
+void Import::Decode()
 {
-    if (m_observer.report) {
-        m_observer.report(static_cast<int>(m_stream.Progress() * 1000.0));
+    FrameBatch batch;
+    for (FramePointer frame(av_frame_alloc()); frame && m_stream.ReadFrame(*frame);
+         frame.reset(av_frame_alloc())) {
+        batch.bytes += BytesOf(*frame);
+        batch.frames.push_back(std::move(frame));
+        if (batch.bytes >= m_batchSize && !PushBatch(batch)) {
+            return;
+        }
     }
+    if (!batch.frames.empty()) {
+        PushBatch(batch);
+    }
+}
+
+bool Import::PushBatch(FrameBatch& batch)
+{
+    const bool isPushed = m_queue.Push(std::exchange(batch, {}));
+    m_progress = static_cast<int>(m_stream.Progress() * 1000.0);
+    return isPushed;
 }
 
 void Import::Write()
 {
-    m_block.reserve(4 * batchSize);
-    bool goesOn = true;
-    while (goesOn) {
-        const FrameBatch batch = m_queue.Pop();
-        goesOn = !batch.empty() && WriteBatch(batch);
+    try {
+        WriteAll();
+    } catch (const std::bad_alloc&) {
+        m_writingProblem = Problem::CannotBeWritten;
     }
     // After a failure nobody is left to take what is still decoded.
     m_queue.Close();
 }
 
+void Import::WriteAll()
+{
+    m_block.reserve(4 * batchSize);
+    bool goesOn = true;
+    while (goesOn) {
+        const FrameBatch batch = m_queue.Pop();
+        goesOn = !batch.frames.empty() && WriteBatch(batch);
+    }
+}
+
 bool Import::WriteBatch(const FrameBatch& batch)
 {
-    for (const FramePointer& frame : batch) {
-        if (!m_resampler && !StartWriting(*frame)) {
+    return std::ranges::all_of(batch.frames, [this](const FramePointer& frame) { return WriteFrame(*frame); });
+}
+
+bool Import::WriteFrame(const AVFrame& frame)
+{
+    if (!m_resampler && !StartWriting(frame)) {
+        return false;
+    }
+    for (int start = 0; start < frame.nb_samples;) {
+        if (IsCancelled()) {
             return false;
         }
-        if (!m_resampler->Convert(*frame, m_block)) {
+        if (!m_resampler->Convert(frame, start, m_block)) {
             m_writingProblem = Problem::Damaged;
             return false;
         }
@@ -179,7 +210,10 @@ bool Import::FinishWriting()
     if (!m_resampler) {
         const AVCodecParameters& source = *m_stream.Stream().codecpar;
         const int sampleRate = m_options.sampleRate > 0 ? m_options.sampleRate : source.sample_rate;
-        m_output.Start(m_options, OutputFormat(sampleRate, source.ch_layout.nb_channels), {1.0, true});
+        QAudioFormat format = OutputFormat(sampleRate, source.ch_layout.nb_channels);
+        const ImportLength nothing{.duration = 0.0, .isCertain = true};
+        format.setSampleFormat(FirstSampleFormat(m_options, format, nothing));
+        m_output.Start(m_options, format, nothing);
     } else if (!m_resampler->Drain(m_block) || !WriteBlock()) {
         m_writingProblem = m_writingProblem == Problem::None ? Problem::Damaged : m_writingProblem;
         return false;

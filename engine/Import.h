@@ -8,7 +8,6 @@
 #include <vantorAudioEngine/AudioImporter.h>
 
 #include <atomic>
-#include <functional>
 #include <optional>
 
 namespace vantoraudio::AudioEngine {
@@ -17,12 +16,7 @@ namespace vantoraudio::AudioEngine {
 class Import
 {
 public:
-    struct Observer
-    {
-        std::function<bool()> isCancelled;
-        /** Told by the calling thread, from 0 to 1000. */
-        std::function<void(int permille)> report;
-    };
+    using Observer = AudioImporter::Observer;
 
     /** What becomes of an older file under the output's name when decoding fails. */
     enum class FormerFile
@@ -31,7 +25,7 @@ public:
         Goes
     };
 
-    Import(const QString& inPath, const QString& outPath, const ImportOptions& options, Observer observer);
+    Import(const QString& inPath, const QString& outPath, const ImportOptions& options, const Observer& goesOn);
 
     ImportResult Run(FormerFile formerFile);
 
@@ -40,20 +34,28 @@ private:
 
     Problem CheckAhead();
     Problem Transfer();
-    void Decode(AudioStream& stream);
-    void Report();
+    void Decode();
+    bool PushBatch(FrameBatch& batch);
     void Write();
+    void WriteAll();
+    bool IsCancelled() const;
+    AudioStream::CancelCheck CancelCheck() const;
     bool WriteBatch(const FrameBatch& batch);
+    bool WriteFrame(const AVFrame& frame);
     bool StartWriting(const AVFrame& first);
     bool WriteBlock();
     bool FinishWriting();
     ImportResult ResultOf(Problem problem) const;
 
     ImportOptions m_options;
-    Observer m_observer;
+    Observer m_goesOn;
+    /** From 0 to 1000. */
+    std::atomic<int> m_progress = 0;
     QString m_inPath;
     AudioStream m_stream;
     ImportLength m_length;
+    /** Of the frames that are pushed together, in bytes. */
+    qint64 m_batchSize = 0;
     FrameQueue m_queue;
 
     // Of the thread that writes, until it has ended.

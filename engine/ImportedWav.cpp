@@ -54,7 +54,7 @@ bool ImportedWav::Open(const QString& sourcePath)
 
 bool ImportedWav::HasRoomFor(double bytes) const
 {
-    const QStorageInfo storage(QFileInfo(m_path).absolutePath());
+    const QStorageInfo storage(QFileInfo(m_output.Path()).absolutePath());
     return !storage.isValid() || double(storage.bytesAvailable()) >= bytes;
 }
 
@@ -64,8 +64,10 @@ void ImportedWav::Start(const ImportOptions& options, const QAudioFormat& format
     m_isFloatGiven = format.sampleFormat() == QAudioFormat::Float;
     m_mayBecomeInt16 = options.sampleFormat == ImportOptions::Automatic;
     m_mayBeLarge = options.mayBeLarge;
-    m_hasRoom = options.mayBeLarge &&
-                !(length.duration > 0.0 && length.DataSize(format) < double(m_limits.shortFileBytes));
+    // What a source states of its length may be far from the truth; its size bounds that.
+    const bool isShort = length.isCertain && length.DataSize(format) < double(m_limits.shortFileBytes) &&
+                         QFileInfo(m_sourcePath).size() < m_limits.shortSourceBytes;
+    m_hasRoom = options.mayBeLarge && !isShort;
     if (!WriteHeader()) {
         Fail(Problem::CannotBeWritten);
     }
@@ -119,6 +121,9 @@ bool ImportedWav::Narrow()
     const qint64 start = file.pos() - m_dataSize;
     qint64 written = 0;
     for (qint64 read = 0; read < m_dataSize;) {
+        if (m_isCancelled && m_isCancelled()) {
+            return Fail(Problem::Cancelled);
+        }
         if (!file.seek(start + read)) {
             return Fail(Problem::CannotBeWritten);
         }

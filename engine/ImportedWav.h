@@ -8,7 +8,7 @@
 #include <QtCore/QString>
 
 #include <functional>
-#include <optional>
+#include <utility>
 
 namespace vantoraudio::AudioEngine {
 
@@ -38,9 +38,10 @@ struct ImportLimits
     qint64 mostFloatBytes = (qint64(2) << 30) - 256;
     /** Of a file without 64-bit sizes. */
     qint64 mostPlainBytes = (qint64(4) << 30) - 256;
-    /** Files that may come near a limit get a header with room for 64-bit sizes, all others the shortest there is.
-     */
+    /** Of files that come near no limit, as is certain, and of their sources: they get the shortest header. All
+     *  others get one with room for 64-bit sizes. */
     qint64 shortFileBytes = qint64(64) << 20;
+    qint64 shortSourceBytes = qint64(16) << 20;
 };
 
 /**
@@ -52,8 +53,10 @@ class ImportedWav
 public:
     using Problem = AudioFileInfo::Problem;
 
-    explicit ImportedWav(const QString& path, const ImportLimits& limits = {})
-        : m_limits(limits), m_path(path), m_output(path)
+    using CancelCheck = std::function<bool()>;
+
+    explicit ImportedWav(const QString& path, CancelCheck isCancelled = {}, const ImportLimits& limits = {})
+        : m_limits(limits), m_isCancelled(std::move(isCancelled)), m_path(path), m_output(path)
     {
     }
 
@@ -84,6 +87,7 @@ private:
     bool ReplacesSource() const;
 
     ImportLimits m_limits;
+    CancelCheck m_isCancelled;
     QString m_path;
     QString m_sourcePath;
     PendingFile m_output;

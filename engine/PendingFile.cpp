@@ -18,8 +18,12 @@ constexpr qint64 copiedBlockSize = 1 << 20;
 QString WithoutLinks(const QString& path)
 {
     const QFileInfo info(path);
-    const QString canonical = info.canonicalFilePath();
-    return canonical.isEmpty() ? info.absoluteFilePath() : canonical;
+    QString canonical = info.canonicalFilePath();
+    if (!canonical.isEmpty()) {
+        return canonical;
+    }
+    // A link may lead to what is not there yet.
+    return info.isSymLink() ? info.symLinkTarget() : info.absoluteFilePath();
 }
 
 bool IsDevice(const QString& path)

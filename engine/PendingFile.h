@@ -18,6 +18,9 @@ public:
     /** False when the name may not be written or there is nowhere to write; nothing has changed then. */
     [[nodiscard]] bool Open();
 
+    /** What will be replaced: what `path` leads to. */
+    const QString& Path() const { return m_path; }
+
     /** Whether Commit() leaves the former file whole when it fails; known after Open(). */
     bool ReplacesInOneStep() const { return m_isBeside; }
 

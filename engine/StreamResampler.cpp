@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <span>
 #include <vector>
 
 extern "C" {
@@ -13,6 +14,10 @@ extern "C" {
 namespace vantoraudio::AudioEngine {
 
 namespace {
+
+constexpr int mostChannels = 64;
+/** How many samples of a channel are to come out at once, about. */
+constexpr qint64 framesAtOnce = 1 << 16;
 
 /** Streams that do not name their channels have the usual ones. */
 AVChannelLayout LayoutOf(const AVFrame& frame)
@@ -36,6 +41,10 @@ bool IsEqual(const AVChannelLayout& a, const AVChannelLayout& b)
 /** For channels whose places nobody knows: each is heard on all sides alike. */
 bool SetAverage(SwrContext* resampler, int inputs, int outputs)
 {
+    // More than FFmpeg's own tables have room for.
+    if (inputs > mostChannels) {
+        return false;
+    }
     const std::vector<double> matrix(std::size_t(inputs) * std::size_t(outputs), 1.0 / inputs);
     return swr_set_matrix(resampler, matrix.data(), inputs) >= 0;
 }
@@ -52,6 +61,20 @@ void SilenceWhatIsNoNumber(char* bytes, qsizetype size)
             std::memcpy(bytes + i, &bits, sizeof(bits));
         }
     }
+}
+
+/** Where the samples of each plane begin, from `start` on. */
+std::vector<const uint8_t*> PlanesFrom(const AVFrame& frame, int start)
+{
+    const auto format = AVSampleFormat(frame.format);
+    const bool isPlanar = av_sample_fmt_is_planar(format) != 0;
+    const int channels = frame.ch_layout.nb_channels;
+    const qsizetype distance = qsizetype(start) * av_get_bytes_per_sample(format) * (isPlanar ? 1 : channels);
+    std::vector<const uint8_t*> planes;
+    for (const uint8_t* plane : std::span(frame.extended_data, std::size_t(isPlanar ? channels : 1))) {
+        planes.push_back(plane + distance);
+    }
+    return planes;
 }
 
 } // namespace
@@ -91,12 +114,16 @@ bool StreamResampler::StartAgain(const AVFrame& frame)
            (SetAverage(resampler, m_layout.nb_channels, m_target.layout.nb_channels) && swr_init(resampler) >= 0);
 }
 
-bool StreamResampler::Convert(const AVFrame& frame, QByteArray& samples)
+bool StreamResampler::Convert(const AVFrame& frame, int& start, QByteArray& samples)
 {
     if (!FitsTo(frame) && !(Drain(samples) && StartAgain(frame))) {
         return false;
     }
-    return Pass(frame.extended_data, frame.nb_samples, samples);
+    const qint64 fitting = framesAtOnce * m_sampleRate / m_target.sampleRate;
+    const int count = static_cast<int>(qBound(qint64(1), fitting, qint64(frame.nb_samples - start)));
+    const auto planes = PlanesFrom(frame, start);
+    start += count;
+    return Pass(planes.data(), count, samples);
 }
 
 bool StreamResampler::Drain(QByteArray& samples)

@@ -28,8 +28,9 @@ public:
     /** The layout that frames such as this one are given out in. */
     static AVChannelLayout OutputLayoutFor(const AVFrame& frame);
 
-    /** Appends what comes out for `frame`. False when FFmpeg cannot convert such frames. */
-    [[nodiscard]] bool Convert(const AVFrame& frame, QByteArray& samples);
+    /** Appends what comes out for a part of `frame`, from its sample `start` on, and moves `start` behind it:
+     * however far the rates are apart, little comes at once. False when FFmpeg cannot convert such frames. */
+    [[nodiscard]] bool Convert(const AVFrame& frame, int& start, QByteArray& samples);
     /** Appends what is left at the end. */
     [[nodiscard]] bool Drain(QByteArray& samples);
 

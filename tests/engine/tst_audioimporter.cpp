@@ -13,6 +13,9 @@
 #include <QtTest/QSignalSpy>
 #include <QtTest/QtTest>
 
+#include <bit>
+#include <sys/stat.h>
+
 using namespace Qt::Literals::StringLiterals;
 using namespace vantoraudio::AudioEngine;
 using namespace AudioPrograms;
@@ -63,6 +66,10 @@ private Q_SLOTS:
     void refusesAFolderThatMayNotBeWritten();
     void keepsAnOlderFileWhenTheDiskIsFull();
     void replacesItsOwnSource();
+    void fillsTheFileThatALinkPromises();
+    void keepsALinkThatLeadsNowhereWhenItFails();
+    void canBeCancelledHoweverFarTheRatesAreApart();
+    void tellsOfAMissingEnd();
     void importsAFileWithoutSamples();
     void readsBigEndianSamplesAsSuch_data();
     void readsBigEndianSamplesAsSuch();
@@ -157,8 +164,10 @@ void TestAudioImporter::runsOnThePoolThatIsHandedOver()
     QSemaphore gate;
     pool.start([&gate] { gate.acquire(); });
     QFuture<ImportResult> future = AudioImporter::Import(m_mp3, files.Path(u"out.wav"_s), {}, &pool);
-    // The pool's only thread is taken, so nothing has begun; other threads would be free.
-    QVERIFY(!future.isRunning() || future.progressMaximum() == 0);
+    // The pool's only thread is taken; elsewhere it would have begun and ended by now.
+    QVERIFY(QThreadPool::globalInstance()->waitForDone());
+    QVERIFY(!future.isFinished());
+    QCOMPARE(future.progressMaximum(), 0);
     QVERIFY(FilesIn(files.Path({})).isEmpty());
     gate.release();
     pool.waitForDone();
@@ -222,6 +231,18 @@ void TestAudioImporter::refusesWhatIsNoAudio_data()
     QTest::addRow("empty") << m_files.Write(u"empty.mp3"_s, {}) << Problem::NoAudio << WavFile::ErrorInvalidFormat;
     QTest::addRow("text") << m_files.Write(u"text.mp3"_s, QByteArray("It is no song. ").repeated(500))
                           << Problem::NoAudio << WavFile::ErrorInvalidFormat;
+    // What they name must not be opened: the pipe would be waited at.
+    QVERIFY(::mkfifo(qPrintable(m_files.Path(u"pipe.wav"_s)), 0600) == 0);
+    QTest::addRow("script that names a pipe")
+        << m_files.Write(u"script.wav"_s, "ffconcat version 1.0\nfile pipe.wav\n") << Problem::NoAudio
+        << WavFile::ErrorInvalidFormat;
+    QTest::addRow("play list that names a pipe")
+        << m_files.Write(u"list.m3u8"_s,
+                         "#EXTM3U\n#EXT-X-TARGETDURATION:1\n#EXTINF:1,\npipe.wav\n#EXT-X-ENDLIST\n")
+        << Problem::NoAudio << WavFile::ErrorInvalidFormat;
+    QTest::addRow("script that names a song")
+        << m_files.Write(u"song.wav"_s, "ffconcat version 1.0\nfile tone.mp3\n") << Problem::NoAudio
+        << WavFile::ErrorInvalidFormat;
     QTest::addRow("head of a WAV file") << m_files.Write(u"head.wav"_s, WavBytes{.data = {}}.Build().first(30))
                                         << Problem::NoAudio << WavFile::ErrorInvalidFormat;
 }
@@ -290,6 +311,51 @@ void TestAudioImporter::replacesItsOwnSource()
     QVERIFY(QFileInfo(link).isSymLink());
 }
 
+void TestAudioImporter::fillsTheFileThatALinkPromises()
+{
+    const TemporaryFiles files;
+    const QString link = files.Path(u"link.wav"_s);
+    QVERIFY(QFile::link(files.Path(u"target.wav"_s), link));
+    QVERIFY(AudioImporter::ImportNow(m_mp3, link).IsSuccess());
+    QVERIFY(QFileInfo(link).isSymLink());
+    QVERIFY(QFileInfo(files.Path(u"target.wav"_s)).isFile());
+}
+
+void TestAudioImporter::keepsALinkThatLeadsNowhereWhenItFails()
+{
+    const TemporaryFiles files;
+    const QString link = files.Path(u"link.wav"_s);
+    QVERIFY(QFile::link(files.Path(u"target.wav"_s), link));
+    QVERIFY(!AudioImporter::ImportNow(files.Write(u"text.mp3"_s, "no song"), link).IsSuccess());
+    QVERIFY(QFileInfo(link).isSymLink());
+    QCOMPARE(FilesIn(files.Path({})), (QStringList{u"link.wav"_s, u"text.mp3"_s}));
+}
+
+/** One frame of such a file becomes seconds of audio: it takes gigabytes if it comes at once. */
+void TestAudioImporter::canBeCancelledHoweverFarTheRatesAreApart()
+{
+    const TemporaryFiles files;
+    const WavBytes slow{.sampleRate = 1, .data = QByteArray(200000, '\x11')};
+    const QString source = files.Write(u"slow.wav"_s, slow.Build());
+    int calls = 0;
+    const ImportResult result = AudioImporter::ImportNow(source, files.Path(u"out.wav"_s), {.sampleRate = 96000},
+                                                         [&calls](int) { return ++calls < 2000; });
+    QCOMPARE(result.problem, Problem::Cancelled);
+    QCOMPARE(FilesIn(files.Path({})), QStringList{u"slow.wav"_s});
+}
+
+void TestAudioImporter::tellsOfAMissingEnd()
+{
+    const TemporaryFiles files;
+    QVERIFY(Encode(u"flac"_s, m_files.Path(u"tone.wav"_s), files.Path(u"tone.flac"_s)));
+    const QByteArray flac = TemporaryFiles::Read(files.Path(u"tone.flac"_s));
+    const QString source = files.Write(u"half.flac"_s, flac.first(flac.size() / 3));
+    const ImportResult result = AudioImporter::ImportNow(source, files.Path(u"out.wav"_s));
+    QVERIFY(result.IsSuccess());
+    QVERIFY(result.frameCount < 44100);
+    QVERIFY(result.damagedPackets > 0);
+}
+
 void TestAudioImporter::importsAFileWithoutSamples()
 {
     const TemporaryFiles files;
@@ -303,15 +369,19 @@ void TestAudioImporter::importsAFileWithoutSamples()
 void TestAudioImporter::readsBigEndianSamplesAsSuch_data()
 {
     QTest::addColumn<int>("bits");
-    QTest::addRow("16 bit") << 16;
-    QTest::addRow("24 bit") << 24;
-    QTest::addRow("32 bit") << 32;
+    QTest::addColumn<bool>("isFloat");
+    QTest::addRow("16 bit") << 16 << false;
+    QTest::addRow("24 bit") << 24 << false;
+    QTest::addRow("32 bit") << 32 << false;
+    QTest::addRow("float of 32 bit") << 32 << true;
+    QTest::addRow("float of 64 bit") << 64 << true;
 }
 
 /** FFmpeg by itself makes noise of them. */
 void TestAudioImporter::readsBigEndianSamplesAsSuch()
 {
     QFETCH(const int, bits);
+    QFETCH(const bool, isFloat);
     const TemporaryFiles files;
     const qsizetype size = bits / 8;
     QByteArray header("RIFX\0\0\0\0WAVEfmt \0\0\0\x10\0\1\0\1\0\0\xAC\x44", 28);
@@ -321,11 +391,14 @@ void TestAudioImporter::readsBigEndianSamplesAsSuch()
             bytes += char((number >> (8 * i)) & 0xFF);
         }
     };
+    header[21] = isFloat ? 3 : 1;
     append(header, 44100 * size, 4);
     append(header, size, 2);
     append(header, bits, 2);
     for (int i = -1000; i < 1000; ++i) {
-        append(samples, qint64(i) << (bits - 16), size);
+        const double value = double(i) / 32768.0;
+        const qint64 asFloat = bits == 64 ? std::bit_cast<qint64>(value) : std::bit_cast<qint32>(float(value));
+        append(samples, isFloat ? asFloat : qint64(i) * (qint64(1) << (bits - 16)), size);
     }
     header += "data";
     append(header, samples.size(), 4);

@@ -35,6 +35,7 @@ private Q_SLOTS:
     void becomesIntegersWhenItGrowsTooLarge();
     void staysFloatAsLongAsItMay();
     void cutsOffWhatIsTooLoudForIntegers();
+    void canBeCancelledWhileItBecomesIntegers();
     void keepsRoomForLargeSizesWhereTheLengthIsUnknown();
     void endsAtTheLimitOfPlainFiles();
     void beginsWithIntegersOnlyForCertainLengths_data();
@@ -52,7 +53,7 @@ void TestImportedWav::becomesIntegersWhenItGrowsTooLarge()
 {
     QFETCH(const int, blocks);
     const TemporaryFiles files;
-    ImportedWav wav(files.Path(u"out.wav"_s), {.mostFloatBytes = 4 * 1000 * 4});
+    ImportedWav wav(files.Path(u"out.wav"_s), {}, {.mostFloatBytes = 4 * 1000 * 4});
     QVERIFY(wav.Open(QString()));
     wav.Start({}, FloatFormat(), {});
     QByteArray expected;
@@ -82,8 +83,8 @@ void TestImportedWav::staysFloatAsLongAsItMay()
 {
     const TemporaryFiles files;
     for (const auto sampleFormat : {ImportOptions::Automatic, ImportOptions::Float}) {
-        ImportedWav wav(files.Path(u"out.wav"_s),
-                        {.mostFloatBytes = sampleFormat == ImportOptions::Float ? 4 : 4000});
+        const ImportLimits limits{.mostFloatBytes = sampleFormat == ImportOptions::Float ? 4 : 4000};
+        ImportedWav wav(files.Path(u"out.wav"_s), {}, limits);
         QVERIFY(wav.Open(QString()));
         wav.Start({.sampleFormat = sampleFormat}, FloatFormat(), {});
         QVERIFY(wav.Append(QByteArray(4000, '\0')));
@@ -96,13 +97,24 @@ void TestImportedWav::staysFloatAsLongAsItMay()
 void TestImportedWav::cutsOffWhatIsTooLoudForIntegers()
 {
     const TemporaryFiles files;
-    ImportedWav wav(files.Path(u"out.wav"_s), {.mostFloatBytes = 8});
+    ImportedWav wav(files.Path(u"out.wav"_s), {}, {.mostFloatBytes = 8});
     QVERIFY(wav.Open(QString()));
     wav.Start({}, FloatFormat(), {});
     QVERIFY(wav.Append(PackF32({1.0F, -1.0F, 3e38F, -3e38F, 0.00001F, 0.5F})));
     QVERIFY(wav.Finish());
     QCOMPARE(TemporaryFiles::Read(files.Path(u"out.wav"_s)).mid(80),
              PackS16({32767, -32768, 32767, -32768, 0, 16384}));
+}
+
+void TestImportedWav::canBeCancelledWhileItBecomesIntegers()
+{
+    const TemporaryFiles files;
+    ImportedWav wav(files.Path(u"out.wav"_s), [] { return true; }, {.mostFloatBytes = 8});
+    QVERIFY(wav.Open(QString()));
+    wav.Start({}, FloatFormat(), {});
+    QVERIFY(!wav.Append(QByteArray(400, '\0')));
+    QCOMPARE(wav.GetProblem(), Problem::Cancelled);
+    QVERIFY(!wav.Finish());
 }
 
 void TestImportedWav::keepsRoomForLargeSizesWhereTheLengthIsUnknown()
@@ -121,7 +133,8 @@ void TestImportedWav::keepsRoomForLargeSizesWhereTheLengthIsUnknown()
                    : -1;
     };
     QCOMPARE(offsetFor({}, {}), 80);
-    QCOMPARE(offsetFor({}, {1.0, false}), 44);
+    QCOMPARE(offsetFor({}, {1.0, false}), 80);
+    QCOMPARE(offsetFor({}, {1.0, true}), 44);
     QCOMPARE(offsetFor({}, {3600.0, true}), 80);
     QCOMPARE(offsetFor({.mayBeLarge = false}, {}), 44);
     QCOMPARE(offsetFor({.mayBeLarge = false}, {3600.0, true}), 44);
@@ -131,7 +144,7 @@ void TestImportedWav::endsAtTheLimitOfPlainFiles()
 {
     const TemporaryFiles files;
     for (const bool mayBeLarge : {false, true}) {
-        ImportedWav wav(files.Path(u"out.wav"_s), {.mostPlainBytes = 100});
+        ImportedWav wav(files.Path(u"out.wav"_s), {}, {.mostPlainBytes = 100});
         QVERIFY(wav.Open(QString()));
         wav.Start({.mayBeLarge = mayBeLarge}, FloatFormat(), {});
         QVERIFY(wav.Append(QByteArray(100, '\0')));

@@ -82,7 +82,8 @@ public:
     /**
      * Loads a file in the background, whatever it is called; an empty path unloads. Returns at once. What can be
      * read is everything of CanBeLoaded() in AudioFileInfo; WAV files may be of any length. Until the new file is
-     * there the former one stays as it is, with its selection, playback and tasks; after a failure too.
+     * there the former one stays as it is, with its selection, playback and tasks; after a failure too, unless
+     * what fails is the opening of the finished copy.
      *
      * LoadStarted() comes first, before this returns, then ProgressChanged(permille, 0, 1000, "Loading...") now
      * and then. In the end exactly one of these comes, unless the widget is destroyed before:
@@ -293,6 +294,7 @@ private:
     [[nodiscard]] WavFile::AudioEngineReturnValue Decode(const QString& path, const QString& workingPath) const;
     void OpenWorkingFile(WavFile::AudioEngineReturnValue resultSoFar, const QString& workingPath);
     [[nodiscard]] QString DropLoad();
+    void DropLoadAndTell();
     void OnLoadEnded();
     void ShowCopy(const QString& path, const WorkingCopy& copy);
     void OpenCopy(const QString& path, const WorkingCopy& copy);

@@ -2,6 +2,7 @@
 #include "ui/player/Controls.h"
 #include "ui/player/GuardedSignalBlocker.h"
 
+#include <vantorAudioEngine/AudioImporter.h>
 #include <vantorAudioEngine/AudioPlayerWidget.h>
 
 #include <QtCore/QPointer>
@@ -26,7 +27,7 @@ void AudioPlayerWidget::LoadFile(const QString& path)
     }
     const int load = ++m_loadCount;
     const QPointer<AudioPlayerWidget> self(this);
-    CancelLoad();
+    DropLoadAndTell();
     if (!self || load != m_loadCount) {
         // Upon that signal the program destroyed this widget, or loaded another file.
         return;
@@ -43,6 +44,12 @@ void AudioPlayerWidget::LoadFile(const QString& path)
 }
 
 void AudioPlayerWidget::CancelLoad()
+{
+    ++m_loadCount;
+    DropLoadAndTell();
+}
+
+void AudioPlayerWidget::DropLoadAndTell()
 {
     const QString path = DropLoad();
     if (!path.isEmpty()) {
@@ -88,9 +95,10 @@ void AudioPlayerWidget::ShowCopy(const QString& path, const WorkingCopy& copy)
 {
     const GuardedSignalBlocker blocker(m_controls->edTotalDuration);
     const QPointer<AudioPlayerWidget> self(this);
+    const int closing = m_loadCount + 1;
     Reset();
-    if (self && File().isOpen()) {
-        // When the program heard of the end of the busy time it loaded another file.
+    if (self && m_loadCount != closing) {
+        // When the program heard of the end of the busy time it cancelled, closed or loaded another file.
         Q_EMIT LoadCancelled(path);
     } else if (self) {
         OpenCopy(path, copy);
@@ -161,7 +169,7 @@ QString AudioPlayerWidget::AskForFile()
     if (!dialog) {
         return {};
     }
-    const QString path = isAccepted ? dialog->selectedFiles().value(0) : QString();
+    QString path = isAccepted ? dialog->selectedFiles().value(0) : QString();
     delete dialog;
     return path;
 }

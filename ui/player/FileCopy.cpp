@@ -57,6 +57,7 @@ Problem CopyBlocks(QFile& source, QFile& target, const CopyObserver& goesOn)
         }
         copied += count;
     }
+    goesOn(1000);
     return Problem::None;
 }
 

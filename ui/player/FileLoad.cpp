@@ -2,6 +2,7 @@
 
 #include "ui/player/FileCopy.h"
 
+#include <vantorAudioEngine/AudioImporter.h>
 #include <vantorAudioEngine/WavFile.h>
 
 #include <QtConcurrent/QtConcurrentRun>
@@ -10,8 +11,9 @@
 #include <QtCore/QPromise>
 #include <QtCore/QThreadPool>
 
-#include <algorithm>
 #include <cmath>
+#include <functional>
+#include <utility>
 
 namespace vantoraudio::vantorAudioEngine::UI {
 namespace {
@@ -21,19 +23,37 @@ using AudioEngine::AudioImporter;
 using AudioEngine::ImportResult;
 using Problem = AudioFileInfo::Problem;
 
-class Threads : public QThreadPool
+/** The threads on which files are loaded and their copies removed. */
+class LoadThreads
 {
 public:
-    /** More than one on every machine: a load that was given up may hang on a slow disk. */
-    Threads() { setMaxThreadCount(std::max(maxThreadCount(), 4)); }
-};
+    static void Start(std::function<void()> task) { Instance().m_pool->start(std::move(task)); }
+    static QThreadPool* Pool() { return Instance().m_pool.get(); }
 
-/** Ends with the program, when the last folder has been removed. */
-QThreadPool& LoadThreads()
-{
-    static Threads threads;
-    return threads;
-}
+private:
+    /** Loads that were given up may hang on a disk that does not answer, and the next one is not to wait for them.
+     */
+    static constexpr int mostThreads = 16;
+    static constexpr int patienceAtTheEnd = 3000;
+
+    LoadThreads() { m_pool->setMaxThreadCount(mostThreads); }
+    /** The program ends when all is tidied up, but not for the sake of a thread that hangs. */
+    ~LoadThreads()
+    {
+        if (!m_pool->waitForDone(patienceAtTheEnd)) {
+            static_cast<void>(m_pool.release());
+        }
+    }
+    Q_DISABLE_COPY_MOVE(LoadThreads)
+
+    static LoadThreads& Instance()
+    {
+        static LoadThreads threads;
+        return threads;
+    }
+
+    std::unique_ptr<QThreadPool> m_pool = std::make_unique<QThreadPool>();
+};
 
 /** Removing a long file takes its time. Without the warnings of QTemporaryDir: a program that closes may remove
  * the folder around this one at the same moment. Only for valid folders: an empty path would mean the current one.
@@ -41,7 +61,7 @@ QThreadPool& LoadThreads()
 void RemoveInBackground(QTemporaryDir* folder)
 {
     folder->setAutoRemove(false);
-    LoadThreads().start([folder] {
+    LoadThreads::Start([folder] {
         QDir(folder->path()).removeRecursively();
         delete folder;
     });
@@ -63,7 +83,9 @@ bool IsSoundWavFile(const QString& path)
     WavFile file;
     file.SetLargeFiles(true);
     const bool isOpen = file.Open(path) == WavFile::Success;
-    return isOpen && std::isfinite(file.GetDuration()) && file.GetDuration() > 0.0 &&
+    // Floats of 16 or 24 bits are opened, but not understood.
+    const bool isKnown = file.GetFileFormat().sampleFormat() != QAudioFormat::Float || file.GetSampleSize() == 32;
+    return isOpen && isKnown && std::isfinite(file.GetDuration()) && file.GetDuration() > 0.0 &&
            file.GetDataLength() <= file.size() - file.GetDataOffset();
 }
 
@@ -90,7 +112,7 @@ public:
     {
         promise.setProgressRange(0, 1000);
         m_source = FileState::Of(m_path);
-        promise.addResult(CanKeepFormer() ? Prepared{Problem::None, m_former, false} : Prepare(promise));
+        promise.addResult(CanKeepFormer() ? Prepared{Problem::None, m_former} : Prepare(promise));
     }
 
 private:
@@ -104,17 +126,21 @@ private:
         const std::shared_ptr<QTemporaryDir> folder = MakeFolder(m_directory);
         if (!folder) {
             const Problem ofSource = AudioFileInfo::Probe(m_path).GetProblem();
-            return {ofSource == Problem::None ? Problem::CannotBeCreated : ofSource, {}, false};
+            return {ofSource == Problem::None ? Problem::CannotBeCreated : ofSource, {}};
         }
         const WorkingCopy copy{folder, folder->filePath(QFileInfo(m_path).fileName()), m_source};
-        if (!IsSoundWavFile(m_path)) {
-            return {Problem::None, copy, true};
-        }
         const auto goesOn = [&promise](int permille) {
             promise.setProgressValue(permille);
             return !promise.isCanceled();
         };
-        return {CopyFile(m_path, copy.path, goesOn), copy, false};
+        return {IsSoundWavFile(m_path) ? CopyFile(m_path, copy.path, goesOn) : ImportFile(copy.path, goesOn),
+                copy};
+    }
+
+    Problem ImportFile(const QString& to, const AudioImporter::Observer& goesOn) const
+    {
+        const ImportResult result = AudioImporter::ImportNow(m_path, to, {}, goesOn);
+        return result.IsSuccess() && result.frameCount == 0 ? Problem::NoAudio : result.problem;
     }
 
     QString m_path;
@@ -124,58 +150,29 @@ private:
 };
 
 FileLoad::FileLoad(const QString& path, const QString& directory, const WorkingCopy& former)
-    : m_path(path), m_directory(directory), m_prepared{Problem::None, former, false}
+    : m_path(path), m_directory(directory), m_prepared{Problem::None, former}
 {
-    Follow(m_preparing, &FileLoad::OnPrepared);
-    Follow(m_importing, &FileLoad::OnImported);
+    // Queued, so that the watcher is not at work when this object is destroyed.
+    connect(&m_preparing, &QFutureWatcherBase::progressValueChanged, this, &FileLoad::Progressed,
+            Qt::QueuedConnection);
+    connect(&m_preparing, &QFutureWatcherBase::finished, this, &FileLoad::OnPrepared, Qt::QueuedConnection);
 }
 
 FileLoad::~FileLoad()
 {
     m_preparing.cancel();
-    QFuture<ImportResult> import = m_importing.future();
-    if (!import.isFinished()) {
-        import.cancel();
-        // It has its folder to its end.
-        LoadThreads().start([import, folder = m_prepared.copy.folder]() mutable { import.waitForFinished(); });
-    }
-}
-
-/** Queued, so that the watcher is not at work when this object is destroyed. */
-void FileLoad::Follow(QFutureWatcherBase& watcher, void (FileLoad::*onFinished)())
-{
-    connect(&watcher, &QFutureWatcherBase::progressValueChanged, this, &FileLoad::Progressed,
-            Qt::QueuedConnection);
-    connect(&watcher, &QFutureWatcherBase::finished, this, onFinished, Qt::QueuedConnection);
 }
 
 void FileLoad::Start()
 {
-    m_preparing.setFuture(QtConcurrent::run(&LoadThreads(), Preparation(m_path, m_directory, m_prepared.copy)));
+    m_preparing.setFuture(
+        QtConcurrent::run(LoadThreads::Pool(), Preparation(m_path, m_directory, m_prepared.copy)));
     Q_EMIT Progressed(0);
 }
 
 void FileLoad::OnPrepared()
 {
     m_prepared = m_preparing.result();
-    if (m_prepared.isToBeImported) {
-        Import();
-    } else {
-        Q_EMIT Ended();
-    }
-}
-
-void FileLoad::Import()
-{
-    const WorkingCopy& copy = m_prepared.copy;
-    m_importing.setFuture(
-        AudioImporter::Import(QFileInfo(m_path).absoluteFilePath(), copy.path, {}, &LoadThreads()));
-}
-
-void FileLoad::OnImported()
-{
-    const ImportResult result = m_importing.result();
-    m_prepared.problem = result.IsSuccess() && result.frameCount == 0 ? Problem::NoAudio : result.problem;
     Q_EMIT Ended();
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <vantorAudioEngine/AudioFileInfo.h>
-#include <vantorAudioEngine/AudioImporter.h>
 
 #include <QtCore/QDateTime>
 #include <QtCore/QFutureWatcher>
@@ -70,26 +69,20 @@ Q_SIGNALS:
     void Ended();
 
 private:
-    /** What the first look at a file leads to. */
     struct Prepared
     {
         Problem problem = Problem::None;
         WorkingCopy copy;
-        bool isToBeImported = false;
     };
 
     class Preparation;
 
-    void Follow(QFutureWatcherBase& watcher, void (FileLoad::*onFinished)());
     void OnPrepared();
-    void Import();
-    void OnImported();
 
     QString m_path;
     QString m_directory;
     Prepared m_prepared;
     QFutureWatcher<Prepared> m_preparing;
-    QFutureWatcher<AudioEngine::ImportResult> m_importing;
 };
 
 } // namespace vantoraudio::vantorAudioEngine::UI
