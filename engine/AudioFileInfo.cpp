@@ -159,6 +159,14 @@ qint64 AudioFileInfo::GetImportedSize(const ImportOptions& options) const
     return size > 0.0 ? static_cast<qint64>(qMin(size, most)) + largeHeaderSize : 0;
 }
 
+AudioFileInfo::Problem AudioFileInfo::CheckImport(const ImportOptions& options, const QString& outPath) const
+{
+    if (m_facts->problem != Problem::None || !m_facts->length.isCertain) {
+        return m_facts->problem;
+    }
+    return ProblemOfSize(double(GetImportedSize(options)), options, outPath);
+}
+
 QString AudioFileInfo::TextOf(Problem problem, const QString& path)
 {
     const QString name = QDir::toNativeSeparators(path);

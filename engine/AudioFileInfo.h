@@ -94,6 +94,13 @@ public:
      * `Automatic` it takes the sample type that the import will choose. */
     [[nodiscard]] qint64 GetImportedSize(const ImportOptions& options) const;
 
+    /**
+     * Why an import to a file `outPath` would be refused before it begins: what is wrong with this file, TooLong,
+     * or NoSpace where it would go. None also where the duration is no more than an estimate, by which nothing is
+     * refused. Asks the disk.
+     */
+    [[nodiscard]] Problem CheckImport(const ImportOptions& options, const QString& outPath) const;
+
     /** A translated sentence about the file `path`; empty for None. */
     [[nodiscard]] static QString TextOf(Problem problem, const QString& path);
 

@@ -78,14 +78,13 @@ Import::Problem Import::CheckAhead()
     m_length = {m_stream.Duration(), m_stream.IsDurationCertain()};
     m_batchSize = qBound(leastBatchSize, batchSize * source.sample_rate / sampleRate, batchSize);
     format.setSampleFormat(FirstSampleFormat(m_options, format, m_length));
+    // Nothing is refused by a guess.
     const double size = m_length.isCertain ? m_length.DataSize(format) : 0.0;
-    if (!m_options.mayBeLarge && size > double(ImportLimits().mostPlainBytes)) {
-        return Problem::TooLong;
-    }
-    if (!m_output.Open(m_inPath)) {
+    const Problem problem = ProblemOfSize(size, m_options, m_output.Path());
+    if (problem == Problem::None && !m_output.Open(m_inPath)) {
         return m_output.GetProblem();
     }
-    return m_output.HasRoomFor(size) ? Problem::None : Problem::NoSpace;
+    return problem;
 }
 
 Import::Problem Import::Transfer()

@@ -44,18 +44,22 @@ QAudioFormat::SampleFormat FirstSampleFormat(const ImportOptions& options, const
     return isInt16 ? QAudioFormat::Int16 : QAudioFormat::Float;
 }
 
+AudioFileInfo::Problem ProblemOfSize(double bytes, const ImportOptions& options, const QString& path)
+{
+    if (!options.mayBeLarge && bytes > double(ImportLimits().mostPlainBytes)) {
+        return AudioFileInfo::Problem::TooLong;
+    }
+    const QStorageInfo storage(QFileInfo(path).absolutePath());
+    const bool hasRoom = !storage.isValid() || double(storage.bytesAvailable()) >= bytes;
+    return hasRoom ? AudioFileInfo::Problem::None : AudioFileInfo::Problem::NoSpace;
+}
+
 bool ImportedWav::Open(const QString& sourcePath)
 {
     m_sourcePath = sourcePath;
     // Overwritten byte by byte, the only copy of the audio could end as neither the old nor the new file.
     const bool isOpen = m_output.Open() && (!ReplacesSource() || m_output.ReplacesInOneStep());
     return isOpen || Fail(Problem::CannotBeCreated);
-}
-
-bool ImportedWav::HasRoomFor(double bytes) const
-{
-    const QStorageInfo storage(QFileInfo(m_output.Path()).absolutePath());
-    return !storage.isValid() || double(storage.bytesAvailable()) >= bytes;
 }
 
 void ImportedWav::Start(const ImportOptions& options, const QAudioFormat& format, const ImportLength& length)

@@ -44,6 +44,9 @@ struct ImportLimits
     qint64 shortSourceBytes = qint64(16) << 20;
 };
 
+/** Whether a WAV file of so many bytes may be made and finds room where `path` lies. */
+AudioFileInfo::Problem ProblemOfSize(double bytes, const ImportOptions& options, const QString& path);
+
 /**
  * The WAV file that an import writes. It grows out of sight; its header tells its true length in the end. With
  * ImportOptions::Automatic floats that reach 2 GiB become 16-bit integers on the spot. Used on one thread.
@@ -62,7 +65,8 @@ public:
 
     /** Whether the file can be written, and `sourcePath` could be replaced safely where it is the same file. */
     [[nodiscard]] bool Open(const QString& sourcePath);
-    [[nodiscard]] bool HasRoomFor(double bytes) const;
+    /** What will be replaced: what the path leads to. */
+    const QString& Path() const { return m_output.Path(); }
 
     /** `format` is the format of what will be appended. */
     void Start(const ImportOptions& options, const QAudioFormat& format, const ImportLength& length);

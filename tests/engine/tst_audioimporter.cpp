@@ -74,6 +74,7 @@ private Q_SLOTS:
     void readsBigEndianSamplesAsSuch_data();
     void readsBigEndianSamplesAsSuch();
     void refusesWhatExceedsFourGibibytesWhereItMay();
+    void asksForRoomBeforeTheWorkBegins();
     void takesIntegersForWhatWouldExceedTwoGibibytes();
     void countsDamagedPackets();
 
@@ -416,10 +417,30 @@ void TestAudioImporter::refusesWhatExceedsFourGibibytesWhereItMay()
     const TemporaryFiles files;
     const QString source = MakeLongWav(m_files, 18000);
     const ImportOptions options{.sampleFormat = ImportOptions::Float, .mayBeLarge = false};
+    QCOMPARE(AudioFileInfo::Probe(source).CheckImport(options, files.Path(u"out.wav"_s)), Problem::TooLong);
     const ImportResult result = AudioImporter::ImportNow(source, files.Path(u"out.wav"_s), options);
     QCOMPARE(result.problem, Problem::TooLong);
     QCOMPARE(result.Code(), WavFile::ErrorInvalidFormat);
     QVERIFY(FilesIn(files.Path({})).isEmpty());
+}
+
+void TestAudioImporter::asksForRoomBeforeTheWorkBegins()
+{
+    // More than any disk holds, in a sparse file with 64-bit sizes.
+    const TemporaryFiles files;
+    const qint64 size = qint64(1) << 43;
+    QByteArray head("RF64\xFF\xFF\xFF\xFFWAVEds64\x1C\0\0\0", 20);
+    head += LittleEndian(size + 72) + LittleEndian(size) + LittleEndian(size / 4) + LittleEndian(quint32(0));
+    head += WavBytes{.channels = 2, .sampleRate = 48000}.Build().mid(12, 28) + LittleEndian(quint32(0xFFFFFFFF));
+    const QString source = files.Write(u"endless.wav"_s, head);
+    if (!QFile::resize(source, head.size() + size)) {
+        QSKIP("The file system takes no file of 8 TiB.");
+    }
+    const QString out = files.Path(u"out.wav"_s);
+    const ImportOptions options{.sampleRate = 768000};
+    QCOMPARE(AudioFileInfo::Probe(source).CheckImport(options, out), Problem::NoSpace);
+    QCOMPARE(AudioImporter::ImportNow(source, out, options).problem, Problem::NoSpace);
+    QCOMPARE(FilesIn(files.Path({})), QStringList{u"endless.wav"_s});
 }
 
 void TestAudioImporter::takesIntegersForWhatWouldExceedTwoGibibytes()

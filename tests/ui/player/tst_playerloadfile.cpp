@@ -161,6 +161,8 @@ private Q_SLOTS:
     void isDestroyedWithoutWaiting();
     void mayBeDestroyedByEverySignal_data();
     void mayBeDestroyedByEverySignal();
+    void theEndOfABusyTimeMayEndALoad_data();
+    void theEndOfABusyTimeMayEndALoad();
     void mayLoadAnotherFileUponEverySignal_data();
     void mayLoadAnotherFileUponEverySignal();
 
@@ -711,6 +713,45 @@ void PlayerLoadFileTest::mayBeDestroyedByEverySignal()
     }
     QTRY_VERIFY_WITH_TIMEOUT(!player, PlayerSetup::patience);
     QTRY_COMPARE_WITH_TIMEOUT(setup.OtherFiles(), QStringList(), PlayerSetup::patience);
+}
+
+void PlayerLoadFileTest::theEndOfABusyTimeMayEndALoad_data()
+{
+    QTest::addColumn<QString>("call");
+    for (const char* call : {"CancelLoad", "Close", "Reset", "LoadFile"}) {
+        QTest::newRow(call) << QString::fromLatin1(call);
+    }
+}
+
+/** The former file is closed when the next one is ready, which ends the writing of a snippet of it. */
+void PlayerLoadFileTest::theEndOfABusyTimeMayEndALoad()
+{
+    QFETCH(const QString, call);
+    LoadSetup setup;
+    AudioPlayerWidget& player = *setup.player;
+    QVERIFY(setup.LoadCompletely(m_files.Path(u"long.wav"_s)));
+    player.SetSelectedSnippet({0.0, player.GetAudioDuration()});
+    const TemporaryFiles outputs;
+    player.CreateSnippet(outputs.Path(u"snippet.wav"_s));
+    QVERIFY(player.IsBusy());
+    setup.log.clear();
+    QObject::connect(&player, &AudioPlayerWidget::BusyChanged, this, [&] {
+        if (call == u"CancelLoad") {
+            player.CancelLoad();
+        } else if (call == u"Close") {
+            player.Close();
+        } else if (call == u"Reset") {
+            player.Reset();
+        } else {
+            player.LoadFile(m_files.Path(u"tone.wav"_s));
+        }
+    });
+    player.LoadFile(m_files.Path(u"tone.flac"_s));
+    QTRY_VERIFY_WITH_TIMEOUT(setup.log.contains(u"cancelled tone.flac"_s), PlayerSetup::patience);
+    QVERIFY(setup.HasEnded());
+    QVERIFY(!setup.log.contains(u"changed tone.flac"_s));
+    QVERIFY(!setup.log.contains(u"finished tone.flac"_s));
+    QCOMPARE(setup.log.contains(u"finished tone.wav"_s), call == u"LoadFile");
 }
 
 void PlayerLoadFileTest::mayLoadAnotherFileUponEverySignal_data()
