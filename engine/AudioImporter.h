@@ -79,7 +79,8 @@ public:
                                                       const ImportOptions& options = {},
                                                       QThreadPool* pool = nullptr);
 
-    /** Is told the progress from 0 to 1000, and false ends the import. Asked by both threads of an import, often.
+    /** Is told the progress from 0 to 1000, and false ends the import for good. Asked by both threads of an
+     * import, often.
      */
     using Observer = std::function<bool(int permille)>;
 

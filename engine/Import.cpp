@@ -14,6 +14,16 @@ constexpr qint64 batchSize = qint64(256) * 1024;
 /** A batch must not become so much by resampling that nothing is heard of it for long. */
 constexpr qint64 leastBatchSize = 4096;
 
+/** Without a frame the import would end as if the file did. */
+FramePointer NewFrame()
+{
+    FramePointer frame(av_frame_alloc());
+    if (!frame) {
+        throw std::bad_alloc();
+    }
+    return frame;
+}
+
 int BytesOf(const AVFrame& frame)
 {
     const int size = av_get_bytes_per_sample(AVSampleFormat(frame.format));
@@ -45,7 +55,7 @@ Import::Import(const QString& inPath, const QString& outPath, const ImportOption
 {
 }
 
-AudioStream::CancelCheck Import::CancelCheck() const
+AudioStream::CancelCheck Import::CancelCheck()
 {
     return [this] { return IsCancelled(); };
 }
@@ -108,16 +118,19 @@ Import::Problem Import::Transfer()
     return FinishWriting() ? Problem::None : m_writingProblem;
 }
 
-bool Import::IsCancelled() const
+/** Once cancelled it stays so, whatever is answered later: a part of the audio must not pass for all of it. */
+bool Import::IsCancelled()
 {
-    return m_goesOn && !m_goesOn(m_progress);
+    if (m_goesOn && !m_goesOn(m_progress)) {
+        m_isCancelled = true;
+    }
+    return m_isCancelled;
 }
 
 void Import::Decode()
 {
     FrameBatch batch;
-    for (FramePointer frame(av_frame_alloc()); frame && m_stream.ReadFrame(*frame);
-         frame.reset(av_frame_alloc())) {
+    for (FramePointer frame = NewFrame(); m_stream.ReadFrame(*frame); frame = NewFrame()) {
         batch.bytes += BytesOf(*frame);
         batch.frames.push_back(std::move(frame));
         if (batch.bytes >= m_batchSize && !PushBatch(batch)) {

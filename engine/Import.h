@@ -38,8 +38,8 @@ private:
     bool PushBatch(FrameBatch& batch);
     void Write();
     void WriteAll();
-    bool IsCancelled() const;
-    AudioStream::CancelCheck CancelCheck() const;
+    bool IsCancelled();
+    AudioStream::CancelCheck CancelCheck();
     bool WriteBatch(const FrameBatch& batch);
     bool WriteFrame(const AVFrame& frame);
     bool StartWriting(const AVFrame& first);
@@ -51,6 +51,7 @@ private:
     Observer m_goesOn;
     /** From 0 to 1000. */
     std::atomic<int> m_progress = 0;
+    std::atomic<bool> m_isCancelled = false;
     QString m_inPath;
     AudioStream m_stream;
     ImportLength m_length;

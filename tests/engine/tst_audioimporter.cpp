@@ -13,6 +13,7 @@
 #include <QtTest/QSignalSpy>
 #include <QtTest/QtTest>
 
+#include <atomic>
 #include <bit>
 #include <sys/stat.h>
 
@@ -69,6 +70,7 @@ private Q_SLOTS:
     void fillsTheFileThatALinkPromises();
     void keepsALinkThatLeadsNowhereWhenItFails();
     void canBeCancelledHoweverFarTheRatesAreApart();
+    void staysCancelledWhateverIsAnsweredLater();
     void tellsOfAMissingEnd();
     void importsAFileWithoutSamples();
     void readsBigEndianSamplesAsSuch_data();
@@ -343,6 +345,18 @@ void TestAudioImporter::canBeCancelledHoweverFarTheRatesAreApart()
                                                          [&calls](int) { return ++calls < 2000; });
     QCOMPARE(result.problem, Problem::Cancelled);
     QCOMPARE(FilesIn(files.Path({})), QStringList{u"slow.wav"_s});
+}
+
+void TestAudioImporter::staysCancelledWhateverIsAnsweredLater()
+{
+    const TemporaryFiles files;
+    for (int refused = 1; refused < 60; ++refused) {
+        std::atomic<int> calls = 0;
+        const ImportResult result =
+            AudioImporter::ImportNow(m_mp3, files.Path(u"out.wav"_s), {}, [&](int) { return ++calls != refused; });
+        QCOMPARE(result.problem, Problem::Cancelled);
+        QVERIFY(FilesIn(files.Path({})).isEmpty());
+    }
 }
 
 void TestAudioImporter::tellsOfAMissingEnd()

@@ -97,7 +97,7 @@ FileState FileState::Of(const QString& path)
     return {info.canonicalFilePath(), info.size(), info.lastModified()};
 }
 
-/** The first part of a load, on a thread of its own. It owns all that it works with. */
+/** What a load does on its thread. It owns all that it works with. */
 class FileLoad::Preparation
 {
 public:
