@@ -2,13 +2,13 @@
 include(CMakePackageConfigHelpers)
 
 set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/vantorAudioEngine")
-get_property(public_headers GLOBAL PROPERTY VANTORAUDIO_PUBLIC_HEADERS)
 
 install(TARGETS vantorAudioEngine EXPORT vantorAudioEngineTargets
   LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
   ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}"
   RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
-install(FILES ${public_headers} DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/vantorAudioEngine")
+install(DIRECTORY "${VANTORAUDIO_PUBLIC_INCLUDE_DIR}/vantorAudioEngine" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}"
+  FILES_MATCHING PATTERN "*.h")
 install(EXPORT vantorAudioEngineTargets NAMESPACE vantoraudio:: DESTINATION "${package_dir}")
 
 configure_package_config_file(

@@ -1,5 +1,5 @@
-#include "engine/SampleBlocks.h"
-#include "engine/WavHeader.h"
+#include "engine/samples/SampleBlocks.h"
+#include "engine/wav/WavHeader.h"
 
 #include <QtCore/QBuffer>
 

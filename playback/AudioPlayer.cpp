@@ -1,5 +1,5 @@
 #include "engine/QtDefects.h"
-#include "engine/Truncation.h"
+#include "engine/samples/Truncation.h"
 #include "playback/DeviceFollower.h"
 #include "playback/OutputDevices.h"
 #include "playback/SoundSettling.h"

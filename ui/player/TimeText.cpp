@@ -1,6 +1,6 @@
 #include "ui/player/TimeText.h"
 
-#include "engine/Truncation.h"
+#include "engine/samples/Truncation.h"
 
 #include <QtCore/QTime>
 

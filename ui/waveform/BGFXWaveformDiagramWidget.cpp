@@ -1,6 +1,6 @@
 #include "ui/waveform/BGFXWaveformDiagramWidget.h"
 
-#include "ui/waveform/ViewNavigation.h"
+#include "ui/waveform/rules/ViewNavigation.h"
 
 #include <vantorAudioEngine/BGFXWaveformWidget.h>
 

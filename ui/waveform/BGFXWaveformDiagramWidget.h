@@ -2,11 +2,11 @@
 
 #include "render/vantor3DQt/BGFXOffscreenWidget.h"
 #include "render/vantor3DQt/BGFXViewContext.h"
-#include "ui/waveform/Ruler.h"
-#include "ui/waveform/SampleRequest.h"
-#include "ui/waveform/SelectionRules.h"
-#include "ui/waveform/WaveformGeometry.h"
-#include "ui/waveform/WaveformProgram.h"
+#include "ui/waveform/drawing/WaveformGeometry.h"
+#include "ui/waveform/drawing/WaveformProgram.h"
+#include "ui/waveform/rules/Ruler.h"
+#include "ui/waveform/rules/SampleRequest.h"
+#include "ui/waveform/rules/SelectionRules.h"
 
 #include <QtCore/QList>
 #include <QtCore/QMutex>

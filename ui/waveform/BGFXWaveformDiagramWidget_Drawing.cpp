@@ -1,6 +1,6 @@
 #include "ui/waveform/BGFXWaveformDiagramWidget.h"
-#include "ui/waveform/Projection.h"
-#include "ui/waveform/TimeScale.h"
+#include "ui/waveform/drawing/Projection.h"
+#include "ui/waveform/rules/TimeScale.h"
 
 #include <QtCore/QDebug>
 #include <QtGui/QPaintEvent>

@@ -1,6 +1,6 @@
 #include "render/bgfx/bgfx.h"
 #include "ui/waveform/BGFXWaveformDiagramWidget.h"
-#include "ui/waveform/TimeScale.h"
+#include "ui/waveform/rules/TimeScale.h"
 
 #include <vantorAudioEngine/BGFXWaveformWidget.h>
 

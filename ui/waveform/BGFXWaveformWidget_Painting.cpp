@@ -1,6 +1,6 @@
 #include "ui/waveform/BGFXWaveformDiagramWidget.h"
-#include "ui/waveform/Ruler.h"
-#include "ui/waveform/TimeScale.h"
+#include "ui/waveform/rules/Ruler.h"
+#include "ui/waveform/rules/TimeScale.h"
 
 #include <vantorAudioEngine/BGFXWaveformWidget.h>
 

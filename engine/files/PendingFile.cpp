@@ -1,0 +1,131 @@
+#include "engine/files/PendingFile.h"
+
+#include "engine/files/FileReplacement.h"
+
+#include <QtCore/QByteArray>
+#include <QtCore/QDir>
+#include <QtCore/QFileInfo>
+
+#include <filesystem>
+#include <system_error>
+
+namespace vantoraudio::AudioEngine {
+
+namespace {
+
+constexpr qint64 copiedBlockSize = 1 << 20;
+
+QString WithoutLinks(const QString& path)
+{
+    const QFileInfo info(path);
+    QString canonical = info.canonicalFilePath();
+    if (!canonical.isEmpty()) {
+        return canonical;
+    }
+    // A link may lead to what is not there yet.
+    return info.isSymLink() ? info.symLinkTarget() : info.absoluteFilePath();
+}
+
+bool IsDevice(const QString& path)
+{
+    const QFileInfo info(path);
+    return info.exists() && !info.isFile();
+}
+
+/** Opening a pipe would wait for its other end. */
+bool IsPipe(const QString& path)
+{
+    std::error_code error;
+    return std::filesystem::is_fifo(QFileInfo(path).filesystemFilePath(), error);
+}
+
+/** Appending nothing leaves a file as it is; one that comes into being by it has a new file's permissions. */
+bool OpensForWriting(const QString& path)
+{
+    return !IsPipe(path) && QFile(path).open(IsDevice(path) ? QIODevice::WriteOnly : QIODevice::Append);
+}
+
+bool CanBeWritten(const QString& path)
+{
+    const bool isNew = !QFileInfo::exists(path);
+    return OpensForWriting(path) && (!isNew || QFile::remove(path));
+}
+
+/** Some file systems write out at once all of what replaces a file, however empty that is; so none is replaced. */
+bool MoveToEmptyFile(const QString& from, const QString& to)
+{
+    QFile::setPermissions(from, QFile::permissions(to));
+    return QFile::remove(to) && QFile::rename(from, to);
+}
+
+bool CopyRest(QFile& from, QFile& to)
+{
+    QByteArray block = from.read(copiedBlockSize);
+    while (!block.isEmpty() && to.write(block) == block.size()) {
+        block = from.read(copiedBlockSize);
+    }
+    return block.isEmpty() && from.atEnd();
+}
+
+} // namespace
+
+PendingFile::PendingFile(const QString& path) : m_path(WithoutLinks(path)) {}
+
+bool PendingFile::Open()
+{
+    return CanBeWritten(m_path) && (OpenBeside() || OpenElsewhere());
+}
+
+bool PendingFile::Commit()
+{
+    return m_file.flush() && (m_isBeside ? MoveOver() : CopyOver());
+}
+
+void PendingFile::RemoveFormer()
+{
+    if (QFileInfo(m_path).isFile() && !QFile::remove(m_path)) {
+        QFile::resize(m_path, 0);
+    }
+}
+
+bool PendingFile::OpenBeside()
+{
+    m_isBeside = !IsDevice(m_path) && OpenAs(QFileInfo(m_path).absolutePath() + u"/.decoded-XXXXXX");
+    return m_isBeside;
+}
+
+bool PendingFile::OpenElsewhere()
+{
+    return OpenAs(QDir::tempPath() + u"/decoded-XXXXXX");
+}
+
+bool PendingFile::OpenAs(const QString& nameTemplate)
+{
+    m_file.setFileTemplate(nameTemplate);
+    return m_file.open();
+}
+
+bool PendingFile::MoveOver()
+{
+    const QString name = m_file.fileName();
+    m_file.close();
+    const bool isNew = !QFileInfo::exists(m_path);
+    // A temporary file's own permissions are for its owner alone: it takes those of what stands there.
+    const bool isMoved = !name.isEmpty() && OpensForWriting(m_path) &&
+                         (isNew ? MoveToEmptyFile(name, m_path) : ReplaceFile(name, m_path));
+    m_file.setAutoRemove(!isMoved);
+    return isMoved;
+}
+
+bool PendingFile::CopyOver()
+{
+    QFile target(m_path);
+    const bool isCopied =
+        m_file.seek(0) && target.open(QIODevice::WriteOnly | QIODevice::Unbuffered) && CopyRest(m_file, target);
+    if (!isCopied && !IsDevice(m_path)) {
+        target.resize(0);
+    }
+    return isCopied;
+}
+
+} // namespace vantoraudio::AudioEngine

@@ -1,0 +1,85 @@
+#include "engine/files/SharedFileCursor.h"
+
+#include <QtCore/QMutexLocker>
+
+namespace vantoraudio::AudioEngine {
+
+SharedFileCursor::SharedFileCursor(QFile& file, QMutex& deviceLock, qint64 position)
+    : m_file(file), m_deviceLock(deviceLock)
+{
+    const QMutexLocker lock(&m_deviceLock);
+    m_isPlaced = position >= 0 && m_file.isReadable() && m_file.seek(position);
+    m_position = m_isPlaced ? position : 0;
+}
+
+qint64 SharedFileCursor::BytesLeft() const
+{
+    const QMutexLocker lock(&m_deviceLock);
+    return BytesLeftLocked();
+}
+
+bool SharedFileCursor::ReadBlock(qint64 size, QByteArray& block)
+{
+    const QMutexLocker lock(&m_deviceLock);
+    // The file is asked for its size only when the block would have to grow.
+    if (size > block.capacity()) {
+        size = qMin(size, BytesLeftLocked());
+        block.reserve(size);
+    }
+    block.resize(size);
+    block.resize(ReadLocked(block.data(), size));
+    m_position += block.size();
+    return !block.isEmpty();
+}
+
+bool SharedFileCursor::ReadSpaced(const Spacing& spacing, QByteArray& block)
+{
+    const QMutexLocker lock(&m_deviceLock);
+    const qint64 end = m_position + qMin(spacing.length, BytesLeftLocked());
+    const qint64 count = (end - m_position + spacing.distance - 1) / spacing.distance;
+    block.resize(count * spacing.size);
+    qint64 used = 0;
+    while (m_position < end) {
+        const qint64 arrived = ReadLocked(block.data() + used, spacing.size);
+        used += arrived;
+        if (arrived < spacing.size || !MoveToLocked(qMin(m_position + spacing.distance, end))) {
+            m_position += arrived;
+            break;
+        }
+    }
+    block.resize(used);
+    return !block.isEmpty();
+}
+
+void SharedFileCursor::MoveTo(qint64 position)
+{
+    if (position == m_position) {
+        return;
+    }
+    const QMutexLocker lock(&m_deviceLock);
+    MoveToLocked(position);
+}
+
+qint64 SharedFileCursor::BytesLeftLocked() const
+{
+    return m_isPlaced ? qMax(qint64(0), m_file.size() - m_position) : 0;
+}
+
+qint64 SharedFileCursor::ReadLocked(char* bytes, qint64 size)
+{
+    if (!m_isPlaced || size < 1 || (m_file.pos() != m_position && !m_file.seek(m_position))) {
+        return 0;
+    }
+    return qMax(qint64(0), m_file.read(bytes, size));
+}
+
+bool SharedFileCursor::MoveToLocked(qint64 position)
+{
+    const bool isMoved = m_isPlaced && position >= 0 && m_file.seek(position);
+    if (isMoved) {
+        m_position = position;
+    }
+    return isMoved;
+}
+
+} // namespace vantoraudio::AudioEngine

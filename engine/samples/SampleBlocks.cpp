@@ -1,0 +1,162 @@
+#include "engine/samples/SampleBlocks.h"
+
+#include "engine/samples/S24Samples.h"
+
+#include <QtCore/QtEndian>
+
+namespace vantoraudio::AudioEngine {
+
+namespace {
+
+// 16 and 24 bits are divided by their largest positive value and 32 bits multiplied by 2^-31, so only the former
+// reach slightly below -1. Views and stored lists depend on these very values.
+constexpr float largestS16 = 32767.0F;
+constexpr float s32Scale = 4.656612873077393e-10F;
+
+// Each coding has its own way to the average. Within their usual range both give the same.
+float AverageInDouble(float left, float right)
+{
+    return static_cast<float>(static_cast<double>(left + right) * 0.5);
+}
+
+float AverageInFloat(float left, float right)
+{
+    return (right + left) * 0.5F;
+}
+
+struct S16
+{
+    static constexpr qsizetype size = 2;
+    static float Value(const char* bytes)
+    {
+        return static_cast<float>(qFromLittleEndian<qint16>(bytes)) / largestS16;
+    }
+    static float Average(float left, float right) { return AverageInDouble(left, right); }
+};
+
+struct S24
+{
+    static constexpr qsizetype size = 3;
+    static float Value(const char* bytes) { return WidenedS24Value(S24InS32(bytes)); }
+    static float Average(float left, float right) { return AverageInFloat(left, right); }
+};
+
+struct WidenedS24
+{
+    static constexpr qsizetype size = 4;
+    static float Value(const char* bytes) { return WidenedS24Value(qFromLittleEndian<qint32>(bytes)); }
+    static float Average(float left, float right) { return AverageInFloat(left, right); }
+};
+
+struct S32
+{
+    static constexpr qsizetype size = 4;
+    static float Value(const char* bytes)
+    {
+        return static_cast<float>(qFromLittleEndian<qint32>(bytes)) * s32Scale;
+    }
+    static float Average(float left, float right) { return AverageInDouble(left, right); }
+};
+
+struct F32
+{
+    static constexpr qsizetype size = 4;
+    static float Value(const char* bytes) { return qFromLittleEndian<float>(bytes); }
+    static float Average(float left, float right) { return AverageInFloat(left, right); }
+};
+
+/** Appends what `valueOf` makes of every step-th frame. */
+template<typename ValueOf>
+void AppendPicked(QList<float>& values, QByteArrayView block, qsizetype frameSize, qsizetype step, ValueOf valueOf)
+{
+    const qsizetype frameCount = block.size() / frameSize;
+    const qsizetype valueCount = (frameCount + step - 1) / step;
+    values.resize(values.size() + valueCount);
+    float* value = values.data() + values.size() - valueCount;
+    const char* frame = block.data();
+    for (qsizetype i = 0; i < valueCount; ++i) {
+        value[i] = valueOf(frame + i * step * frameSize);
+    }
+}
+
+template<typename Coding>
+void AppendCoded(QList<float>& values, QByteArrayView block, int channelCount, BlockPick pick)
+{
+    const auto left = [](const char* frame) { return Coding::Value(frame); };
+    const auto right = [](const char* frame) { return Coding::Value(frame + Coding::size); };
+    const auto average = [=](const char* frame) { return Coding::Average(left(frame), right(frame)); };
+
+    const qsizetype step = qMax(1, pick.step);
+    const qsizetype frameSize = Coding::size * channelCount;
+    if (channelCount < 1) {
+        return;
+    }
+    if (channelCount == 1 || pick.channel == WavFile::ChannelLeft) {
+        AppendPicked(values, block, frameSize, step, left);
+    } else if (pick.channel == WavFile::ChannelRight) {
+        AppendPicked(values, block, frameSize, step, right);
+    } else {
+        AppendPicked(values, block, frameSize, step, average);
+    }
+}
+
+} // namespace
+
+qsizetype BytesPerFrame(const BlockFormat& format)
+{
+    const qsizetype channelCount = qMax(0, format.audio.channelCount());
+    switch (format.audio.sampleFormat()) {
+    case QAudioFormat::Int16:
+        return channelCount * S16::size;
+    case QAudioFormat::Int32:
+        return channelCount * (format.sampleSize == 24 ? S24::size : S32::size);
+    case QAudioFormat::Float:
+        return channelCount * F32::size;
+    default:
+        return 0;
+    }
+}
+
+void AppendBlock(QList<float>& values, QByteArrayView block, const BlockFormat& format, BlockPick pick)
+{
+    const int channelCount = format.audio.channelCount();
+    switch (format.audio.sampleFormat()) {
+    case QAudioFormat::Int16:
+        return AppendS16Block(values, block, channelCount, pick);
+    case QAudioFormat::Int32:
+        return format.sampleSize == 24 ? AppendS24Block(values, block, channelCount, pick)
+                                       : AppendS32Block(values, block, channelCount, pick);
+    case QAudioFormat::Float:
+        return AppendF32Block(values, block, channelCount, pick);
+    default:
+        return;
+    }
+}
+
+void AppendS16Block(QList<float>& values, QByteArrayView block, int channelCount, BlockPick pick)
+{
+    AppendCoded<S16>(values, block, channelCount, pick);
+}
+
+void AppendS24Block(QList<float>& values, QByteArrayView block, int channelCount, BlockPick pick)
+{
+    // With frames left out, those would be widened for nothing.
+    if (pick.step > 1) {
+        return AppendCoded<S24>(values, block, channelCount, pick);
+    }
+    ForWidenedStretches(block, S24::size * qMax(1, channelCount), [&](const QByteArray& stretch) {
+        AppendCoded<WidenedS24>(values, stretch, channelCount, pick);
+    });
+}
+
+void AppendS32Block(QList<float>& values, QByteArrayView block, int channelCount, BlockPick pick)
+{
+    AppendCoded<S32>(values, block, channelCount, pick);
+}
+
+void AppendF32Block(QList<float>& values, QByteArrayView block, int channelCount, BlockPick pick)
+{
+    AppendCoded<F32>(values, block, channelCount, pick);
+}
+
+} // namespace vantoraudio::AudioEngine

@@ -1,0 +1,247 @@
+#include "engine/SharedValue.h"
+#include "engine/samples/Truncation.h"
+#include "engine/wav/WavHeader.h"
+
+#include <vantorAudioEngine/WavFile.h>
+
+#include <QtCore/QFileInfo>
+#include <QtCore/QMetaType>
+#include <QtCore/QMutexLocker>
+
+#include <limits>
+#include <mutex>
+
+using namespace vantoraudio::AudioEngine;
+
+namespace {
+
+/** Done when the library is loaded, so that the type is known by its name before anyone uses the class. */
+void RegisterMetaTypes()
+{
+    qRegisterMetaType<WavFile::ChannelFormat>("WavFile::ChannelFormat");
+}
+
+/** Opening a pipe may block for ever, and a directory or a device holds no audio file. */
+bool IsRegularFile(const QString& fileName)
+{
+    return QFileInfo(fileName).isFile();
+}
+
+} // namespace
+
+Q_CONSTRUCTOR_FUNCTION(RegisterMetaTypes)
+
+WavFile::WavFile(QObject* parent) : QFile(parent)
+{
+    // Zero in every version of Qt, whatever a fresh QAudioFormat says.
+    m_fileFormat.setChannelCount(0);
+}
+
+WavFile::~WavFile() = default;
+
+// The flag of channel filtering, the sample size, the wish for large files and all of the QFile are left out on
+// purpose.
+WavFile& WavFile::operator=(const WavFile& other)
+{
+    if (this == &other) {
+        return *this;
+    }
+    const std::scoped_lock lock(m_mutex, other.m_mutex);
+    StoreShared(m_abortRead, other.m_abortRead);
+    StoreShared(m_abortWrite, other.m_abortWrite);
+    m_duration = other.m_duration;
+    m_fileFormat = other.m_fileFormat;
+    m_dataOffset = other.m_dataOffset;
+    m_dataLength = other.m_dataLength;
+    m_samples = other.m_samples;
+    SetSelectedChannel(other.GetSelectedChannel());
+    return *this;
+}
+
+WavFile::AudioEngineReturnValue WavFile::Open(const QString& fileName)
+{
+    close();
+    setFileName(fileName);
+    if (!IsRegularFile(fileName) || !open(QIODevice::ReadOnly)) {
+        close();
+        return ErrorOpenFile;
+    }
+    const AudioEngineReturnValue result = ReadHeader();
+    if (result != Success) {
+        return result;
+    }
+    const int bytesPerSample = m_sampleSize / 8;
+    if (bytesPerSample < 1 || m_fileFormat.channelCount() < 1) {
+        return Success;
+    }
+    // At a rate of 0 the duration becomes infinite, or not-a-number without data: ordinary values for callers.
+    static_assert(std::numeric_limits<double>::is_iec559);
+    const double bytesPerSecond =
+        double(m_fileFormat.channelCount()) * double(bytesPerSample) * double(m_fileFormat.sampleRate());
+    m_duration = double(m_dataLength) / bytesPerSecond;
+    return Success;
+}
+
+qint64 WavFile::GetDataLength() const
+{
+    return m_dataLength;
+}
+
+qint64 WavFile::GetDataOffset() const
+{
+    return m_dataOffset;
+}
+
+double WavFile::GetDuration() const
+{
+    return m_duration;
+}
+
+const QAudioFormat& WavFile::GetFileFormat() const
+{
+    return m_fileFormat;
+}
+
+int WavFile::GetSampleSize() const
+{
+    return m_sampleSize;
+}
+
+bool WavFile::GetLargeFiles() const
+{
+    return LoadShared(m_allowsLargeFiles);
+}
+
+void WavFile::SetLargeFiles(bool allowed)
+{
+    StoreShared(m_allowsLargeFiles, allowed);
+}
+
+WavFile::ChannelFormat WavFile::GetSelectedChannel() const
+{
+    return LoadShared(m_selectedChannel);
+}
+
+void WavFile::SetSelectedChannel(ChannelFormat channel)
+{
+    if (GetSelectedChannel() != channel) {
+        StoreShared(m_selectedChannel, channel);
+    }
+}
+
+QList<float> WavFile::GetSamples() const
+{
+    const QMutexLocker lock(&m_mutex);
+    return m_samples;
+}
+
+void WavFile::AbortRead()
+{
+    SetAbortFlag(m_abortRead);
+}
+
+void WavFile::AbortWrite()
+{
+    SetAbortFlag(m_abortWrite);
+}
+
+void WavFile::AbortChannelFilter()
+{
+    SetAbortFlag(m_abortChannelFilter);
+}
+
+void WavFile::SetAbortFlag(bool& flag)
+{
+    const QMutexLocker lock(&m_mutex);
+    StoreShared(flag, true);
+}
+
+void WavFile::ClearAbortFlag(bool& flag)
+{
+    const QMutexLocker lock(&m_mutex);
+    StoreShared(flag, false);
+}
+
+WavFile::AudioEngineReturnValue WavFile::ReadHeader()
+{
+    WavHeader header{m_fileFormat, m_sampleSize, m_dataOffset, m_dataLength};
+    const WavKinds kinds = GetLargeFiles() ? WavKinds::RiffAndRf64 : WavKinds::Riff;
+    const AudioEngineReturnValue result = ReadWavHeader(*this, header, kinds);
+    const QMutexLocker lock(&m_mutex);
+    m_fileFormat = header.format;
+    m_sampleSize = header.sampleSize;
+    m_dataOffset = header.dataOffset;
+    m_dataLength = header.dataLength;
+    return result;
+}
+
+WavFile::AudioEngineReturnValue WavFile::WriteHeader(int dataSize)
+{
+    return WriteHeader(qint64(dataSize));
+}
+
+WavFile::AudioEngineReturnValue WavFile::WriteHeader(qint64 dataSize)
+{
+    const bool isAtStart = seek(0);
+    const QByteArray header = GetLargeFiles() ? ComposeLargeWavHeader(m_fileFormat, dataSize)
+                                              : ComposeWavHeader(m_fileFormat, WrapToInt32(dataSize));
+    if (header.isEmpty()) {
+        return ErrorInvalidFormat;
+    }
+    m_dataOffset = header.size();
+    // Flushed, so that a full disk is noticed here and not when the file is closed.
+    const bool isWritten = isAtStart && write(header) == header.size() && flush();
+    return isWritten ? Success : ErrorWriteHeader;
+}
+
+bool WavFile::StartWriting(const QString& fileName, const QAudioFormat& format, qint64 dataSize)
+{
+    m_fileFormat = format;
+    m_hasLostBytes = false;
+    setFileName(fileName);
+    const bool isWritable = !fileName.isEmpty() && (!QFileInfo::exists(fileName) || IsRegularFile(fileName));
+    return isWritable && open(QIODevice::WriteOnly) && WriteHeader(dataSize) == Success;
+}
+
+void WavFile::Append(QByteArrayView bytes)
+{
+    if (write(bytes.data(), bytes.size()) != bytes.size()) {
+        m_hasLostBytes = true;
+    }
+}
+
+bool WavFile::FinishWriting()
+{
+    const bool isWhole = flush() && !m_hasLostBytes;
+    close();
+    return isWhole;
+}
+
+int WavFile::CalculateAudioDataSize(int bytes, const QAudioFormat& from, const QAudioFormat& to)
+{
+    return vantoraudio::AudioEngine::CalculateAudioDataSize(bytes, from, to);
+}
+
+int WavFile::BytesToSamples(int bytes, int a, int b)
+{
+    return vantoraudio::AudioEngine::BytesToSamples(bytes, a, b);
+}
+
+int WavFile::SamplesToBytes(int samples, int a, int b)
+{
+    return vantoraudio::AudioEngine::SamplesToBytes(samples, a, b);
+}
+
+int WavFile::FFmpegSampleFormatFromQAudioFormat(const QAudioFormat& format)
+{
+    switch (format.sampleFormat()) {
+    case QAudioFormat::Int16:
+        return 1; // AV_SAMPLE_FMT_S16
+    case QAudioFormat::Int32:
+        return 2; // AV_SAMPLE_FMT_S32
+    case QAudioFormat::Float:
+        return 3; // AV_SAMPLE_FMT_FLT
+    default:
+        return -1; // AV_SAMPLE_FMT_NONE, for UInt8 too
+    }
+}

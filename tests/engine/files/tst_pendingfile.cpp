@@ -1,0 +1,226 @@
+#include "engine/files/PendingFile.h"
+#include "tests/support/FileSizeLimit.h"
+#include "tests/support/OrdinaryUser.h"
+#include "tests/support/TemporaryFiles.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QFileInfo>
+#include <QtTest/QTest>
+
+#include <functional>
+
+using namespace Qt::Literals::StringLiterals;
+using vantoraudio::AudioEngine::PendingFile;
+
+namespace {
+
+QStringList AllIn(const QString& folder)
+{
+    return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name);
+}
+
+} // namespace
+
+class TestPendingFile : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void takesItsNameOnlyWhenCommitted()
+    {
+        const TemporaryFiles files;
+        const QString path = files.Path(u"out"_s);
+        PendingFile pending(path);
+        QVERIFY(pending.Open());
+        QCOMPARE(pending.File().write("new"), 3);
+        QVERIFY(!QFile::exists(path));
+        QVERIFY(pending.Commit());
+        QCOMPARE(TemporaryFiles::Read(path), QByteArray("new"));
+        QCOMPARE(AllIn(QFileInfo(path).path()), QStringList{u"out"_s});
+    }
+
+    void dropsWhatWasNotCommitted()
+    {
+        const TemporaryFiles files;
+        const QString path = files.Write(u"out"_s, "old");
+        {
+            PendingFile pending(path);
+            QVERIFY(pending.Open());
+            pending.File().write("new");
+        }
+        QCOMPARE(TemporaryFiles::Read(path), QByteArray("old"));
+        QCOMPARE(AllIn(QFileInfo(path).path()), QStringList{u"out"_s});
+    }
+
+    void givesANewFileTheUsualPermissions()
+    {
+        const TemporaryFiles files;
+        const QString usual = files.Write(u"usual"_s, "");
+        PendingFile pending(files.Path(u"out"_s));
+        QVERIFY(pending.Open());
+        QVERIFY(pending.Commit());
+        QCOMPARE(QFile::permissions(files.Path(u"out"_s)), QFile::permissions(usual));
+    }
+
+    void keepsThePermissionsOfTheFormerFile()
+    {
+        const TemporaryFiles files;
+        const QString path = files.Write(u"out"_s, "old");
+        const auto permissions = QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner | QFile::ReadOther;
+        QVERIFY(QFile::setPermissions(path, permissions));
+        PendingFile pending(path);
+        QVERIFY(pending.Open());
+        QVERIFY(pending.Commit());
+        QCOMPARE(QFile::permissions(path) & ~(QFile::ReadUser | QFile::WriteUser | QFile::ExeUser), permissions);
+    }
+
+    void replacesWhatALinkPointsAt()
+    {
+        const TemporaryFiles files;
+        const QString path = files.Write(u"out"_s, "old");
+        QVERIFY(QFile::link(path, files.Path(u"link"_s)));
+        PendingFile pending(files.Path(u"link"_s));
+        QVERIFY(pending.Open());
+        pending.File().write("new");
+        QVERIFY(pending.Commit());
+        QVERIFY(QFileInfo(files.Path(u"link"_s)).isSymLink());
+        QCOMPARE(TemporaryFiles::Read(path), QByteArray("new"));
+    }
+
+    void refusesWhatMayNotBeWritten_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addRow("a folder") << u"."_s;
+        QTest::addRow("no such folder") << u"missing/out"_s;
+        QTest::addRow("a name that is too long") << QString(300, u'x');
+    }
+    void refusesWhatMayNotBeWritten()
+    {
+        QFETCH(const QString, name);
+        const TemporaryFiles files;
+        PendingFile pending(files.Path(name));
+        QVERIFY(!pending.Open());
+        QVERIFY(AllIn(files.Path({})).isEmpty());
+    }
+
+    void worksForTheLongestNames()
+    {
+        const TemporaryFiles files;
+        const QString path = files.Path(QString(255, u'x'));
+        PendingFile pending(path);
+        QVERIFY(pending.Open());
+        QVERIFY(pending.Commit());
+        QVERIFY(QFile::exists(path));
+    }
+
+    void overwritesInPlaceWhereTheFolderMayNotBeWritten()
+    {
+        const TemporaryFiles files;
+        const QString path = files.Write(u"out"_s, "a longer old file");
+        bool isWritten = false;
+        AsOrdinaryUserOfAClosedFolder(path, [&] {
+            QVERIFY(!QFile(files.Path(u"other"_s)).open(QIODevice::WriteOnly));
+            PendingFile pending(path);
+            isWritten = pending.Open() && pending.File().write("new") == 3 && pending.Commit();
+        });
+        QVERIFY(isWritten);
+        QCOMPARE(TemporaryFiles::Read(path), QByteArray("new"));
+    }
+
+    void refusesAFileThatMayNotBeWritten()
+    {
+        const TemporaryFiles files;
+        const QString path = files.Write(u"out"_s, "old");
+        QVERIFY(OrdinaryUser::TakesOver(path) && OrdinaryUser::TakesOver(QFileInfo(path).path()));
+        QVERIFY(QFile::setPermissions(path, QFile::ReadOwner));
+        const OrdinaryUser user;
+        PendingFile pending(path);
+        QVERIFY(!pending.Open());
+        QCOMPARE(TemporaryFiles::Read(path), QByteArray("old"));
+    }
+
+    void copiesItsBytesIntoADevice()
+    {
+        PendingFile pending(u"/dev/null"_s);
+        QVERIFY(pending.Open());
+        QVERIFY(pending.File().resize(3'000'000));
+        QVERIFY(pending.Commit());
+        pending.RemoveFormer();
+        QVERIFY(!QFileInfo(u"/dev/null"_s).isFile() && QFileInfo::exists(u"/dev/null"_s));
+    }
+
+    void tellsThatADeviceIsFull()
+    {
+        PendingFile pending(u"/dev/full"_s);
+        QVERIFY(pending.Open());
+        pending.File().write("new");
+        QVERIFY(!pending.Commit());
+        QVERIFY(!QFileInfo(u"/dev/full"_s).isFile() && QFileInfo::exists(u"/dev/full"_s));
+    }
+
+    void tellsWhetherItReplacesInOneStep()
+    {
+        const TemporaryFiles files;
+        PendingFile beside(files.Write(u"out"_s, "old"));
+        QVERIFY(beside.Open());
+        QVERIFY(beside.ReplacesInOneStep());
+        PendingFile device(u"/dev/null"_s);
+        QVERIFY(device.Open());
+        QVERIFY(!device.ReplacesInOneStep());
+    }
+
+    void removesTheFormerFile()
+    {
+        const TemporaryFiles files;
+        const QString path = files.Write(u"out"_s, "old");
+        PendingFile(path).RemoveFormer();
+        QVERIFY(!QFile::exists(path));
+    }
+
+    void emptiesTheFormerFileThatCannotBeRemoved()
+    {
+        const TemporaryFiles files;
+        const QString path = files.Write(u"out"_s, "old");
+        AsOrdinaryUserOfAClosedFolder(path, [&] { PendingFile(path).RemoveFormer(); });
+        QVERIFY(QFile::exists(path));
+        QCOMPARE(TemporaryFiles::Read(path), QByteArray());
+    }
+
+    /** A part of the new file must not pass for all of it. */
+    void emptiesTheFileThatCannotBeOverwrittenWhole()
+    {
+        const TemporaryFiles files;
+        const QString path = files.Write(u"out"_s, "old");
+        bool isOpen = false;
+        bool isCommitted = true;
+        AsOrdinaryUserOfAClosedFolder(path, [&] {
+            PendingFile pending(path);
+            isOpen = pending.Open() && pending.File().write(QByteArray(100000, 'n')) == 100000;
+            isOpen = isOpen && pending.File().flush();
+            const FileSizeLimit limit(50000);
+            isCommitted = pending.Commit();
+        });
+        QVERIFY(isOpen);
+        QVERIFY(!isCommitted);
+        QVERIFY(QFile::exists(path));
+        QCOMPARE(TemporaryFiles::Read(path), QByteArray());
+    }
+
+private:
+    /** Runs `task` as somebody who may write the file but not its folder. */
+    static void AsOrdinaryUserOfAClosedFolder(const QString& path, const std::function<void()>& task)
+    {
+        const QString folder = QFileInfo(path).path();
+        QVERIFY(OrdinaryUser::TakesOver(path) && OrdinaryUser::TakesOver(folder));
+        QVERIFY(QFile::setPermissions(folder, QFile::ReadOwner | QFile::ExeOwner));
+        {
+            const OrdinaryUser user;
+            QVERIFY(user.IsOrdinary());
+            task();
+        }
+        QVERIFY(QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    }
+};
+
+QTEST_APPLESS_MAIN(TestPendingFile)
+#include "tst_pendingfile.moc"

@@ -1,0 +1,46 @@
+#include "ui/waveform/rules/SelectionRules.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace vantoraudio::vantorAudioEngine::UI {
+namespace {
+
+constexpr double GrabDistance = 5.0;
+constexpr double SameTime = 0.001;
+
+} // namespace
+
+Grab GrabAt(double pointerX, const ViewRange& view, int widgetWidth, const Snippet& selection)
+{
+    const auto isNear = [&](double time) {
+        return std::abs(PixelAtTime(view, time, widgetWidth) - pointerX) <= GrabDistance;
+    };
+    Grab grab = {.startEdge = isNear(selection.first), .endEdge = isNear(selection.second), .body = false};
+    grab.body = !grab.AnyEdge() && isNear(selection.first + std::abs(selection.second - selection.first) * 0.5);
+    return grab;
+}
+
+Snippet Ordered(double a, double b)
+{
+    return {std::min(a, b), std::max(a, b)};
+}
+
+Snippet MovedTo(const Snippet& selection, double middle)
+{
+    const double half = std::abs(selection.second - selection.first) * 0.5;
+    return Ordered(middle - half, middle + half);
+}
+
+Snippet LimitSnippet(const Snippet& candidate, const ViewRange& view, double longest)
+{
+    const double end = std::min(candidate.first + longest, candidate.second);
+    return Ordered(ClampTime(candidate.first, view.left, view.Right()), ClampTime(end, view.left, view.Right()));
+}
+
+bool IsSameSnippet(const Snippet& a, const Snippet& b)
+{
+    return std::abs(a.first - b.first) < SameTime && std::abs(a.second - b.second) < SameTime;
+}
+
+} // namespace vantoraudio::vantorAudioEngine::UI

@@ -1,0 +1,54 @@
+#include "ui/waveform/rules/ViewNavigation.h"
+
+#include "ui/waveform/rules/TimeScale.h"
+
+#include <algorithm>
+
+namespace vantoraudio::vantorAudioEngine::UI {
+namespace {
+
+constexpr double FinestUsefulScale = 0.01;
+
+/** Notches of a standard wheel; a pixel counts as a sixteenth of one. */
+double Notches(double delta, bool inPixels)
+{
+    const double degrees = delta * 0.125;
+    return inPixels ? degrees * 0.5 : degrees / 15.0;
+}
+
+} // namespace
+
+double PannedLeft(const ViewRange& view, const WheelTurn& turn, double totalLength)
+{
+    const double notches = Notches(turn.x != 0.0 ? turn.x : turn.y, turn.inPixels);
+    const double shift = view.width * -(notches / 30.0);
+    double left = std::max(0.0, view.left + shift);
+    left -= std::max(0.0, view.width + left - totalLength);
+    return std::max(0.0, left);
+}
+
+float ZoomFactor(const WheelTurn& turn, bool inverted, bool scrollBackToZoomOut)
+{
+    const double notches = Notches(turn.y, turn.inPixels);
+    const double outward = inverted != scrollBackToZoomOut ? -notches : notches;
+    return static_cast<float>(outward / 15.0 + 1.0);
+}
+
+std::optional<ViewEdges> ZoomedAround(const ViewRange& view, double anchor, float factor, double totalLength)
+{
+    const double scale = factor;
+    const ViewEdges edges = {.left = std::max(0.0, anchor - (anchor - view.left) * scale),
+                             .right = std::min(totalLength, anchor + (view.Right() - anchor) * scale)};
+    const bool useful = edges.left < edges.right && CalculateScale(edges.right - edges.left) > FinestUsefulScale;
+    return useful ? std::optional(edges) : std::nullopt;
+}
+
+std::optional<double> PageFor(const ViewRange& view, double position, double duration)
+{
+    if (!(position > view.Right())) {
+        return std::nullopt;
+    }
+    return duration >= view.Right() + view.width ? view.Right() : duration - view.width;
+}
+
+} // namespace vantoraudio::vantorAudioEngine::UI

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "ui/waveform/rules/ViewRange.h"
+
+#include <optional>
+
+/** How a turn of the wheel moves and zooms the visible range. */
+namespace vantoraudio::vantorAudioEngine::UI {
+
+/** What one wheel event reports: pixels from a touch pad, eighths of a degree from a wheel. */
+struct WheelTurn
+{
+    double x = 0.0;
+    double y = 0.0;
+    bool inPixels = false;
+};
+
+/** The left edge after panning: a standard notch moves by a thirtieth of the view, forward toward the start; never
+ *  before 0, and not past the point where the view ends with the audio. */
+[[nodiscard]] double PannedLeft(const ViewRange& view, const WheelTurn& turn, double totalLength);
+
+/**
+ * The factor by which the view's width changes. Turning forward (away from the user) zooms in when exactly one of
+ * `inverted` (the system's reversed scrolling) and `scrollBackToZoomOut` holds.
+ */
+[[nodiscard]] float ZoomFactor(const WheelTurn& turn, bool inverted, bool scrollBackToZoomOut);
+
+struct ViewEdges
+{
+    double left = 0.0;
+    double right = 0.0;
+};
+
+/** The edges after zooming around the time `anchor`, within 0 and `totalLength`. Empty when the zoom is refused:
+ *  nothing would remain, or the grid's step would reach 0.01 seconds. */
+[[nodiscard]] std::optional<ViewEdges> ZoomedAround(const ViewRange& view, double anchor, float factor,
+                                                    double totalLength);
+
+/** The left edge that a view needs in order to show the playback position; empty where it does already or shows a
+ *  later time. Turns a whole page while `duration` leaves one, otherwise shows the end of the audio. */
+[[nodiscard]] std::optional<double> PageFor(const ViewRange& view, double position, double duration);
+
+} // namespace vantoraudio::vantorAudioEngine::UI
