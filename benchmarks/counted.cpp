@@ -3,7 +3,7 @@
  *
  *   vantoraudio-counted NAME     one of those that a call without a name prints
  */
-#include "render/bgfx/bgfx.h"
+#include "render/bgfx/DrawingDevice.h"
 #include "tests/support/WavFileTestAccess.h"
 #include "ui/waveform/BGFXWaveformDiagramWidget.h"
 

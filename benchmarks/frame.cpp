@@ -4,7 +4,7 @@
  *
  *   scripts/private-session.sh build/release/benchmarks/vantoraudio-frame
  */
-#include "render/bgfx/bgfx.h"
+#include "render/bgfx/DrawingDevice.h"
 #include "ui/waveform/BGFXWaveformDiagramWidget.h"
 
 #include <QtCore/QElapsedTimer>
@@ -210,10 +210,9 @@ int main(int argc, char* argv[])
     // Every frame writes a line for developers.
     qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
     PrintSupply();
-    for (const auto device : {bgfx::RendererType::OpenGL, bgfx::RendererType::Software}) {
-        bgfx::shutdown();
-        if (bgfx::init({.type = device})) {
-            PrintFrames(bgfx::getRendererName(device));
+    for (const auto device : {bgfx::device::Kind::OpenGL, bgfx::device::Kind::Software}) {
+        if (bgfx::DrawingDevice::Get().Use(device)) {
+            PrintFrames(device == bgfx::device::Kind::OpenGL ? "OpenGL" : "Software");
         }
     }
     return 0;

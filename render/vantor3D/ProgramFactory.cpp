@@ -1,57 +1,27 @@
 #include "render/vantor3D/ProgramFactory.h"
 
-#include "render/bgfx/DeviceLifetime.h"
-#include "render/vantor3D/ShaderTexts.h"
+#include "render/bgfx/DrawingDevice.h"
 
 namespace vantoraudio::vantor3D {
-namespace {
-
-bgfx::ShaderHandle MakeShader(std::string_view text)
-{
-    return bgfx::createShader(bgfx::copy(text.data(), static_cast<std::uint32_t>(text.size())));
-}
-
-} // namespace
 
 ProgramFactory& ProgramFactory::Get()
 {
-    // Never destroyed, as the handles that it keeps may be asked for until the very end.
-    static ProgramFactory& factory = *new ProgramFactory;
+    static ProgramFactory factory;
     return factory;
-}
-
-ProgramFactory::ProgramFactory()
-{
-    auto& lifetime = bgfx::DeviceLifetime::Get();
-    QObject::connect(&lifetime, &bgfx::DeviceLifetime::HasShutDown, &lifetime, [this] { DropPrograms(); });
-}
-
-void ProgramFactory::DropPrograms()
-{
-    for (const auto& [names, program] : m_programs) {
-        bgfx::destroy(program);
-    }
-    m_programs.clear();
 }
 
 std::optional<bgfx::ProgramHandle> ProgramFactory::CreateProgram(std::string_view vertexShader,
                                                                  std::string_view fragmentShader)
 {
-    std::pair names{std::string(vertexShader), std::string(fragmentShader)};
-    if (const auto known = m_programs.find(names); known != m_programs.end()) {
-        return known->second;
-    }
-    const auto vertexText = ShaderText(vertexShader, bgfx::getRendererType());
-    const auto fragmentText = ShaderText(fragmentShader, bgfx::getRendererType());
-    if (!vertexText || !fragmentText) {
+    if (bgfx::DrawingDevice::Get().Kind() == bgfx::device::Kind::None) {
         return std::nullopt;
     }
-    const auto program = bgfx::createProgram(MakeShader(*vertexText), MakeShader(*fragmentText), true);
-    if (!bgfx::isValid(program)) {
-        return std::nullopt;
+    for (std::uint16_t i = 0; i < bgfx::Programs.size(); ++i) {
+        if (bgfx::Programs[i].vertexShader == vertexShader && bgfx::Programs[i].fragmentShader == fragmentShader) {
+            return bgfx::ProgramHandle{i};
+        }
     }
-    m_programs.emplace(std::move(names), program);
-    return program;
+    return std::nullopt;
 }
 
 } // namespace vantoraudio::vantor3D

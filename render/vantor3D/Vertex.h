@@ -15,7 +15,7 @@ struct Pos2f
     float x = 0.0F;
     float y = 0.0F;
 
-    static const VertexLayout& Layout();
+    static constexpr VertexLayout Layout() { return {.coordinates = 2, .hasColor = false}; }
 };
 
 struct Pos3fColorRGBA
@@ -26,7 +26,7 @@ struct Pos3fColorRGBA
     /** One byte a channel, red first in memory. */
     std::uint32_t rgba = 0;
 
-    static const VertexLayout& Layout();
+    static constexpr VertexLayout Layout() { return {.coordinates = 3, .hasColor = true}; }
 };
 
 } // namespace Vertex

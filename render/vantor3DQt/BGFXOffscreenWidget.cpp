@@ -1,6 +1,6 @@
 #include "render/vantor3DQt/BGFXOffscreenWidget.h"
 
-#include "render/bgfx/DeviceLifetime.h"
+#include "render/bgfx/DrawingDevice.h"
 
 #include <QtGui/QPainter>
 
@@ -17,8 +17,8 @@ constexpr int UsualMaxSide = 16384;
 
 int MaxSide()
 {
-    const auto limit = bgfx::getCaps()->limits.maxTextureSize;
-    return limit > 0 ? static_cast<int>(limit) : UsualMaxSide;
+    const int limit = bgfx::DrawingDevice::Get().MaxSide();
+    return limit > 0 ? limit : UsualMaxSide;
 }
 
 int ToDevicePixels(int length, double ratio)
@@ -32,39 +32,22 @@ int ToDevicePixels(int length, double ratio)
 
 BGFXOffscreenWidget::BGFXOffscreenWidget(QWidget* parent, Qt::WindowFlags flags) : QWidget(parent, flags)
 {
-    connect(&bgfx::DeviceLifetime::Get(), &bgfx::DeviceLifetime::AboutToShutDown, this,
+    connect(&bgfx::DrawingDevice::Get(), &bgfx::DrawingDevice::AboutToShutDown, this,
             &BGFXOffscreenWidget::OnDeviceShutdown);
 }
 
-BGFXOffscreenWidget::~BGFXOffscreenWidget()
+QImage* BGFXOffscreenWidget::FrameBuffer()
 {
-    ReleaseFrameBuffer();
-}
-
-BGFXRenderer& BGFXOffscreenWidget::Renderer()
-{
-    return m_renderer;
-}
-
-bgfx::FrameBufferHandle BGFXOffscreenWidget::FrameBuffer()
-{
-    if (!bgfx::DeviceLifetime::Ensure()) {
-        return {};
+    if (!bgfx::DrawingDevice::Get().Ensure()) {
+        return nullptr;
     }
-    // Asked for anew each time: the scale also changes when a window moves to another screen.
+    // Asked for again each time: the scale also changes when a window moves to another screen.
     const QSize size = ViewportRect().size();
-    if (size == m_frameSize) {
-        return m_frameBuffer;
+    if (size != m_picture.size()) {
+        m_picture = QImage(size, QImage::Format_RGBA8888);
+        m_picture.fill(Qt::transparent);
     }
-    ReleaseFrameBuffer();
-    if (size.isEmpty()) {
-        return {};
-    }
-    m_frameBuffer = bgfx::createFrameBuffer(static_cast<std::uint16_t>(size.width()),
-                                            static_cast<std::uint16_t>(size.height()), bgfx::TextureFormat::RGBA8);
-    m_frameSize = size;
-    m_renderer.SetFrameSize(size);
-    return m_frameBuffer;
+    return m_picture.isNull() ? nullptr : &m_picture;
 }
 
 QRect BGFXOffscreenWidget::ViewportRect() const
@@ -76,22 +59,20 @@ QRect BGFXOffscreenWidget::ViewportRect() const
 
 void BGFXOffscreenWidget::Flush()
 {
-    if (bgfx::DeviceLifetime::IsLost()) {
+    if (bgfx::DrawingDevice::Get().IsLost()) {
         update();
     }
-    // On the picture itself: a copy of it would be one more pass over all pixels in every frame.
-    m_renderer.SetPixelRatio(devicePixelRatioF());
-    const QImage& picture = m_renderer.Picture();
-    if (picture.isNull()) {
+    if (m_picture.isNull()) {
         return;
     }
+    m_picture.setDevicePixelRatio(devicePixelRatioF());
     const QSize wanted(ToDevicePixels(width(), devicePixelRatioF()),
                        ToDevicePixels(height(), devicePixelRatioF()));
     QPainter painter(this);
-    if (picture.size() == wanted) {
-        painter.drawImage(QPointF(0.0, 0.0), picture);
+    if (m_picture.size() == wanted) {
+        painter.drawImage(QPointF(0.0, 0.0), m_picture);
     } else {
-        painter.drawImage(rect(), picture);
+        painter.drawImage(rect(), m_picture);
     }
 }
 
@@ -110,22 +91,13 @@ void BGFXOffscreenWidget::showEvent(QShowEvent* event)
 void BGFXOffscreenWidget::hideEvent(QHideEvent* event)
 {
     QWidget::hideEvent(event);
-    ReleaseFrameBuffer();
+    m_picture = {};
 }
 
 void BGFXOffscreenWidget::OnDeviceShutdown()
 {
     Q_EMIT CleanupRequested();
-    ReleaseFrameBuffer();
     update();
-}
-
-void BGFXOffscreenWidget::ReleaseFrameBuffer()
-{
-    bgfx::destroy(m_frameBuffer);
-    m_frameBuffer = {};
-    m_frameSize = {};
-    m_renderer.SetFrameSize({});
 }
 
 } // namespace vantoraudio::vantor3DQt

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "render/bgfx/bgfx.h"
 #include "render/vantor3DQt/BGFXRenderer.h"
 
 #include <QtWidgets/QWidget>
@@ -20,20 +19,21 @@ class BGFXOffscreenWidget : public QWidget
 
 public:
     explicit BGFXOffscreenWidget(QWidget* parent = nullptr, Qt::WindowFlags flags = {});
-    ~BGFXOffscreenWidget() override;
 
 Q_SIGNALS:
     /** The drawing device shuts down: drop what was created on it; the next frame creates it again. */
     void CleanupRequested();
 
 protected:
-    BGFXRenderer& Renderer();
-    /** Made or resized on demand to ViewportRect(); invalid while the widget is empty or nothing can draw. Belongs
-     *  to the widget and is given back while that is hidden. */
-    bgfx::FrameBufferHandle FrameBuffer();
+    BGFXRenderer& Renderer() { return m_renderer; }
+    /** The widget's picture, made or resized on demand to ViewportRect(); null while the widget is empty or
+     * nothing can draw. Belongs to the widget, which gives its memory back while it is hidden. */
+    QImage* FrameBuffer();
     /** (0, 0, width, height) in device pixels, rounded up so that the picture covers the widget. Cut back to what
      *  the device can draw; Flush() then stretches the picture. */
     QRect ViewportRect() const;
+    /** The last presented picture, first row on top; null before the first and while hidden. */
+    const QImage& Picture() const { return m_picture; }
     /** Paints the last presented picture onto the widget. Inside paintEvent() only. */
     void Flush();
 
@@ -43,11 +43,9 @@ protected:
 
 private:
     void OnDeviceShutdown();
-    void ReleaseFrameBuffer();
 
     BGFXRenderer m_renderer;
-    bgfx::FrameBufferHandle m_frameBuffer;
-    QSize m_frameSize;
+    QImage m_picture;
 };
 
 } // namespace vantoraudio::vantor3DQt

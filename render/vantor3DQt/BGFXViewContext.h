@@ -9,23 +9,20 @@
 
 namespace vantoraudio::vantor3DQt {
 
-/** One of the drawing device's views: an ordered layer of a frame with its own clearing, transform and viewport.
- */
+/** One of the three views of a frame: an ordered layer with its own clearing, transform and viewport. What is set
+ *  lasts for the frame at hand. */
 class BGFXViewContext
 {
 public:
-    explicit BGFXViewContext(bgfx::ViewId id) noexcept;
+    explicit BGFXViewContext(bgfx::ViewId id) noexcept : m_id(id) {}
 
-    [[nodiscard]] bgfx::ViewId Id() const noexcept;
+    [[nodiscard]] bgfx::ViewId Id() const noexcept { return m_id; }
 
     void SetClear(std::uint16_t flags, std::uint32_t rgba, float depth, std::uint8_t stencil) const;
-    /** `view` is the model-view transform, `projection` maps to normalised device coordinates. */
+    /** `view` is the model-view transform, `projection` maps to -1..1. */
     void SetTransform(const QMatrix4x4& view, const QMatrix4x4& projection) const;
-    /** `viewport` is in device pixels. */
+    /** `viewport` is in device pixels of the frame buffer. */
     void SetViewport(const QRect& viewport) const;
-    /** Makes the view draw into `frameBuffer`, inside `viewport` (device pixels), and clears it there even when
-     *  nothing else is drawn in this frame. */
-    void Submit(bgfx::FrameBufferHandle frameBuffer, const QRect& viewport) const;
 
 private:
     bgfx::ViewId m_id;

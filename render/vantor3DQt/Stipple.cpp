@@ -22,7 +22,7 @@ struct Part
     double to = 1.0;
 };
 
-Point ToPixels(const ViewState& view, const std::array<float, 3>& scene)
+Point ToPixels(const bgfx::View& view, const std::array<float, 3>& scene)
 {
     const QMatrix4x4& matrix = view.transform;
     const auto row = [&](int i) {
@@ -71,15 +71,15 @@ bool IsOn(std::uint16_t pattern, double cell)
     return ((pattern >> static_cast<int>(std::fmod(cell, 16.0))) & 1) != 0;
 }
 
-} // namespace
-
 bool IsFinite(const Line& line)
 {
     const auto finite = [](float value) { return std::isfinite(value); };
     return std::ranges::all_of(line.start, finite) && std::ranges::all_of(line.end, finite);
 }
 
-std::vector<Line> CutDashes(const Line& line, const LineStipple& stipple, const ViewState& view)
+} // namespace
+
+std::vector<Line> CutDashes(const Line& line, const LineStipple& stipple, const bgfx::View& view)
 {
     if (!IsFinite(line)) {
         return {};

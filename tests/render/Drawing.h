@@ -1,6 +1,6 @@
 #pragma once
 
-#include "render/bgfx/DeviceLifetime.h"
+#include "render/bgfx/DrawingDevice.h"
 #include "render/vantor3D/ProgramFactory.h"
 #include "render/vantor3DQt/BGFXRenderer.h"
 
@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <deque>
 #include <functional>
 #include <utility>
 #include <vector>
@@ -30,14 +31,10 @@ inline constexpr Color White{1.0F, 1.0F, 1.0F, 1.0F};
 class DeviceScope
 {
 public:
-    explicit DeviceScope(bgfx::RendererType::Enum type)
-    {
-        bgfx::shutdown();
-        m_made = bgfx::init({type});
-    }
+    explicit DeviceScope(bgfx::device::Kind type) { m_made = bgfx::DrawingDevice::Get().Use(type); }
     DeviceScope(const DeviceScope&) = delete;
     DeviceScope& operator=(const DeviceScope&) = delete;
-    ~DeviceScope() { bgfx::shutdown(); }
+    ~DeviceScope() { bgfx::DrawingDevice::Get().Shutdown(); }
 
     [[nodiscard]] bool IsMade() const { return m_made; }
 
@@ -53,10 +50,10 @@ inline QMatrix4x4 PixelProjection(QSize size)
     return projection;
 }
 
-/** Destroys the vertex buffers of a frame once it is drawn. */
-inline std::vector<bgfx::DynamicVertexBufferHandle>& StripsOfFrame()
+/** The vertices that a frame's strips are made of. */
+inline std::deque<std::vector<Pos2f>>& StripsOfFrame()
 {
-    static std::vector<bgfx::DynamicVertexBufferHandle> strips;
+    static std::deque<std::vector<Pos2f>> strips;
     return strips;
 }
 
@@ -64,43 +61,44 @@ inline std::vector<bgfx::DynamicVertexBufferHandle>& StripsOfFrame()
 inline QImage Picture(QSize size, const std::function<void(BGFXRenderer&, const BGFXViewContext&)>& draw,
                       std::uint32_t clear = Black)
 {
-    const auto frameBuffer = bgfx::createFrameBuffer(std::uint16_t(size.width()), std::uint16_t(size.height()),
-                                                     bgfx::TextureFormat::RGBA8);
+    QImage picture(size, QImage::Format_RGBA8888);
+    picture.fill(Qt::transparent);
     BGFXRenderer renderer;
-    renderer.SetFrameSize(size);
-    if (renderer.StartFrame(frameBuffer)) {
+    if (renderer.StartFrame(&picture)) {
         const BGFXViewContext view(0);
         view.SetTransform({}, PixelProjection(size));
-        view.Submit(frameBuffer, QRect(QPoint(0, 0), size));
+        view.SetViewport(QRect(QPoint(0, 0), size));
         view.SetClear(bgfx::BGFX_CLEAR_COLOR, clear, 1.0F, 0);
         draw(renderer, view);
         renderer.PresentSubmittedFrame(false);
     }
-    for (const auto strip : std::exchange(StripsOfFrame(), {}))
-        bgfx::destroy(strip);
-    bgfx::destroy(frameBuffer);
-    return renderer.Picture();
+    StripsOfFrame().clear();
+    return picture;
 }
 
-/** `memory` holds Pos2f vertices. */
-inline void DrawStrip(const BGFXViewContext& view, const bgfx::Memory* memory,
+/** Submits vertices that stay until the frame is presented. */
+inline void SubmitVertices(const BGFXViewContext& view, const void* vertices, std::size_t size,
+                           const bgfx::VertexLayout& layout, std::uint64_t state, bgfx::ProgramHandle program)
+{
+    const auto buffer =
+        bgfx::createDynamicVertexBuffer(bgfx::makeRef(vertices, static_cast<std::uint32_t>(size)), layout, 0);
+    bgfx::setVertexBuffer(0, buffer);
+    bgfx::setState(state);
+    bgfx::submit(view.Id(), program);
+    bgfx::destroy(buffer);
+}
+
+inline void DrawStrip(const BGFXViewContext& view, std::vector<Pos2f> points,
                       const std::array<float, 4>& color = {1.0F, 1.0F, 1.0F, 1.0F})
 {
     const auto program =
         vantor3D::ProgramFactory::Get().CreateProgram("vs_waveform_basic_2d", "fs_waveform_samples").value();
     const auto uniform = bgfx::createUniform("u_waveformColor", bgfx::UniformType::Vec4);
-    StripsOfFrame().push_back(bgfx::createDynamicVertexBuffer(memory, Pos2f::Layout()));
     bgfx::setUniform(uniform, color.data());
-    bgfx::setVertexBuffer(0, StripsOfFrame().back());
-    bgfx::setState(BGFXRenderer::STATE_LINESTRIP);
-    bgfx::submit(view.Id(), program);
+    const std::vector<Pos2f>& kept = StripsOfFrame().emplace_back(std::move(points));
+    SubmitVertices(view, kept.data(), kept.size() * sizeof(Pos2f), Pos2f::Layout(), BGFXRenderer::STATE_LINESTRIP,
+                   program);
     bgfx::destroy(uniform);
-}
-
-inline void DrawStrip(const BGFXViewContext& view, const std::vector<Pos2f>& points,
-                      const std::array<float, 4>& color = {1.0F, 1.0F, 1.0F, 1.0F})
-{
-    DrawStrip(view, bgfx::copy(points.data(), std::uint32_t(points.size() * sizeof(Pos2f))), color);
 }
 
 inline std::vector<QPoint> LitPixels(const QImage& picture)

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "render/bgfx/Context.h"
-#include "render/bgfx/device/Device.h"
+#include "render/bgfx/DrawingDevice.h"
 
 #include <memory>
 #include <new>
@@ -11,73 +10,39 @@ namespace drawing {
 
 using namespace vantoraudio;
 
-/** What a FakeDevice was asked for. */
-struct FakeLog
+enum class Fault
 {
-    int begun = 0;
-    int ended = 0;
+    None,
+    IsLost,
+    RunsOutOfMemory
 };
 
-/** Fails where it is told to. */
 class FakeDevice : public bgfx::device::Device
 {
 public:
-    struct Faults
-    {
-        bool begins = true;
-        bool throwsOnClear = false;
-        bool losesPrograms = false;
-    };
+    /** `drawn` counts the frames, those that fail included, and outlives the device. */
+    FakeDevice(int& drawn, Fault fault) : m_drawn(drawn), m_fault(fault) {}
 
-    FakeDevice(FakeLog& log, const Faults& faults) : m_log(log), m_faults(faults) {}
-
-    [[nodiscard]] bgfx::RendererType::Enum Type() const override { return bgfx::RendererType::OpenGL; }
-    [[nodiscard]] std::uint32_t MaxTextureSize() const override { return 1024; }
-    [[nodiscard]] bool OriginBottomLeft() const override { return false; }
-    bool BeginFrame() override
+    [[nodiscard]] bgfx::device::Kind Kind() const override { return bgfx::device::Kind::OpenGL; }
+    [[nodiscard]] int MaxSide() const override { return 1024; }
+    bool Draw(const bgfx::Frame&, QImage&) override
     {
-        ++m_log.begun;
-        return m_faults.begins;
-    }
-    void EndFrame() override { ++m_log.ended; }
-    [[nodiscard]] bool IsLost() const override { return m_isLost; }
-    std::unique_ptr<bgfx::device::Program> CreateProgram(std::string_view, std::string_view) override
-    {
-        m_isLost = m_faults.losesPrograms;
-        return nullptr;
-    }
-    std::unique_ptr<bgfx::device::Target> CreateTarget(int, int) override
-    {
-        return std::make_unique<FakeTarget>(m_faults.throwsOnClear);
+        ++m_drawn;
+        if (m_fault == Fault::RunsOutOfMemory) {
+            throw std::bad_alloc();
+        }
+        return m_fault != Fault::IsLost;
     }
 
 private:
-    class FakeTarget : public bgfx::device::Target
-    {
-    public:
-        explicit FakeTarget(bool throws) : m_throws(throws) {}
-        void Clear(const bgfx::device::Rect&, std::uint32_t) override
-        {
-            if (m_throws) {
-                throw std::bad_alloc();
-            }
-        }
-        void Draw(const bgfx::device::Program&, const bgfx::device::DrawCall&) override {}
-        void Read(std::span<std::uint8_t>) override {}
-
-    private:
-        bool m_throws;
-    };
-
-    FakeLog& m_log;
-    Faults m_faults;
-    bool m_isLost = false;
+    int& m_drawn;
+    Fault m_fault;
 };
 
 /** Makes a FakeDevice the device that draws. */
-inline void Adopt(FakeLog& log, const FakeDevice::Faults& faults)
+inline void Adopt(int& drawn, Fault fault)
 {
-    bgfx::Objects().AdoptDevice(std::make_unique<FakeDevice>(log, faults));
+    bgfx::DrawingDevice::Get().Adopt(std::make_unique<FakeDevice>(drawn, fault));
 }
 
 } // namespace drawing

@@ -1,4 +1,5 @@
 #include "FakeDevice.h"
+#include "render/bgfx/Frame.h"
 #include "render/vantor3DQt/BGFXOffscreenWidget.h"
 #include "tests/render/Drawing.h"
 
@@ -20,6 +21,7 @@ class TestWidget : public vantor3DQt::BGFXOffscreenWidget
 public:
     using BGFXOffscreenWidget::BGFXOffscreenWidget;
     using BGFXOffscreenWidget::FrameBuffer;
+    using BGFXOffscreenWidget::Picture;
     using BGFXOffscreenWidget::Renderer;
     using BGFXOffscreenWidget::ViewportRect;
 
@@ -42,7 +44,6 @@ private:
     {
         m_view.SetTransform({}, PixelProjection(ViewportRect().size()));
         m_view.SetViewport(ViewportRect());
-        m_view.Submit(FrameBuffer(), ViewportRect());
         m_view.SetClear(bgfx::BGFX_CLEAR_COLOR, color, 1.0F, 0);
         const auto height = float(ViewportRect().height());
         Renderer().DrawLines(m_view, std::array{Line{{0.5F, 0.0F, 0.0F}, {0.5F, height, 0.0F}, White}});
@@ -64,7 +65,7 @@ class tst_BGFXOffscreenWidget : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void cleanup() { bgfx::shutdown(); }
+    void cleanup() { bgfx::DrawingDevice::Get().Shutdown(); }
 
     void choosesTheDeviceByItself();
     void coversTheWidgetInDevicePixels_data();
@@ -85,13 +86,13 @@ private Q_SLOTS:
 
 void tst_BGFXOffscreenWidget::goesOnInSoftwareWhenTheDeviceIsLost()
 {
-    FakeLog log;
-    Adopt(log, {.begins = false});
+    int drawn = 0;
+    Adopt(drawn, Fault::IsLost);
     TestWidget widget;
     widget.resize(40, 20);
     widget.show();
-    QTRY_COMPARE(bgfx::getRendererType(), bgfx::RendererType::Software);
-    QCOMPARE(log.begun, 1);
+    QTRY_COMPARE(bgfx::DrawingDevice::Get().Kind(), bgfx::device::Kind::Software);
+    QCOMPARE(drawn, 1);
     QTRY_VERIFY(widget.frames >= 2);
     QCOMPARE(ColorAt(widget, {20, 10}), QColor(0x20, 0x40, 0x60));
 }
@@ -112,9 +113,8 @@ void tst_BGFXOffscreenWidget::survivesFloatingAndDocking()
         dock.setFloating(floats);
         QCOMPARE(dock.isFloating(), floats);
         QTRY_VERIFY(widget->frames > before);
-        QTRY_COMPARE(widget->Renderer().Picture().size(), widget->ViewportRect().size());
+        QTRY_COMPARE(widget->Picture().size(), widget->ViewportRect().size());
         QCOMPARE(ColorAt(*widget, {50, 30}), QColor(0x20, 0x40, 0x60));
-        QCOMPARE(bgfx::getStats()->numFrameBuffers, std::uint16_t{1});
     }
 }
 
@@ -122,11 +122,12 @@ void tst_BGFXOffscreenWidget::choosesTheDeviceByItself()
 {
     QOpenGLContext context;
     const bool hasOpenGL = context.create();
-    QCOMPARE(bgfx::getRendererType(), bgfx::RendererType::Noop);
+    QCOMPARE(bgfx::DrawingDevice::Get().Kind(), bgfx::device::Kind::None);
     TestWidget widget;
     widget.resize(20, 20);
     QCOMPARE(ColorAt(widget, {10, 10}), QColor(0x20, 0x40, 0x60));
-    QCOMPARE(bgfx::getRendererType(), hasOpenGL ? bgfx::RendererType::OpenGL : bgfx::RendererType::Software);
+    QCOMPARE(bgfx::DrawingDevice::Get().Kind(),
+             hasOpenGL ? bgfx::device::Kind::OpenGL : bgfx::device::Kind::Software);
 }
 
 void tst_BGFXOffscreenWidget::coversTheWidgetInDevicePixels_data()
@@ -147,7 +148,7 @@ void tst_BGFXOffscreenWidget::coversTheWidgetInDevicePixels()
     const QSize expected(int(std::ceil(size.width() * ratio)), int(std::ceil(size.height() * ratio)));
     QCOMPARE(widget.ViewportRect(), QRect(QPoint(0, 0), expected));
     const QImage image = widget.grab().toImage();
-    QCOMPARE(widget.Renderer().Picture().size(), expected);
+    QCOMPARE(widget.Picture().size(), expected);
     for (const QPoint corner : {image.rect().topRight(), image.rect().bottomRight()}) {
         if (size.width() > 1)
             QCOMPARE(image.pixelColor(corner), QColor(0x20, 0x40, 0x60));
@@ -175,11 +176,10 @@ void tst_BGFXOffscreenWidget::followsItsSize()
     window.resize(300, 200);
     window.show();
     QVERIFY(QTest::qWaitForWindowExposed(&window));
-    QTRY_COMPARE(widget.Renderer().Picture().size(), widget.ViewportRect().size());
+    QTRY_COMPARE(widget.Picture().size(), widget.ViewportRect().size());
     widget.resize(200, 100);
-    QTRY_COMPARE(widget.Renderer().Picture().size(), widget.ViewportRect().size());
+    QTRY_COMPARE(widget.Picture().size(), widget.ViewportRect().size());
     QCOMPARE(ColorAt(widget, {190, 90}), QColor(0x20, 0x40, 0x60));
-    QCOMPARE(bgfx::getStats()->numFrameBuffers, std::uint16_t{1});
 }
 
 void tst_BGFXOffscreenWidget::survivesReparentingHidingAndShowing()
@@ -223,22 +223,16 @@ void tst_BGFXOffscreenWidget::forgetsAFrameThatAnExceptionEnded()
 {
     TestWidget broken;
     broken.resize(30, 20);
-    const auto frameBuffer = broken.FrameBuffer();
-    QVERIFY(broken.Renderer().StartFrame(frameBuffer));
-    const BGFXViewContext leftOver(5);
+    QVERIFY(broken.Renderer().StartFrame(broken.FrameBuffer()));
+    const BGFXViewContext leftOver(2);
     leftOver.SetClear(bgfx::BGFX_CLEAR_COLOR, 0xffffffff, 1.0F, 0);
-    leftOver.Submit(frameBuffer, {0, 0, 30, 20});
+    leftOver.SetViewport({0, 0, 30, 20});
     QCOMPARE(ColorAt(broken, {15, 10}), QColor(0x20, 0x40, 0x60));
 }
 
 void tst_BGFXOffscreenWidget::leavesNothingBehindInAnyOrder()
 {
-    const auto count = [] {
-        const bgfx::Stats stats = *bgfx::getStats();
-        return stats.numFrameBuffers + stats.numTextures + stats.numDynamicVertexBuffers + stats.numUniforms +
-               stats.numIndexBuffers + stats.numShaders;
-    };
-    const int before = count();
+    const std::size_t before = bgfx::LivingObjects();
     for (const auto& order : {std::array{0, 1, 2}, std::array{2, 1, 0}, std::array{1, 2, 0}}) {
         std::array<std::unique_ptr<TestWidget>, 3> widgets;
         for (auto& widget : widgets) {
@@ -246,16 +240,15 @@ void tst_BGFXOffscreenWidget::leavesNothingBehindInAnyOrder()
             widget->resize(20, 20);
             widget->grab();
         }
-        QCOMPARE(bgfx::getStats()->numFrameBuffers, std::uint16_t{3});
         for (const int i : order)
             widgets[std::size_t(i)].reset();
-        QCOMPARE(count(), before);
+        QCOMPARE(bgfx::LivingObjects(), before);
     }
     TestWidget late;
     late.resize(20, 20);
     late.grab();
-    bgfx::shutdown();
-    QCOMPARE(count(), before);
+    bgfx::DrawingDevice::Get().Shutdown();
+    QCOMPARE(bgfx::LivingObjects(), before);
 }
 
 void tst_BGFXOffscreenWidget::givesItsFrameBufferBackWhenHidden()
@@ -264,10 +257,9 @@ void tst_BGFXOffscreenWidget::givesItsFrameBufferBackWhenHidden()
     widget.resize(120, 60);
     widget.show();
     QTRY_VERIFY(widget.frames > 0);
-    QCOMPARE(bgfx::getStats()->numFrameBuffers, std::uint16_t{1});
+    QVERIFY(!widget.Picture().isNull());
     widget.hide();
-    QCOMPARE(bgfx::getStats()->numFrameBuffers, std::uint16_t{0});
-    QCOMPARE(bgfx::getStats()->numTextures, std::uint16_t{0});
+    QVERIFY(widget.Picture().isNull());
 }
 
 void tst_BGFXOffscreenWidget::asksForCleanupAndRecovers()
@@ -280,41 +272,42 @@ void tst_BGFXOffscreenWidget::asksForCleanupAndRecovers()
     }
     QSignalSpy firstSpy(&first, &TestWidget::CleanupRequested);
     QSignalSpy secondSpy(&second, &TestWidget::CleanupRequested);
-    auto typeDuringCleanup = bgfx::RendererType::Noop;
-    connect(&second, &TestWidget::CleanupRequested, this, [&] { typeDuringCleanup = bgfx::getRendererType(); });
-    bgfx::shutdown();
+    auto typeDuringCleanup = bgfx::device::Kind::None;
+    connect(&second, &TestWidget::CleanupRequested, this,
+            [&] { typeDuringCleanup = bgfx::DrawingDevice::Get().Kind(); });
+    bgfx::DrawingDevice::Get().Shutdown();
     QCOMPARE(firstSpy.count(), 1);
     QCOMPARE(secondSpy.count(), 1);
-    QVERIFY2(typeDuringCleanup != bgfx::RendererType::Noop, "the device still works during the cleanup");
-    bgfx::shutdown();
+    QVERIFY2(typeDuringCleanup != bgfx::device::Kind::None, "the device still works during the cleanup");
+    bgfx::DrawingDevice::Get().Shutdown();
     QCOMPARE(firstSpy.count(), 1);
 
-    QVERIFY(bgfx::init({bgfx::RendererType::Software}));
+    QVERIFY(bgfx::DrawingDevice::Get().Use(bgfx::device::Kind::Software));
     first.color = 0x0000ffff;
     QCOMPARE(ColorAt(first, {10, 10}), QColor(Qt::blue));
     QCOMPARE(ColorAt(first, {0, 10}), QColor(Qt::white));
     QCOMPARE(ColorAt(second, {10, 10}), QColor(0x20, 0x40, 0x60));
-    QCOMPARE(bgfx::getRendererType(), bgfx::RendererType::Software);
+    QCOMPARE(bgfx::DrawingDevice::Get().Kind(), bgfx::device::Kind::Software);
 }
 
 void tst_BGFXOffscreenWidget::drawsNothingWhileEmpty()
 {
     TestWidget widget;
     widget.resize(0, 20);
-    QVERIFY(!bgfx::isValid(widget.FrameBuffer()));
+    QVERIFY(!widget.FrameBuffer());
     QVERIFY(!widget.Renderer().StartFrame(widget.FrameBuffer()));
-    QVERIFY(widget.Renderer().Picture().isNull());
+    QVERIFY(widget.Picture().isNull());
 }
 
 void tst_BGFXOffscreenWidget::boundsAbsurdSizes()
 {
-    QVERIFY(bgfx::init({bgfx::RendererType::Software}));
+    QVERIFY(bgfx::DrawingDevice::Get().Use(bgfx::device::Kind::Software));
     TestWidget widget;
     widget.resize(16'000'000, 16'000'000);
     const QRect viewport = widget.ViewportRect();
     QVERIFY(viewport.width() <= 16384 && qint64(viewport.width()) * viewport.height() <= 7680 * 4320);
     widget.resize(20'000, 20);
-    QVERIFY(bgfx::isValid(widget.FrameBuffer()));
+    QVERIFY(widget.FrameBuffer());
     QCOMPARE(widget.ViewportRect().width(), 16384);
 }
 
@@ -329,10 +322,11 @@ int main(int argc, char** argv)
         TestWidget widget;
         widget.resize(20, 20);
         widget.grab();
-        if (bgfx::getRendererType() == bgfx::RendererType::Noop)
+        if (bgfx::DrawingDevice::Get().Kind() == bgfx::device::Kind::None)
             result = 1;
     }
-    const bool released = bgfx::getRendererType() == bgfx::RendererType::Noop && !bgfx::DeviceLifetime::Ensure();
+    const bool released =
+        bgfx::DrawingDevice::Get().Kind() == bgfx::device::Kind::None && !bgfx::DrawingDevice::Get().Ensure();
     return released ? result : 1;
 }
 

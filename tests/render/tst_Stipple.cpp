@@ -11,7 +11,7 @@ using vantor3DQt::LineStipple;
 
 namespace {
 
-const vantor3DQt::ViewState View{PixelProjection({64, 32}), QRect(0, 0, 64, 32)};
+const bgfx::View View{QRect(0, 0, 64, 32), PixelProjection({64, 32}), {}, {}};
 
 Line Horizontal(float from, float to)
 {
@@ -41,14 +41,14 @@ private:
     static void AddDevices()
     {
         QTest::addColumn<int>("device");
-        QTest::newRow("OpenGL") << int(bgfx::RendererType::OpenGL);
-        QTest::newRow("Software") << int(bgfx::RendererType::Software);
+        QTest::newRow("OpenGL") << int(bgfx::device::Kind::OpenGL);
+        QTest::newRow("Software") << int(bgfx::device::Kind::Software);
     }
 };
 
 #define MAKE_DEVICE                                                                                               \
     QFETCH(int, device);                                                                                          \
-    const DeviceScope scope(static_cast<bgfx::RendererType::Enum>(device));                                       \
+    const DeviceScope scope(static_cast<bgfx::device::Kind>(device));                                             \
     if (!scope.IsMade())                                                                                          \
     QSKIP("this device cannot be had here")
 

@@ -20,23 +20,34 @@ constexpr float Infinite = std::numeric_limits<float>::infinity();
 constexpr float Largest = std::numeric_limits<float>::max();
 constexpr int Size = 100;
 
-/** Scene coordinates are window coordinates of a target of 100 by 100. */
-DrawCall Call(const std::vector<Pos2f>& points)
+/** A strip and the view that it is drawn in. */
+struct Scene
 {
-    DrawCall call;
-    call.topology = Topology::LineStrip;
-    call.transform = {0.02F, 0, 0, 0, 0, 0.02F, 0, 0, 0, 0, 1, 0, -1, -1, 0, 1};
-    call.viewport = {0, 0, Size, Size};
-    call.layout = Pos2f::Layout();
-    call.vertices = {reinterpret_cast<const std::uint8_t*>(points.data()), points.size() * sizeof(Pos2f)};
-    call.vertexCount = static_cast<std::uint32_t>(points.size());
-    return call;
+    Draw draw;
+    View view;
+};
+
+/** Scene coordinates are window coordinates of a picture of 100 by 100. `points` must outlive the result. */
+Scene SceneOf(const std::vector<Pos2f>& points)
+{
+    Scene scene;
+    scene.draw.topology = Topology::LineStrip;
+    scene.draw.layout = Pos2f::Layout();
+    scene.draw.vertices = {reinterpret_cast<const std::uint8_t*>(points.data()), points.size() * sizeof(Pos2f)};
+    scene.view.viewport = {0, 0, Size, Size};
+    scene.view.transform = QMatrix4x4(0.02F, 0, 0, -1, 0, 0.02F, 0, -1, 0, 0, 1, 0, 0, 0, 0, 1);
+    return scene;
+}
+
+std::optional<StripColumns> ColumnsOf(const Scene& scene)
+{
+    return ToColumns(scene.draw, scene.view, {Size, Size});
 }
 
 /** Column, first row and last row of every column that is covered, as text. */
-QString Text(const DrawCall& call)
+QString Text(const Scene& scene)
 {
-    const auto columns = ToColumns(call, Size, Size);
+    const auto columns = ColumnsOf(scene);
     if (!columns) {
         return QStringLiteral("none");
     }
@@ -51,7 +62,7 @@ QString Text(const DrawCall& call)
 
 QString Text(const std::vector<Pos2f>& points)
 {
-    return Text(Call(points));
+    return Text(SceneOf(points));
 }
 
 } // namespace
@@ -103,7 +114,7 @@ private Q_SLOTS:
         for (float x = -1.0F; x < 101.0F; x += 0.003F) {
             points.push_back({x, level(random)});
         }
-        const auto columns = ToColumns(Call(points), Size, Size);
+        const auto columns = ColumnsOf(SceneOf(points));
         QVERIFY(columns);
         for (const RowSpan& span : columns->rows) {
             QVERIFY(!span.IsEmpty());
@@ -124,15 +135,15 @@ private Q_SLOTS:
     void staysInsideTheViewport()
     {
         const std::vector<Pos2f> points{{-1.0F, -1.0F}, {1.0F, 1.0F}};
-        DrawCall call = Call(points);
-        call.transform = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+        Scene scene = SceneOf(points);
+        scene.view.transform = {};
         // Four pixels wide and high, the lower edge 94 rows above the target's.
-        call.viewport = {10, 2, 4, 4};
-        QCOMPARE(Text(call), u"10:94-94 11:95-95 12:96-96 13:97-97"_s);
-        call.viewport = {98, 2, 4, 4};
-        QCOMPARE(Text(call), u"98:94-94 99:95-95"_s);
-        call.viewport = {200, 2, 4, 4};
-        QCOMPARE(Text(call), QString());
+        scene.view.viewport = {10, 2, 4, 4};
+        QCOMPARE(Text(scene), u"10:94-94 11:95-95 12:96-96 13:97-97"_s);
+        scene.view.viewport = {98, 2, 4, 4};
+        QCOMPARE(Text(scene), u"98:94-94 99:95-95"_s);
+        scene.view.viewport = {200, 2, 4, 4};
+        QCOMPARE(Text(scene), QString());
     }
 
     void survivesCoordinatesOfAnySize()
@@ -149,7 +160,7 @@ private Q_SLOTS:
             }
             std::ranges::sort(points, {},
                               [](const Pos2f& point) { return std::isfinite(point.x) ? point.x : 0.0F; });
-            if (const auto columns = ToColumns(Call(points), Size, Size)) {
+            if (const auto columns = ColumnsOf(SceneOf(points))) {
                 for (const RowSpan& span : columns->rows) {
                     QVERIFY(span.IsEmpty() || (span.lower >= 0 && span.upper <= Size));
                 }
@@ -181,27 +192,22 @@ private Q_SLOTS:
     void isOnlyForFlatStripsInUprightViews()
     {
         const std::vector<Pos2f> points{{0.0F, 0.0F}, {1.0F, 1.0F}};
-        DrawCall call = Call(points);
-        QVERIFY(ToColumns(call, Size, Size));
-        call.topology = Topology::Lines;
-        QVERIFY(!ToColumns(call, Size, Size));
+        Scene scene = SceneOf(points);
+        QVERIFY(ColumnsOf(scene));
+        scene.draw.topology = Topology::Lines;
+        QVERIFY(!ColumnsOf(scene));
         for (const std::size_t turned : {std::size_t(1), std::size_t(3), std::size_t(4), std::size_t(7)}) {
-            call = Call(points);
-            call.transform[turned] = 0.1F;
-            QVERIFY(!ToColumns(call, Size, Size));
+            scene = SceneOf(points);
+            scene.view.transform.data()[turned] = 0.1F;
+            QVERIFY(!ColumnsOf(scene));
         }
-        call = Call(points);
-        call.layout = Pos3fColorRGBA::Layout();
-        call.vertexCount = 1;
-        QVERIFY(!ToColumns(call, Size, Size));
-        call = Call(points);
-        const std::array<std::uint32_t, 2> indices{0, 1};
-        call.indices = indices;
-        QVERIFY(!ToColumns(call, Size, Size));
+        scene = SceneOf(points);
+        scene.draw.layout = Pos3fColorRGBA::Layout();
+        QVERIFY(!ColumnsOf(scene));
         for (const float scale : {NotANumber, Infinite}) {
-            call = Call(points);
-            call.transform[0] = scale;
-            QVERIFY2(!ToColumns(call, Size, Size), "a view of no extent");
+            scene = SceneOf(points);
+            scene.view.transform(0, 0) = scale;
+            QVERIFY2(!ColumnsOf(scene), "a view of no extent");
         }
     }
 };

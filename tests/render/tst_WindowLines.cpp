@@ -20,23 +20,29 @@ constexpr float Largest = std::numeric_limits<float>::max();
 constexpr int Width = 100;
 constexpr int Height = 60;
 
-/** Scene coordinates are window coordinates of a target of 100 by 60. */
-template<typename Vertex>
-DrawCall Call(const std::vector<Vertex>& points, Topology topology = Topology::Lines)
+/** Lines and the view that they are drawn in. */
+struct Scene
 {
-    DrawCall call;
-    call.topology = topology;
-    call.viewport = {0, 0, Width, Height};
-    call.transform = FromWindow(call.viewport, Height);
-    call.layout = Vertex::Layout();
-    call.vertices = {reinterpret_cast<const std::uint8_t*>(points.data()), points.size() * sizeof(Vertex)};
-    call.vertexCount = static_cast<std::uint32_t>(points.size());
-    return call;
+    Draw draw;
+    View view;
+};
+
+/** Scene coordinates are window coordinates of a picture of 100 by 60. `points` must outlive the result. */
+template<typename Vertex>
+Scene SceneOf(const std::vector<Vertex>& points, Topology topology = Topology::Lines)
+{
+    Scene scene;
+    scene.draw.topology = topology;
+    scene.draw.layout = Vertex::Layout();
+    scene.draw.vertices = {reinterpret_cast<const std::uint8_t*>(points.data()), points.size() * sizeof(Vertex)};
+    scene.view.viewport = {0, 0, Width, Height};
+    scene.view.transform = FromWindow(scene.view.viewport, {Width, Height});
+    return scene;
 }
 
-std::vector<LineVertex> LinesOf(const DrawCall& call)
+std::vector<LineVertex> LinesOf(const Scene& scene)
 {
-    return ToWindowLines(call, Width, Height);
+    return ToWindowLines(scene.draw, scene.view, {Width, Height});
 }
 
 bool IsNear(double value, double expected)
@@ -73,7 +79,7 @@ private Q_SLOTS:
         QFETCH(const QLineF, line);
         QFETCH(const QLineF, cut);
         const std::vector<Pos2f> ends{{float(line.x1()), float(line.y1())}, {float(line.x2()), float(line.y2())}};
-        const auto lines = LinesOf(Call(ends));
+        const auto lines = LinesOf(SceneOf(ends));
         QCOMPARE(lines.size(), std::size_t(2));
         QVERIFY(IsNear(double(lines[0].x), cut.x1()));
         QVERIFY(IsNear(double(lines[0].y), cut.y1()));
@@ -97,34 +103,34 @@ private Q_SLOTS:
     {
         QFETCH(const QLineF, line);
         const std::vector<Pos2f> ends{{float(line.x1()), float(line.y1())}, {float(line.x2()), float(line.y2())}};
-        QVERIFY(LinesOf(Call(ends)).empty());
+        QVERIFY(LinesOf(SceneOf(ends)).empty());
         // And nothing but that.
         const std::vector<Pos2f> strip{{10, 10}, {20, 10}, ends[0], ends[1], {30, 10}, {40, 10}};
-        QVERIFY(LinesOf(Call(strip, Topology::LineStrip)).size() >= 4);
+        QVERIFY(LinesOf(SceneOf(strip, Topology::LineStrip)).size() >= 4);
         const std::vector<Pos2f> list{{10, 10}, {20, 10}, ends[0], ends[1], {30, 10}, {40, 10}};
-        QCOMPARE(LinesOf(Call(list)).size(), std::size_t(4));
+        QCOMPARE(LinesOf(SceneOf(list)).size(), std::size_t(4));
     }
 
-    void keepsTheColoursWhereTheyWere()
+    void givesALineTheColourOfItsFirstVertex()
     {
-        // From black to white over 200 pixels, of which the right half is visible and two pixels more.
-        const std::vector<Pos3fColorRGBA> ends{{-100.0F, 30.0F, 0.0F, 0xff000000},
+        const std::vector<Pos3fColorRGBA> ends{{-100.0F, 30.0F, 0.0F, 0xff332211},
                                                {100.0F, 30.0F, 0.0F, 0xffffffff}};
-        const auto lines = LinesOf(Call(ends));
+        const auto lines = LinesOf(SceneOf(ends));
         QCOMPARE(lines.size(), std::size_t(2));
-        QCOMPARE(lines[0].color, (std::array<std::uint8_t, 4>{125, 125, 125, 255}));
-        QCOMPARE(lines[1].color, (std::array<std::uint8_t, 4>{255, 255, 255, 255}));
+        for (const LineVertex& end : lines) {
+            QCOMPARE(end.color, (std::array<std::uint8_t, 4>{0x11, 0x22, 0x33, 0xff}));
+        }
     }
 
     void drawsNothingInAViewportBesideTheTarget()
     {
         const std::vector<Pos2f> ends{{-1000.0F, 10.0F}, {1000.0F, 10.0F}};
-        DrawCall call = Call(ends);
-        QCOMPARE(LinesOf(call).size(), std::size_t(2));
+        Scene scene = SceneOf(ends);
+        QCOMPARE(LinesOf(scene).size(), std::size_t(2));
         // Far enough that no part of it is near the target's edge, on either side.
         for (const int x : {Width + 10, -Width - 10}) {
-            call.viewport.x = x;
-            QVERIFY(LinesOf(call).empty());
+            scene.view.viewport.moveLeft(x);
+            QVERIFY(LinesOf(scene).empty());
         }
     }
 
@@ -133,10 +139,10 @@ private Q_SLOTS:
         // 1000 by 1000 with its lower left corner 100 to the left of the picture's and its top at the picture's
         // top.
         const std::vector<Pos2f> ends{{-1.0F, 0.99F}, {1.0F, 0.99F}};
-        DrawCall call = Call(ends);
-        call.viewport = {-100, 0, 1000, 1000};
-        call.transform = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
-        const auto lines = LinesOf(call);
+        Scene scene = SceneOf(ends);
+        scene.view.viewport = {-100, 0, 1000, 1000};
+        scene.view.transform = {};
+        const auto lines = LinesOf(scene);
         QCOMPARE(lines.size(), std::size_t(2));
         QVERIFY(IsNear(double(lines[0].x), -2.0));
         QVERIFY(IsNear(double(lines[1].x), 102.0));

@@ -71,7 +71,7 @@ void BGFXWaveformDiagramWidget::SetAudioPosition(double position, bool clearSele
 
 void BGFXWaveformDiagramWidget::SetSelectedSnippet(std::pair<double, double> snippet)
 {
-    if (m_selection.isPresent && IsSameSnippet(m_selection.times, snippet)) {
+    if (m_selection.isPresent && IsSameSelection(m_selection.times, snippet)) {
         return;
     }
     Select(Ordered(snippet.first, snippet.second));
@@ -174,9 +174,9 @@ void BGFXWaveformDiagramWidget::SceneRectMoved()
     RequestSamplesIfNeeded();
 }
 
-void BGFXWaveformDiagramWidget::Select(const Snippet& candidate)
+void BGFXWaveformDiagramWidget::Select(const SelectionTimes& candidate)
 {
-    m_selection.times = LimitSnippet(candidate, View(), BGFXWaveformWidget::MAX_SNIPPET_LENGTH);
+    m_selection.times = Finite(LimitSelection(candidate, View(), BGFXWaveformWidget::MAX_SNIPPET_LENGTH));
     m_selection.isPresent = true;
 }
 

@@ -112,7 +112,7 @@ private:
     /** A selection that was cleared keeps its times: a single end set later pairs with the old other end. */
     struct Selection
     {
-        Snippet times{0.0, 0.0};
+        SelectionTimes times{0.0, 0.0};
         bool isPresent = false;
     };
 
@@ -124,11 +124,11 @@ private:
     void RequestSamplesIfNeeded();
     void Changed();
     void SceneRectMoved();
-    void Select(const Snippet& candidate);
+    void Select(const SelectionTimes& candidate);
 
     void HoverAt(int x);
     void DragTo(const QPoint& position);
-    void DragSelectionTo(const Snippet& candidate);
+    void DragSelectionTo(const SelectionTimes& candidate);
     void DragBodyTo(double middle);
     void ClickAt(double x);
     void Pan(const QWheelEvent& event);
@@ -152,7 +152,7 @@ private:
     int m_stepSize = 1;
     double m_audioPosition = 0.0;
     Selection m_selection;
-    Snippet m_selectionAtGrab{0.0, 0.0};
+    SelectionTimes m_selectionAtGrab{0.0, 0.0};
     bool m_isEditing = false;
     Grab m_grab;
     bool m_scrollBackToZoomOut = true;

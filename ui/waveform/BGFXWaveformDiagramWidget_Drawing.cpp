@@ -31,15 +31,15 @@ Color ColorOf(const QColor& color)
 
 Line HorizontalLine(double left, double right, double y, const QColor& color)
 {
-    return {.start = {ToFloat(left), ToFloat(y), 0.0F},
-            .end = {ToFloat(right), ToFloat(y), 0.0F},
+    return {.start = {ToCoordinate(left), ToCoordinate(y), 0.0F},
+            .end = {ToCoordinate(right), ToCoordinate(y), 0.0F},
             .color = ColorOf(color)};
 }
 
 Line VerticalLine(double x, double extent, const QColor& color)
 {
-    return {.start = {ToFloat(x), ToFloat(-extent), 0.0F},
-            .end = {ToFloat(x), ToFloat(extent), 0.0F},
+    return {.start = {ToCoordinate(x), ToCoordinate(-extent), 0.0F},
+            .end = {ToCoordinate(x), ToCoordinate(extent), 0.0F},
             .color = ColorOf(color)};
 }
 
@@ -99,7 +99,6 @@ void BGFXWaveformDiagramWidget::BeginView(const BGFXViewContext& view)
 {
     view.SetTransform(QMatrix4x4(), m_projection);
     view.SetViewport(ViewportRect());
-    view.Submit(FrameBuffer(), ViewportRect());
 }
 
 void BGFXWaveformDiagramWidget::DrawGrid()
@@ -131,9 +130,9 @@ void BGFXWaveformDiagramWidget::DrawWaveform()
     m_program.SetColor(m_waveformColor);
     const ViewRange view = View();
     m_geometry.Draw(m_waveformView.Id(), m_program.Handle(),
-                    {.left = ToFloat(view.left - m_buffer.start),
-                     .right = ToFloat(view.Right() - m_buffer.start),
-                     .columns = PixelColumns(m_projection, ViewportRect().width())});
+                    {.left = ToCoordinate(view.left - m_buffer.start),
+                     .right = ToCoordinate(view.Right() - m_buffer.start),
+                     .columns = bgfx::PixelColumns(m_projection, ViewportRect())});
 }
 
 void BGFXWaveformDiagramWidget::DrawPosition()
@@ -148,9 +147,9 @@ void BGFXWaveformDiagramWidget::DrawSelection()
     if (!m_selection.isPresent) {
         return;
     }
-    const float start = ToFloat(m_selection.times.first - m_buffer.start);
-    const float end = ToFloat(m_selection.times.second - m_buffer.start);
-    const float extent = ToFloat(m_amplitudeExtent);
+    const float start = ToCoordinate(m_selection.times.first - m_buffer.start);
+    const float end = ToCoordinate(m_selection.times.second - m_buffer.start);
+    const float extent = ToCoordinate(m_amplitudeExtent);
     Color color = ColorOf(m_selectionColor);
     color.alpha = SelectionAlpha;
     const std::uint32_t rgba = color.ToVertexColor();

@@ -124,7 +124,7 @@ void BGFXWaveformDiagramWidget::DragTo(const QPoint& position)
     }
 }
 
-void BGFXWaveformDiagramWidget::DragSelectionTo(const Snippet& candidate)
+void BGFXWaveformDiagramWidget::DragSelectionTo(const SelectionTimes& candidate)
 {
     Select(candidate);
     Q_EMIT SelectionChanged(m_selection.times);
@@ -134,7 +134,7 @@ void BGFXWaveformDiagramWidget::DragSelectionTo(const Snippet& candidate)
 /** A selection moved as a whole keeps its length, so neither the limit nor the visible range may cut it. */
 void BGFXWaveformDiagramWidget::DragBodyTo(double middle)
 {
-    m_selection = {.times = MovedTo(m_selection.times, middle), .isPresent = true};
+    m_selection = {.times = Finite(MovedTo(m_selection.times, middle)), .isPresent = true};
     m_audioPosition = m_selection.times.first;
     Q_EMIT SelectionChanged(m_selection.times);
     Changed();

@@ -1,4 +1,4 @@
-#include "render/bgfx/bgfx.h"
+#include "render/bgfx/DrawingDevice.h"
 #include "ui/waveform/BGFXWaveformDiagramWidget.h"
 #include "ui/waveform/rules/TimeScale.h"
 
@@ -214,13 +214,12 @@ void BGFXWaveformWidget::SetWaveformColor(const QColor& color)
 
 BGFXWaveformWidget::DrawingDevice BGFXWaveformWidget::GetDrawingDevice()
 {
-    switch (bgfx::getRendererType()) {
-    case bgfx::RendererType::OpenGL:
+    switch (bgfx::DrawingDevice::Get().Kind()) {
+    case bgfx::device::Kind::OpenGL:
         return DrawingDevice::OpenGL;
-    case bgfx::RendererType::Software:
+    case bgfx::device::Kind::Software:
         return DrawingDevice::Software;
-    case bgfx::RendererType::Noop:
-    case bgfx::RendererType::Count:
+    case bgfx::device::Kind::None:
         break;
     }
     return DrawingDevice::None;

@@ -2,11 +2,15 @@
 
 #include "render/bgfx/device/StripColumns.h"
 
+#include <QtGui/QImage>
+
 #include <array>
 #include <cstdint>
-#include <vector>
 
 namespace vantoraudio::bgfx::device {
+
+/** Red, green, blue and alpha, each 0 to 1. */
+using Rgba = std::array<float, 4>;
 
 struct Pixel
 {
@@ -16,17 +20,7 @@ struct Pixel
     std::uint8_t alpha = 0;
 };
 
-/** Red, green, blue and alpha, each 0 to 1. */
-using Rgba = std::array<float, 4>;
-
-struct Brush
-{
-    Blend blend = Blend::None;
-    bool writeRgb = true;
-    bool writeAlpha = true;
-};
-
-/** A point of a line or triangle with its colour. */
+/** A corner of a triangle with its colour. */
 struct Corner
 {
     WindowPoint at;
@@ -34,41 +28,32 @@ struct Corner
 };
 
 /**
- * A picture in memory, drawn into by OpenGL's rules. Any coordinates are safe: what is not finite is left out, and
- * time is bounded by the number of pixels inside the box.
+ * Draws into a picture by OpenGL's rules. Any coordinates are safe: what is not finite is left out, and time is
+ * bounded by the number of pixels inside the box.
  */
 class Canvas
 {
 public:
-    Canvas(int width, int height);
+    /** `picture` has the format RGBA8888 and outlives the canvas. */
+    explicit Canvas(QImage& picture);
 
-    [[nodiscard]] int Width() const { return m_width; }
-    [[nodiscard]] int Height() const { return m_height; }
-    /** Rows from the top. */
-    [[nodiscard]] const std::vector<Pixel>& Pixels() const { return m_pixels; }
+    [[nodiscard]] QSize Size() const { return {m_width, m_height}; }
 
-    void Fill(const PixelBox& box, Pixel pixel);
-    void FillColumns(const StripColumns& columns, const Rgba& color, const Brush& brush);
-    void DrawLine(const Corner& start, const Corner& end, const PixelBox& box, const Brush& brush);
-    void DrawTriangle(const std::array<Corner, 3>& corners, const PixelBox& box, const Brush& brush);
+    /** `rgba` is 0xRRGGBBAA. */
+    void Fill(const PixelBox& box, std::uint32_t rgba);
+    void FillColumns(const StripColumns& columns, const Rgba& color);
+    void DrawLine(const WindowPoint& start, const WindowPoint& end, const PixelBox& box, const Rgba& color);
+    void DrawTriangle(const std::array<Corner, 3>& corners, const PixelBox& box);
 
 private:
     Pixel& At(int x, int yFromBottom)
     {
         return m_pixels[std::size_t(m_height - 1 - yFromBottom) * std::size_t(m_width) + std::size_t(x)];
     }
-    template<typename Paint>
-    void PaintColumns(const StripColumns& columns, const Rgba& color, Paint paint);
-    template<typename Paint>
-    void TraceLine(const Corner& start, const Corner& end, const PixelBox& box, Paint paint);
-    template<typename Paint>
-    void FillTriangle(const std::array<Corner, 3>& corners, const PixelBox& box, Paint paint);
 
     int m_width;
     int m_height;
-    std::vector<Pixel> m_pixels;
+    Pixel* m_pixels;
 };
-
-Pixel Quantize(const Rgba& color);
 
 } // namespace vantoraudio::bgfx::device

@@ -1,40 +1,55 @@
 #include "render/bgfx/device/Geometry.h"
 
 #include <algorithm>
+#include <cmath>
+#include <cstring>
 
 namespace vantoraudio::bgfx::device {
 
-PixelBox ClipToTarget(const Rect& rect, int targetWidth, int targetHeight)
+bool IsFinite(const WindowPoint& point)
 {
-    const int top = targetHeight - rect.y;
-    return {std::max(0, rect.x), std::min(targetWidth, rect.x + rect.width), std::max(0, top - rect.height),
-            std::min(targetHeight, top)};
+    return std::isfinite(point.x) && std::isfinite(point.y);
 }
 
-PositionReader::PositionReader(const VertexLayout& layout, std::span<const std::uint8_t> bytes)
-    : m_data(bytes.data() + layout.getOffset(Attrib::Position)), m_stride(layout.getStride())
+PixelBox ClipToPicture(const QRect& viewport, QSize picture)
 {
-    std::uint8_t num = 0;
-    AttribType::Enum type = AttribType::Float;
-    bool normalized = false;
-    bool asInt = false;
-    layout.decode(Attrib::Position, num, type, normalized, asInt);
-    m_bytes = type == AttribType::Float ? std::min<std::size_t>(num, 3) * sizeof(float) : 0;
+    const int top = picture.height() - viewport.y();
+    return {std::max(0, viewport.x()), std::min(picture.width(), viewport.x() + viewport.width()),
+            std::max(0, top - viewport.height()), std::min(picture.height(), top)};
 }
 
-ClipPoint Transform(const Matrix& matrix, const ClipPoint& point)
+WindowVertices::WindowVertices(const Draw& draw, const View& view, QSize picture)
+    : m_draw(draw)
+    , m_transform(view.transform)
+    , m_columns(view.transform, view.viewport)
+    , m_bottom(picture.height() - view.viewport.y() - view.viewport.height())
+    , m_height(view.viewport.height())
 {
+}
+
+WindowPoint WindowVertices::At(std::size_t vertex) const
+{
+    std::array<float, 3> position{};
+    std::memcpy(position.data(), &m_draw.vertices[vertex * m_draw.layout.getStride()],
+                std::min<std::size_t>(m_draw.layout.ColorOffset(), sizeof(position)));
+    // Column by column; element access by row and column would cost a check of the matrix's kind each time.
+    const float* matrix = m_transform.constData();
     const auto row = [&](std::size_t i) {
-        return double(matrix[i]) * point.x + double(matrix[i + 4]) * point.y + double(matrix[i + 8]) * point.z +
-               double(matrix[i + 12]);
+        return double(matrix[i]) * double(position[0]) + double(matrix[i + 4]) * double(position[1]) +
+               double(matrix[i + 8]) * double(position[2]) + double(matrix[i + 12]);
     };
-    return {row(0), row(1), row(2)};
+    return {m_columns.OfNormalised(row(0)), m_bottom + (row(1) + 1.0) * 0.5 * m_height};
 }
 
-WindowPoint ToWindow(const Rect& viewport, int targetHeight, const ClipPoint& point)
+std::array<std::uint8_t, 4> WindowVertices::ColorAt(std::size_t vertex) const
 {
-    const double bottom = targetHeight - viewport.y - viewport.height;
-    return {viewport.x + (point.x + 1.0) * 0.5 * viewport.width, bottom + (point.y + 1.0) * 0.5 * viewport.height};
+    std::array<std::uint8_t, 4> color{};
+    if (m_draw.layout.hasColor) {
+        std::memcpy(color.data(),
+                    &m_draw.vertices[vertex * m_draw.layout.getStride() + m_draw.layout.ColorOffset()],
+                    color.size());
+    }
+    return color;
 }
 
 } // namespace vantoraudio::bgfx::device

@@ -1,9 +1,14 @@
 #pragma once
 
-#include "render/bgfx/device/Device.h"
+#include "render/bgfx/Frame.h"
+#include "render/bgfx/PixelColumns.h"
 
-#include <cstring>
+#include <QtCore/QSize>
 
+#include <array>
+#include <cstdint>
+
+/** Where a frame's vertices lie on the picture. */
 namespace vantoraudio::bgfx::device {
 
 /** Window coordinates as OpenGL has them: pixels, y counts from the bottom, pixel centres at halves. */
@@ -13,12 +18,7 @@ struct WindowPoint
     double y = 0.0;
 };
 
-struct ClipPoint
-{
-    double x = 0.0;
-    double y = 0.0;
-    double z = 0.0;
-};
+[[nodiscard]] bool IsFinite(const WindowPoint& point);
 
 /** A rectangle of whole pixels, upper bounds exclusive, y from the bottom. */
 struct PixelBox
@@ -31,29 +31,27 @@ struct PixelBox
     [[nodiscard]] bool IsEmpty() const { return left >= right || bottom >= top; }
 };
 
-/** The part of `rect` inside a target of this size. */
-PixelBox ClipToTarget(const Rect& rect, int targetWidth, int targetHeight);
+/** The part of `viewport` inside a picture of this size. */
+[[nodiscard]] PixelBox ClipToPicture(const QRect& viewport, QSize picture);
 
-/** Up to three floats of a vertex's position; what it lacks is 0. */
-struct PositionReader
+/** The vertices of a draw on the picture. */
+class WindowVertices
 {
-    PositionReader(const VertexLayout& layout, std::span<const std::uint8_t> bytes);
+public:
+    WindowVertices(const Draw& draw, const View& view, QSize picture);
 
-    [[nodiscard]] ClipPoint operator()(std::uint32_t vertex) const
-    {
-        float position[3] = {0.0F, 0.0F, 0.0F};
-        std::memcpy(position, m_data + std::size_t{vertex} * m_stride, m_bytes);
-        return {position[0], position[1], position[2]};
-    }
+    [[nodiscard]] std::size_t Count() const { return m_draw.VertexCount(); }
+    /** Affine: the matrix's last row is taken as (0, 0, 0, 1). May be infinite or not-a-number. */
+    [[nodiscard]] WindowPoint At(std::size_t vertex) const;
+    /** The vertex's own colour, red first; transparent black for vertices that have none. */
+    [[nodiscard]] std::array<std::uint8_t, 4> ColorAt(std::size_t vertex) const;
 
 private:
-    const std::uint8_t* m_data;
-    std::size_t m_stride;
-    std::size_t m_bytes;
+    const Draw& m_draw;
+    const QMatrix4x4& m_transform;
+    PixelColumns m_columns;
+    double m_bottom;
+    double m_height;
 };
-
-/** Affine: the matrix's last row is taken as (0, 0, 0, 1). */
-ClipPoint Transform(const Matrix& matrix, const ClipPoint& point);
-WindowPoint ToWindow(const Rect& viewport, int targetHeight, const ClipPoint& point);
 
 } // namespace vantoraudio::bgfx::device

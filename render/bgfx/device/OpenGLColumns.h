@@ -4,23 +4,21 @@
 
 #include <QtGui/QOpenGLFunctions>
 
-#include <cstdint>
-
 namespace vantoraudio::bgfx::device {
 
-/** The texture that OpenGLProgram::ForColumns() reads. Our context is current in all calls. */
+/** The texture that tells a fragment shader which rows of each pixel column to draw: one texel a column, red and
+ * green are the first row's number, blue and alpha that of the row behind the last one, higher bytes first. Our
+ * context is current in all calls. */
 class OpenGLColumns
 {
 public:
-    /** Binds the texture, which is filled only when `version` is another one than the last time. */
-    void Bind(QOpenGLFunctions& gl, const StripColumns& columns, std::uint64_t version, int targetWidth);
+    void Create(QOpenGLFunctions& gl);
     void Destroy(QOpenGLFunctions& gl);
+    /** Fills the texture with the columns of a picture and binds it. */
+    void Bind(QOpenGLFunctions& gl, const StripColumns& columns, int pictureWidth);
 
 private:
-    void Create(QOpenGLFunctions& gl);
-
     GLuint m_texture = 0;
-    std::uint64_t m_version = 0;
 };
 
 } // namespace vantoraudio::bgfx::device

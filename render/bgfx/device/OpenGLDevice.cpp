@@ -1,291 +1,234 @@
 #include "render/bgfx/device/OpenGLDevice.h"
 
-#include "render/bgfx/device/LastColumns.h"
 #include "render/bgfx/device/OpenGLColumns.h"
 #include "render/bgfx/device/OpenGLContext.h"
-#include "render/bgfx/device/OpenGLObjects.h"
 #include "render/bgfx/device/OpenGLProgram.h"
 #include "render/bgfx/device/WindowLines.h"
 
 #include <QtOpenGL/QOpenGLFramebufferObject>
+#include <QtOpenGL/QOpenGLVertexArrayObject>
 
 #include <algorithm>
 #include <array>
+#include <memory>
 #include <optional>
-#include <vector>
 
 namespace vantoraudio::bgfx::device {
 namespace {
 
-using CurrentIfValid = std::unique_ptr<CurrentOpenGL>;
-
-/** The vertices of an indexed draw one by one, since OpenGL ES 2 knows no 32-bit indices. */
-std::vector<std::uint8_t> Unindexed(const DrawCall& call)
-{
-    const std::size_t stride = call.layout.getStride();
-    std::vector<std::uint8_t> bytes(call.indices.size() * stride);
-    auto into = bytes.begin();
-    for (const std::uint32_t index : call.indices) {
-        into = std::ranges::copy(call.vertices.subspan(index * stride, stride), into).out;
-    }
-    return bytes;
-}
-
-class OpenGLTarget final : public Target
+/** What lives in our context, which is current in all calls. */
+class OpenGLPainter
 {
 public:
-    OpenGLTarget(OpenGLContext& context, OpenGLObjects& objects, QSize size)
-        : m_context(context), m_objects(objects), m_frameBuffer(size), m_lastColumns(size.width(), size.height())
+    explicit OpenGLPainter(const OpenGLContext& context)
+        : m_gl(context.Functions()), m_waveform(context), m_waveformColumns(context), m_color(context)
     {
+        m_vertexArray.create();
+        m_gl.glGenBuffers(1, &m_vertexBuffer);
+        m_columns.Create(m_gl);
+        m_gl.glDisable(GL_DITHER);
+        m_gl.glEnable(GL_BLEND);
+        m_gl.glBlendFuncSeparate(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
+        m_gl.glPixelStorei(GL_PACK_ALIGNMENT, 4);
     }
-    ~OpenGLTarget() override
+    ~OpenGLPainter()
     {
-        const CurrentOpenGL current(m_context);
-        m_frameBuffer.reset();
-        if (current.IsValid()) {
-            m_columns.Destroy(m_context.Functions());
+        // Without a current context, as after its loss, nearly all is gone already.
+        if (QOpenGLContext::currentContext()) {
+            m_columns.Destroy(m_gl);
+            m_gl.glDeleteBuffers(1, &m_vertexBuffer);
         }
     }
+    OpenGLPainter(const OpenGLPainter&) = delete;
+    OpenGLPainter& operator=(const OpenGLPainter&) = delete;
 
-    [[nodiscard]] bool IsValid() const { return m_frameBuffer->isValid(); }
-
-    void Clear(const Rect& rect, std::uint32_t rgba) override
+    bool BuildPrograms()
     {
-        auto& gl = Bind(rect);
-        const auto component = [&](int shift) { return float(rgba >> shift & 0xFFU) / 255.0F; };
-        gl.glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
-        gl.glClearColor(component(24), component(16), component(8), component(0));
-        gl.glClear(GL_COLOR_BUFFER_BIT);
+        return m_waveform.Build(Programs[WaveformProgramHandle.idx]) &&
+               m_waveformColumns.BuildForColumns(Programs[WaveformProgramHandle.idx]) &&
+               m_color.Build(Programs[ColorProgramHandle.idx]);
     }
 
-    void Draw(const Program& program, const DrawCall& call) override
+    /** False when there is no memory for a picture of this size. */
+    bool Draw(const Frame& frame, QImage& picture)
     {
-        auto& gl = Bind(call.viewport);
-        const auto rgb = static_cast<GLboolean>(call.writeRgb);
-        gl.glColorMask(rgb, rgb, rgb, static_cast<GLboolean>(call.writeAlpha));
-        SetBlend(gl, call.blend);
-        const auto& shading = static_cast<const OpenGLProgram&>(program);
-        if (call.topology == Topology::Triangles) {
-            DrawTriangles(gl, shading, call);
-        } else if (!DrawColumns(gl, shading, call)) {
-            DrawLines(gl, shading, call);
+        if (!m_frameBuffer || m_frameBuffer->size() != picture.size()) {
+            m_frameBuffer.emplace(picture.size());
         }
-    }
-
-    void Read(std::span<std::uint8_t> pixels) override
-    {
-        const QSize size = m_frameBuffer->size();
-        if (pixels.size() < std::size_t(size.width()) * std::size_t(size.height()) * 4) {
-            return;
+        if (!m_frameBuffer->isValid() || !m_frameBuffer->bind()) {
+            return false;
         }
-        auto& gl = m_context.Functions();
-        m_frameBuffer->bind();
-        gl.glPixelStorei(GL_PACK_ALIGNMENT, 1);
-        gl.glReadPixels(0, 0, size.width(), size.height(), GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
+        Clear({QPoint(0, 0), picture.size()}, 0);
+        for (const View& view : frame) {
+            Draw(view);
+        }
+        // The first row of the frame buffer is the picture's first: everything is drawn upside down.
+        m_gl.glReadPixels(0, 0, picture.width(), picture.height(), GL_RGBA, GL_UNSIGNED_BYTE, picture.bits());
+        return true;
     }
 
 private:
-    QOpenGLFunctions& Bind(const Rect& rect)
+    [[nodiscard]] QSize PictureSize() const { return m_frameBuffer->size(); }
+
+    void Draw(const View& view)
     {
-        auto& gl = m_context.Functions();
-        m_frameBuffer->bind();
-        const int bottom = m_frameBuffer->height() - rect.y - rect.height;
-        gl.glViewport(rect.x, bottom, rect.width, rect.height);
-        gl.glEnable(GL_SCISSOR_TEST);
-        gl.glScissor(rect.x, bottom, rect.width, rect.height);
-        return gl;
+        if (view.clearColor) {
+            Clear(view.viewport, *view.clearColor);
+        }
+        SetViewport(view.viewport);
+        for (const bgfx::Draw& draw : view.draws) {
+            if (draw.topology == Topology::Triangles) {
+                DrawTriangles(draw, view);
+            } else if (const auto columns = ToColumns(draw, view, PictureSize())) {
+                DrawColumns(*columns, draw, view);
+            } else {
+                DrawLines(draw, view);
+            }
+        }
     }
 
-    static void SetBlend(QOpenGLFunctions& gl, Blend blend)
+    void SetViewport(const QRect& rect)
     {
-        if (blend == Blend::None) {
-            gl.glDisable(GL_BLEND);
-            return;
-        }
-        gl.glEnable(GL_BLEND);
-        gl.glBlendFuncSeparate(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, blend == Blend::Over ? GL_ONE : GL_SRC_ALPHA,
-                               GL_ONE_MINUS_SRC_ALPHA);
+        m_gl.glViewport(rect.x(), rect.y(), rect.width(), rect.height());
+        m_gl.glEnable(GL_SCISSOR_TEST);
+        m_gl.glScissor(rect.x(), rect.y(), rect.width(), rect.height());
+    }
+
+    void Clear(const QRect& rect, std::uint32_t rgba)
+    {
+        const auto component = [&](int shift) { return float(rgba >> shift & 0xFFU) / 255.0F; };
+        SetViewport(rect);
+        m_gl.glClearColor(component(24), component(16), component(8), component(0));
+        m_gl.glClear(GL_COLOR_BUFFER_BIT);
     }
 
     /** One rectangle, however many lines there are: drivers that draw without a graphics card take milliseconds
-     *  for a thousand lines. False for what cannot be drawn so. */
-    bool DrawColumns(QOpenGLFunctions& gl, const OpenGLProgram& program, const DrawCall& call)
+     *  for a thousand lines. */
+    void DrawColumns(const StripColumns& columns, const bgfx::Draw& draw, const View& view)
     {
-        const auto& columns = m_lastColumns.Of(call);
-        const OpenGLProgram* shading = columns ? program.ForColumns() : nullptr;
-        if (!shading) {
-            return false;
-        }
-        const PixelBox bounds = columns->Bounds();
+        const PixelBox bounds = columns.Bounds();
         if (bounds.IsEmpty()) {
-            return true;
+            return;
         }
-        m_columns.Bind(gl, *columns, m_lastColumns.Version(), m_frameBuffer->width());
-        shading->Use(FromWindow(call.viewport, m_frameBuffer->height()), call.uniforms);
-        shading->SetTargetWidth(m_frameBuffer->width());
+        m_columns.Bind(m_gl, columns, PictureSize().width());
+        m_waveformColumns.Use(FromWindow(view.viewport, PictureSize()), draw.uniforms);
+        m_waveformColumns.SetPictureSize(PictureSize());
         const LineVertex lower{float(bounds.left), float(bounds.bottom)};
         const LineVertex upper{float(bounds.right), float(bounds.top)};
         const std::array<LineVertex, 6> corners{lower, {upper.x, lower.y}, upper,
                                                 upper, {lower.x, upper.y}, lower};
-        DrawVertices(gl, GL_TRIANGLES, LineVertexLayout(), corners.data(), corners.size());
-        return true;
+        DrawVertices(GL_TRIANGLES, LineVertexLayout, corners.data(), corners.size());
     }
 
-    void DrawLines(QOpenGLFunctions& gl, const OpenGLProgram& program, const DrawCall& call)
+    void DrawLines(const bgfx::Draw& draw, const View& view)
     {
-        const std::vector<LineVertex> lines = ToWindowLines(call, m_frameBuffer->width(), m_frameBuffer->height());
-        if (lines.empty()) {
-            return;
+        const std::vector<LineVertex> lines = ToWindowLines(draw, view, PictureSize());
+        if (!lines.empty()) {
+            ProgramOf(draw).Use(FromWindow(view.viewport, PictureSize()), draw.uniforms);
+            DrawVertices(GL_LINES, LineVertexLayout, lines.data(), lines.size());
         }
-        program.Use(FromWindow(call.viewport, m_frameBuffer->height()), call.uniforms);
-        DrawVertices(gl, GL_LINES, LineVertexLayout(), lines.data(), lines.size());
     }
 
-    void DrawTriangles(QOpenGLFunctions& gl, const OpenGLProgram& program, const DrawCall& call)
+    void DrawTriangles(const bgfx::Draw& draw, const View& view)
     {
-        program.Use(call.transform, call.uniforms);
-        if (call.indices.empty()) {
-            DrawVertices(gl, GL_TRIANGLES, call.layout, call.vertices.data(), call.vertexCount);
+        ProgramOf(draw).Use(view.transform, draw.uniforms);
+        DrawVertices(GL_TRIANGLES, draw.layout, draw.vertices.data(), draw.VertexCount());
+    }
+
+    OpenGLProgram& ProgramOf(const bgfx::Draw& draw)
+    {
+        return draw.program.idx == WaveformProgramHandle.idx ? m_waveform : m_color;
+    }
+
+    void DrawVertices(GLenum mode, const VertexLayout& layout, const void* vertices, std::size_t count)
+    {
+        // A core profile draws with such an object only; others may lack it.
+        const QOpenGLVertexArrayObject::Binder vertexArray(&m_vertexArray);
+        m_gl.glBindBuffer(GL_ARRAY_BUFFER, m_vertexBuffer);
+        m_gl.glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(count * layout.getStride()), vertices,
+                          GL_STREAM_DRAW);
+        m_gl.glEnableVertexAttribArray(0);
+        m_gl.glVertexAttribPointer(0, layout.coordinates, GL_FLOAT, GL_FALSE, layout.getStride(), nullptr);
+        if (layout.hasColor) {
+            const auto* offset = reinterpret_cast<const void*>(std::uintptr_t{layout.ColorOffset()});
+            m_gl.glEnableVertexAttribArray(1);
+            m_gl.glVertexAttribPointer(1, 4, GL_UNSIGNED_BYTE, GL_TRUE, layout.getStride(), offset);
         } else {
-            DrawVertices(gl, GL_TRIANGLES, call.layout, Unindexed(call).data(), call.indices.size());
+            m_gl.glDisableVertexAttribArray(1);
         }
+        m_gl.glDrawArrays(mode, 0, static_cast<GLsizei>(count));
     }
 
-    void DrawVertices(QOpenGLFunctions& gl, GLenum mode, const VertexLayout& layout, const void* vertices,
-                      std::size_t count)
-    {
-        const QOpenGLVertexArrayObject::Binder vertexArray(&m_objects.VertexArray());
-        gl.glBindBuffer(GL_ARRAY_BUFFER, m_objects.VertexBuffer());
-        gl.glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(count * layout.getStride()), vertices,
-                        GL_STREAM_DRAW);
-        for (unsigned i = 0; i < Attrib::Count; ++i) {
-            SetAttribute(gl, layout, static_cast<Attrib::Enum>(i));
-        }
-        gl.glDrawArrays(mode, 0, static_cast<GLsizei>(count));
-    }
-
-    static void SetAttribute(QOpenGLFunctions& gl, const VertexLayout& layout, Attrib::Enum attrib)
-    {
-        if (!layout.has(attrib)) {
-            gl.glDisableVertexAttribArray(attrib);
-            return;
-        }
-        std::uint8_t num = 0;
-        AttribType::Enum type = AttribType::Float;
-        bool normalized = false;
-        bool asInt = false;
-        layout.decode(attrib, num, type, normalized, asInt);
-        const auto* offset = reinterpret_cast<const void*>(std::uintptr_t{layout.getOffset(attrib)});
-        gl.glEnableVertexAttribArray(attrib);
-        gl.glVertexAttribPointer(attrib, num, type == AttribType::Float ? GL_FLOAT : GL_UNSIGNED_BYTE,
-                                 static_cast<GLboolean>(normalized), layout.getStride(), offset);
-    }
-
-    OpenGLContext& m_context;
-    OpenGLObjects& m_objects;
-    std::optional<QOpenGLFramebufferObject> m_frameBuffer;
-    LastColumns m_lastColumns;
+    QOpenGLFunctions& m_gl;
+    OpenGLProgram m_waveform;
+    OpenGLProgram m_waveformColumns;
+    OpenGLProgram m_color;
     OpenGLColumns m_columns;
+    QOpenGLVertexArrayObject m_vertexArray;
+    /** Filled again by every draw. */
+    GLuint m_vertexBuffer = 0;
+    /** As large as the last picture. */
+    std::optional<QOpenGLFramebufferObject> m_frameBuffer;
 };
 
 class OpenGLDevice final : public Device
 {
 public:
-    explicit OpenGLDevice(std::unique_ptr<OpenGLContext> context) : m_context(std::move(context))
+    /** False when the driver cannot do what drawing takes: some make a context and fail at the first thing that it
+     * is asked to do. */
+    bool Create()
     {
+        m_context = OpenGLContext::Make();
+        if (!m_context) {
+            return false;
+        }
         const CurrentOpenGL current(*m_context);
-        auto& gl = m_context->Functions();
-        m_objects.Create(gl);
-        gl.glDisable(GL_DITHER);
-        m_maxSize = QueryMaxSize(gl);
+        m_painter.emplace(*m_context);
+        m_maxSide = QueryMaxSide(m_context->Functions());
+        QImage picture(1, 1, QImage::Format_RGBA8888);
+        return m_painter->BuildPrograms() && m_painter->Draw({}, picture);
     }
     ~OpenGLDevice() override
     {
-        m_current.reset();
-        const CurrentOpenGL current(*m_context);
-        m_objects.Destroy(m_context->Functions(), current.IsValid());
+        if (m_context) {
+            const CurrentOpenGL current(*m_context);
+            m_painter.reset();
+        }
     }
 
-    [[nodiscard]] RendererType::Enum Type() const override { return RendererType::OpenGL; }
-    [[nodiscard]] std::uint32_t MaxTextureSize() const override { return m_maxSize; }
-    [[nodiscard]] bool OriginBottomLeft() const override { return true; }
-    [[nodiscard]] bool IsLost() const override { return m_isLost; }
+    [[nodiscard]] device::Kind Kind() const override { return device::Kind::OpenGL; }
+    [[nodiscard]] int MaxSide() const override { return m_maxSide; }
 
-    bool BeginFrame() override
+    bool Draw(const Frame& frame, QImage& picture) override
     {
-        // First gives back what a frame without an end has left: assigned over, it would end inside the new one.
-        m_current.reset();
-        m_current = std::make_unique<CurrentOpenGL>(*m_context);
-        if (m_current->IsValid()) {
-            return true;
-        }
-        m_current.reset();
-        m_isLost = true;
-        return false;
-    }
-    void EndFrame() override { m_current.reset(); }
-
-    std::unique_ptr<Program> CreateProgram(std::string_view vertexShader, std::string_view fragmentShader) override
-    {
+        // Gives the host's own context back at the end, also when memory runs out in between.
         const CurrentOpenGL current(*m_context);
-        if (!current.IsValid()) {
-            m_isLost = true;
-            return nullptr;
-        }
-        auto program = std::make_unique<OpenGLProgram>(*m_context);
-        return program->Build(vertexShader, fragmentShader) ? std::move(program) : nullptr;
-    }
-
-    std::unique_ptr<Target> CreateTarget(int width, int height) override
-    {
-        const CurrentOpenGL current(*m_context);
-        if (!current.IsValid()) {
-            return nullptr;
-        }
-        auto target = std::make_unique<OpenGLTarget>(*m_context, m_objects, QSize(width, height));
-        if (!target->IsValid()) {
-            return nullptr;
-        }
-        target->Clear({0, 0, width, height}, 0);
-        return target;
+        return current.IsValid() && m_painter->Draw(frame, picture);
     }
 
 private:
-    static std::uint32_t QueryMaxSize(QOpenGLFunctions& gl)
+    static int QueryMaxSide(QOpenGLFunctions& gl)
     {
         GLint texture = 0;
         std::array<GLint, 2> viewport{};
         gl.glGetIntegerv(GL_MAX_TEXTURE_SIZE, &texture);
         gl.glGetIntegerv(GL_MAX_VIEWPORT_DIMS, viewport.data());
-        return static_cast<std::uint32_t>(std::max(0, std::min({texture, viewport[0], viewport[1]})));
+        // The texture of the columns carries 16-bit rows.
+        return std::clamp(std::min({texture, viewport[0], viewport[1]}), 0, 65535);
     }
 
+    // The context stands first: it must outlive what lives in it.
     std::unique_ptr<OpenGLContext> m_context;
-    OpenGLObjects m_objects;
-    std::uint32_t m_maxSize = 0;
-    CurrentIfValid m_current;
-    bool m_isLost = false;
+    std::optional<OpenGLPainter> m_painter;
+    int m_maxSide = 0;
 };
-
-/** Some drivers make a context and then fail at the first thing that it is asked to do. */
-bool CanDraw(OpenGLDevice& device)
-{
-    const auto program = device.CreateProgram(
-        "attribute vec2 a_position;\nvoid main() { gl_Position = vec4(a_position, 0.0, 1.0); }\n",
-        "uniform vec4 u_color;\nvoid main() { gl_FragColor = u_color; }\n");
-    return program && device.CreateTarget(1, 1);
-}
 
 } // namespace
 
 std::unique_ptr<Device> MakeOpenGLDevice()
 {
-    auto context = OpenGLContext::Make();
-    if (!context) {
-        return nullptr;
-    }
-    auto device = std::make_unique<OpenGLDevice>(std::move(context));
-    return CanDraw(*device) ? std::move(device) : nullptr;
+    auto device = std::make_unique<OpenGLDevice>();
+    return device->Create() ? std::move(device) : nullptr;
 }
 
 } // namespace vantoraudio::bgfx::device

@@ -1,20 +1,85 @@
 #include "render/bgfx/device/OpenGLProgram.h"
 
+#include <algorithm>
 #include <array>
+#include <string_view>
 
 namespace vantoraudio::bgfx::device {
 namespace {
 
-constexpr const char* TransformName = "u_modelViewProj";
-constexpr std::array<const char*, Attrib::Count> AttributeNames{"a_position", "a_color0"};
+struct Shader
+{
+    std::string_view name;
+    const char* text;
+};
 
-QByteArray WithVersion(QOpenGLShader::ShaderType stage, const OpenGLContext& context, std::string_view text)
+constexpr std::array Shaders{
+    Shader{"vs_waveform_basic_2d", R"(
+attribute vec2 a_position;
+uniform mat4 u_modelViewProj;
+void main()
+{
+    gl_Position = u_modelViewProj * vec4(a_position, 0.0, 1.0);
+}
+)"},
+    Shader{"fs_waveform_samples", R"(
+uniform vec4 u_waveformColor;
+void main()
+{
+    gl_FragColor = u_waveformColor;
+}
+)"},
+    Shader{"vs_color_3d", R"(
+attribute vec3 a_position;
+attribute vec4 a_color0;
+uniform mat4 u_modelViewProj;
+varying vec4 v_color0;
+void main()
+{
+    v_color0 = a_color0;
+    gl_Position = u_modelViewProj * vec4(a_position, 1.0);
+}
+)"},
+    Shader{"fs_color", R"(
+varying vec4 v_color0;
+void main()
+{
+    gl_FragColor = v_color0;
+}
+)"},
+};
+
+QByteArray TextOf(std::string_view name)
+{
+    const auto* shader = std::ranges::find(Shaders, name, &Shader::name);
+    return shader != Shaders.end() ? shader->text : QByteArray();
+}
+
+/** Stand around a fragment shader. The texture's rows count from the bottom, those of the frame buffer from the
+ * top. */
+constexpr const char* ColumnsBegin = "#define main ShadePixel\n";
+constexpr const char* ColumnsEnd = R"(
+#undef main
+uniform sampler2D u_columns;
+uniform vec2 u_pictureSize;
+void main()
+{
+    vec4 bytes = floor(texture2D(u_columns, vec2(gl_FragCoord.x / u_pictureSize.x, 0.5)) * 255.0 + 0.5);
+    float row = u_pictureSize.y - 1.0 - floor(gl_FragCoord.y);
+    if (row < bytes.r * 256.0 + bytes.g || row >= bytes.b * 256.0 + bytes.a) {
+        discard;
+    }
+    ShadePixel();
+}
+)";
+
+QByteArray WithVersion(QOpenGLShader::ShaderType stage, const OpenGLContext& context, const QByteArray& text)
 {
     const bool isFragment = stage == QOpenGLShader::Fragment;
     QByteArray source;
     if (context.IsEmbedded()) {
         source = "#version 100\n";
-        // Numbers of pixels are more than what medium precision need hold.
+        // Numbers of pixels are more than medium precision can hold.
         source += isFragment
                       ? "#ifdef GL_FRAGMENT_PRECISION_HIGH\nprecision highp float;\nprecision highp sampler2D;\n"
                         "#else\nprecision mediump float;\n#endif\n"
@@ -27,79 +92,51 @@ QByteArray WithVersion(QOpenGLShader::ShaderType stage, const OpenGLContext& con
     } else {
         source = "#version 150\n#define attribute in\n#define varying out\n";
     }
-    return source.append(text.data(), qsizetype(text.size()));
+    return source + text;
 }
-
-/** Stand around a fragment shader. */
-constexpr std::string_view ColumnsBegin = "#define main ShadePixel\n";
-constexpr std::string_view ColumnsEnd = R"(
-#undef main
-uniform sampler2D u_columns;
-uniform float u_targetWidth;
-void main()
-{
-    vec4 bytes = floor(texture2D(u_columns, vec2(gl_FragCoord.x / u_targetWidth, 0.5)) * 255.0 + 0.5);
-    float row = floor(gl_FragCoord.y);
-    if (row < bytes.r * 256.0 + bytes.g || row >= bytes.b * 256.0 + bytes.a) {
-        discard;
-    }
-    ShadePixel();
-}
-)";
 
 } // namespace
 
-OpenGLProgram::~OpenGLProgram()
+bool OpenGLProgram::Build(const Program& program)
 {
-    const CurrentOpenGL current(m_context);
-    m_program.reset();
+    return Build(TextOf(program.vertexShader), TextOf(program.fragmentShader));
 }
 
-bool OpenGLProgram::Build(std::string_view vertexShader, std::string_view fragmentShader)
+bool OpenGLProgram::BuildForColumns(const Program& program)
 {
-    m_vertexShader = vertexShader;
-    m_fragmentShader = fragmentShader;
-    m_program.emplace();
+    return Build(TextOf(program.vertexShader), ColumnsBegin + TextOf(program.fragmentShader) + ColumnsEnd);
+}
+
+bool OpenGLProgram::Build(const QByteArray& vertexShader, const QByteArray& fragmentShader)
+{
     if (!AddShader(QOpenGLShader::Vertex, vertexShader) || !AddShader(QOpenGLShader::Fragment, fragmentShader)) {
         return false;
     }
-    for (std::size_t i = 0; i < AttributeNames.size(); ++i) {
-        m_program->bindAttributeLocation(AttributeNames[i], static_cast<int>(i));
-    }
-    return m_program->link();
+    m_program.bindAttributeLocation("a_position", 0);
+    m_program.bindAttributeLocation("a_color0", 1);
+    return m_program.link();
 }
 
-void OpenGLProgram::Use(const Matrix& transform, std::span<const UniformValue> uniforms) const
+bool OpenGLProgram::AddShader(QOpenGLShader::ShaderType stage, const QByteArray& text)
 {
-    auto& gl = m_context.Functions();
-    gl.glUseProgram(m_program->programId());
-    gl.glUniformMatrix4fv(m_program->uniformLocation(TransformName), 1, GL_FALSE, transform.data());
+    return m_program.addShaderFromSourceCode(stage, WithVersion(stage, m_context, text));
+}
+
+void OpenGLProgram::Use(const QMatrix4x4& transform, std::span<const UniformValue> uniforms)
+{
+    QMatrix4x4 upsideDown;
+    upsideDown(1, 1) = -1.0F;
+    m_program.bind();
+    m_program.setUniformValue("u_modelViewProj", upsideDown * transform);
     for (const UniformValue& uniform : uniforms) {
-        const int location = m_program->uniformLocation(uniform.name.c_str());
-        gl.glUniform4fv(location, static_cast<GLsizei>(uniform.values.size() / 4), uniform.values.data());
+        const auto& [x, y, z, w] = uniform.value;
+        m_program.setUniformValue(uniform.name.c_str(), x, y, z, w);
     }
 }
 
-const OpenGLProgram* OpenGLProgram::ForColumns() const
+void OpenGLProgram::SetPictureSize(QSize size)
 {
-    if (!m_forColumns && !m_isForColumnsRefused) {
-        auto program = std::make_unique<OpenGLProgram>(m_context);
-        std::string fragmentShader(ColumnsBegin);
-        fragmentShader.append(m_fragmentShader).append(ColumnsEnd);
-        m_isForColumnsRefused = !program->Build(m_vertexShader, fragmentShader);
-        m_forColumns = m_isForColumnsRefused ? nullptr : std::move(program);
-    }
-    return m_forColumns.get();
-}
-
-void OpenGLProgram::SetTargetWidth(int width) const
-{
-    m_context.Functions().glUniform1f(m_program->uniformLocation("u_targetWidth"), float(width));
-}
-
-bool OpenGLProgram::AddShader(QOpenGLShader::ShaderType stage, std::string_view text)
-{
-    return m_program->addShaderFromSourceCode(stage, WithVersion(stage, m_context, text));
+    m_program.setUniformValue("u_pictureSize", QSizeF(size));
 }
 
 } // namespace vantoraudio::bgfx::device

@@ -1,44 +1,38 @@
 #pragma once
 
-#include "render/bgfx/device/Device.h"
+#include "render/bgfx/Frame.h"
 #include "render/bgfx/device/OpenGLContext.h"
 
+#include <QtCore/QByteArray>
 #include <QtOpenGL/QOpenGLShaderProgram>
 
-#include <memory>
-#include <optional>
-#include <string>
+#include <span>
 
 namespace vantoraudio::bgfx::device {
 
-/** A linked program; attributes stand at the number of their Attrib. */
-class OpenGLProgram final : public Program
+/** A linked program for our context, which is current in all calls. Positions are attribute 0, colours
+ * attribute 1. */
+class OpenGLProgram
 {
 public:
-    explicit OpenGLProgram(OpenGLContext& context) : m_context(context) {}
-    ~OpenGLProgram() override;
+    explicit OpenGLProgram(const OpenGLContext& context) : m_context(context) {}
 
-    /** Our context is current. False when the driver refuses the text. */
-    bool Build(std::string_view vertexShader, std::string_view fragmentShader);
-    void Use(const Matrix& transform, std::span<const UniformValue> uniforms) const;
+    /** False when the driver refuses it. */
+    bool Build(const Program& program);
+    /** The same program, but it draws only those pixels that OpenGLColumns' texture tells of. */
+    bool BuildForColumns(const Program& program);
 
-    /** The same program, but it leaves out all pixels but those of some columns; null when the driver refuses it.
-     *  A texture of one texel for each column of a target says which: red and green are the first row's number,
-     *  blue and alpha that of the row behind the last one, higher bytes first. Our context is current. */
-    [[nodiscard]] const OpenGLProgram* ForColumns() const;
-    /** For a program for columns that is in use. Its texture is the one that is bound. */
-    void SetTargetWidth(int width) const;
+    /** `transform` leads to -1..1 with y upwards; rows of the frame buffer count from the top. */
+    void Use(const QMatrix4x4& transform, std::span<const UniformValue> uniforms);
+    /** For a program for columns that is in use. */
+    void SetPictureSize(QSize size);
 
 private:
-    bool AddShader(QOpenGLShader::ShaderType stage, std::string_view text);
+    bool Build(const QByteArray& vertexShader, const QByteArray& fragmentShader);
+    bool AddShader(QOpenGLShader::ShaderType stage, const QByteArray& text);
 
-    OpenGLContext& m_context;
-    std::optional<QOpenGLShaderProgram> m_program;
-    std::string m_vertexShader;
-    std::string m_fragmentShader;
-    /** Made when first asked for. */
-    mutable std::unique_ptr<OpenGLProgram> m_forColumns;
-    mutable bool m_isForColumnsRefused = false;
+    const OpenGLContext& m_context;
+    QOpenGLShaderProgram m_program;
 };
 
 } // namespace vantoraudio::bgfx::device

@@ -1,5 +1,7 @@
 #include "render/bgfx/device/StripColumns.h"
 
+#include "render/bgfx/Rounding.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -86,7 +88,8 @@ private:
     [[nodiscard]] RowSpan CentresBetween(double from, double to) const
     {
         const auto [low, high] = std::minmax(from, to);
-        return {FirstCentre(low), FirstCentre(high)};
+        const PixelBox& box = m_columns.box;
+        return {FirstCentre(low, box.bottom, box.top), FirstCentre(high, box.bottom, box.top)};
     }
 
     [[nodiscard]] RowSpan PixelAt(double height) const
@@ -99,37 +102,22 @@ private:
         return {row, row + 1};
     }
 
-    /** The first row whose centre is at or above a height. */
-    [[nodiscard]] int FirstCentre(double height) const
-    {
-        return static_cast<int>(
-            std::clamp(std::ceil(height - 0.5), double(m_columns.box.bottom), double(m_columns.box.top)));
-    }
-
     StripColumns m_columns;
     /** The pixels in which the strip passes the columns' middles. */
     std::vector<RowSpan> m_middles;
 };
 
 /** x and y of a pixel depend on nothing but a vertex's own x and y, each on one. */
-bool IsUpright(const Matrix& m)
+bool IsUpright(const QMatrix4x4& transform)
 {
+    const float* m = transform.constData();
     return m[1] == 0.0F && m[4] == 0.0F && m[3] == 0.0F && m[7] == 0.0F && m[15] == 1.0F;
 }
 
-bool IsFlat(const VertexLayout& layout)
+bool MayHaveColumns(const Draw& draw, const View& view)
 {
-    std::uint8_t num = 0;
-    AttribType::Enum type = AttribType::Float;
-    bool normalized = false;
-    bool asInt = false;
-    layout.decode(Attrib::Position, num, type, normalized, asInt);
-    return num == 2 && type == AttribType::Float && !layout.has(Attrib::Color0);
-}
-
-bool IsFinite(const WindowPoint& point)
-{
-    return std::isfinite(point.x) && std::isfinite(point.y);
+    return draw.topology == Topology::LineStrip && draw.layout.coordinates == 2 && !draw.layout.hasColor &&
+           IsUpright(view.transform);
 }
 
 /** Notices when a strip that went one way goes the other. */
@@ -162,26 +150,17 @@ PixelBox StripColumns::Bounds() const
     return bounds;
 }
 
-bool MayHaveColumns(const DrawCall& call)
+std::optional<StripColumns> ToColumns(const Draw& draw, const View& view, QSize picture)
 {
-    return call.topology == Topology::LineStrip && call.indices.empty() && IsFlat(call.layout) &&
-           IsUpright(call.transform);
-}
-
-std::optional<StripColumns> ToColumns(const DrawCall& call, int targetWidth, int targetHeight)
-{
-    if (!MayHaveColumns(call)) {
+    if (!MayHaveColumns(draw, view)) {
         return std::nullopt;
     }
-    const PositionReader positions(call.layout, call.vertices);
-    const auto pointAt = [&](std::uint32_t vertex) {
-        return ToWindow(call.viewport, targetHeight, Transform(call.transform, positions(vertex)));
-    };
-    Coverage coverage(ClipToTarget(call.viewport, targetWidth, targetHeight));
+    const WindowVertices vertices(draw, view, picture);
+    Coverage coverage(ClipToPicture(view.viewport, picture));
     Direction direction;
     WindowPoint last;
-    for (std::uint32_t i = 0; i < call.vertexCount; ++i) {
-        const WindowPoint point = pointAt(i);
+    for (std::size_t i = 0; i < vertices.Count(); ++i) {
+        const WindowPoint point = vertices.At(i);
         if (!IsFinite(point) || (i > 0 && direction.TurnsBack(last, point))) {
             return std::nullopt;
         }

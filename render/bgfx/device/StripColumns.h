@@ -29,9 +29,6 @@ struct StripColumns
     [[nodiscard]] PixelBox Bounds() const;
 };
 
-/** Whether ToColumns() looks at the vertices at all. */
-bool MayHaveColumns(const DrawCall& call);
-
 /**
  * The pixels of a line strip that never turns back, as that of a waveform. It passes each column once, so that one
  * span of rows holds all of its pixels there: filling them costs the same however many lines share the column, and
@@ -41,9 +38,9 @@ bool MayHaveColumns(const DrawCall& call);
  * Where there are none, it is the pixel in which the strip passes the column's middle: lines so have no gaps, also
  * where they are made of pieces too short to come by any centre. Any coordinates are safe.
  *
- * Empty for all that is no such strip: other topologies, vertices with indices, colours or a third dimension,
- * views that are turned, strips that turn back, and vertices that are not finite.
+ * Empty for all that is no such strip: other topologies, vertices with colours or a third dimension, views that
+ * are turned, strips that turn back, and vertices that are not finite.
  */
-std::optional<StripColumns> ToColumns(const DrawCall& call, int targetWidth, int targetHeight);
+[[nodiscard]] std::optional<StripColumns> ToColumns(const Draw& draw, const View& view, QSize picture);
 
 } // namespace vantoraudio::bgfx::device

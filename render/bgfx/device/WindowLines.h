@@ -7,7 +7,7 @@
 
 namespace vantoraudio::bgfx::device {
 
-/** An end of a line, in the window coordinates of a target. */
+/** An end of a line, in the window coordinates of a picture. */
 struct LineVertex
 {
     float x = 0.0F;
@@ -15,15 +15,16 @@ struct LineVertex
     std::array<std::uint8_t, 4> color{};
 };
 
-VertexLayout LineVertexLayout();
+inline constexpr VertexLayout LineVertexLayout{.coordinates = 2, .hasColor = true};
 
 /**
- * The lines of a line list or strip, two vertices each, ready to be drawn with FromWindow(). Lines at vertices
- * that are not finite are left out, and so is what lies outside the picture: any coordinates are safe for drivers.
+ * The lines of a line list or strip, two vertices each, ready to be drawn with FromWindow(). Each has the colour
+ * of its first vertex. Lines at vertices that are not finite are left out, and so is what lies outside the
+ * picture: any coordinates are safe for drivers.
  */
-std::vector<LineVertex> ToWindowLines(const DrawCall& call, int targetWidth, int targetHeight);
+[[nodiscard]] std::vector<LineVertex> ToWindowLines(const Draw& draw, const View& view, QSize picture);
 
 /** From window coordinates to -1..1 in the viewport. */
-Matrix FromWindow(const Rect& viewport, int targetHeight);
+[[nodiscard]] QMatrix4x4 FromWindow(const QRect& viewport, QSize picture);
 
 } // namespace vantoraudio::bgfx::device

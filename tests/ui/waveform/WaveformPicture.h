@@ -1,7 +1,7 @@
 #pragma once
 
 #include "WaveformTestAccess.h"
-#include "render/bgfx/bgfx.h"
+#include "render/bgfx/DrawingDevice.h"
 
 #include <QtGui/QImage>
 #include <QtGui/QPixmap>
@@ -95,10 +95,9 @@ inline void PrepareForPictures(BGFXWaveformDiagramWidget& diagram)
     diagram.SetDuration(10.0);
 }
 
-inline bool UseDevice(bgfx::RendererType::Enum device)
+inline bool UseDevice(bgfx::device::Kind device)
 {
-    bgfx::shutdown();
-    return bgfx::init({.type = device});
+    return bgfx::DrawingDevice::Get().Use(device);
 }
 
 } // namespace vantoraudio::vantorAudioEngine::UI

@@ -32,7 +32,7 @@ public:
     static double& RequestedStart(Diagram& diagram) { return diagram.m_requestedStart; }
     static int& StepSize(Diagram& diagram) { return diagram.m_stepSize; }
     static bool HasSelection(const Diagram& diagram) { return diagram.m_selection.isPresent; }
-    static Snippet SelectionAtGrab(const Diagram& diagram) { return diagram.m_selectionAtGrab; }
+    static SelectionTimes SelectionAtGrab(const Diagram& diagram) { return diagram.m_selectionAtGrab; }
     static Grab& GrabOf(Diagram& diagram) { return diagram.m_grab; }
     static bool ScrollBackToZoomOut(const Diagram& diagram) { return diagram.m_scrollBackToZoomOut; }
     static double AmplitudeExtentOf(const Diagram& diagram) { return diagram.m_amplitudeExtent; }
@@ -43,7 +43,6 @@ public:
     {
         return bgfx::isValid(diagram.m_geometry.m_vertexBuffer);
     }
-    static bool HasIndexBuffer(const Diagram& diagram) { return bgfx::isValid(diagram.m_geometry.m_indexBuffer); }
     static const WaveformStrip& Vertices(const Diagram& diagram) { return diagram.m_geometry.m_strip; }
     static const auto& DrawnVertices(const Diagram& diagram) { return diagram.m_geometry.m_vertices; }
     static void PaintWithoutEvent(Diagram& diagram) { diagram.paintEvent(nullptr); }

@@ -99,7 +99,6 @@ private Q_SLOTS:
         QVERIFY(Access::ScrollBackToZoomOut(diagram));
         QCOMPARE(Access::AmplitudeExtentOf(diagram), 1.0);
         QVERIFY(!Access::HasVertexBuffer(diagram));
-        QVERIFY(!Access::HasIndexBuffer(diagram));
         QVERIFY(Access::Vertices(diagram).IsEmpty());
         QVERIFY(!Access::HasProgram(diagram));
         QVERIFY(!Access::HasUniform(diagram));
@@ -321,7 +320,6 @@ private Q_SLOTS:
         QVERIFY(!Access::HasVertexBuffer(loaded.diagram)); // made in the first frame
         loaded.diagram.grab();
         QVERIFY(Access::HasVertexBuffer(loaded.diagram));
-        QVERIFY(!Access::HasIndexBuffer(loaded.diagram));
     }
 
     void bufferEndCountsFromZeroNotFromTheStart()

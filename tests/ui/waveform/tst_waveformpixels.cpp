@@ -61,7 +61,7 @@ private Q_SLOTS:
     void initTestCase()
     {
         const bool inSoftware = qEnvironmentVariable("VANTOR_TEST_DEVICE") == u"Software";
-        if (!UseDevice(inSoftware ? bgfx::RendererType::Software : bgfx::RendererType::OpenGL)) {
+        if (!UseDevice(inSoftware ? bgfx::device::Kind::Software : bgfx::device::Kind::OpenGL)) {
             QSKIP("there is no such device here");
         }
         using Device = BGFXWaveformWidget::DrawingDevice;

@@ -93,11 +93,9 @@ struct Window
     BGFXWaveformDiagramWidget& diagram = Access::DiagramOf(view);
 };
 
-std::uint32_t VerticesOfTheLastStrip(const RecordingDevice::Log& log)
+std::size_t VerticesOfTheLastStrip(const RecordingDevice::Log& log)
 {
-    const auto isStrip = [](const RecordedDraw& draw) {
-        return draw.topology == bgfx::device::Topology::LineStrip;
-    };
+    const auto isStrip = [](const RecordedDraw& draw) { return draw.topology == bgfx::Topology::LineStrip; };
     const auto strip = std::find_if(log.rbegin(), log.rend(), isStrip);
     return strip == log.rend() ? 0 : strip->vertexCount;
 }
@@ -132,7 +130,7 @@ private Q_SLOTS:
         QFETCH(const QString, screen);
         QFETCH(const QSize, size);
         QFETCH(const int, line);
-        QVERIFY(UseDevice(bgfx::RendererType::Software));
+        QVERIFY(UseDevice(bgfx::device::Kind::Software));
         Window window;
         QVERIFY(QTest::qWaitForWindowExposed(&window.view));
         QCOMPARE(window.Shown().size(), QSize(450, 200));
@@ -166,7 +164,7 @@ private Q_SLOTS:
             QTRY_VERIFY(VerticesOfTheLastStrip(log) <= 502 * 4);
             QVERIFY(VerticesOfTheLastStrip(log) >= 500 * 3);
         }
-        bgfx::shutdown();
+        bgfx::DrawingDevice::Get().Shutdown();
     }
 };
 

@@ -8,6 +8,7 @@
 namespace vantoraudio::vantorAudioEngine::UI {
 namespace {
 
+using bgfx::PixelColumns;
 using vantor3D::Vertex::Pos2f;
 
 struct Sample
@@ -15,9 +16,6 @@ struct Sample
     std::size_t index = 0;
     float level = 0.0F;
 };
-
-/** Long enough for memory to answer in the meantime. */
-constexpr std::size_t columnsAhead = 3;
 
 class Selection
 {
@@ -42,7 +40,6 @@ public:
             AddColumn(first, next);
             m_columnLength = next - first;
             first = next;
-            m_extremes.Prefetch(m_strip.Samples(), first + columnsAhead * m_columnLength);
         }
     }
 
@@ -95,21 +92,6 @@ private:
 };
 
 } // namespace
-
-PixelColumns::PixelColumns(const QMatrix4x4& projection, int width)
-    : m_scale(double(projection(0, 0))), m_offset(double(projection(0, 3))), m_width(width)
-{
-}
-
-bool PixelColumns::IsEmpty() const
-{
-    return m_width <= 0 || !std::isfinite(m_scale) || !std::isfinite(m_offset);
-}
-
-double PixelColumns::At(float time) const
-{
-    return (m_scale * double(time) + m_offset + 1.0) * 0.5 * m_width;
-}
 
 std::vector<Pos2f> DrawnVertices(const WaveformStrip& strip, const SampleExtremes& extremes,
                                  const VertexRange& range, const PixelColumns& columns)

@@ -10,13 +10,14 @@ namespace vantoraudio::vantorAudioEngine::UI {
 QMatrix4x4 ProjectionOf(const QRectF& sceneRect, double bufferStart)
 {
     QMatrix4x4 projection;
-    bx::mtxOrtho(projection.data(), ToFloat(sceneRect.left() - bufferStart),
-                 ToFloat(sceneRect.right() - bufferStart), ToFloat(sceneRect.top() - sceneRect.height()),
-                 ToFloat(sceneRect.height() - sceneRect.top()), -0.01F, 100.0F, 0.0F, false, bx::Handedness::Left);
+    bx::mtxOrtho(projection.data(), ToCoordinate(sceneRect.left() - bufferStart),
+                 ToCoordinate(sceneRect.right() - bufferStart), ToCoordinate(sceneRect.top() - sceneRect.height()),
+                 ToCoordinate(sceneRect.height() - sceneRect.top()), -0.01F, 100.0F, 0.0F, false,
+                 bx::Handedness::Left);
     return projection;
 }
 
-float ToFloat(double value)
+float ToCoordinate(double value)
 {
     constexpr double highest = std::numeric_limits<float>::max();
     return static_cast<float>(std::clamp(value, -highest, highest));

@@ -12,7 +12,8 @@ namespace vantoraudio::vantorAudioEngine::UI {
  */
 [[nodiscard]] QMatrix4x4 ProjectionOf(const QRectF& sceneRect, double bufferStart);
 
-/** `value` as the nearest finite float. Not-a-number stays so: what stands there is not drawn. */
-[[nodiscard]] float ToFloat(double value);
+/** A time or an amplitude as a coordinate of the scene: the nearest finite float. Not-a-number stays so: what
+ * stands there is not drawn. */
+[[nodiscard]] float ToCoordinate(double value);
 
 } // namespace vantoraudio::vantorAudioEngine::UI

@@ -105,26 +105,6 @@ std::vector<Extremes> GroupsOf(std::span<const Extremes> parts)
     return groups;
 }
 
-/** A hint: nothing comes of it where the compiler knows no such instruction. */
-template<typename Element>
-void FetchAll([[maybe_unused]] std::span<const Element> elements)
-{
-#if defined(__GNUC__)
-    constexpr std::size_t cacheLine = 64;
-    const std::span<const std::byte> bytes = std::as_bytes(elements);
-    for (std::size_t i = 0; i < bytes.size(); i += cacheLine) {
-        __builtin_prefetch(&bytes[i]);
-    }
-#endif
-}
-
-/** One of the pieces, each `length` long, of what has been cut; nothing behind the last whole one. */
-template<typename Element>
-std::span<const Element> PieceOf(std::span<const Element> whole, std::size_t piece, std::size_t length)
-{
-    return piece < whole.size() / length ? whole.subspan(piece * length, length) : std::span<const Element>();
-}
-
 } // namespace
 
 SampleExtremes::SampleExtremes(std::span<const float> samples) : m_levels{BlocksOf(samples)}
@@ -162,16 +142,6 @@ Extremes SampleExtremes::Within(std::span<const float> samples, std::size_t firs
         found.highest = Find(found.high, samples, found.highest);
     }
     return found;
-}
-
-void SampleExtremes::Prefetch(std::span<const float> samples, std::size_t position) const
-{
-    if (m_levels.empty()) {
-        return;
-    }
-    FetchAll(PieceOf(samples, position / BlockLength, BlockLength));
-    FetchAll(
-        PieceOf(std::span<const Extremes>(m_levels.front()), position / (BlockLength * GroupLength), GroupLength));
 }
 
 void SampleExtremes::AddGroups(Extremes& found, std::size_t level, std::size_t first, std::size_t last) const

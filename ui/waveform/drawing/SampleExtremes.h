@@ -38,9 +38,6 @@ public:
     /** For the samples from `first` up to and without `last`, which are at least one. `samples` are those that
      *  this was made of. */
     [[nodiscard]] Extremes Within(std::span<const float> samples, std::size_t first, std::size_t last) const;
-    /** Has the processor fetch what Within() reads for a stretch that begins or ends about there, any number. Such
-     *  stretches lie far apart in long audio, and most of their time would be waiting for memory. */
-    void Prefetch(std::span<const float> samples, std::size_t position) const;
 
 private:
     [[nodiscard]] bool IsTop(std::size_t level) const { return level + 1 == m_levels.size(); }

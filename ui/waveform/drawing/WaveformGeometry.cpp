@@ -11,12 +11,7 @@ using vantor3DQt::BGFXRenderer;
 
 WaveformGeometry::~WaveformGeometry()
 {
-    if (bgfx::isValid(m_indexBuffer)) {
-        bgfx::destroy(m_indexBuffer);
-    }
-    if (bgfx::isValid(m_vertexBuffer)) {
-        bgfx::destroy(m_vertexBuffer);
-    }
+    bgfx::destroy(m_vertexBuffer);
 }
 
 double WaveformGeometry::SetSamples(const QList<float>& samples, double delay, const SampleSpacing& spacing)
@@ -45,13 +40,12 @@ void WaveformGeometry::Draw(bgfx::ViewId view, bgfx::ProgramHandle program, cons
 
 void WaveformGeometry::Upload(std::vector<Pos2f> vertices)
 {
-    m_layout = Pos2f::Layout();
-    const auto size = static_cast<std::uint32_t>(vertices.size()) * m_layout.getStride();
+    const auto size = static_cast<std::uint32_t>(vertices.size()) * Pos2f::Layout().getStride();
     const bgfx::Memory* memory = bgfx::makeRef(vertices.data(), size);
     if (bgfx::isValid(m_vertexBuffer)) {
         bgfx::update(m_vertexBuffer, 0, memory);
     } else {
-        m_vertexBuffer = bgfx::createDynamicVertexBuffer(memory, m_layout, bgfx::BGFX_BUFFER_ALLOW_RESIZE);
+        m_vertexBuffer = bgfx::createDynamicVertexBuffer(memory, Pos2f::Layout(), bgfx::BGFX_BUFFER_ALLOW_RESIZE);
     }
     // The device read the old vertices until now; moving leaves the new ones in place.
     m_vertices = std::move(vertices);

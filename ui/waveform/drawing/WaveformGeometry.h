@@ -8,7 +8,6 @@
 
 #include <QtCore/QList>
 
-#include <cstdint>
 #include <optional>
 #include <vector>
 
@@ -20,7 +19,7 @@ struct StripView
     /** Times in seconds from the first vertex. */
     float left = 0.0F;
     float right = 0.0F;
-    PixelColumns columns;
+    bgfx::PixelColumns columns;
 
     friend bool operator==(const StripView&, const StripView&) = default;
 };
@@ -59,13 +58,9 @@ private:
     WaveformStrip m_strip;
     SampleExtremes m_extremes;
 
-    bgfx::IndexBufferHandle m_indexBuffer;
     bgfx::DynamicVertexBufferHandle m_vertexBuffer;
-    /** A strip needs no indices. */
-    std::vector<std::uint16_t> m_indices;
     /** What the vertex buffer refers to. */
     std::vector<vantor3D::Vertex::Pos2f> m_vertices;
-    vantor3D::VertexLayout m_layout;
     /** What the vertices were chosen for; absent when they are outdated. */
     std::optional<StripView> m_uploaded;
 };

@@ -11,7 +11,7 @@ constexpr double SameTime = 0.001;
 
 } // namespace
 
-Grab GrabAt(double pointerX, const ViewRange& view, int widgetWidth, const Snippet& selection)
+Grab GrabAt(double pointerX, const ViewRange& view, int widgetWidth, const SelectionTimes& selection)
 {
     const auto isNear = [&](double time) {
         return std::abs(PixelAtTime(view, time, widgetWidth) - pointerX) <= GrabDistance;
@@ -21,24 +21,30 @@ Grab GrabAt(double pointerX, const ViewRange& view, int widgetWidth, const Snipp
     return grab;
 }
 
-Snippet Ordered(double a, double b)
+SelectionTimes Ordered(double a, double b)
 {
     return {std::min(a, b), std::max(a, b)};
 }
 
-Snippet MovedTo(const Snippet& selection, double middle)
+SelectionTimes MovedTo(const SelectionTimes& selection, double middle)
 {
     const double half = std::abs(selection.second - selection.first) * 0.5;
     return Ordered(middle - half, middle + half);
 }
 
-Snippet LimitSnippet(const Snippet& candidate, const ViewRange& view, double longest)
+SelectionTimes LimitSelection(const SelectionTimes& candidate, const ViewRange& view, double longest)
 {
     const double end = std::min(candidate.first + longest, candidate.second);
     return Ordered(ClampTime(candidate.first, view.left, view.Right()), ClampTime(end, view.left, view.Right()));
 }
 
-bool IsSameSnippet(const Snippet& a, const Snippet& b)
+SelectionTimes Finite(const SelectionTimes& times)
+{
+    return Ordered(std::isfinite(times.first) ? times.first : 0.0,
+                   std::isfinite(times.second) ? times.second : 0.0);
+}
+
+bool IsSameSelection(const SelectionTimes& a, const SelectionTimes& b)
 {
     return std::abs(a.first - b.first) < SameTime && std::abs(a.second - b.second) < SameTime;
 }

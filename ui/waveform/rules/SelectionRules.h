@@ -8,7 +8,7 @@
 namespace vantoraudio::vantorAudioEngine::UI {
 
 /** Start and end of a selection, in seconds. */
-using Snippet = std::pair<double, double>;
+using SelectionTimes = std::pair<double, double>;
 
 /** What of the selection lies under the pointer. Edges that stand close together are both grabbed. */
 struct Grab
@@ -23,18 +23,25 @@ struct Grab
 };
 
 /** Edges are grabbed within 5 pixels; the body only where no edge is, within 5 pixels of its middle. */
-[[nodiscard]] Grab GrabAt(double pointerX, const ViewRange& view, int widgetWidth, const Snippet& selection);
+[[nodiscard]] Grab GrabAt(double pointerX, const ViewRange& view, int widgetWidth,
+                          const SelectionTimes& selection);
 
 /** The earlier time first. */
-[[nodiscard]] Snippet Ordered(double a, double b);
+[[nodiscard]] SelectionTimes Ordered(double a, double b);
 
 /** The selection moved, in its length, so that its middle is at `middle`. */
-[[nodiscard]] Snippet MovedTo(const Snippet& selection, double middle);
+[[nodiscard]] SelectionTimes MovedTo(const SelectionTimes& selection, double middle);
 
 /** The candidate cut to `longest` seconds, then to the visible range. */
-[[nodiscard]] Snippet LimitSnippet(const Snippet& candidate, const ViewRange& view, double longest);
+[[nodiscard]] SelectionTimes LimitSelection(const SelectionTimes& candidate, const ViewRange& view,
+                                            double longest);
+
+/** The times with 0 in place of those that are infinite or not-a-number, as a view of no sensible length makes
+ * them.
+ */
+[[nodiscard]] SelectionTimes Finite(const SelectionTimes& times);
 
 /** True when both ends lie within a millisecond of each other. */
-[[nodiscard]] bool IsSameSnippet(const Snippet& a, const Snippet& b);
+[[nodiscard]] bool IsSameSelection(const SelectionTimes& a, const SelectionTimes& b);
 
 } // namespace vantoraudio::vantorAudioEngine::UI

@@ -9,6 +9,7 @@
 #include <random>
 
 using namespace vantoraudio::vantorAudioEngine::UI;
+using vantoraudio::bgfx::PixelColumns;
 using vantoraudio::vantor3D::Vertex::Pos2f;
 
 namespace {
@@ -20,8 +21,8 @@ struct Drawn
     Drawn(const QList<float>& samples, double delay, double left, double right, int width)
         : strip(samples, VertexCount(static_cast<std::size_t>(samples.size()), delay, Rate),
                 {.stepSize = 1, .sampleRate = Rate})
-        , columns(ProjectionOf(QRectF(left, 0.0, right - left, 1.0), 0.0), width)
-        , range(VisibleVertices(strip, ToFloat(left), ToFloat(right)))
+        , columns(ProjectionOf(QRectF(left, 0.0, right - left, 1.0), 0.0), {0, 0, width, 300})
+        , range(VisibleVertices(strip, ToCoordinate(left), ToCoordinate(right)))
         , vertices(DrawnVertices(strip, SampleExtremes(samples), range, columns))
     {
     }
@@ -55,14 +56,14 @@ class TestDrawnVertices : public QObject
 private Q_SLOTS:
     void numbersTheColumnsFromTheLeftEdge()
     {
-        const PixelColumns columns(ProjectionOf(QRectF(5.0, 0.0, 4.0, 1.0), 3.0), 400);
+        const PixelColumns columns(ProjectionOf(QRectF(5.0, 0.0, 4.0, 1.0), 3.0), {0, 0, 400, 300});
         QCOMPARE(columns.Width(), 400);
         QCOMPARE(columns.At(2.0F), 0.0);
         QCOMPARE(columns.At(4.0F), 200.0);
         QCOMPARE(columns.At(6.0F), 400.0);
-        QVERIFY(columns == PixelColumns(ProjectionOf(QRectF(5.0, 0.0, 4.0, 1.0), 3.0), 400));
-        QVERIFY(columns != PixelColumns(ProjectionOf(QRectF(5.0, 0.0, 4.0, 1.0), 3.0), 401));
-        QVERIFY(columns != PixelColumns(ProjectionOf(QRectF(5.0, 0.0, 4.1, 1.0), 3.0), 400));
+        QVERIFY(columns == PixelColumns(ProjectionOf(QRectF(5.0, 0.0, 4.0, 1.0), 3.0), {0, 0, 400, 300}));
+        QVERIFY(columns != PixelColumns(ProjectionOf(QRectF(5.0, 0.0, 4.0, 1.0), 3.0), {0, 0, 401, 300}));
+        QVERIFY(columns != PixelColumns(ProjectionOf(QRectF(5.0, 0.0, 4.1, 1.0), 3.0), {0, 0, 400, 300}));
     }
 
     void drawsAllVerticesWhereTheyAreFew()
@@ -169,7 +170,7 @@ private Q_SLOTS:
             }
         }
         const WaveformStrip timeless(samples, 5000, {.stepSize = 1, .sampleRate = 0});
-        const PixelColumns columns(ProjectionOf(QRectF(0.0, 0.0, 1.0, 1.0), 0.0), 100);
+        const PixelColumns columns(ProjectionOf(QRectF(0.0, 0.0, 1.0, 1.0), 0.0), {0, 0, 100, 300});
         QCOMPARE(DrawnVertices(timeless, SampleExtremes(samples), {0, 5000}, columns).size(), std::size_t{4});
         QVERIFY(DrawnVertices({}, {}, {}, columns).empty());
     }

@@ -123,18 +123,6 @@ private Q_SLOTS:
         }
     }
 
-    void fetchesNothingFromOutside()
-    {
-        const std::vector<float> samples = Noise(SampleExtremes::BlockLength * SampleExtremes::GroupLength + 77);
-        const SampleExtremes extremes(samples);
-        for (std::size_t position = 0; position < 2 * samples.size(); ++position) {
-            extremes.Prefetch(samples, position);
-        }
-        extremes.Prefetch(samples, std::numeric_limits<std::size_t>::max());
-        SampleExtremes().Prefetch({}, 0);
-        QVERIFY(extremes.Within(samples, 0, samples.size()) == Searched(samples, 0, samples.size()));
-    }
-
     void nothingIsSilent()
     {
         QCOMPARE(SampleExtremes().Peak(), 0.0F);

@@ -97,9 +97,9 @@ QImage Reduced(const QList<float>& samples, const Scene& scene)
     geometry.SetSamples(samples, 0.0, Spacing);
     return PictureOf(scene, [&](const BGFXViewContext& view, bgfx::ProgramHandle program) {
         geometry.Draw(view.Id(), program,
-                      {.left = ToFloat(scene.left),
-                       .right = ToFloat(scene.left + scene.span),
-                       .columns = PixelColumns(scene.Projection(), scene.size.width())});
+                      {.left = ToCoordinate(scene.left),
+                       .right = ToCoordinate(scene.left + scene.span),
+                       .columns = bgfx::PixelColumns(scene.Projection(), QRect(QPoint(0, 0), scene.size))});
     });
 }
 
@@ -116,12 +116,8 @@ QImage Complete(const QList<float>& samples, const Scene& scene, std::uint64_t s
             vertices.push_back(strip[i]);
         }
     }
-    return PictureOf(scene, [&](const BGFXViewContext&, bgfx::ProgramHandle program) {
-        StripsOfFrame().push_back(bgfx::createDynamicVertexBuffer(
-            bgfx::copy(vertices.data(), std::uint32_t(vertices.size() * sizeof(Pos2f))), Pos2f::Layout()));
-        bgfx::setVertexBuffer(0, StripsOfFrame().back());
-        bgfx::setState(state);
-        bgfx::submit(0, program);
+    return PictureOf(scene, [&](const BGFXViewContext& view, bgfx::ProgramHandle program) {
+        SubmitVertices(view, vertices.data(), vertices.size() * sizeof(Pos2f), Pos2f::Layout(), state, program);
     });
 }
 
@@ -152,7 +148,7 @@ private Q_SLOTS:
         QFETCH(const QString, signal);
         QFETCH(const double, left);
         QFETCH(const double, span);
-        const DeviceScope scope(static_cast<bgfx::RendererType::Enum>(device));
+        const DeviceScope scope(static_cast<bgfx::device::Kind>(device));
         if (!scope.IsMade()) {
             QSKIP("this device cannot be had here");
         }
@@ -173,9 +169,9 @@ private Q_SLOTS:
         QTest::addColumn<int>("device");
         QTest::addColumn<QString>("signal");
         for (const char* signal : {"loud noise", "music", "clicks"}) {
-            QTest::addRow("OpenGL, %s", signal) << int(bgfx::RendererType::OpenGL) << QString::fromLatin1(signal);
+            QTest::addRow("OpenGL, %s", signal) << int(bgfx::device::Kind::OpenGL) << QString::fromLatin1(signal);
             QTest::addRow("Software, %s", signal)
-                << int(bgfx::RendererType::Software) << QString::fromLatin1(signal);
+                << int(bgfx::device::Kind::Software) << QString::fromLatin1(signal);
         }
     }
 
@@ -183,7 +179,7 @@ private Q_SLOTS:
     {
         QFETCH(const int, device);
         QFETCH(const QString, signal);
-        const DeviceScope scope(static_cast<bgfx::RendererType::Enum>(device));
+        const DeviceScope scope(static_cast<bgfx::device::Kind>(device));
         if (!scope.IsMade()) {
             QSKIP("this device cannot be had here");
         }
@@ -199,14 +195,14 @@ private Q_SLOTS:
     void drawsEveryClick_data()
     {
         QTest::addColumn<int>("device");
-        QTest::newRow("OpenGL") << int(bgfx::RendererType::OpenGL);
-        QTest::newRow("Software") << int(bgfx::RendererType::Software);
+        QTest::newRow("OpenGL") << int(bgfx::device::Kind::OpenGL);
+        QTest::newRow("Software") << int(bgfx::device::Kind::Software);
     }
 
     void drawsEveryClick()
     {
         QFETCH(const int, device);
-        const DeviceScope scope(static_cast<bgfx::RendererType::Enum>(device));
+        const DeviceScope scope(static_cast<bgfx::device::Kind>(device));
         if (!scope.IsMade()) {
             QSKIP("this device cannot be had here");
         }
@@ -230,7 +226,7 @@ private Q_SLOTS:
         QFETCH(const QString, signal);
         const QList<float> samples = Signal(signal);
         std::vector<QImage> pictures;
-        for (const auto device : {bgfx::RendererType::OpenGL, bgfx::RendererType::Software}) {
+        for (const auto device : {bgfx::device::Kind::OpenGL, bgfx::device::Kind::Software}) {
             const DeviceScope scope(device);
             if (!scope.IsMade()) {
                 QSKIP("there is no OpenGL here");
@@ -249,7 +245,7 @@ private Q_SLOTS:
     void quietNoiseIsALineWithoutGaps()
     {
         QFETCH(const int, device);
-        const DeviceScope scope(static_cast<bgfx::RendererType::Enum>(device));
+        const DeviceScope scope(static_cast<bgfx::device::Kind>(device));
         if (!scope.IsMade()) {
             QSKIP("this device cannot be had here");
         }
@@ -279,10 +275,11 @@ private:
         QTest::addColumn<double>("left");
         QTest::addColumn<double>("span");
         for (const char* signal : {"loud noise", "quiet noise", "music", "clipped", "a slow tone", "clicks"}) {
-            for (const auto device : {bgfx::RendererType::OpenGL, bgfx::RendererType::Software}) {
+            for (const auto device : {bgfx::device::Kind::OpenGL, bgfx::device::Kind::Software}) {
                 for (const double span : {0.3, 0.9, 1.7, 5.0, 13.3, 30.0}) {
                     const double left = span < 20.0 ? 7.77 : 0.0;
-                    QTest::addRow("%s, %g s, %s", signal, span, bgfx::getRendererName(device))
+                    QTest::addRow("%s, %g s, %s", signal, span,
+                                  device == bgfx::device::Kind::OpenGL ? "OpenGL" : "Software")
                         << int(device) << QString::fromLatin1(signal) << left << span;
                 }
             }

@@ -179,10 +179,10 @@ private Q_SLOTS:
 
     void keepsWhatNoFloatCanHoldFinite()
     {
-        QCOMPARE(ToFloat(0.5), 0.5F);
-        QCOMPARE(ToFloat(1e300), largest);
-        QCOMPARE(ToFloat(-std::numeric_limits<double>::infinity()), -largest);
-        QVERIFY(std::isnan(ToFloat(std::numeric_limits<double>::quiet_NaN())));
+        QCOMPARE(ToCoordinate(0.5), 0.5F);
+        QCOMPARE(ToCoordinate(1e300), largest);
+        QCOMPARE(ToCoordinate(-std::numeric_limits<double>::infinity()), -largest);
+        QVERIFY(std::isnan(ToCoordinate(std::numeric_limits<double>::quiet_NaN())));
     }
 
     void projectsASceneRectThatBeginsAboveZeroAroundTheMiddle()

@@ -63,14 +63,14 @@ private Q_SLOTS:
 
     void ordersTwoTimes()
     {
-        QCOMPARE(Ordered(3.0, 1.0), Snippet(1.0, 3.0));
-        QCOMPARE(Ordered(1.0, 3.0), Snippet(1.0, 3.0));
+        QCOMPARE(Ordered(3.0, 1.0), SelectionTimes(1.0, 3.0));
+        QCOMPARE(Ordered(1.0, 3.0), SelectionTimes(1.0, 3.0));
     }
 
     void movesAsAWhole()
     {
-        QCOMPARE(MovedTo({10.0, 14.0}, 50.0), Snippet(48.0, 52.0));
-        QCOMPARE(MovedTo({14.0, 10.0}, 1.0), Snippet(-1.0, 3.0));
+        QCOMPARE(MovedTo({10.0, 14.0}, 50.0), SelectionTimes(48.0, 52.0));
+        QCOMPARE(MovedTo({14.0, 10.0}, 1.0), SelectionTimes(-1.0, 3.0));
     }
 
     void limitsASnippet_data()
@@ -95,17 +95,17 @@ private Q_SLOTS:
     {
         QFETCH(const double, a);
         QFETCH(const double, b);
-        const Snippet limited = LimitSnippet({a, b}, {.left = 100.0, .width = 9900.0}, 5400.0);
+        const SelectionTimes limited = LimitSelection({a, b}, {.left = 100.0, .width = 9900.0}, 5400.0);
         QTEST(limited.first, "start");
         QTEST(limited.second, "end");
     }
 
     void takesSnippetsWithinAMillisecondForTheSame()
     {
-        QVERIFY(IsSameSnippet({1.0, 2.0}, {1.0009, 1.9991}));
-        QVERIFY(!IsSameSnippet({1.0, 2.0}, {1.0011, 2.0}));
-        QVERIFY(!IsSameSnippet({1.0, 2.0}, {1.0, 2.0011}));
-        QVERIFY(!IsSameSnippet({1.0, 2.0}, {notANumber, 2.0}));
+        QVERIFY(IsSameSelection({1.0, 2.0}, {1.0009, 1.9991}));
+        QVERIFY(!IsSameSelection({1.0, 2.0}, {1.0011, 2.0}));
+        QVERIFY(!IsSameSelection({1.0, 2.0}, {1.0, 2.0011}));
+        QVERIFY(!IsSameSelection({1.0, 2.0}, {notANumber, 2.0}));
     }
 };
 
