@@ -50,20 +50,17 @@ if [ ! -d "$root" ]; then
   mv "$root.unfinished" "$root"
 fi
 
-# Each system has a build folder of its own. Some tests use recordings that may lie beside the project. All mounts end
-# with the command.
-recordings=shared/real-wavs
-mkdir -p "$root/project/main" "$root/project/$recordings" "$project/build/on-$suite"
+# Each system has a build folder of its own. All mounts end with the command.
+mkdir -p "$root/project" "$project/build/on-$suite"
 [ ! -f /etc/resolv.conf ] || cp -L /etc/resolv.conf "$root/etc/resolv.conf"
 exec unshare --mount --pid --fork --kill-child bash -euo pipefail -c '
-  root=$1 project=$2 suite=$3 recordings=$4
-  shift 4
-  mount --bind "$project" "$root/project/main"
-  mount --bind "$project/build/on-$suite" "$root/project/main/build"
-  [ ! -d "$project/../$recordings" ] || mount --bind -o ro "$project/../$recordings" "$root/project/$recordings"
+  root=$1 project=$2 suite=$3
+  shift 3
+  mount --bind "$project" "$root/project"
+  mount --bind "$project/build/on-$suite" "$root/project/build"
   mount -t proc proc "$root/proc"
   mount --rbind /sys "$root/sys"
   mount --rbind /dev "$root/dev"
   exec chroot "$root" env -i HOME=/root LANG=C.UTF-8 PATH=/usr/sbin:/usr/bin:/sbin:/bin \
-    bash -c "cd /project/main && exec \"\$@\"" bash "$@"
-' bash "$root" "$project" "$suite" "$recordings" "${command[@]}"
+    bash -c "cd /project && exec \"\$@\"" bash "$@"
+' bash "$root" "$project" "$suite" "${command[@]}"
