@@ -31,4 +31,5 @@ for _ in $(seq 100); do
 done
 pactl info >/dev/null || { echo "private-session: the sound server did not start" >&2; exit 1; }
 
-xvfb-run --auto-servernum --server-args="-screen 0 1600x900x24" "$@"
+# Without -noreset the display starts again whenever its last window program ends, and refuses one that comes just then.
+xvfb-run --auto-servernum --server-args="-screen 0 1600x900x24 -noreset" "$@"
