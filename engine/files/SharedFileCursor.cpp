@@ -32,25 +32,6 @@ bool SharedFileCursor::ReadBlock(qint64 size, QByteArray& block)
     return !block.isEmpty();
 }
 
-bool SharedFileCursor::ReadSpaced(const Spacing& spacing, QByteArray& block)
-{
-    const QMutexLocker lock(&m_deviceLock);
-    const qint64 end = m_position + qMin(spacing.length, BytesLeftLocked());
-    const qint64 count = (end - m_position + spacing.distance - 1) / spacing.distance;
-    block.resize(count * spacing.size);
-    qint64 used = 0;
-    while (m_position < end) {
-        const qint64 arrived = ReadLocked(block.data() + used, spacing.size);
-        used += arrived;
-        if (arrived < spacing.size || !MoveToLocked(qMin(m_position + spacing.distance, end))) {
-            m_position += arrived;
-            break;
-        }
-    }
-    block.resize(used);
-    return !block.isEmpty();
-}
-
 void SharedFileCursor::MoveTo(qint64 position)
 {
     if (position == m_position) {

@@ -33,24 +33,6 @@ public:
      */
     bool ReadBlock(qint64 size, QByteArray& block);
 
-    /** Short stretches of a file, evenly spaced; all in bytes. The first one lies at the cursor. */
-    struct Spacing
-    {
-        /** Of one stretch, at least 1. */
-        qint64 size = 1;
-        /** From one's beginning to the next one's, at least `size`. */
-        qint64 distance = 1;
-        /** The stretches begin before this many bytes. */
-        qint64 length = 0;
-    };
-
-    /**
-     * Reads one stretch after another into `block`, without what lies between them, and moves `length` behind the
-     * first one's beginning, or to the file's end before that; after a failure, to where that was met. Only the
-     * last stretch may be short. False, and an empty block, when nothing arrives.
-     */
-    bool ReadSpaced(const Spacing& spacing, QByteArray& block);
-
     /** Goes to another place; a negative one, or one in a file that cannot be read, changes nothing. */
     void MoveTo(qint64 position);
 

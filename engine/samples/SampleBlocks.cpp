@@ -37,14 +37,7 @@ struct S16
 struct S24
 {
     static constexpr qsizetype size = 3;
-    static float Value(const char* bytes) { return WidenedS24Value(S24InS32(bytes)); }
-    static float Average(float left, float right) { return AverageInFloat(left, right); }
-};
-
-struct WidenedS24
-{
-    static constexpr qsizetype size = 4;
-    static float Value(const char* bytes) { return WidenedS24Value(qFromLittleEndian<qint32>(bytes)); }
+    static float Value(const char* bytes) { return S24Value(bytes); }
     static float Average(float left, float right) { return AverageInFloat(left, right); }
 };
 
@@ -140,13 +133,7 @@ void AppendS16Block(QList<float>& values, QByteArrayView block, int channelCount
 
 void AppendS24Block(QList<float>& values, QByteArrayView block, int channelCount, BlockPick pick)
 {
-    // With frames left out, those would be widened for nothing.
-    if (pick.step > 1) {
-        return AppendCoded<S24>(values, block, channelCount, pick);
-    }
-    ForWidenedStretches(block, S24::size * qMax(1, channelCount), [&](const QByteArray& stretch) {
-        AppendCoded<WidenedS24>(values, stretch, channelCount, pick);
-    });
+    AppendCoded<S24>(values, block, channelCount, pick);
 }
 
 void AppendS32Block(QList<float>& values, QByteArrayView block, int channelCount, BlockPick pick)

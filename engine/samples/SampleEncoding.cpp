@@ -43,11 +43,11 @@ struct FloatCoding
     }
 };
 
-struct WidenedS24AsFloatCoding
+struct S24AsFloatCoding
 {
     using Sample = float;
-    static constexpr qsizetype size = 4;
-    static Sample Value(const char* bytes) { return WidenedS24Value(qFromLittleEndian<qint32>(bytes)); }
+    static constexpr qsizetype size = 3;
+    static Sample Value(const char* bytes) { return S24Value(bytes); }
     static Sample Average(Sample left, Sample right) { return AverageOfFloats(left, right); }
 };
 
@@ -106,13 +106,7 @@ QByteArray EncodeF32Block(QByteArrayView block, int channelCount, WavFile::Chann
 
 QByteArray EncodeS24BlockAsF32(QByteArrayView block, int channelCount, WavFile::ChannelFormat channel)
 {
-    QByteArray encoded;
-    const int frameSize = channelCount == 1 ? 3 : 6;
-    encoded.reserve(block.size() / frameSize * qsizetype(sizeof(float)));
-    ForWidenedStretches(block, frameSize, [&](const QByteArray& stretch) {
-        encoded += EncodeBlock<WidenedS24AsFloatCoding>(stretch, channelCount, channel);
-    });
-    return encoded;
+    return EncodeBlock<S24AsFloatCoding>(block, channelCount, channel);
 }
 
 } // namespace vantoraudio::AudioEngine

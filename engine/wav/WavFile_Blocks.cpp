@@ -48,7 +48,7 @@ QList<float> WavFile::ReadF32Block(const QByteArray& block, int step, const QAud
 
 float WavFile::ReadS24S(const unsigned char* bytes, const QAudioFormat& /*format*/)
 {
-    return WidenedS24Value(S24InS32(reinterpret_cast<const char*>(bytes)));
+    return S24Value(reinterpret_cast<const char*>(bytes));
 }
 
 void WavFile::WriteS16Block(const QByteArray& block, WavFile& destination, const QAudioFormat& format,

@@ -1,5 +1,4 @@
 #include "engine/SharedValue.h"
-#include "engine/files/LargePages.h"
 #include "engine/files/SharedFileCursor.h"
 #include "engine/samples/SampleBlocks.h"
 #include "engine/samples/Truncation.h"
@@ -19,10 +18,6 @@ constexpr qint64 valuesPerBlock = 200;
 /** So many bytes are read at once: many short blocks, or a part of a long one. */
 constexpr qint64 pieceSize = qint64(1024) * 1024;
 
-/** With so much between them, in bytes, only the frames that are wanted are read. Nearer ones come faster, even
- * from a disk, together with what lies between them. */
-constexpr qint64 leastDistance = qint64(128) * 1024;
-
 /** Memory for so many values is taken at once; the length of a file is no reason to take more than that. */
 constexpr qint64 mostReservedValues = qint64(1) << 30;
 
@@ -41,7 +36,6 @@ struct WavFile::Extraction
     qint64 BlockSize() const { return valuesPerBlock * BytesPerValue(); }
     /** Whether a block is read by itself, and in parts. */
     bool HasLongBlocks() const { return BlockSize() > pieceSize; }
-    bool HasDistantFrames() const { return Distance() - BytesPerFrame(format) >= leastDistance; }
     /** Of one wanted frame from the next one, in bytes, as the block readers count them; 0 where they take none.
      */
     qint64 Distance() const { return pick.step * BytesPerFrame(format); }
@@ -124,13 +118,6 @@ WavFile::Extraction WavFile::StartExtraction(double startTime, double endTime, i
 /** Reads a block and appends its values. False when nothing of it arrives. */
 bool WavFile::Extraction::AppendLongBlock(QList<float>& values, SharedFileCursor& cursor, QByteArray& buffer) const
 {
-    if (HasDistantFrames()) {
-        const SharedFileCursor::Spacing frames{
-            .size = BytesPerFrame(format), .distance = Distance(), .length = BlockSize()};
-        const bool hasArrived = cursor.ReadSpaced(frames, buffer);
-        AppendBlock(values, buffer, format, {1, pick.channel});
-        return hasArrived;
-    }
     bool hasArrived = false;
     bool isWhole = true;
     for (qint64 left = BlockSize(); left > 0 && isWhole; left -= buffer.size()) {
@@ -149,7 +136,6 @@ QList<float> WavFile::Extract(const Extraction& extraction)
     QList<float> values;
     const qint64 valueCount = extraction.ValueCount(qMin(extraction.BytesToRead(), cursor.BytesLeft()));
     values.reserve(qMin(valueCount, mostReservedValues));
-    PreferLargePages(values.constData(), values.capacity() * qsizetype(sizeof(float)));
     const auto report = [&](qint64 position) {
         // Measured from the beginning of the file on purpose: a range that starts late does not start at 0.
         const double progress = double(position) / double(extraction.end) * 100.0;

@@ -29,9 +29,6 @@ private Q_SLOTS:
     void movesTheFileWithALoneTask();
     void comesBackWhenSomebodyElseMovedTheFile();
     void takesAPlaceBehindTheEnd();
-    void readsSpacedStretches();
-    void readsSpacedStretchesUpToTheEnd();
-    void readsNoSpacedStretchOfAClosedFile();
     void movesToAnotherPlace();
     void readsNothingAtANegativePlace();
     void readsNothingFromAClosedFile();
@@ -111,40 +108,6 @@ void TestSharedFileCursor::takesAPlaceBehindTheEnd()
     QVERIFY(!cursor.ReadBlock(10, block));
     QVERIFY(block.isEmpty());
     QCOMPARE(cursor.Position(), place);
-}
-
-void TestSharedFileCursor::readsSpacedStretches()
-{
-    SharedFileCursor cursor(m_file, m_lock, 10);
-    QByteArray block;
-    QVERIFY(cursor.ReadSpaced({.size = 3, .distance = 40'000, .length = 80'001}, block));
-    QCOMPARE(block, m_bytes.mid(10, 3) + m_bytes.mid(40'010, 3) + m_bytes.mid(80'010, 3));
-    QCOMPARE(cursor.Position(), 80'011);
-    QCOMPARE(m_file.pos(), 80'011);
-    QVERIFY(cursor.ReadSpaced({.size = 3, .distance = 40'000, .length = 80'000}, block));
-    QCOMPARE(block, m_bytes.mid(80'011, 3) + m_bytes.mid(120'011, 3));
-    QCOMPARE(cursor.Position(), 160'011);
-}
-
-void TestSharedFileCursor::readsSpacedStretchesUpToTheEnd()
-{
-    SharedFileCursor cursor(m_file, m_lock, m_bytes.size() - 5);
-    QByteArray block;
-    QVERIFY(cursor.ReadSpaced({.size = 2, .distance = 4, .length = 1'000'000'000'000}, block));
-    QCOMPARE(block, m_bytes.right(5).left(2) + m_bytes.right(1));
-    QCOMPARE(cursor.Position(), m_bytes.size());
-    QVERIFY(!cursor.ReadSpaced({.size = 2, .distance = 4, .length = 100}, block));
-    QCOMPARE(block, QByteArray());
-    QCOMPARE(cursor.Position(), m_bytes.size());
-}
-
-void TestSharedFileCursor::readsNoSpacedStretchOfAClosedFile()
-{
-    m_file.close();
-    SharedFileCursor cursor(m_file, m_lock, 10);
-    QByteArray block("former");
-    QVERIFY(!cursor.ReadSpaced({.size = 2, .distance = 4, .length = 100}, block));
-    QCOMPARE(block, QByteArray());
 }
 
 void TestSharedFileCursor::movesToAnotherPlace()

@@ -168,7 +168,6 @@ private Q_SLOTS:
     void stopsAfterALongBlockDuringWhichItWasAborted();
     void endsWithAFileWithinALongBlock();
     void readsLongBlocksInParts();
-    void readsNothingBetweenFramesThatAreFarApart();
     void readsDistantFloatsThatSayFewerBits_data();
     void readsDistantFloatsThatSayFewerBits();
     void dropsATrailingPartialFrame_data();
@@ -536,16 +535,6 @@ void TestExtraction::readsLongBlocksInParts()
     // A block has 24 MB.
     QVERIFY(file.largestRead <= 1024 * 1024);
     QVERIFY(file.bytesRead >= file.size());
-}
-
-void TestExtraction::readsNothingBetweenFramesThatAreFarApart()
-{
-    const DistantFrames audio{.step = 70'000, .count = 210};
-    CountingWav file;
-    QCOMPARE(file.Open(m_files.Write(u"file.wav"_s, audio.File(0))), WavFile::Success);
-    file.ReadData(0, file.GetDuration(), audio.step);
-    QCOMPARE(file.GetSamples().size(), audio.count);
-    QVERIFY(file.bytesRead < file.size() / 5);
 }
 
 void TestExtraction::readsDistantFloatsThatSayFewerBits_data()
