@@ -32,9 +32,10 @@ void CheckHeader(const WavHeader& header, qint64 fileSize)
 
 void CheckBlock(const WavHeader& header, QByteArrayView block, int step)
 {
+    const StoredFormat format{header.format, header.sampleSize};
     QList<float> values;
     for (const auto channel : {WavFile::ChannelLeft, WavFile::ChannelRight, WavFile::ChannelLeftRight}) {
-        AppendBlock(values, block, {header.format, header.sampleSize}, {step, channel});
+        AppendBlock(values, block, format.Coding(), format.audio.channelCount(), {step, channel});
     }
     Require(values.size() <= 3 * block.size() / 2);
 }

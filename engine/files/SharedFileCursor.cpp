@@ -18,7 +18,7 @@ qint64 SharedFileCursor::BytesLeft() const
     return BytesLeftLocked();
 }
 
-bool SharedFileCursor::ReadBlock(qint64 size, QByteArray& block)
+bool SharedFileCursor::Read(qint64 size, QByteArray& block)
 {
     const QMutexLocker lock(&m_deviceLock);
     // The file is asked for its size only when the block would have to grow.
@@ -38,7 +38,9 @@ void SharedFileCursor::MoveTo(qint64 position)
         return;
     }
     const QMutexLocker lock(&m_deviceLock);
-    MoveToLocked(position);
+    if (m_isPlaced && position >= 0 && m_file.seek(position)) {
+        m_position = position;
+    }
 }
 
 qint64 SharedFileCursor::BytesLeftLocked() const
@@ -52,15 +54,6 @@ qint64 SharedFileCursor::ReadLocked(char* bytes, qint64 size)
         return 0;
     }
     return qMax(qint64(0), m_file.read(bytes, size));
-}
-
-bool SharedFileCursor::MoveToLocked(qint64 position)
-{
-    const bool isMoved = m_isPlaced && position >= 0 && m_file.seek(position);
-    if (isMoved) {
-        m_position = position;
-    }
-    return isMoved;
 }
 
 } // namespace vantoraudio::AudioEngine

@@ -31,7 +31,7 @@ public:
      * never grows beyond what the file still holds; its memory is used again from call to call. False, and an
      * empty block, at the end of the file or after a failure.
      */
-    bool ReadBlock(qint64 size, QByteArray& block);
+    bool Read(qint64 size, QByteArray& block);
 
     /** Goes to another place; a negative one, or one in a file that cannot be read, changes nothing. */
     void MoveTo(qint64 position);
@@ -39,7 +39,6 @@ public:
 private:
     qint64 BytesLeftLocked() const;
     qint64 ReadLocked(char* bytes, qint64 size);
-    bool MoveToLocked(qint64 position);
 
     QFile& m_file;
     QMutex& m_deviceLock;

@@ -26,7 +26,7 @@ float AverageInFloat(float left, float right)
 
 struct S16
 {
-    static constexpr qsizetype size = 2;
+    static constexpr qsizetype size = SizeOf(SampleCoding::S16);
     static float Value(const char* bytes)
     {
         return static_cast<float>(qFromLittleEndian<qint16>(bytes)) / largestS16;
@@ -36,14 +36,14 @@ struct S16
 
 struct S24
 {
-    static constexpr qsizetype size = 3;
+    static constexpr qsizetype size = SizeOf(SampleCoding::S24);
     static float Value(const char* bytes) { return S24Value(bytes); }
     static float Average(float left, float right) { return AverageInFloat(left, right); }
 };
 
 struct S32
 {
-    static constexpr qsizetype size = 4;
+    static constexpr qsizetype size = SizeOf(SampleCoding::S32);
     static float Value(const char* bytes)
     {
         return static_cast<float>(qFromLittleEndian<qint32>(bytes)) * s32Scale;
@@ -53,7 +53,7 @@ struct S32
 
 struct F32
 {
-    static constexpr qsizetype size = 4;
+    static constexpr qsizetype size = SizeOf(SampleCoding::F32);
     static float Value(const char* bytes) { return qFromLittleEndian<float>(bytes); }
     static float Average(float left, float right) { return AverageInFloat(left, right); }
 };
@@ -95,55 +95,20 @@ void AppendCoded(QList<float>& values, QByteArrayView block, int channelCount, B
 
 } // namespace
 
-qsizetype BytesPerFrame(const BlockFormat& format)
+void AppendBlock(QList<float>& values, QByteArrayView block, SampleCoding coding, int channelCount, BlockPick pick)
 {
-    const qsizetype channelCount = qMax(0, format.audio.channelCount());
-    switch (format.audio.sampleFormat()) {
-    case QAudioFormat::Int16:
-        return channelCount * S16::size;
-    case QAudioFormat::Int32:
-        return channelCount * (format.sampleSize == 24 ? S24::size : S32::size);
-    case QAudioFormat::Float:
-        return channelCount * F32::size;
-    default:
-        return 0;
-    }
-}
-
-void AppendBlock(QList<float>& values, QByteArrayView block, const BlockFormat& format, BlockPick pick)
-{
-    const int channelCount = format.audio.channelCount();
-    switch (format.audio.sampleFormat()) {
-    case QAudioFormat::Int16:
-        return AppendS16Block(values, block, channelCount, pick);
-    case QAudioFormat::Int32:
-        return format.sampleSize == 24 ? AppendS24Block(values, block, channelCount, pick)
-                                       : AppendS32Block(values, block, channelCount, pick);
-    case QAudioFormat::Float:
-        return AppendF32Block(values, block, channelCount, pick);
-    default:
+    switch (coding) {
+    case SampleCoding::S16:
+        return AppendCoded<S16>(values, block, channelCount, pick);
+    case SampleCoding::S24:
+        return AppendCoded<S24>(values, block, channelCount, pick);
+    case SampleCoding::S32:
+        return AppendCoded<S32>(values, block, channelCount, pick);
+    case SampleCoding::F32:
+        return AppendCoded<F32>(values, block, channelCount, pick);
+    case SampleCoding::Unknown:
         return;
     }
-}
-
-void AppendS16Block(QList<float>& values, QByteArrayView block, int channelCount, BlockPick pick)
-{
-    AppendCoded<S16>(values, block, channelCount, pick);
-}
-
-void AppendS24Block(QList<float>& values, QByteArrayView block, int channelCount, BlockPick pick)
-{
-    AppendCoded<S24>(values, block, channelCount, pick);
-}
-
-void AppendS32Block(QList<float>& values, QByteArrayView block, int channelCount, BlockPick pick)
-{
-    AppendCoded<S32>(values, block, channelCount, pick);
-}
-
-void AppendF32Block(QList<float>& values, QByteArrayView block, int channelCount, BlockPick pick)
-{
-    AppendCoded<F32>(values, block, channelCount, pick);
 }
 
 } // namespace vantoraudio::AudioEngine

@@ -1,10 +1,11 @@
 #pragma once
 
+#include "engine/samples/StoredFormat.h"
+
 #include <vantorAudioEngine/WavFile.h>
 
 #include <QtCore/QByteArray>
 #include <QtCore/QList>
-#include <QtMultimedia/QAudioFormat>
 
 /**
  * Decoding blocks of interleaved little-endian samples for display: one float for every `step` frames, counted
@@ -16,17 +17,6 @@
  */
 namespace vantoraudio::AudioEngine {
 
-/** How a block's samples are stored. */
-struct BlockFormat
-{
-    QAudioFormat audio;
-    /** Bits per sample; tells 24-bit integers from the true Int32. */
-    int sampleSize = 0;
-};
-
-/** What AppendBlock() takes for a frame of that format, in bytes; 0 where it yields nothing. */
-qsizetype BytesPerFrame(const BlockFormat& format);
-
 /** Which of a block's samples are wanted. */
 struct BlockPick
 {
@@ -35,12 +25,8 @@ struct BlockPick
     WavFile::ChannelFormat channel = WavFile::ChannelNone;
 };
 
-/** Appends a block's values to `values`; none for formats other than Int16, Int32 and Float. */
-void AppendBlock(QList<float>& values, QByteArrayView block, const BlockFormat& format, BlockPick pick);
-
-void AppendS16Block(QList<float>& values, QByteArrayView block, int channelCount, BlockPick pick);
-void AppendS24Block(QList<float>& values, QByteArrayView block, int channelCount, BlockPick pick);
-void AppendS32Block(QList<float>& values, QByteArrayView block, int channelCount, BlockPick pick);
-void AppendF32Block(QList<float>& values, QByteArrayView block, int channelCount, BlockPick pick);
+/** Appends a block's values to `values`; none for an unknown coding and for channel counts below 1. */
+void AppendBlock(QList<float>& values, QByteArrayView block, SampleCoding coding, int channelCount,
+                 BlockPick pick);
 
 } // namespace vantoraudio::AudioEngine

@@ -67,7 +67,7 @@ QByteArray EncodeFrames(QByteArrayView block, SampleOf sampleOf)
 }
 
 template<typename Coding>
-QByteArray EncodeBlock(QByteArrayView block, int channelCount, WavFile::ChannelFormat channel)
+QByteArray EncodeCoded(QByteArrayView block, int channelCount, WavFile::ChannelFormat channel)
 {
     constexpr qsizetype stereo = 2 * Coding::size;
     const auto left = [](const char* frame) { return Coding::Value(frame); };
@@ -89,24 +89,21 @@ QByteArray EncodeBlock(QByteArrayView block, int channelCount, WavFile::ChannelF
 
 } // namespace
 
-QByteArray EncodeS16Block(QByteArrayView block, int channelCount, WavFile::ChannelFormat channel)
+QByteArray EncodeBlock(QByteArrayView block, SampleCoding coding, int channelCount, WavFile::ChannelFormat channel)
 {
-    return EncodeBlock<IntegerCoding<qint16>>(block, channelCount, channel);
-}
-
-QByteArray EncodeS32Block(QByteArrayView block, int channelCount, WavFile::ChannelFormat channel)
-{
-    return EncodeBlock<IntegerCoding<qint32>>(block, channelCount, channel);
-}
-
-QByteArray EncodeF32Block(QByteArrayView block, int channelCount, WavFile::ChannelFormat channel)
-{
-    return EncodeBlock<FloatCoding>(block, channelCount, channel);
-}
-
-QByteArray EncodeS24BlockAsF32(QByteArrayView block, int channelCount, WavFile::ChannelFormat channel)
-{
-    return EncodeBlock<S24AsFloatCoding>(block, channelCount, channel);
+    switch (coding) {
+    case SampleCoding::S16:
+        return EncodeCoded<IntegerCoding<qint16>>(block, channelCount, channel);
+    case SampleCoding::S24:
+        return EncodeCoded<S24AsFloatCoding>(block, channelCount, channel);
+    case SampleCoding::S32:
+        return EncodeCoded<IntegerCoding<qint32>>(block, channelCount, channel);
+    case SampleCoding::F32:
+        return EncodeCoded<FloatCoding>(block, channelCount, channel);
+    case SampleCoding::Unknown:
+        break;
+    }
+    return {};
 }
 
 } // namespace vantoraudio::AudioEngine

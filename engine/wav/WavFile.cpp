@@ -1,10 +1,9 @@
-#include "engine/SharedValue.h"
-#include "engine/samples/Truncation.h"
+#include "engine/files/RegularFile.h"
+#include "engine/wav/WavAudio.h"
 #include "engine/wav/WavHeader.h"
 
 #include <vantorAudioEngine/WavFile.h>
 
-#include <QtCore/QFileInfo>
 #include <QtCore/QMetaType>
 #include <QtCore/QMutexLocker>
 
@@ -19,12 +18,6 @@ namespace {
 void RegisterMetaTypes()
 {
     qRegisterMetaType<WavFile::ChannelFormat>("WavFile::ChannelFormat");
-}
-
-/** Opening a pipe may block for ever, and a directory or a device holds no audio file. */
-bool IsRegularFile(const QString& fileName)
-{
-    return QFileInfo(fileName).isFile();
 }
 
 } // namespace
@@ -70,15 +63,13 @@ WavFile::AudioEngineReturnValue WavFile::Open(const QString& fileName)
     if (result != Success) {
         return result;
     }
-    const int bytesPerSample = m_sampleSize / 8;
-    if (bytesPerSample < 1 || m_fileFormat.channelCount() < 1) {
+    const int frameSize = StoredFormat{m_fileFormat, m_sampleSize}.FrameSize();
+    if (frameSize < 1) {
         return Success;
     }
     // At a rate of 0 the duration becomes infinite, or not-a-number without data: ordinary values for callers.
     static_assert(std::numeric_limits<double>::is_iec559);
-    const double bytesPerSecond =
-        double(m_fileFormat.channelCount()) * double(bytesPerSample) * double(m_fileFormat.sampleRate());
-    m_duration = double(m_dataLength) / bytesPerSecond;
+    m_duration = double(m_dataLength) / (double(frameSize) * double(m_fileFormat.sampleRate()));
     return Success;
 }
 
@@ -137,29 +128,17 @@ QList<float> WavFile::GetSamples() const
 
 void WavFile::AbortRead()
 {
-    SetAbortFlag(m_abortRead);
+    StoreAbortFlag(m_mutex, m_abortRead, true);
 }
 
 void WavFile::AbortWrite()
 {
-    SetAbortFlag(m_abortWrite);
+    StoreAbortFlag(m_mutex, m_abortWrite, true);
 }
 
 void WavFile::AbortChannelFilter()
 {
-    SetAbortFlag(m_abortChannelFilter);
-}
-
-void WavFile::SetAbortFlag(bool& flag)
-{
-    const QMutexLocker lock(&m_mutex);
-    StoreShared(flag, true);
-}
-
-void WavFile::ClearAbortFlag(bool& flag)
-{
-    const QMutexLocker lock(&m_mutex);
-    StoreShared(flag, false);
+    StoreAbortFlag(m_mutex, m_abortChannelFilter, true);
 }
 
 WavFile::AudioEngineReturnValue WavFile::ReadHeader()
@@ -177,14 +156,8 @@ WavFile::AudioEngineReturnValue WavFile::ReadHeader()
 
 WavFile::AudioEngineReturnValue WavFile::WriteHeader(int dataSize)
 {
-    return WriteHeader(qint64(dataSize));
-}
-
-WavFile::AudioEngineReturnValue WavFile::WriteHeader(qint64 dataSize)
-{
     const bool isAtStart = seek(0);
-    const QByteArray header = GetLargeFiles() ? ComposeLargeWavHeader(m_fileFormat, dataSize)
-                                              : ComposeWavHeader(m_fileFormat, WrapToInt32(dataSize));
+    const QByteArray header = ComposeWavHeader(m_fileFormat, dataSize);
     if (header.isEmpty()) {
         return ErrorInvalidFormat;
     }
@@ -192,29 +165,6 @@ WavFile::AudioEngineReturnValue WavFile::WriteHeader(qint64 dataSize)
     // Flushed, so that a full disk is noticed here and not when the file is closed.
     const bool isWritten = isAtStart && write(header) == header.size() && flush();
     return isWritten ? Success : ErrorWriteHeader;
-}
-
-bool WavFile::StartWriting(const QString& fileName, const QAudioFormat& format, qint64 dataSize)
-{
-    m_fileFormat = format;
-    m_hasLostBytes = false;
-    setFileName(fileName);
-    const bool isWritable = !fileName.isEmpty() && (!QFileInfo::exists(fileName) || IsRegularFile(fileName));
-    return isWritable && open(QIODevice::WriteOnly) && WriteHeader(dataSize) == Success;
-}
-
-void WavFile::Append(QByteArrayView bytes)
-{
-    if (write(bytes.data(), bytes.size()) != bytes.size()) {
-        m_hasLostBytes = true;
-    }
-}
-
-bool WavFile::FinishWriting()
-{
-    const bool isWhole = flush() && !m_hasLostBytes;
-    close();
-    return isWhole;
 }
 
 int WavFile::CalculateAudioDataSize(int bytes, const QAudioFormat& from, const QAudioFormat& to)

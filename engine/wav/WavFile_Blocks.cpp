@@ -6,44 +6,53 @@
 
 using namespace vantoraudio::AudioEngine;
 
+namespace {
+
+QList<float> Decoded(SampleCoding coding, const QByteArray& block, int step, const QAudioFormat& format,
+                     WavFile::ChannelFormat channel)
+{
+    QList<float> values;
+    AppendBlock(values, block, coding, format.channelCount(), {step, channel});
+    return values;
+}
+
+/** A short write goes unnoticed here, as it does for every QIODevice that nobody asks. */
+void Write(SampleCoding coding, const QByteArray& block, WavFile& destination, const QAudioFormat& format,
+           WavFile::ChannelFormat channel)
+{
+    destination.write(EncodeBlock(block, coding, format.channelCount(), channel));
+}
+
+} // namespace
+
 QList<float> WavFile::ReadBlock(const QByteArray& block, int step, const QAudioFormat& format,
                                 ChannelFormat channel)
 {
-    QList<float> values;
-    AppendBlock(values, block, {format, m_sampleSize}, {step, channel});
-    return values;
+    return Decoded(StoredFormat{format, m_sampleSize}.Coding(), block, step, format, channel);
 }
 
 QList<float> WavFile::ReadS16Block(const QByteArray& block, int step, const QAudioFormat& format,
                                    ChannelFormat channel)
 {
-    QList<float> values;
-    AppendS16Block(values, block, format.channelCount(), {step, channel});
-    return values;
+    return Decoded(SampleCoding::S16, block, step, format, channel);
 }
 
 QList<float> WavFile::ReadS24Block(const QByteArray& block, int step, const QAudioFormat& format,
                                    ChannelFormat channel)
 {
-    QList<float> values;
-    AppendS24Block(values, block, format.channelCount(), {step, channel});
-    return values;
+    return Decoded(SampleCoding::S24, block, step, format, channel);
 }
 
 QList<float> WavFile::ReadS32Block(const QByteArray& block, int step, const QAudioFormat& format,
                                    ChannelFormat channel)
 {
-    QList<float> values;
-    AppendS32Block(values, block, format.channelCount(), {step, channel});
-    return values;
+    return Decoded(SampleCoding::S32, block, step, format, channel);
 }
 
 QList<float> WavFile::ReadF32Block(const QByteArray& block, int step, const QAudioFormat& format,
                                    ChannelFormat channel)
 {
-    QList<float> values;
-    AppendF32Block(values, block, format.channelCount(), {step, channel});
-    return values;
+    return Decoded(SampleCoding::F32, block, step, format, channel);
 }
 
 float WavFile::ReadS24S(const unsigned char* bytes, const QAudioFormat& /*format*/)
@@ -54,23 +63,23 @@ float WavFile::ReadS24S(const unsigned char* bytes, const QAudioFormat& /*format
 void WavFile::WriteS16Block(const QByteArray& block, WavFile& destination, const QAudioFormat& format,
                             ChannelFormat channel)
 {
-    destination.Append(EncodeS16Block(block, format.channelCount(), channel));
+    Write(SampleCoding::S16, block, destination, format, channel);
 }
 
 void WavFile::WriteS32Block(const QByteArray& block, WavFile& destination, const QAudioFormat& format,
                             ChannelFormat channel)
 {
-    destination.Append(EncodeS32Block(block, format.channelCount(), channel));
+    Write(SampleCoding::S32, block, destination, format, channel);
 }
 
 void WavFile::WriteF32Block(const QByteArray& block, WavFile& destination, const QAudioFormat& format,
                             ChannelFormat channel)
 {
-    destination.Append(EncodeF32Block(block, format.channelCount(), channel));
+    Write(SampleCoding::F32, block, destination, format, channel);
 }
 
 void WavFile::ConvertS24BlockToF32Block(const QByteArray& block, WavFile& destination, const QAudioFormat& format,
                                         ChannelFormat channel)
 {
-    destination.Append(EncodeS24BlockAsF32(block, format.channelCount(), channel));
+    Write(SampleCoding::S24, block, destination, format, channel);
 }

@@ -1,45 +1,121 @@
 #include "engine/files/FileReplacement.h"
+#include "engine/files/RegularFile.h"
 #include "engine/files/SharedFileCursor.h"
 #include "engine/samples/FFmpegResampler.h"
 #include "engine/samples/S24Samples.h"
-#include "engine/wav/ByteCounting.h"
+#include "engine/wav/WavAudio.h"
 #include "engine/wav/WavHeader.h"
+#include "engine/wav/WavWriter.h"
 
 #include <vantorAudioEngine/WavFile.h>
 
 #include <QtCore/QFileInfo>
 #include <QtCore/QTemporaryFile>
 
+#include <cstdio>
+
 using namespace vantoraudio::AudioEngine;
 
 namespace {
 
-constexpr qint64 longestBlock = 1024;
-
-} // namespace
-
-/** What the conversion of this file takes in. */
-struct WavFile::ConversionSource
+/** 24-bit samples are widened to the 32 bits that their format speaks of before they are resampled. */
+bool IsWidened(const WavAudio& source)
 {
-    QAudioFormat format;
-    /** 24-bit samples are widened to the 32 bits that their format speaks of before they are resampled. */
-    bool is24Bit = false;
-    /** Of a frame in the file, in bytes. */
-    int storedFrameSize = 0;
-    /** Of all the audio as it is resampled, in bytes. */
-    qint64 length = 0;
-    bool allowsLargeFiles = false;
+    return source.format.Coding() == SampleCoding::S24;
+}
 
-    /** -1 when frames cannot be counted. */
-    int BlockFrames() const;
-    QByteArray Widened(const QByteArray& block) const { return is24Bit ? WidenS24Block(block) : block; }
-};
-
-int WavFile::ConversionSource::BlockFrames() const
+/** Of all the audio as it is resampled, in bytes. */
+qint64 ResampledLength(const WavAudio& source)
 {
-    const qint64 frameSize = format.bytesPerFrame();
+    return IsWidened(source) ? ByteCounting::MultiplySaturating(source.dataLength / 3, 4) : source.dataLength;
+}
+
+/** -1 when frames cannot be counted. */
+int BlockFrames(const WavAudio& source)
+{
+    constexpr qint64 longestBlock = 1024;
+    const qint64 frameSize = source.format.audio.bytesPerFrame();
+    const qint64 length = ResampledLength(source);
     return frameSize < 1 || length < 0 ? -1 : static_cast<int>(qMin(length / frameSize, longestBlock));
 }
+
+/** Every frame of a file on its way through the resampler into another file. */
+struct Conversion
+{
+    WavFile& file;
+    QMutex& deviceMutex;
+    const WavAudio source;
+    const QAudioFormat target;
+    FFmpegResampler& resampler;
+
+    bool WriteTo(WavWriter& output, const QString& path);
+    bool WriteOver(const QString& path);
+
+private:
+    bool ConvertBlocks(WavWriter& output);
+};
+
+/** The header states the size that the length of the source gives. It stays so when the resampler delivers some
+ *  frames more or fewer. */
+bool Conversion::WriteTo(WavWriter& output, const QString& path)
+{
+    const ByteCounting counting = source.Counting();
+    const qint64 dataSize =
+        CalculateAudioDataSize(counting.Restrict(ResampledLength(source)), source.format.audio, target, counting);
+    return output.Open(path, target, dataSize, source.allowsLargeFiles) && ConvertBlocks(output);
+}
+
+/** Converts into a file beside the one at `path`, which then takes its place; the source ends up closed. Until
+ *  that last step nothing happens to the old file, and a failure leaves no other file behind. */
+bool Conversion::WriteOver(const QString& path)
+{
+    const QFileInfo replaced(QFileInfo(path).canonicalFilePath());
+    // Reserves a name, and removes what has it unless that was renamed.
+    QTemporaryFile place(replaced.path() + QStringLiteral("/.vantorAudioEngine-XXXXXX"));
+    if (!IsRegularFile(path) || !place.open()) {
+        return false;
+    }
+    place.close();
+    WavWriter output;
+    if (!WriteTo(output, place.fileName()) || !output.FinishOnDisk()) {
+        return false;
+    }
+    file.close();
+    const bool isReplaced = ReplaceFile(place.fileName(), replaced.filePath());
+    place.setAutoRemove(!isReplaced);
+    return isReplaced;
+}
+
+/** Goes to the end of the file, not of the sample data, on purpose. */
+bool Conversion::ConvertBlocks(WavWriter& output)
+{
+    bool isEmpty = true;
+    const auto append = [&](std::optional<QByteArrayView> converted) {
+        isEmpty = isEmpty && (!converted || converted->isEmpty());
+        return converted && output.Append(*converted);
+    };
+    SharedFileCursor cursor(file, deviceMutex, source.dataOffset);
+    const qint64 blockSize = qint64(resampler.BlockFrames()) * source.format.FrameSize();
+    QByteArray block;
+    while (cursor.Read(blockSize, block)) {
+        const QByteArray frames = IsWidened(source) ? WidenS24Block(block) : block;
+        const int frameCount = source.format.audio.framesForBytes(int(frames.size()));
+        if (!append(resampler.Convert(frames.constData(), frameCount))) {
+            return false;
+        }
+    }
+    // What is left of the file now could not be read, and without it the result would not be whole.
+    if (cursor.BytesLeft() > 0 || !append(resampler.Drain())) {
+        return false;
+    }
+    // A pass may yield nothing yet, but all of them together are a failure then, in FFmpeg's words for it.
+    if (isEmpty) {
+        std::fputs("Could not get sample buffer size\n", stderr);
+    }
+    return !isEmpty;
+}
+
+} // namespace
 
 std::optional<WavFile::ChannelLayout> WavFile::SelectChannelLayout(const QAudioFormat& format)
 {
@@ -67,86 +143,15 @@ bool WavFile::Convert(const QAudioFormat& target, const QString& outPath)
     };
     const PcmLayout sourceLayout = layoutOf(m_fileFormat);
     const PcmLayout targetLayout = layoutOf(target);
-    const ConversionSource source = SourceOfConversion();
-    FFmpegResampler resampler(sourceLayout, targetLayout, source.BlockFrames());
+    const WavAudio source(*this);
+    FFmpegResampler resampler(sourceLayout, targetLayout, BlockFrames(source));
     if (!resampler.IsReady()) {
         return false;
     }
+    Conversion conversion{*this, m_deviceMutex, source, target, resampler};
     if (outPath.isEmpty() || IsSameFile(fileName(), outPath)) {
-        return ConvertOver(outPath.isEmpty() ? fileName() : outPath, source, target, resampler);
+        return conversion.WriteOver(outPath.isEmpty() ? fileName() : outPath);
     }
-    WavFile output;
-    return ConvertInto(output, outPath, source, target, resampler) && output.FinishWriting();
-}
-
-WavFile::ConversionSource WavFile::SourceOfConversion() const
-{
-    const bool is24Bit = m_fileFormat.sampleFormat() == QAudioFormat::Int32 && m_sampleSize == 24;
-    return {.format = m_fileFormat,
-            .is24Bit = is24Bit,
-            .storedFrameSize = m_sampleSize / 8 * m_fileFormat.channelCount(),
-            .length = is24Bit ? ByteCounting::MultiplySaturating(m_dataLength / 3, 4) : m_dataLength,
-            .allowsLargeFiles = GetLargeFiles()};
-}
-
-/** Converts into a file beside the one at `path`, which then takes its place; this file ends up closed. Until that
- *  last step nothing happens to the old file, and a failure leaves no other file behind. */
-bool WavFile::ConvertOver(const QString& path, const ConversionSource& source, const QAudioFormat& target,
-                          FFmpegResampler& resampler)
-{
-    const QFileInfo replaced(QFileInfo(path).canonicalFilePath());
-    // Reserves a name, and removes what has it unless that was renamed.
-    QTemporaryFile place(replaced.path() + QStringLiteral("/.vantorAudioEngine-XXXXXX"));
-    if (!replaced.isFile() || !place.open()) {
-        return false;
-    }
-    place.close();
-    WavFile output;
-    if (!ConvertInto(output, place.fileName(), source, target, resampler) || !FlushToDisk(output) ||
-        !output.FinishWriting()) {
-        return false;
-    }
-    // A few frames at another rate can be too few for the resampler: nothing must not replace the only copy of
-    // them.
-    if (QFileInfo(place.fileName()).size() <= output.GetDataOffset()) {
-        return false;
-    }
-    close();
-    const bool isReplaced = ReplaceFile(place.fileName(), replaced.filePath());
-    place.setAutoRemove(!isReplaced);
-    return isReplaced;
-}
-
-/** The header states the size that the length of the source gives. It stays so when the resampler delivers some
- *  frames more or fewer. */
-bool WavFile::ConvertInto(WavFile& output, const QString& path, const ConversionSource& source,
-                          const QAudioFormat& target, FFmpegResampler& resampler)
-{
-    const ByteCounting counting(source.allowsLargeFiles);
-    const qint64 dataSize = vantoraudio::AudioEngine::CalculateAudioDataSize(counting.Restrict(source.length),
-                                                                             source.format, target, counting);
-    output.SetLargeFiles(source.allowsLargeFiles);
-    return output.StartWriting(path, target, dataSize) && ConvertBlocks(output, source, resampler);
-}
-
-/** Goes to the end of the file, not of the sample data, on purpose. */
-bool WavFile::ConvertBlocks(WavFile& output, const ConversionSource& source, FFmpegResampler& resampler)
-{
-    const auto append = [&output](std::optional<QByteArrayView> converted) {
-        if (converted) {
-            output.Append(*converted);
-        }
-        return converted && !output.m_hasLostBytes;
-    };
-    SharedFileCursor cursor(*this, m_deviceMutex, m_dataOffset);
-    const qint64 blockSize = qint64(resampler.BlockFrames()) * source.storedFrameSize;
-    QByteArray block;
-    while (cursor.ReadBlock(blockSize, block)) {
-        const QByteArray frames = source.Widened(block);
-        if (!append(resampler.Convert(frames.constData(), source.format.framesForBytes(int(frames.size()))))) {
-            return false;
-        }
-    }
-    // What is left of the file now could not be read, and without it the result would not be whole.
-    return cursor.BytesLeft() == 0 && append(resampler.Drain());
+    WavWriter output;
+    return conversion.WriteTo(output, outPath) && output.Finish();
 }

@@ -10,10 +10,6 @@
 
 #include <optional>
 
-namespace vantoraudio::AudioEngine {
-class FFmpegResampler;
-}
-
 /**
  * One RIFF/WAVE file on disk: its sample format, where its sample data lies, how long it lasts, and the
  * decimated samples that a waveform view draws of it.
@@ -205,7 +201,6 @@ private:
     /** Writes the header that describes the file format and `dataSize` bytes of samples to the start of this file,
      * which must be open for writing, and goes behind it. ErrorInvalidFormat writes nothing. */
     AudioEngineReturnValue WriteHeader(int dataSize);
-    AudioEngineReturnValue WriteHeader(qint64 dataSize);
 
     static int CalculateAudioDataSize(int bytes, const QAudioFormat& from, const QAudioFormat& to);
     static int BytesToSamples(int bytes, int a, int b);
@@ -238,39 +233,9 @@ private:
                        ChannelFormat channel);
     void ConvertS24BlockToF32Block(const QByteArray& block, WavFile& destination, const QAudioFormat& format,
                                    ChannelFormat channel);
-    using BlockWriter = void (WavFile::*)(const QByteArray&, WavFile&, const QAudioFormat&, ChannelFormat);
 
     /** Empty for channel counts that Convert() does not know. */
     static std::optional<ChannelLayout> SelectChannelLayout(const QAudioFormat& format);
-
-    struct Extraction;
-    Extraction StartExtraction(double startTime, double endTime, int stepSize);
-    QList<float> Extract(const Extraction& extraction);
-    void StoreSamples(QList<float>& samples);
-
-    struct ChannelCopy;
-    ChannelCopy SnapshotForCopy() const;
-    AudioEngineReturnValue WriteChannelFile(const QString& outPath, const ChannelCopy& copy, qint64 dataSize);
-    bool CopyChannel(const ChannelCopy& copy, WavFile& output);
-    qsizetype PassBlocks(const ChannelCopy& copy, qint64 position, qsizetype size);
-
-    struct ConversionSource;
-    ConversionSource SourceOfConversion() const;
-    bool ConvertOver(const QString& path, const ConversionSource& source, const QAudioFormat& target,
-                     vantoraudio::AudioEngine::FFmpegResampler& resampler);
-    bool ConvertInto(WavFile& output, const QString& path, const ConversionSource& source,
-                     const QAudioFormat& target, vantoraudio::AudioEngine::FFmpegResampler& resampler);
-    bool ConvertBlocks(WavFile& output, const ConversionSource& source,
-                       vantoraudio::AudioEngine::FFmpegResampler& resampler);
-
-    /** Opens this file for writing and writes its header. */
-    bool StartWriting(const QString& fileName, const QAudioFormat& format, qint64 dataSize);
-    /** Writes behind what was written before; FinishWriting() tells whether all of it arrived, and closes. */
-    void Append(QByteArrayView bytes);
-    bool FinishWriting();
-
-    void SetAbortFlag(bool& flag);
-    void ClearAbortFlag(bool& flag);
 
     QAudioFormat m_fileFormat;
     qint64 m_dataOffset = 0;
@@ -289,7 +254,4 @@ private:
 
     /** Held while a task moves this file and reads one block; never together with the other mutex. */
     QMutex m_deviceMutex;
-
-    /** Something appended to this file has not arrived in it. */
-    bool m_hasLostBytes = false;
 };

@@ -54,7 +54,7 @@ QByteArray TestSharedFileCursor::ReadAll(qint64 start, qint64 blockSize)
     SharedFileCursor cursor(m_file, m_lock, start);
     QByteArray all;
     QByteArray block;
-    while (cursor.ReadBlock(blockSize, block)) {
+    while (cursor.Read(blockSize, block)) {
         all += block;
     }
     return all;
@@ -66,9 +66,9 @@ void TestSharedFileCursor::readsBlockAfterBlock()
     QByteArray block;
     QCOMPARE(cursor.Position(), 5);
     QCOMPARE(cursor.BytesLeft(), m_bytes.size() - 5);
-    QVERIFY(cursor.ReadBlock(7, block));
+    QVERIFY(cursor.Read(7, block));
     QCOMPARE(block, m_bytes.mid(5, 7));
-    QVERIFY(cursor.ReadBlock(20000, block));
+    QVERIFY(cursor.Read(20000, block));
     QCOMPARE(block, m_bytes.mid(12, 20000));
     QCOMPARE(cursor.Position(), 20012);
     for (const qint64 blockSize : {1000, 16384, 100000, 1000000}) {
@@ -81,7 +81,7 @@ void TestSharedFileCursor::movesTheFileWithALoneTask()
     SharedFileCursor cursor(m_file, m_lock, 100);
     QCOMPARE(m_file.pos(), 100);
     QByteArray block;
-    QVERIFY(cursor.ReadBlock(50, block));
+    QVERIFY(cursor.Read(50, block));
     QCOMPARE(m_file.pos(), 150);
 }
 
@@ -91,9 +91,9 @@ void TestSharedFileCursor::comesBackWhenSomebodyElseMovedTheFile()
     SharedFileCursor other(m_file, m_lock, 40000);
     QByteArray block;
     for (int i = 0; i < 20; ++i) {
-        QVERIFY(one.ReadBlock(300, block));
+        QVERIFY(one.Read(300, block));
         QCOMPARE(block, m_bytes.mid(i * 300, 300));
-        QVERIFY(other.ReadBlock(700, block));
+        QVERIFY(other.Read(700, block));
         QCOMPARE(block, m_bytes.mid(40000 + i * 700, 700));
     }
 }
@@ -105,7 +105,7 @@ void TestSharedFileCursor::takesAPlaceBehindTheEnd()
     QByteArray block("former");
     QCOMPARE(cursor.Position(), place);
     QCOMPARE(cursor.BytesLeft(), 0);
-    QVERIFY(!cursor.ReadBlock(10, block));
+    QVERIFY(!cursor.Read(10, block));
     QVERIFY(block.isEmpty());
     QCOMPARE(cursor.Position(), place);
 }
@@ -114,16 +114,16 @@ void TestSharedFileCursor::movesToAnotherPlace()
 {
     SharedFileCursor cursor(m_file, m_lock, 100);
     QByteArray block;
-    QVERIFY(cursor.ReadBlock(50, block));
+    QVERIFY(cursor.Read(50, block));
     cursor.MoveTo(20);
     QCOMPARE(cursor.Position(), 20);
     QCOMPARE(m_file.pos(), 20);
-    QVERIFY(cursor.ReadBlock(50, block));
+    QVERIFY(cursor.Read(50, block));
     QCOMPARE(block, m_bytes.mid(20, 50));
     cursor.MoveTo(-1);
     QCOMPARE(cursor.Position(), 70);
     cursor.MoveTo(m_bytes.size() + 5);
-    QVERIFY(!cursor.ReadBlock(50, block));
+    QVERIFY(!cursor.Read(50, block));
     m_file.close();
     SharedFileCursor unplaced(m_file, m_lock, 100);
     unplaced.MoveTo(20);
@@ -136,7 +136,7 @@ void TestSharedFileCursor::readsNothingAtANegativePlace()
     QByteArray block("former");
     QCOMPARE(cursor.Position(), 0);
     QCOMPARE(cursor.BytesLeft(), 0);
-    QVERIFY(!cursor.ReadBlock(10, block));
+    QVERIFY(!cursor.Read(10, block));
     QVERIFY(block.isEmpty());
 }
 
@@ -146,7 +146,7 @@ void TestSharedFileCursor::readsNothingFromAClosedFile()
     SharedFileCursor cursor(m_file, m_lock, 10);
     QByteArray block;
     QCOMPARE(cursor.Position(), 0);
-    QVERIFY(!cursor.ReadBlock(10, block));
+    QVERIFY(!cursor.Read(10, block));
 }
 
 void TestSharedFileCursor::readsNothingFromAFileOpenForWritingOnly()
@@ -155,7 +155,7 @@ void TestSharedFileCursor::readsNothingFromAFileOpenForWritingOnly()
     QVERIFY(m_file.open(QIODevice::WriteOnly));
     SharedFileCursor cursor(m_file, m_lock, 0);
     QByteArray block;
-    QVERIFY(!cursor.ReadBlock(10, block));
+    QVERIFY(!cursor.Read(10, block));
 }
 
 void TestSharedFileCursor::readsNothingWhenAskedForNothing_data()
@@ -171,7 +171,7 @@ void TestSharedFileCursor::readsNothingWhenAskedForNothing()
     QFETCH(const qint64, size);
     SharedFileCursor cursor(m_file, m_lock, 0);
     QByteArray block("former");
-    QVERIFY(!cursor.ReadBlock(size, block));
+    QVERIFY(!cursor.Read(size, block));
     QVERIFY(block.isEmpty());
     QCOMPARE(cursor.Position(), 0);
 }
@@ -180,7 +180,7 @@ void TestSharedFileCursor::neverTakesMoreMemoryThanTheFileHolds()
 {
     SharedFileCursor cursor(m_file, m_lock, 1000);
     QByteArray block;
-    QVERIFY(cursor.ReadBlock(std::numeric_limits<qint64>::max(), block));
+    QVERIFY(cursor.Read(std::numeric_limits<qint64>::max(), block));
     QCOMPARE(block, m_bytes.mid(1000));
     QVERIFY(block.capacity() <= m_bytes.size());
 }
@@ -189,9 +189,9 @@ void TestSharedFileCursor::usesTheSameMemoryAgain()
 {
     SharedFileCursor cursor(m_file, m_lock, 0);
     QByteArray block;
-    QVERIFY(cursor.ReadBlock(1000, block));
+    QVERIFY(cursor.Read(1000, block));
     const char* memory = block.constData();
-    while (cursor.ReadBlock(1000, block)) {
+    while (cursor.Read(1000, block)) {
         QVERIFY(block.constData() == memory);
     }
 }
@@ -200,9 +200,9 @@ void TestSharedFileCursor::seesAFileThatShrank()
 {
     SharedFileCursor cursor(m_file, m_lock, 0);
     QByteArray block;
-    QVERIFY(cursor.ReadBlock(20000, block));
+    QVERIFY(cursor.Read(20000, block));
     QVERIFY(QFile::resize(m_file.fileName(), 100));
-    QVERIFY(!cursor.ReadBlock(100000, block));
+    QVERIFY(!cursor.Read(100000, block));
     QCOMPARE(cursor.BytesLeft(), 0);
 }
 

@@ -399,8 +399,8 @@ void TestSampleBlocks::passesFloatsUnchanged()
 void TestSampleBlocks::appendsBehindFormerValues()
 {
     Values values{7.0F};
-    AppendF32Block(values, PackF32({1, 2}), 1, {});
-    AppendS16Block(values, PackS16({32767}), 1, {});
+    AppendBlock(values, PackF32({1, 2}), SampleCoding::F32, 1, {});
+    AppendBlock(values, PackS16({32767}), SampleCoding::S16, 1, {});
     QCOMPARE(values, Values({7, 1, 2, 1}));
 }
 
@@ -425,14 +425,15 @@ void TestSampleBlocks::countsTheBytesOfAFrameAsItTakesThem()
     QFETCH(const int, sampleSize);
     QFETCH(const int, bytesPerSample);
     for (const int channels : {-1, 0, 1, 2, 6}) {
-        BlockFormat format{{}, sampleSize};
+        StoredFormat format{{}, sampleSize};
         format.audio.setSampleFormat(QAudioFormat::SampleFormat(sampleFormat));
         format.audio.setChannelCount(channels);
-        QCOMPARE(BytesPerFrame(format), qMax(0, channels) * bytesPerSample);
-        const QByteArray block(11 * BytesPerFrame(format), '\0');
+        QCOMPARE(format.CodedFrameSize(), qMax(0, channels) * bytesPerSample);
+        const QByteArray block(11 * format.CodedFrameSize(), '\0');
         for (const int missing : {0, 1}) {
             Values values;
-            AppendBlock(values, QByteArrayView(block).chopped(qMin(missing, int(block.size()))), format, {});
+            AppendBlock(values, QByteArrayView(block).chopped(qMin(missing, int(block.size()))), format.Coding(),
+                        channels, {});
             QCOMPARE(values.size(), block.isEmpty() ? 0 : 11 - missing);
         }
     }

@@ -22,6 +22,8 @@ using namespace WavTest;
 
 namespace {
 
+const QByteArray noFrames = "Could not get sample buffer size\n";
+
 QAudioFormat Format(QAudioFormat::SampleFormat sampleFormat, int channels, int rate)
 {
     QAudioFormat format;
@@ -142,7 +144,8 @@ private Q_SLOTS:
     void replacesOnlyTheSecondNameOfTheSource();
     void keepsTheSourceWhenThereIsNoRoom_data();
     void keepsTheSourceWhenThereIsNoRoom();
-    void keepsTheSourceOfWhichNothingWouldBeLeft();
+    void failsWhereNoFrameComesOut_data();
+    void failsWhereNoFrameComesOut();
     void keepsTheSourceWithoutTheRightToReplaceIt();
     void keepsTheSourceWhenTheResamplerFails();
     void keepsTheSourceThatCannotBeReadToItsEnd();
@@ -485,8 +488,8 @@ void TestConvert::convertsAFewFrames_data()
     }
 }
 
-/** A pass may yield nothing, which is no failure; what is shorter than the resampler's filter yields nothing at
- *  all, as it does in FFmpeg's own program. */
+/** A pass may yield nothing, which is no failure. What is shorter than the resampler's filter yields nothing at
+ * all, as it does in FFmpeg's own program, and that is one. */
 void TestConvert::convertsAFewFrames()
 {
     QFETCH(const int, frames);
@@ -494,13 +497,12 @@ void TestConvert::convertsAFewFrames()
     const QAudioFormat format = Format(QAudioFormat::Float, 1, rate);
     WavFile file;
     QCOMPARE(file.Open(Write(Tones(frames, 1, 44100))), WavFile::Success);
+    const QByteArray data = ByFFmpeg(file.fileName(), format);
     StandardErrorCapture capture;
-    QVERIFY(file.Convert(format, m_out));
-    QCOMPARE(capture.Text(), QByteArray());
-    const QByteArray data = Result().mid(44);
+    QCOMPARE(file.Convert(format, m_out), !data.isEmpty());
+    QCOMPARE(capture.Text(), data.isEmpty() ? noFrames : QByteArray());
     const int statedFrames = int(double(frames) / 44100 * rate);
     QCOMPARE(Result(), Converted(format, data, statedFrames == 0 ? -1 : 4 * statedFrames));
-    QCOMPARE(data, ByFFmpeg(file.fileName(), format));
 }
 
 /** The source ends where its file ends: chunks behind the audio are taken for more of it. */
@@ -519,7 +521,7 @@ void TestConvert::takesAnIncompleteFrameForTheEnd_data()
 {
     QTest::addColumn<int>("frames");
     QTest::addColumn<int>("extra");
-    for (const int frames : {1, 1000, 1024, 3000}) {
+    for (const int frames : {100, 1000, 1024, 3000}) {
         for (const int extra : {1, 2, 3}) {
             QTest::addRow("%d frames and %d bytes", frames, extra) << frames << extra;
         }
@@ -544,7 +546,7 @@ void TestConvert::takesAnIncompleteFrameForTheEnd()
 void TestConvert::convertsWhatATruncatedFileHolds()
 {
     const QAudioFormat format = Format(QAudioFormat::Int16, 1, 8000);
-    for (const int frames : {0, 500, 1500}) {
+    for (const int frames : {1, 500, 1500}) {
         WavBytes wav = Tones(frames, 1, 8000);
         wav.statedDataSize = 10000;
         WavFile file;
@@ -689,14 +691,32 @@ void TestConvert::keepsTheSourceWhenThereIsNoRoom()
     }
 }
 
-void TestConvert::keepsTheSourceOfWhichNothingWouldBeLeft()
+void TestConvert::failsWhereNoFrameComesOut_data()
 {
-    const QByteArray source = Tones(5, 1, 44100).Build();
+    QTest::addColumn<WavBytes>("wav");
+    QTest::addColumn<int>("rate");
+    WavBytes promised = Tones(0, 1, 8000);
+    promised.statedDataSize = 10000;
+    QTest::addRow("ten frames to another rate") << Tones(10, 1, 44100) << 8000;
+    QTest::addRow("samples that are not there") << promised << 8000;
+    QTest::addRow("samples that are not there, to another rate") << promised << 44100;
+}
+
+void TestConvert::failsWhereNoFrameComesOut()
+{
+    QFETCH(const WavBytes, wav);
+    QFETCH(const int, rate);
+    const QByteArray source = wav.Build();
     WavFile file;
     QCOMPARE(file.Open(Write(source)), WavFile::Success);
-    QVERIFY(!file.Convert(Format(QAudioFormat::Float, 1, 8000), {}));
-    QVERIFY(TemporaryFiles::Read(file.fileName()) == source);
+    StandardErrorCapture capture;
+    QVERIFY(!file.Convert(Format(QAudioFormat::Float, 1, rate), {}));
+    QVERIFY(file.isOpen());
     QCOMPARE(Names(), QStringList({u"source.wav"_s}));
+    QVERIFY(!file.Convert(Format(QAudioFormat::Float, 1, rate), m_out));
+    QCOMPARE(capture.Text(), noFrames + noFrames);
+    QCOMPARE(Result().size(), 44);
+    QCOMPARE(TemporaryFiles::Read(file.fileName()), source);
 }
 
 void TestConvert::keepsTheSourceWithoutTheRightToReplaceIt()

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "engine/SharedValue.h"
+#include "engine/samples/StoredFormat.h"
+#include "engine/wav/ByteCounting.h"
+
+#include <vantorAudioEngine/WavFile.h>
+
+#include <QtCore/QMutexLocker>
+
+namespace vantoraudio::AudioEngine {
+
+/** What a task knows of the audio of a file. It is taken once, when the task starts. */
+struct WavAudio
+{
+    explicit WavAudio(const WavFile& file)
+        : format{file.GetFileFormat(), file.GetSampleSize()}
+        , channel(file.GetSelectedChannel())
+        , dataOffset(file.GetDataOffset())
+        , dataLength(file.GetDataLength())
+        , duration(file.GetDuration())
+        , allowsLargeFiles(file.GetLargeFiles())
+    {
+    }
+
+    ByteCounting Counting() const { return ByteCounting(allowsLargeFiles); }
+
+    /** Where the file's audio is at a time, in bytes from the beginning of the file. */
+    qint64 PositionOf(double seconds) const
+    {
+        return Counting().PositionOf(seconds, format.audio.sampleRate(), format.FrameSize(), dataOffset);
+    }
+
+    StoredFormat format;
+    WavFile::ChannelFormat channel;
+    qint64 dataOffset;
+    /** In bytes, as the header states it. */
+    qint64 dataLength;
+    /** In seconds. */
+    double duration;
+    bool allowsLargeFiles;
+};
+
+/** Under the lock of the file, as a task does that starts. */
+inline WavAudio TakeWavAudio(const WavFile& file, QMutex& mutex)
+{
+    const QMutexLocker lock(&mutex);
+    return WavAudio(file);
+}
+
+/** Sets or clears an abort flag of a file under its lock. */
+inline void StoreAbortFlag(QMutex& mutex, bool& flag, bool value)
+{
+    const QMutexLocker lock(&mutex);
+    StoreShared(flag, value);
+}
+
+} // namespace vantoraudio::AudioEngine
