@@ -32,8 +32,7 @@ WavFile::WavFile(QObject* parent) : QFile(parent)
 
 WavFile::~WavFile() = default;
 
-// The flag of channel filtering, the sample size, the wish for large files and all of the QFile are left out on
-// purpose.
+// The flag of channel filtering, the sample size, SetLargeFiles() and all of the QFile are left out on purpose.
 WavFile& WavFile::operator=(const WavFile& other)
 {
     if (this == &other) {
@@ -55,7 +54,11 @@ WavFile::AudioEngineReturnValue WavFile::Open(const QString& fileName)
 {
     close();
     setFileName(fileName);
-    if (!IsRegularFile(fileName) || !open(QIODevice::ReadOnly)) {
+    if (IsFolderPipeOrDevice(fileName)) {
+        setErrorString(tr("Not a regular file"));
+        return ErrorOpenFile;
+    }
+    if (!open(QIODevice::ReadOnly)) {
         close();
         return ErrorOpenFile;
     }
@@ -169,17 +172,17 @@ WavFile::AudioEngineReturnValue WavFile::WriteHeader(int dataSize)
 
 int WavFile::CalculateAudioDataSize(int bytes, const QAudioFormat& from, const QAudioFormat& to)
 {
-    return vantoraudio::AudioEngine::CalculateAudioDataSize(bytes, from, to);
+    return WrapToInt32(vantoraudio::AudioEngine::CalculateAudioDataSize(bytes, from, to, ByteCounting(false)));
 }
 
 int WavFile::BytesToSamples(int bytes, int a, int b)
 {
-    return vantoraudio::AudioEngine::BytesToSamples(bytes, a, b);
+    return static_cast<int>(vantoraudio::AudioEngine::BytesToSamples(bytes, a, b));
 }
 
 int WavFile::SamplesToBytes(int samples, int a, int b)
 {
-    return vantoraudio::AudioEngine::SamplesToBytes(samples, a, b);
+    return WrapToInt32(vantoraudio::AudioEngine::SamplesToBytes(samples, a, b, ByteCounting(false)));
 }
 
 int WavFile::FFmpegSampleFormatFromQAudioFormat(const QAudioFormat& format)

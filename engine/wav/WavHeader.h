@@ -72,16 +72,14 @@ inline constexpr int largeHeaderSize = 80;
 [[nodiscard]] QByteArray ComposeWavHeaderWithRoom(const QAudioFormat& format, qint64 dataSize);
 
 /** How many bytes `bytes` of audio in the format `from` become in the format `to`; -1 when that cannot be told. */
-[[nodiscard]] int CalculateAudioDataSize(int bytes, const QAudioFormat& from, const QAudioFormat& to);
 [[nodiscard]] qint64 CalculateAudioDataSize(qint64 bytes, const QAudioFormat& from, const QAudioFormat& to,
                                             ByteCounting counting);
 
 /** bytes / (a * b), where a and b are channel count and bytes per sample; -1 when one is below 1 or bytes below 0.
  */
-[[nodiscard]] int BytesToSamples(int bytes, int a, int b);
+[[nodiscard]] qint64 BytesToSamples(qint64 bytes, int a, int b);
 
-/** samples * a * b, the lowest 32 bits of it; -1 when any of them is below 1, so also for no samples at all. */
-[[nodiscard]] int SamplesToBytes(int samples, int a, int b);
+/** samples * a * b; -1 when any of them is below 1, so also for no samples at all. */
 [[nodiscard]] qint64 SamplesToBytes(qint64 samples, int a, int b, ByteCounting counting);
 
 } // namespace vantoraudio::AudioEngine

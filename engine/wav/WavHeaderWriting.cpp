@@ -44,12 +44,6 @@ std::optional<Encoding> EncodingOf(QAudioFormat::SampleFormat sampleFormat)
     }
 }
 
-/** As BytesToSamples(). */
-qint64 CountSamples(qint64 bytes, int a, int b)
-{
-    return a < 1 || b < 1 || bytes < 0 ? -1 : bytes / (qint64(a) * b);
-}
-
 /** "fmt " and the head of "data", which end every header. */
 QByteArray ComposeChunks(const QAudioFormat& format, Encoding encoding, quint32 statedDataSize)
 {
@@ -144,30 +138,20 @@ QByteArray ComposeWavHeaderWithRoom(const QAudioFormat& format, qint64 dataSize)
            ComposeChunks(format, *encoding, statedSize);
 }
 
-int CalculateAudioDataSize(int bytes, const QAudioFormat& from, const QAudioFormat& to)
-{
-    return WrapToInt32(CalculateAudioDataSize(bytes, from, to, ByteCounting(false)));
-}
-
 qint64 CalculateAudioDataSize(qint64 bytes, const QAudioFormat& from, const QAudioFormat& to,
                               ByteCounting counting)
 {
     if (!to.isValid() || !from.isValid() || bytes < 0) {
         return -1;
     }
-    const qint64 frames = CountSamples(bytes, from.bytesPerSample(), from.channelCount());
+    const qint64 frames = BytesToSamples(bytes, from.bytesPerSample(), from.channelCount());
     const qint64 targetFrames = counting.Truncate(double(frames) / from.sampleRate() * to.sampleRate());
     return SamplesToBytes(targetFrames, to.bytesPerSample(), to.channelCount(), counting);
 }
 
-int BytesToSamples(int bytes, int a, int b)
+qint64 BytesToSamples(qint64 bytes, int a, int b)
 {
-    return static_cast<int>(CountSamples(bytes, a, b));
-}
-
-int SamplesToBytes(int samples, int a, int b)
-{
-    return WrapToInt32(SamplesToBytes(samples, a, b, ByteCounting(false)));
+    return a < 1 || b < 1 || bytes < 0 ? -1 : bytes / (qint64(a) * b);
 }
 
 // No samples give -1, unlike no bytes above: callers tell an empty result by it.

@@ -80,7 +80,8 @@ public:
     /**
      * Closes what was open, opens `fileName` for reading and reads its header.
      *
-     * ErrorOpenFile leaves the object closed. ErrorInvalidFormat, ErrorReadFile and ErrorChannelCount leave it
+     * ErrorOpenFile leaves the object closed; errorString() is what QFile says, or, for a folder, pipe or device,
+     * that it is not a regular file. ErrorInvalidFormat, ErrorReadFile and ErrorChannelCount leave the object
      * open, with the fields as far as the header had been read: treat it as unusable. A file that ends before its
      * "fmt " chunk is complete counts as Success, with the former format and duration. The samples of the last
      * extraction, the selected channel and the abort flags are kept in every case.
@@ -91,13 +92,12 @@ public:
     qint64 GetDataLength() const;
     /** Position of the first sample in the file, in bytes. */
     qint64 GetDataOffset() const;
-    /** Length of the audio in seconds. What a damaged header makes of it may be 0, negative, infinite or
-     *  not-a-number. */
+    /** Length of the audio in seconds. A damaged header may make it 0, negative, infinite or not-a-number. */
     double GetDuration() const;
     /** The format of the samples. 24-bit data is described as Int32; GetSampleSize() tells the two apart. */
     const QAudioFormat& GetFileFormat() const;
-    /** Bits per sample in the file: 16, 24 or 32, whatever the header says of a file that Open() refused, and 0
-     *  before the first Open(). */
+    /** Bits per sample in the file: 16, 24 or 32. 0 before the first Open(); after a refused one, whatever the
+     * header says. */
     int GetSampleSize() const;
 
     /** Whether files of any length are read and written; false after construction. */
@@ -148,9 +148,9 @@ public:
      *
      * True when everything was converted and written. False leaves an `outPath` as far as it was written, and this
      * file as it was: when it is not open, when the target's rate or channel count is below 1 or its sample format
-     * Unknown or UInt8, when the file holds no frame, when a conversion in place of a few frames to another rate
-     * would leave none, and when the output cannot be written. What the resampler refuses is told on the standard
-     * error stream.
+     * Unknown or UInt8, when the file holds no frame, when no frame comes out (of a few frames at another rate, or
+     * of samples that a header promises and that are not there), and when the output cannot be written. What the
+     * resampler refuses, and that no frame comes out, is told on the standard error stream.
      *
      * Throws std::bad_optional_access when one side has neither one nor two channels. No progress and no abort;
      * the object must not be used by anyone else meanwhile, except for the tasks in the background when the
@@ -198,6 +198,15 @@ private:
     /** Reads the header of the open file into the fields; they keep what was read before a failing check, and the
      *  file stays where reading stopped. */
     AudioEngineReturnValue ReadHeader();
+
+    /** The number of FFmpeg's interleaved sample format, or -1 for what the library does not convert. */
+    static int FFmpegSampleFormatFromQAudioFormat(const QAudioFormat& format);
+    /** Empty for channel counts that Convert() does not know. */
+    static std::optional<ChannelLayout> SelectChannelLayout(const QAudioFormat& format);
+
+    // The library itself never calls the functions from here on: it does the same with functions that its other
+    // classes share.
+
     /** Writes the header that describes the file format and `dataSize` bytes of samples to the start of this file,
      * which must be open for writing, and goes behind it. ErrorInvalidFormat writes nothing. */
     AudioEngineReturnValue WriteHeader(int dataSize);
@@ -205,8 +214,6 @@ private:
     static int CalculateAudioDataSize(int bytes, const QAudioFormat& from, const QAudioFormat& to);
     static int BytesToSamples(int bytes, int a, int b);
     static int SamplesToBytes(int samples, int a, int b);
-    /** The number of FFmpeg's interleaved sample format, or -1 for what the library does not convert. */
-    static int FFmpegSampleFormatFromQAudioFormat(const QAudioFormat& format);
 
     /** Decode a block of whole frames: one value for every `step` of them. ReadBlock() chooses the reader by the
      *  format and the sample size. */
@@ -233,9 +240,6 @@ private:
                        ChannelFormat channel);
     void ConvertS24BlockToF32Block(const QByteArray& block, WavFile& destination, const QAudioFormat& format,
                                    ChannelFormat channel);
-
-    /** Empty for channel counts that Convert() does not know. */
-    static std::optional<ChannelLayout> SelectChannelLayout(const QAudioFormat& format);
 
     QAudioFormat m_fileFormat;
     qint64 m_dataOffset = 0;
