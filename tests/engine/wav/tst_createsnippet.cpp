@@ -1,6 +1,3 @@
-#include "tests/support/AbortDuringReport.h"
-#include "tests/support/BrokenReading.h"
-#include "tests/support/ContextTranslator.h"
 #include "tests/support/FileSizeLimit.h"
 #include "tests/support/OpenedWav.h"
 #include "tests/support/WavFileTestAccess.h"
@@ -47,22 +44,12 @@ private Q_SLOTS:
     void writesOnlyAHeaderForAnEmptyRange_data();
     void writesOnlyAHeaderForAnEmptyRange();
     void endsAtTheEndOfTheFile();
-    void endsWhereTheFileCannotBeRead();
     void copiesAWholeLastBlockBehindTheAudio();
     void startsBeforeTheAudioForANegativeTime();
     void overwritesAnExistingFile();
 
     void reportsProgressFromTheStartOfTheFile();
     void leavesTheSourceOpenBehindTheLastBlock();
-    void stopsBetweenBlocksWhenAborted_data();
-    void stopsBetweenBlocksWhenAborted();
-    void resetsTheProgressWhenAbortedAtAnEarlyEnd();
-    void finishesWhenAbortedDuringTheLastBlock();
-    void stopsWhenAbortedFromAnotherThread();
-    void ignoresAnAbortBeforeItStarts();
-    void ignoresTheOtherAbortFlags();
-    void translatesItsTexts();
-    void usesTheChannelSelectedWhenItStarted();
 
     void endsForEveryTime_data();
     void endsForEveryTime();
@@ -209,18 +196,6 @@ void TestCreateSnippet::endsAtTheEndOfTheFile()
     QCOMPARE(QStringList(setup.log), QStringList({Creating(0), Creating(0), Creating(0)}));
 }
 
-void TestCreateSnippet::endsWhereTheFileCannotBeRead()
-{
-    const TestAudio audio = Mono(80000);
-    ExportSetup setup(audio);
-    QVERIFY(BreakReading(setup.file));
-    QCOMPARE(setup.file.CreateSnippet(setup.out, 0, 10), WavFile::Success);
-    const QByteArray whole = audio.Exported(audio.ExportedData(0, 80000, WavFile::ChannelNone), 160000);
-    QCOMPARE_LT(setup.Result().size(), whole.size());
-    QCOMPARE(setup.Result(), whole.left(setup.Result().size()));
-    QCOMPARE_GE(setup.Result().size(), 44);
-}
-
 void TestCreateSnippet::copiesAWholeLastBlockBehindTheAudio()
 {
     TestAudio audio = Mono(250);
@@ -266,101 +241,6 @@ void TestCreateSnippet::leavesTheSourceOpenBehindTheLastBlock()
     QCOMPARE(setup.file.CreateSnippet(setup.out, 0.01, 0.03), WavFile::Success);
     QVERIFY(setup.file.isOpen());
     QCOMPARE(setup.file.pos(), 44 + 280 * 2);
-}
-
-void TestCreateSnippet::stopsBetweenBlocksWhenAborted_data()
-{
-    QTest::addColumn<int>("block");
-    for (const int block : {1, 2, 326, 327, 328}) {
-        QTest::addRow("block %d", block) << block;
-    }
-}
-
-void TestCreateSnippet::stopsBetweenBlocksWhenAborted()
-{
-    QFETCH(const int, block);
-    const TestAudio audio = Mono(80000);
-    ExportSetup setup(audio);
-    connect(&setup.file, &WavFile::ProgressChanged, &setup.file, [&] {
-        if (setup.log.size() == block) {
-            setup.file.AbortWrite();
-        }
-    });
-    QCOMPARE(setup.file.CreateSnippet(setup.out, 0, 10), WavFile::Success);
-    QCOMPARE(setup.Result(), audio.Exported(audio.ExportedData(0, block * 200, WavFile::ChannelNone), 160000));
-    QCOMPARE(setup.log.size(), block + 1);
-    QCOMPARE(setup.log.last(), reset);
-    QCOMPARE(setup.file.pos(), 44 + block * 400);
-}
-
-void TestCreateSnippet::resetsTheProgressWhenAbortedAtAnEarlyEnd()
-{
-    ExportSetup setup(Mono(200));
-    connect(&setup.file, &WavFile::ProgressChanged, &setup.file, &WavFile::AbortWrite);
-    QCOMPARE(setup.file.CreateSnippet(setup.out, 0, 1), WavFile::Success);
-    QCOMPARE(QStringList(setup.log), QStringList({Creating(0), reset}));
-}
-
-void TestCreateSnippet::finishesWhenAbortedDuringTheLastBlock()
-{
-    ExportSetup setup(Mono(200));
-    connect(&setup.file, &WavFile::ProgressChanged, &setup.file, &WavFile::AbortWrite);
-    QCOMPARE(setup.file.CreateSnippet(setup.out, 0, 0.025), WavFile::Success);
-    QCOMPARE(QStringList(setup.log), QStringList({Creating(9)}));
-}
-
-void TestCreateSnippet::stopsWhenAbortedFromAnotherThread()
-{
-    const TestAudio audio = Mono(80000);
-    ExportSetup setup(audio);
-    WavFile::AudioEngineReturnValue result = WavFile::ErrorCreateSnippet;
-    const int count = AbortDuringFirstReport(
-        setup.file, [&] { result = setup.file.CreateSnippet(setup.out, 0, 10); },
-        [&] { setup.file.AbortWrite(); });
-    QCOMPARE(result, WavFile::Success);
-    QCOMPARE(count, 2);
-    QCOMPARE(setup.Result(), audio.Exported(audio.ExportedData(0, 200, WavFile::ChannelNone), 160000));
-}
-
-void TestCreateSnippet::ignoresAnAbortBeforeItStarts()
-{
-    ExportSetup setup(Mono(400));
-    setup.file.AbortWrite();
-    QCOMPARE(setup.file.CreateSnippet(setup.out, 0, 0.05), WavFile::Success);
-    QCOMPARE(setup.Result().size(), 44 + 800);
-    QVERIFY(!WavFileTestAccess(setup.file).IsWriteAborted());
-}
-
-void TestCreateSnippet::ignoresTheOtherAbortFlags()
-{
-    ExportSetup setup(Mono(400));
-    connect(&setup.file, &WavFile::ProgressChanged, &setup.file, &WavFile::AbortRead);
-    connect(&setup.file, &WavFile::ProgressChanged, &setup.file, &WavFile::AbortChannelFilter);
-    QCOMPARE(setup.file.CreateSnippet(setup.out, 0, 0.05), WavFile::Success);
-    QCOMPARE(setup.Result().size(), 44 + 800);
-    QVERIFY(WavFileTestAccess(setup.file).IsReadAborted());
-    QVERIFY(WavFileTestAccess(setup.file).IsChannelFilterAborted());
-}
-
-void TestCreateSnippet::translatesItsTexts()
-{
-    const ContextTranslator translator;
-    ExportSetup setup(Mono(400));
-    connect(&setup.file, &WavFile::ProgressChanged, &setup.file, &WavFile::AbortWrite);
-    QCOMPARE(setup.file.CreateSnippet(setup.out, 0, 0.05), WavFile::Success);
-    QCOMPARE(QStringList(setup.log),
-             QStringList({u"5 of 0..100 WavFile/Creating snippet..."_s, u"0 of 0..100 WavFile/"_s}));
-}
-
-void TestCreateSnippet::usesTheChannelSelectedWhenItStarted()
-{
-    TestAudio audio = Mono(80000);
-    audio.channels = 2;
-    ExportSetup setup(audio, WavFile::ChannelRight);
-    connect(&setup.file, &WavFile::ProgressChanged, &setup.file,
-            [&] { setup.file.SetSelectedChannel(WavFile::ChannelLeft); });
-    QCOMPARE(setup.file.CreateSnippet(setup.out, 0, 10), WavFile::Success);
-    QCOMPARE(setup.Result(), audio.Exported(audio.ExportedData(0, 80000, WavFile::ChannelRight), 160000));
 }
 
 void TestCreateSnippet::endsForEveryTime_data()

@@ -1,6 +1,4 @@
-#include "tests/support/AbortDuringReport.h"
 #include "tests/support/BrokenReading.h"
-#include "tests/support/ContextTranslator.h"
 #include "tests/support/OpenedWav.h"
 #include "tests/support/WavFileTestAccess.h"
 
@@ -195,15 +193,7 @@ private Q_SLOTS:
     void readsNothingWhenTheStartWrapsBelowTheFile();
 
     void keepsThePreviousSamplesWhenAborted();
-    void stopsAfterTheBlockDuringWhichItWasAborted();
-    void stopsWhenAbortedFromAnotherThread();
-    void ignoresAnAbortBeforeItStarts();
-    void ignoresTheOtherAbortFlags();
-    void runsAgainAfterAnAbort();
 
-    void translatesItsTexts();
-    void holdsNoLockWhileItEmits();
-    void usesTheChannelSelectedWhenItStarted();
     void showsOldOrNewSamplesWhole();
     void letsTwoExtractionsShareTheFile();
 
@@ -818,96 +808,6 @@ void TestExtraction::keepsThePreviousSamplesWhenAborted()
     QCOMPARE(wav.file.GetSamples(), previous);
     QVERIFY(wav.file.GetSamples().isSharedWith(previous));
     QCOMPARE(QStringList(wav.log), QStringList({Updating(2), updated}));
-}
-
-void TestExtraction::stopsAfterTheBlockDuringWhichItWasAborted()
-{
-    OpenedWav wav(Ramp());
-    connect(&wav.file, &WavFile::ProgressChanged, &wav.file, [&] {
-        if (wav.log.size() == 3) {
-            wav.file.AbortRead();
-        }
-    });
-    wav.file.ReadData(0, Seconds(2000), 1);
-    QCOMPARE(QStringList(wav.log), QStringList({Updating(1), Updating(10), Updating(20), updated}));
-    QCOMPARE(wav.file.pos(), 44 + 3 * 400);
-}
-
-void TestExtraction::stopsWhenAbortedFromAnotherThread()
-{
-    OpenedWav wav(Ramp());
-    AbortDuringFirstReport(
-        wav.file, [&] { wav.file.ReadData(0, wav.file.GetDuration(), 1); }, [&] { wav.file.AbortRead(); });
-    QCOMPARE(QStringList(wav.log), QStringList({Updating(0), updated}));
-    QVERIFY(wav.file.GetSamples().isEmpty());
-}
-
-void TestExtraction::ignoresAnAbortBeforeItStarts()
-{
-    OpenedWav wav(Ramp());
-    wav.file.AbortRead();
-    wav.file.ReadData(0, Seconds(200), 1);
-    QCOMPARE(wav.file.GetSamples(), RampValues(0, 200, 1));
-    QVERIFY(!WavFileTestAccess(wav.file).IsReadAborted());
-}
-
-void TestExtraction::ignoresTheOtherAbortFlags()
-{
-    OpenedWav wav(Ramp());
-    wav.file.AbortWrite();
-    wav.file.AbortChannelFilter();
-    wav.file.ReadData(0, Seconds(1000), 1);
-    QCOMPARE(wav.file.GetSamples(), RampValues(0, 1000, 1));
-    QVERIFY(WavFileTestAccess(wav.file).IsWriteAborted());
-    QVERIFY(WavFileTestAccess(wav.file).IsChannelFilterAborted());
-}
-
-void TestExtraction::runsAgainAfterAnAbort()
-{
-    OpenedWav wav(Ramp());
-    const auto connection = connect(&wav.file, &WavFile::ProgressChanged, &wav.file, &WavFile::AbortRead);
-    wav.file.ReadData(0, Seconds(1000), 1);
-    disconnect(connection);
-    QVERIFY(wav.file.GetSamples().isEmpty());
-    wav.file.ReadData(0, Seconds(1000), 1);
-    QCOMPARE(wav.file.GetSamples(), RampValues(0, 1000, 1));
-}
-
-void TestExtraction::translatesItsTexts()
-{
-    const ContextTranslator translator;
-    OpenedWav wav(Ramp());
-    wav.file.ReadData(0, Seconds(100), 1);
-    QCOMPARE(QStringList(wav.log),
-             QStringList({u"18 of 0..100 WavFile/Updating..."_s, u"NewData"_s, u"0 of 0..1 WavFile/Updated"_s}));
-}
-
-void TestExtraction::holdsNoLockWhileItEmits()
-{
-    OpenedWav wav(Ramp());
-    WavFileTestAccess access(wav.file);
-    int count = 0;
-    const auto takeBothLocks = [&] {
-        QVERIFY(access.Mutex().tryLock());
-        access.Mutex().unlock();
-        QVERIFY(access.DeviceMutex().tryLock());
-        access.DeviceMutex().unlock();
-        ++count;
-    };
-    connect(&wav.file, &WavFile::ProgressChanged, &wav.file, takeBothLocks);
-    connect(&wav.file, &WavFile::NewData, &wav.file, takeBothLocks);
-    wav.file.ReadData(0, Seconds(400), 1);
-    QCOMPARE(count, 4);
-}
-
-void TestExtraction::usesTheChannelSelectedWhenItStarted()
-{
-    OpenedWav wav(WavBytes{.channels = 2, .sampleRate = 32768, .data = Ramp16(1000, 2)}.Build());
-    wav.file.SetSelectedChannel(WavFile::ChannelLeft);
-    connect(&wav.file, &WavFile::ProgressChanged, &wav.file,
-            [&] { wav.file.SetSelectedChannel(WavFile::ChannelRight); });
-    wav.file.ReadData(0, Seconds(1000), 1);
-    QCOMPARE(wav.file.GetSamples(), RampValues(0, 1000, 1));
 }
 
 void TestExtraction::showsOldOrNewSamplesWhole()

@@ -1,6 +1,3 @@
-#include "tests/support/AbortDuringReport.h"
-#include "tests/support/BrokenReading.h"
-#include "tests/support/ContextTranslator.h"
 #include "tests/support/FileSizeLimit.h"
 #include "tests/support/OpenedWav.h"
 #include "tests/support/WavFileTestAccess.h"
@@ -52,18 +49,8 @@ private Q_SLOTS:
 
     void reportsProgressFromTheStartOfTheFile();
     void leavesTheSourceOpenBehindTheLastBlock();
-    void stopsAfterTheBlockDuringWhichItWasAborted_data();
-    void stopsAfterTheBlockDuringWhichItWasAborted();
-    void stopsWhenAbortedFromAnotherThread();
-    void ignoresAnAbortBeforeItStarts();
-    void ignoresTheOtherAbortFlags();
-    void runsAgainAfterAnAbort();
-    void translatesItsTexts();
-    void holdsNoLockWhileItEmits();
-    void usesTheChannelSelectedWhenItStarted();
 
     void endsWithSuccessWhereTheFileEndsEarly();
-    void endsWithSuccessWhereTheFileCannotBeRead();
     void endsWithSuccessForAClosedFile();
     void endsForEveryDuration_data();
     void endsForEveryDuration();
@@ -234,114 +221,6 @@ void TestFilterChannel::leavesTheSourceOpenBehindTheLastBlock()
     QCOMPARE(setup.file.pos(), 44 + 400 * 4);
 }
 
-void TestFilterChannel::stopsAfterTheBlockDuringWhichItWasAborted_data()
-{
-    QTest::addColumn<int>("block");
-    for (const int block : {1, 2, 163, 164, 165}) {
-        QTest::addRow("block %d", block) << block;
-    }
-}
-
-void TestFilterChannel::stopsAfterTheBlockDuringWhichItWasAborted()
-{
-    QFETCH(const int, block);
-    const TestAudio audio = Stereo(70000);
-    ExportSetup setup(audio, WavFile::ChannelLeft);
-    connect(&setup.file, &WavFile::ProgressChanged, &setup.file, [&] {
-        if (setup.log.size() == block) {
-            setup.file.AbortChannelFilter();
-        }
-    });
-    QCOMPARE(setup.file.FilterChannel(setup.out), WavFile::Success);
-    QCOMPARE(setup.Result(), audio.Exported(audio.ExportedData(0, block * 200, WavFile::ChannelLeft), 140000));
-    QCOMPARE(setup.log.size(), block + 1);
-    QCOMPARE(setup.log.last(), reset);
-    QCOMPARE(setup.file.pos(), 44 + block * 800);
-}
-
-void TestFilterChannel::stopsWhenAbortedFromAnotherThread()
-{
-    const TestAudio audio = Stereo(70000);
-    ExportSetup setup(audio, WavFile::ChannelRight);
-    WavFile::AudioEngineReturnValue result = WavFile::ErrorFilterChannel;
-    const int count = AbortDuringFirstReport(
-        setup.file, [&] { result = setup.file.FilterChannel(setup.out); },
-        [&] { setup.file.AbortChannelFilter(); });
-    QCOMPARE(result, WavFile::Success);
-    QCOMPARE(count, 2);
-    QCOMPARE(setup.Result(), audio.Exported(audio.ExportedData(0, 200, WavFile::ChannelRight), 140000));
-}
-
-void TestFilterChannel::ignoresAnAbortBeforeItStarts()
-{
-    const TestAudio audio = Stereo(300);
-    ExportSetup setup(audio, WavFile::ChannelLeft);
-    setup.file.AbortChannelFilter();
-    QCOMPARE(setup.file.FilterChannel(setup.out), WavFile::Success);
-    QCOMPARE(setup.Result().size(), 44 + 600);
-    QVERIFY(!WavFileTestAccess(setup.file).IsChannelFilterAborted());
-}
-
-void TestFilterChannel::ignoresTheOtherAbortFlags()
-{
-    ExportSetup setup(Stereo(1000), WavFile::ChannelLeft);
-    connect(&setup.file, &WavFile::ProgressChanged, &setup.file, &WavFile::AbortRead);
-    connect(&setup.file, &WavFile::ProgressChanged, &setup.file, &WavFile::AbortWrite);
-    QCOMPARE(setup.file.FilterChannel(setup.out), WavFile::Success);
-    QCOMPARE(setup.Result().size(), 44 + 2000);
-    QVERIFY(WavFileTestAccess(setup.file).IsReadAborted());
-    QVERIFY(WavFileTestAccess(setup.file).IsWriteAborted());
-}
-
-void TestFilterChannel::runsAgainAfterAnAbort()
-{
-    ExportSetup setup(Stereo(1000), WavFile::ChannelLeft);
-    const auto connection =
-        connect(&setup.file, &WavFile::ProgressChanged, &setup.file, &WavFile::AbortChannelFilter);
-    QCOMPARE(setup.file.FilterChannel(setup.out), WavFile::Success);
-    QCOMPARE(setup.Result().size(), 44 + 400);
-    disconnect(connection);
-    QVERIFY(QFile::remove(setup.out));
-    QCOMPARE(setup.file.FilterChannel(setup.out), WavFile::Success);
-    QCOMPARE(setup.Result().size(), 44 + 2000);
-}
-
-void TestFilterChannel::translatesItsTexts()
-{
-    const ContextTranslator translator;
-    ExportSetup setup(Stereo(1000), WavFile::ChannelLeft);
-    connect(&setup.file, &WavFile::ProgressChanged, &setup.file, &WavFile::AbortChannelFilter);
-    QCOMPARE(setup.file.FilterChannel(setup.out), WavFile::Success);
-    QCOMPARE(QStringList(setup.log),
-             QStringList({u"1 of 0..100 WavFile/Updating..."_s, u"0 of 0..100 WavFile/"_s}));
-}
-
-void TestFilterChannel::holdsNoLockWhileItEmits()
-{
-    ExportSetup setup(Stereo(1000), WavFile::ChannelLeft);
-    WavFileTestAccess access(setup.file);
-    int count = 0;
-    connect(&setup.file, &WavFile::ProgressChanged, &setup.file, [&] {
-        QVERIFY(access.Mutex().tryLock());
-        access.Mutex().unlock();
-        QVERIFY(access.DeviceMutex().tryLock());
-        access.DeviceMutex().unlock();
-        ++count;
-    });
-    QCOMPARE(setup.file.FilterChannel(setup.out), WavFile::Success);
-    QCOMPARE(count, 5);
-}
-
-void TestFilterChannel::usesTheChannelSelectedWhenItStarted()
-{
-    const TestAudio audio = Stereo(70000);
-    ExportSetup setup(audio, WavFile::ChannelRight);
-    connect(&setup.file, &WavFile::ProgressChanged, &setup.file,
-            [&] { setup.file.SetSelectedChannel(WavFile::ChannelNone); });
-    QCOMPARE(setup.file.FilterChannel(setup.out), WavFile::Success);
-    QCOMPARE(setup.Result(), audio.Exported(audio.ExportedData(0, 70000, WavFile::ChannelRight), 140000));
-}
-
 void TestFilterChannel::endsWithSuccessWhereTheFileEndsEarly()
 {
     TestAudio audio = Stereo(1050);
@@ -351,18 +230,6 @@ void TestFilterChannel::endsWithSuccessWhereTheFileEndsEarly()
     QCOMPARE(setup.file.FilterChannel(setup.out), WavFile::Success);
     QCOMPARE(setup.Result(), audio.Exported(audio.ExportedData(0, 1050, WavFile::ChannelLeft), 20000));
     QCOMPARE(setup.log.size(), 6);
-}
-
-void TestFilterChannel::endsWithSuccessWhereTheFileCannotBeRead()
-{
-    const TestAudio audio = Stereo(70000);
-    ExportSetup setup(audio, WavFile::ChannelLeft);
-    QVERIFY(BreakReading(setup.file));
-    QCOMPARE(setup.file.FilterChannel(setup.out), WavFile::Success);
-    const QByteArray whole = audio.Exported(audio.ExportedData(0, 70000, WavFile::ChannelLeft), 140000);
-    QCOMPARE_LT(setup.Result().size(), whole.size());
-    QCOMPARE(setup.Result(), whole.left(setup.Result().size()));
-    QCOMPARE_GE(setup.Result().size(), 44);
 }
 
 void TestFilterChannel::endsWithSuccessForAClosedFile()
