@@ -1,5 +1,7 @@
 #include "engine/decoding/AudioStream.h"
 
+#include "engine/files/RegularFile.h"
+
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 
@@ -24,14 +26,13 @@ QByteArray UrlOf(const QString& path)
     return "file:" + QFile::encodeName(QFileInfo(path).absoluteFilePath());
 }
 
-/** What can be told of a file without FFmpeg. Opening a pipe would wait for its other end. */
+/** What can be told of a file without FFmpeg. */
 Problem ProblemOfFile(const QString& path)
 {
-    const QFileInfo info(path);
-    if (path.isEmpty() || !info.exists()) {
+    if (path.isEmpty() || !QFileInfo::exists(path)) {
         return Problem::NotFound;
     }
-    if (!info.isFile()) {
+    if (!IsRegularFile(path)) {
         return Problem::NotAFile;
     }
     return QFile(path).open(QIODevice::ReadOnly) ? Problem::None : Problem::NoPermission;

@@ -3,6 +3,7 @@
 #include "engine/decoding/SilenceWatch.h"
 #include "engine/files/FileReplacement.h"
 #include "engine/files/PendingFile.h"
+#include "engine/files/RegularFile.h"
 #include "engine/samples/BufferResampling.h"
 #include "engine/wav/WavHeader.h"
 
@@ -68,8 +69,7 @@ bool IsSound(const QAudioBuffer& buffer)
 
 bool CanBeRead(const QString& path)
 {
-    // Opening a pipe would wait for its other end.
-    return QFileInfo(path).isFile() && QFile(path).open(QIODevice::ReadOnly);
+    return IsRegularFile(path) && QFile(path).open(QIODevice::ReadOnly);
 }
 
 /** A file of which nothing is ever heard is given up within two seconds, two attempts included. */

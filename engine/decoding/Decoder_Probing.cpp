@@ -1,12 +1,12 @@
 // The part of Decoder that looks into files with FFmpeg.
 
 #include "engine/decoding/ProbedDuration.h"
+#include "engine/files/RegularFile.h"
 #include "engine/samples/FFmpegPointers.h"
 
 #include <vantorAudioEngine/Decoder.h>
 
 #include <QtCore/QDebug>
-#include <QtCore/QFileInfo>
 
 #include <cstddef>
 #include <memory>
@@ -29,16 +29,9 @@ std::span<AVStream* const> Streams(const AVFormatContext& format)
     return {format.streams, format.nb_streams};
 }
 
-/** Opening a pipe would wait for its other end. */
-bool IsPipeOrDevice(const QString& path)
-{
-    const QFileInfo info(path);
-    return info.exists() && !info.isFile();
-}
-
 bool OpenInput(AVFormatContext* format, const QString& path)
 {
-    if (IsPipeOrDevice(path)) {
+    if (IsFolderPipeOrDevice(path)) {
         avformat_free_context(format);
         return false;
     }

@@ -1,6 +1,7 @@
 #include "engine/files/PendingFile.h"
 
 #include "engine/files/FileReplacement.h"
+#include "engine/files/RegularFile.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QDir>
@@ -26,12 +27,6 @@ QString WithoutLinks(const QString& path)
     return info.isSymLink() ? info.symLinkTarget() : info.absoluteFilePath();
 }
 
-bool IsDevice(const QString& path)
-{
-    const QFileInfo info(path);
-    return info.exists() && !info.isFile();
-}
-
 /** Opening a pipe would wait for its other end. */
 bool IsPipe(const QString& path)
 {
@@ -42,7 +37,8 @@ bool IsPipe(const QString& path)
 /** Appending nothing leaves a file as it is; one that comes into being by it has a new file's permissions. */
 bool OpensForWriting(const QString& path)
 {
-    return !IsPipe(path) && QFile(path).open(IsDevice(path) ? QIODevice::WriteOnly : QIODevice::Append);
+    return !IsPipe(path) &&
+           QFile(path).open(IsFolderPipeOrDevice(path) ? QIODevice::WriteOnly : QIODevice::Append);
 }
 
 bool CanBeWritten(const QString& path)
@@ -83,14 +79,14 @@ bool PendingFile::Commit()
 
 void PendingFile::RemoveFormer()
 {
-    if (QFileInfo(m_path).isFile() && !QFile::remove(m_path)) {
+    if (IsRegularFile(m_path) && !QFile::remove(m_path)) {
         QFile::resize(m_path, 0);
     }
 }
 
 bool PendingFile::OpenBeside()
 {
-    m_isBeside = !IsDevice(m_path) && OpenAs(QFileInfo(m_path).absolutePath() + u"/.decoded-XXXXXX");
+    m_isBeside = !IsFolderPipeOrDevice(m_path) && OpenAs(QFileInfo(m_path).absolutePath() + u"/.decoded-XXXXXX");
     return m_isBeside;
 }
 
@@ -122,7 +118,7 @@ bool PendingFile::CopyOver()
     QFile target(m_path);
     const bool isCopied =
         m_file.seek(0) && target.open(QIODevice::WriteOnly | QIODevice::Unbuffered) && CopyRest(m_file, target);
-    if (!isCopied && !IsDevice(m_path)) {
+    if (!isCopied && !IsFolderPipeOrDevice(m_path)) {
         target.resize(0);
     }
     return isCopied;

@@ -1,3 +1,4 @@
+#include "engine/files/RegularFile.h"
 #include "ui/player/Background.h"
 #include "ui/player/Controls.h"
 #include "ui/player/ForgottenFuture.h"
@@ -34,8 +35,7 @@ bool ProvideWorkingCopy(const QString& path, const QString& workingPath)
     if (QFile::exists(workingPath)) {
         return true;
     }
-    // Copying from a pipe would wait for its other end.
-    if (!QFileInfo(path).isFile() || !QFile::copy(path, workingPath)) {
+    if (!AudioEngine::IsRegularFile(path) || !QFile::copy(path, workingPath)) {
         return false;
     }
     // The copy of a read-only file is read-only as well, and could not be decoded over.

@@ -1,5 +1,6 @@
 #include "ui/player/FileLoad.h"
 
+#include "engine/files/RegularFile.h"
 #include "ui/player/FileCopy.h"
 
 #include <vantorAudioEngine/AudioImporter.h>
@@ -118,7 +119,7 @@ public:
 private:
     bool CanKeepFormer() const
     {
-        return m_former.folder && m_former.source == m_source && QFileInfo(m_former.path).isFile();
+        return m_former.folder && m_former.source == m_source && AudioEngine::IsRegularFile(m_former.path);
     }
 
     Prepared Prepare(QPromise<Prepared>& promise) const
