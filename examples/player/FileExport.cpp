@@ -50,9 +50,10 @@ void FileExport::Start(const QString& sourcePath, WavFile::ChannelFormat channel
     // events would keep the window busy for longer than the export takes.
     const auto keepPercent = [this](int progress) { m_percent = progress; };
     connect(m_source.get(), &WavFile::ProgressChanged, this, keepPercent, Qt::DirectConnection);
-    m_watcher.setFuture(QtConcurrent::run([source = m_source.get(), sourcePath, task = std::move(task)] {
-        return source->Open(sourcePath) == WavFile::Success && task(*source);
-    }));
+    // Opened at once: the file may have gone before a thread is free, because another one was loaded.
+    const bool isOpen = m_source->Open(sourcePath) == WavFile::Success;
+    m_watcher.setFuture(QtConcurrent::run(
+        [isOpen, source = m_source.get(), task = std::move(task)] { return isOpen && task(*source); }));
     m_refresh.start();
 }
 

@@ -24,7 +24,8 @@ public:
     ~FileExport() override;
 
     bool IsRunning() const;
-    /** Runs `task`, which writes `outPath`, on the file `sourcePath`. Not while another one runs. */
+    /** Runs `task`, which writes `outPath`, on the file `sourcePath`, which may be removed as soon as this
+     * returns. Not while another one runs. */
     void Start(const QString& sourcePath, WavFile::ChannelFormat channel, const QString& outPath, Task task);
     /** Stops as soon as the task allows it, and removes what it wrote. */
     void Cancel();

@@ -508,6 +508,27 @@ private Q_SLOTS:
         QCOMPARE(dear.readAll(), "dear");
     }
 
+    /** Its working copy goes with the file, and the export may still wait for a thread. */
+    void anExportOutlivesTheFileItIsMadeFrom()
+    {
+        QTemporaryDir folder;
+        const QString another = folder.filePath(u"another.wav"_s);
+        const QString path = folder.filePath(u"left.wav"_s);
+        QVERIFY(QFile::copy(Recording, another));
+        PlayerWindow window;
+        QVERIFY(OpenCompletely(window, Recording));
+        const QString workingCopy = PlayerOf(window)->GetAudioFileName();
+        QSignalSpy ended(&window, &PlayerWindow::ExportEnded);
+        const BusyPool busy;
+        window.ExportChannel(path, WavFile::ChannelLeft);
+        QVERIFY(Open(window, another));
+        QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(workingCopy), 10000);
+        busy.Release();
+        QVERIFY(!ended.isEmpty() || ended.wait(20000));
+        QCOMPARE(window.FailureText(), QString());
+        QVERIFY(QFile::exists(path));
+    }
+
     void tellsWhenAnExportCannotBeWritten()
     {
         PlayerWindow window;
