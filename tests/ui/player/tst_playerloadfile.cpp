@@ -18,7 +18,9 @@
 
 #include <algorithm>
 #include <optional>
+#include <sys/inotify.h>
 #include <sys/stat.h>
+#include <unistd.h>
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
@@ -113,6 +115,28 @@ QByteArray Rf64(const QByteArray& data)
         .Build();
 }
 
+/** Notes which names are given in a folder from now on. */
+class NameWatch
+{
+public:
+    explicit NameWatch(const QString& folder)
+    {
+        ::inotify_add_watch(m_events, qPrintable(folder), IN_CREATE | IN_MOVED_TO);
+    }
+    ~NameWatch() { ::close(m_events); }
+    Q_DISABLE_COPY_MOVE(NameWatch)
+
+    bool WasGiven(const QByteArray& name) const
+    {
+        QByteArray events(1 << 16, '\0');
+        const ssize_t size = ::read(m_events, events.data(), std::size_t(events.size()));
+        return events.first(qMax<qsizetype>(0, size)).contains(name);
+    }
+
+private:
+    const int m_events = ::inotify_init1(IN_NONBLOCK);
+};
+
 void SetTime(const QString& path, const QDateTime& time)
 {
     QFile file(path);
@@ -159,6 +183,7 @@ private Q_SLOTS:
     void aLoadOvertakesSetAudioFile();
     void isDestroyedWithoutWaiting_data();
     void isDestroyedWithoutWaiting();
+    void destroyingItCancelsTheImport();
     void mayBeDestroyedByEverySignal_data();
     void mayBeDestroyedByEverySignal();
     void theEndOfABusyTimeMayEndALoad_data();
@@ -669,6 +694,20 @@ void PlayerLoadFileTest::isDestroyedWithoutWaiting()
     held.reset();
     QTRY_COMPARE_WITH_TIMEOUT(setup.OtherFiles(), QStringList(), PlayerSetup::patience);
     QCOMPARE(setup.log, told);
+}
+
+/** An import that went on unseen would give its file a name in the end, and then have it removed. */
+void PlayerLoadFileTest::destroyingItCancelsTheImport()
+{
+    LoadSetup setup;
+    setup.player->LoadFile(m_files.Path(u"long.flac"_s));
+    QVERIFY(setup.HasProgressed());
+    const QStringList folders = QDir(setup.copies.Path({})).entryList({u".loaded-*"_s}, QDir::Dirs | QDir::Hidden);
+    QCOMPARE(folders.size(), 1);
+    const NameWatch names(setup.copies.Path(folders.first()));
+    setup.player.reset();
+    QTRY_COMPARE_WITH_TIMEOUT(setup.OtherFiles(), QStringList(), PlayerSetup::patience);
+    QVERIFY(!names.WasGiven("long.flac"));
 }
 
 void PlayerLoadFileTest::mayBeDestroyedByEverySignal_data()
