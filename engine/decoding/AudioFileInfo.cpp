@@ -84,7 +84,8 @@ AudioFileInfo AudioFileInfo::Probe(const QString& path)
 {
     AudioFileInfo info;
     info.m_facts->path = path.isEmpty() ? QString() : QFileInfo(path).absoluteFilePath();
-    const AudioStream stream(path);
+    AudioStream stream(path);
+    stream.CheckFirstPacket();
     info.m_facts->problem = stream.GetProblem();
     if (stream.HasStream()) {
         Describe(stream, *info.m_facts);

@@ -4,8 +4,10 @@
 
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
+#include <QtCore/QtEndian>
 
 #include <algorithm>
+#include <array>
 #include <span>
 #include <tuple>
 #include <utility>
@@ -44,9 +46,54 @@ int IsInterrupted(void* check)
     return isCancelled && isCancelled() ? 1 : 0;
 }
 
-bool IsEncrypted(const AVCodecParameters& parameters)
+bool Has(const AVDictionary* entries, const char* key)
 {
-    return parameters.codec_tag == MKTAG('d', 'r', 'm', 's') || parameters.codec_tag == MKTAG('e', 'n', 'c', 'a');
+    return av_dict_get(entries, key, nullptr, 0) != nullptr;
+}
+
+/** Each container says it in its own way. */
+bool IsEncrypted(const AVFormatContext& format, const AVStream& stream)
+{
+    constexpr std::array<uint32_t, 3> encryptedKinds{MKTAG('d', 'r', 'm', 's'), MKTAG('e', 'n', 'c', 'a'),
+                                                     MKTAG('a', 'a', 'v', 'd')};
+    const QByteArrayView container(format.iformat->name);
+    const bool isOfEncryptedKind = std::ranges::count(encryptedKinds, stream.codecpar->codec_tag) > 0;
+    const bool isEncryptedAsf =
+        container == "asf" && (Has(format.metadata, "ASF_Protection_Type") || Has(format.metadata, "encryption"));
+    const bool isEncryptedMatroska = container.startsWith("matroska") && Has(stream.metadata, "enc_key_id");
+    return isOfEncryptedKind || isEncryptedAsf || isEncryptedMatroska;
+}
+
+bool IsEncrypted(const AVPacket& packet)
+{
+    return av_packet_get_side_data(&packet, AV_PKT_DATA_ENCRYPTION_INFO, nullptr) != nullptr;
+}
+
+bool IsMpegAudio(AVCodecID codec)
+{
+    return codec == AV_CODEC_ID_MP1 || codec == AV_CODEC_ID_MP2 || codec == AV_CODEC_ID_MP3;
+}
+
+/** The size of the ID3 tag that begins with the packet; 0 where none does. */
+qint64 TagSize(const AVPacket& packet)
+{
+    const std::span<const uint8_t> bytes(packet.data, static_cast<std::size_t>(packet.size));
+    if (bytes.size() < 10 || !QByteArrayView(bytes).startsWith("ID3")) {
+        return 0;
+    }
+    qint64 size = 0;
+    for (const uint8_t byte : bytes.subspan(6, 4)) {
+        size = size * 128 + (byte & 0x7F);
+    }
+    return 10 + size;
+}
+
+/** How many samples at the end of the packet only fill it up. */
+quint32 PaddingOf(const AVPacket& packet)
+{
+    std::size_t size = 0;
+    const uint8_t* skipped = av_packet_get_side_data(&packet, AV_PKT_DATA_SKIP_SAMPLES, &size);
+    return skipped != nullptr && size >= 8 ? qFromLittleEndian<quint32>(skipped + 4) : 0;
 }
 
 /** Greater for a stream that ffmpeg prefers: one with packets, marked as the usual one, of more channels. */
@@ -159,7 +206,7 @@ Problem AudioStream::FindStream(const QString& path)
     if (IsBigEndianWav(path)) {
         parameters.codec_id = BigEndianOf(parameters.codec_id);
     }
-    if (IsEncrypted(parameters)) {
+    if (IsEncrypted(*m_format, *m_stream)) {
         return Problem::Protected;
     }
     m_decoder = avcodec_find_decoder(parameters.codec_id);
@@ -187,6 +234,17 @@ double AudioStream::Duration() const
 bool AudioStream::IsDurationCertain() const
 {
     return Duration() > 0.0 && m_format->duration_estimation_method != AVFMT_DURATION_FROM_BITRATE;
+}
+
+void AudioStream::CheckFirstPacket()
+{
+    constexpr int mostPackets = 100;
+    bool isFound = m_problem != Problem::None;
+    for (int i = 0; !isFound && i < mostPackets && av_read_frame(m_format.get(), m_packet.get()) == 0; ++i) {
+        isFound = m_packet->stream_index == m_stream->index;
+        m_problem = isFound && IsEncrypted(*m_packet) ? Problem::Protected : Problem::None;
+        av_packet_unref(m_packet.get());
+    }
 }
 
 bool AudioStream::OpenDecoder()
@@ -248,14 +306,39 @@ bool AudioStream::Feed()
     }
     // An empty packet would tell the decoder that there is none left.
     if (m_packet->stream_index == m_stream->index && m_packet->size > 0) {
-        ++m_packets;
-        NoteProgress();
-        if (avcodec_send_packet(m_codec.get(), m_packet.get()) < 0) {
-            ++m_damagedPackets;
-        }
+        NotePacket();
+        const bool isRefused =
+            m_problem == Problem::None && avcodec_send_packet(m_codec.get(), m_packet.get()) < 0;
+        m_damagedPackets += isRefused && !IsInTag() ? 1 : 0;
     }
     av_packet_unref(m_packet.get());
-    return true;
+    return m_problem == Problem::None;
+}
+
+void AudioStream::NotePacket()
+{
+    ++m_packets;
+    NoteProgress();
+    NoteTimeWithoutAudio();
+    if (IsEncrypted(*m_packet)) {
+        m_problem = Problem::Protected;
+    }
+}
+
+/** Where files were joined, the padding of the first and the tag of the second one lie in the middle. */
+void AudioStream::NoteTimeWithoutAudio()
+{
+    const AVPacket& packet = *m_packet;
+    m_emptyTime += double(PaddingOf(packet)) / m_stream->codecpar->sample_rate / av_q2d(m_stream->time_base);
+    if (IsMpegAudio(m_stream->codecpar->codec_id)) {
+        m_tagEnd = std::max(m_tagEnd, packet.pos + TagSize(packet));
+        m_emptyTime += IsInTag() ? double(packet.duration) : 0.0;
+    }
+}
+
+bool AudioStream::IsInTag() const
+{
+    return m_packet->pos >= 0 && m_packet->pos < m_tagEnd;
 }
 
 /** Tells what could not be read to its end, or gave nothing although it stated a length or had packets. */
@@ -285,7 +368,11 @@ void AudioStream::NoteGap(const AVFrame& frame)
     const double length = double(frame.nb_samples) / frame.sample_rate / av_q2d(timeBase);
     const double time = frame.pts == AV_NOPTS_VALUE ? m_nextTime : double(frame.pts);
     // Not a number where no time is known, which no comparison takes for a gap.
-    m_damagedPackets += time - m_nextTime > length ? 1 : 0;
+    const double gap = time - m_nextTime;
+    m_longestFrame = std::max(m_longestFrame, length);
+    // One packet without audio is no loss: it may be the table of contents of a file that was joined on.
+    m_damagedPackets += gap - m_emptyTime > 1.5 * m_longestFrame ? 1 : 0;
+    m_emptyTime -= std::min(m_emptyTime, std::max(0.0, gap));
     m_nextTime = time + length;
 }
 

@@ -39,6 +39,10 @@ public:
     /** Whether the duration is more than a guess from the file's size. */
     bool IsDurationCertain() const;
 
+    /** For a look into the file without decoding: some files say only in their packets that they are encrypted. No
+     *  frames are to be read after this. */
+    void CheckFirstPacket();
+
     /** Makes ready for reading frames. False, with a problem, when there is no decoder. */
     bool OpenDecoder();
 
@@ -54,6 +58,9 @@ private:
     Problem Open(const QString& path);
     Problem FindStream(const QString& path);
     bool Feed();
+    void NotePacket();
+    void NoteTimeWithoutAudio();
+    bool IsInTag() const;
     void OnReadingEnded(int error);
     bool IsCutOff() const;
     void NoteProgress();
@@ -71,6 +78,12 @@ private:
     qint64 m_damagedPackets = 0;
     /** Where the next frame should begin, in the stream's time base. */
     double m_nextTime = std::numeric_limits<double>::quiet_NaN();
+    /** In the stream's time base. */
+    double m_longestFrame = 0.0;
+    /** How much of the time to come is known to hold no audio, in the stream's time base. */
+    double m_emptyTime = 0.0;
+    /** Where the latest tag among the packets ends in the file. */
+    qint64 m_tagEnd = 0;
     qint64 m_packets = 0;
     qint64 m_frames = 0;
     double m_decodedSeconds = 0.0;

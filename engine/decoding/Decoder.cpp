@@ -1,7 +1,6 @@
 #include "engine/decoding/DecoderSource.h"
 #include "engine/decoding/Import.h"
 #include "engine/decoding/SilenceWatch.h"
-#include "engine/files/FileReplacement.h"
 #include "engine/files/PendingFile.h"
 #include "engine/files/RegularFile.h"
 #include "engine/samples/BufferResampling.h"
@@ -80,12 +79,6 @@ SilenceLimits LimitsFor(const DecoderSource& source)
         limits.beforeFirstSound *= 2;
     }
     return limits;
-}
-
-/** The only copy of someone's audio makes way for nothing that a power failure could take. */
-bool Commit(PendingFile& output, bool replacesInput)
-{
-    return (!replacesInput || FlushToDisk(output.File())) && output.Commit();
 }
 
 /** Handles events until the import has ended. The end of the application ends it, too. */
@@ -249,12 +242,8 @@ WavFile::AudioEngineReturnValue Decoder::Decode(const QString& inPath, const QSt
     if (inPath.isEmpty() || outPath.isEmpty()) {
         return WavFile::ErrorOpenFile;
     }
-    PendingFile output(outPath);
+    PendingFile output(outPath, inPath);
     if (!CanBeRead(inPath) || !output.Open()) {
-        return WavFile::ErrorOpenFile;
-    }
-    // Overwritten byte by byte, the only copy of the audio could end as neither the old nor the new file.
-    if (IsSameFile(inPath, outPath) && !output.ReplacesInOneStep()) {
         return WavFile::ErrorOpenFile;
     }
     const QString source = QFileInfo(inPath).absoluteFilePath();
@@ -263,11 +252,10 @@ WavFile::AudioEngineReturnValue Decoder::Decode(const QString& inPath, const QSt
     }
     const int targetRate = sampleRate == -1 ? defaultSampleRate : sampleRate;
     auto result = Run(output.File(), targetRate, makeSource).Decode(source);
-    const bool replacesInput = IsSameFile(inPath, outPath);
-    if (result == WavFile::Success && !Commit(output, replacesInput)) {
+    if (result == WavFile::Success && !output.Commit()) {
         result = WavFile::ErrorWriteHeader;
     }
-    if (result != WavFile::Success && !replacesInput) {
+    if (result != WavFile::Success) {
         output.RemoveFormer();
     }
     return result;

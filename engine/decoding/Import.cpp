@@ -1,6 +1,9 @@
 #include "engine/decoding/Import.h"
 
+#include <QtCore/QScopeGuard>
+
 #include <algorithm>
+#include <exception>
 #include <new>
 #include <thread>
 #include <utility>
@@ -49,9 +52,8 @@ AVSampleFormat FFmpegFormatOf(QAudioFormat::SampleFormat format)
 Import::Import(const QString& inPath, const QString& outPath, const ImportOptions& options, const Observer& goesOn)
     : m_options(options)
     , m_goesOn(goesOn)
-    , m_inPath(inPath)
     , m_stream(inPath, CancelCheck())
-    , m_output(outPath, CancelCheck())
+    , m_output(outPath, inPath, CancelCheck())
 {
 }
 
@@ -91,7 +93,7 @@ Import::Problem Import::CheckAhead()
     // Nothing is refused by a guess.
     const double size = m_length.isCertain ? m_length.DataSize(format) : 0.0;
     const Problem problem = ProblemOfSize(size, m_options, m_output.Path());
-    if (problem == Problem::None && !m_output.Open(m_inPath)) {
+    if (problem == Problem::None && !m_output.Open()) {
         return m_output.GetProblem();
     }
     return problem;
@@ -99,23 +101,30 @@ Import::Problem Import::CheckAhead()
 
 Import::Problem Import::Transfer()
 {
-    std::thread writer([this] { Write(); });
-    Problem decodingProblem = Problem::None;
     try {
-        Decode();
-        decodingProblem = m_stream.GetProblem();
-    } catch (const std::bad_alloc&) {
-        decodingProblem = Problem::CannotBeRead;
+        DecodeAndWrite();
+        if (IsCancelled()) {
+            return Problem::Cancelled;
+        }
+        if (m_writingProblem == Problem::None) {
+            m_writingProblem = m_stream.GetProblem();
+        }
+        return m_writingProblem == Problem::None && FinishWriting() ? Problem::None : m_writingProblem;
+    } catch (const std::exception&) {
+        // There was no memory or no thread for it.
+        return Problem::CannotBeWritten;
     }
-    m_queue.Close();
-    writer.join();
-    if (IsCancelled()) {
-        return Problem::Cancelled;
-    }
-    if (m_writingProblem != Problem::None || decodingProblem != Problem::None) {
-        return m_writingProblem != Problem::None ? m_writingProblem : decodingProblem;
-    }
-    return FinishWriting() ? Problem::None : m_writingProblem;
+}
+
+void Import::DecodeAndWrite()
+{
+    std::thread writer([this] { Write(); });
+    // Also when decoding ends for want of memory.
+    const auto end = qScopeGuard([&] {
+        m_queue.Close();
+        writer.join();
+    });
+    Decode();
 }
 
 /** Once cancelled it stays so, whatever is answered later: a part of the audio must not pass for all of it. */

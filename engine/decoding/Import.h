@@ -34,6 +34,7 @@ private:
 
     Problem CheckAhead();
     Problem Transfer();
+    void DecodeAndWrite();
     void Decode();
     bool PushBatch(FrameBatch& batch);
     void Write();
@@ -52,7 +53,6 @@ private:
     /** From 0 to 1000. */
     std::atomic<int> m_progress = 0;
     std::atomic<bool> m_isCancelled = false;
-    QString m_inPath;
     AudioStream m_stream;
     ImportLength m_length;
     /** Of the frames that are pushed together, in bytes. */

@@ -1,6 +1,5 @@
 #include "engine/decoding/ImportedWav.h"
 
-#include "engine/files/FileReplacement.h"
 #include "engine/wav/WavHeader.h"
 
 #include <QtCore/QFileInfo>
@@ -54,12 +53,9 @@ AudioFileInfo::Problem ProblemOfSize(double bytes, const ImportOptions& options,
     return hasRoom ? AudioFileInfo::Problem::None : AudioFileInfo::Problem::NoSpace;
 }
 
-bool ImportedWav::Open(const QString& sourcePath)
+bool ImportedWav::Open()
 {
-    m_sourcePath = sourcePath;
-    // Overwritten byte by byte, the only copy of the audio could end as neither the old nor the new file.
-    const bool isOpen = m_output.Open() && (!ReplacesSource() || m_output.ReplacesInOneStep());
-    return isOpen || Fail(Problem::CannotBeCreated);
+    return m_output.Open() || Fail(Problem::CannotBeCreated);
 }
 
 void ImportedWav::Start(const ImportOptions& options, const QAudioFormat& format, const ImportLength& length)
@@ -125,7 +121,7 @@ bool ImportedWav::Narrow()
     const qint64 start = file.pos() - m_dataSize;
     qint64 written = 0;
     for (qint64 read = 0; read < m_dataSize;) {
-        if (m_isCancelled && m_isCancelled()) {
+        if (IsCancelled()) {
             return Fail(Problem::Cancelled);
         }
         if (!file.seek(start + read)) {
@@ -154,21 +150,8 @@ bool ImportedWav::Finish()
         return Fail(m_output.File().error() == QFileDevice::ResourceError ? Problem::NoSpace
                                                                           : Problem::CannotBeWritten);
     }
-    // The only copy of someone's audio makes way for nothing that a power failure could take.
-    const bool isSafe = !ReplacesSource() || FlushToDisk(m_output.File());
-    return (isSafe && m_output.Commit()) || Fail(Problem::CannotBeWritten);
-}
-
-void ImportedWav::RemoveFormer()
-{
-    if (!ReplacesSource()) {
-        m_output.RemoveFormer();
-    }
-}
-
-bool ImportedWav::ReplacesSource() const
-{
-    return IsSameFile(m_sourcePath, m_path);
+    return m_output.Commit([this] { return IsCancelled(); }) ||
+           Fail(IsCancelled() ? Problem::Cancelled : Problem::CannotBeWritten);
 }
 
 bool ImportedWav::Fail(Problem problem)

@@ -58,13 +58,18 @@ public:
 
     using CancelCheck = std::function<bool()>;
 
-    explicit ImportedWav(const QString& path, CancelCheck isCancelled = {}, const ImportLimits& limits = {})
-        : m_limits(limits), m_isCancelled(std::move(isCancelled)), m_path(path), m_output(path)
+    /** `sourcePath` names what is imported, which may be the same file. */
+    ImportedWav(const QString& path, const QString& sourcePath, CancelCheck isCancelled = {},
+                const ImportLimits& limits = {})
+        : m_limits(limits)
+        , m_isCancelled(std::move(isCancelled))
+        , m_sourcePath(sourcePath)
+        , m_output(path, sourcePath)
     {
     }
 
-    /** Whether the file can be written, and `sourcePath` could be replaced safely where it is the same file. */
-    [[nodiscard]] bool Open(const QString& sourcePath);
+    /** Whether the file can be written; nothing has changed when it cannot. */
+    [[nodiscard]] bool Open();
     /** What will be replaced: what the path leads to. */
     const QString& Path() const { return m_output.Path(); }
 
@@ -75,7 +80,7 @@ public:
     /** Completes the header and gives the file its name. */
     [[nodiscard]] bool Finish();
     /** Takes away what stood under the name, unless it is the source. */
-    void RemoveFormer();
+    void RemoveFormer() { m_output.RemoveFormer(); }
 
     Problem GetProblem() const { return m_problem; }
     /** What the file holds; Append() may have changed the sample type. */
@@ -88,11 +93,10 @@ private:
     bool WriteHeader();
     bool Narrow();
     bool IsTooLong() const;
-    bool ReplacesSource() const;
+    bool IsCancelled() const { return m_isCancelled && m_isCancelled(); }
 
     ImportLimits m_limits;
     CancelCheck m_isCancelled;
-    QString m_path;
     QString m_sourcePath;
     PendingFile m_output;
     QAudioFormat m_format;

@@ -54,10 +54,10 @@ bool MoveToEmptyFile(const QString& from, const QString& to)
     return QFile::remove(to) && QFile::rename(from, to);
 }
 
-bool CopyRest(QFile& from, QFile& to)
+bool CopyRest(QFile& from, QFile& to, const PendingFile::CancelCheck& isCancelled)
 {
     QByteArray block = from.read(copiedBlockSize);
-    while (!block.isEmpty() && to.write(block) == block.size()) {
+    while (!block.isEmpty() && !(isCancelled && isCancelled()) && to.write(block) == block.size()) {
         block = from.read(copiedBlockSize);
     }
     return block.isEmpty() && from.atEnd();
@@ -65,23 +65,34 @@ bool CopyRest(QFile& from, QFile& to)
 
 } // namespace
 
-PendingFile::PendingFile(const QString& path) : m_path(WithoutLinks(path)) {}
+PendingFile::PendingFile(const QString& path, const QString& sourcePath)
+    : m_path(WithoutLinks(path)), m_sourcePath(sourcePath)
+{
+}
 
 bool PendingFile::Open()
 {
-    return CanBeWritten(m_path) && (OpenBeside() || OpenElsewhere());
+    // Overwritten byte by byte, the only copy of the audio could end as neither the old nor the new file.
+    return CanBeWritten(m_path) && (OpenBeside() || (!ReplacesSource() && OpenElsewhere()));
 }
 
-bool PendingFile::Commit()
+bool PendingFile::Commit(const CancelCheck& isCancelled)
 {
-    return m_file.flush() && (m_isBeside ? MoveOver() : CopyOver());
+    // The only copy of someone's audio makes way for nothing that a power failure could take.
+    const bool isWhole = ReplacesSource() ? FlushToDisk(m_file) : m_file.flush();
+    return isWhole && (m_isBeside ? MoveOver() : CopyOver(isCancelled));
 }
 
 void PendingFile::RemoveFormer()
 {
-    if (IsRegularFile(m_path) && !QFile::remove(m_path)) {
+    if (IsRegularFile(m_path) && !ReplacesSource() && !QFile::remove(m_path)) {
         QFile::resize(m_path, 0);
     }
+}
+
+bool PendingFile::ReplacesSource() const
+{
+    return IsSameFile(m_sourcePath, m_path);
 }
 
 bool PendingFile::OpenBeside()
@@ -113,11 +124,11 @@ bool PendingFile::MoveOver()
     return isMoved;
 }
 
-bool PendingFile::CopyOver()
+bool PendingFile::CopyOver(const CancelCheck& isCancelled)
 {
     QFile target(m_path);
-    const bool isCopied =
-        m_file.seek(0) && target.open(QIODevice::WriteOnly | QIODevice::Unbuffered) && CopyRest(m_file, target);
+    const bool isCopied = m_file.seek(0) && target.open(QIODevice::WriteOnly | QIODevice::Unbuffered) &&
+                          CopyRest(m_file, target, isCancelled);
     if (!isCopied && !IsFolderPipeOrDevice(m_path)) {
         target.resize(0);
     }

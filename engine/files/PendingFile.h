@@ -3,6 +3,8 @@
 #include <QtCore/QString>
 #include <QtCore/QTemporaryFile>
 
+#include <functional>
+
 namespace vantoraudio::AudioEngine {
 
 /**
@@ -12,38 +14,43 @@ namespace vantoraudio::AudioEngine {
 class PendingFile
 {
 public:
-    /** Does nothing yet. Where `path` is a link, what it points at will be replaced. */
-    explicit PendingFile(const QString& path);
+    /** Whether to give up. Asked at least once for each megabyte. */
+    using CancelCheck = std::function<bool()>;
 
-    /** False when the name may not be written or there is nowhere to write; nothing has changed then. */
+    /** Does nothing yet. Where `path` is a link, what it points at will be replaced. `sourcePath` names what the
+     *  file is made from, which may be the same file. */
+    explicit PendingFile(const QString& path, const QString& sourcePath = {});
+
+    /** False when the name may not be written, there is nowhere to write, or the source has the name and could not
+     *  be replaced in one step; nothing has changed then. */
     [[nodiscard]] bool Open();
 
     /** What will be replaced: what `path` leads to. */
     const QString& Path() const { return m_path; }
-
-    /** Whether Commit() leaves the former file whole when it fails; known after Open(). */
-    bool ReplacesInOneStep() const { return m_isBeside; }
 
     /** Where to write; open after Open(). */
     QFile& File() { return m_file; }
 
     /**
      * Puts the file under its name: in one step where its folder may be written, else (and for devices) by copying
-     * its bytes. False leaves the former file as it was, or empty when the copying failed.
+     * its bytes. Only the copying can be cancelled. False leaves the former file as it was, or empty when the
+     * copying failed or was cancelled.
      */
-    [[nodiscard]] bool Commit();
+    [[nodiscard]] bool Commit(const CancelCheck& isCancelled = {});
 
-    /** Removes the former file, or empties it where it cannot be removed. Devices stay. */
+    /** Removes the former file, or empties it where it cannot be removed. Devices stay, and so does the source. */
     void RemoveFormer();
 
 private:
     bool OpenBeside();
     bool OpenElsewhere();
     bool OpenAs(const QString& nameTemplate);
+    bool ReplacesSource() const;
     bool MoveOver();
-    bool CopyOver();
+    bool CopyOver(const CancelCheck& isCancelled);
 
     QString m_path;
+    QString m_sourcePath;
     QTemporaryFile m_file;
     bool m_isBeside = false;
 };

@@ -1,5 +1,6 @@
 #include "engine/samples/StreamResampler.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -16,7 +17,7 @@ namespace vantoraudio::AudioEngine {
 namespace {
 
 constexpr int mostChannels = 64;
-/** How many samples of a channel are to come out at once, about. */
+/** How many samples of a channel go in or come out at once, at most, about. */
 constexpr qint64 framesAtOnce = 1 << 16;
 
 /** Streams that do not name their channels have the usual ones. */
@@ -119,7 +120,7 @@ bool StreamResampler::Convert(const AVFrame& frame, int& start, QByteArray& samp
     if (!FitsTo(frame) && !(Drain(samples) && StartAgain(frame))) {
         return false;
     }
-    const qint64 fitting = framesAtOnce * m_sampleRate / m_target.sampleRate;
+    const qint64 fitting = std::min(framesAtOnce, framesAtOnce * m_sampleRate / m_target.sampleRate);
     const int count = static_cast<int>(qBound(qint64(1), fitting, qint64(frame.nb_samples - start)));
     const auto planes = PlanesFrom(frame, start);
     start += count;

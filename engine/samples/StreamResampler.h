@@ -29,7 +29,8 @@ public:
     static AVChannelLayout OutputLayoutFor(const AVFrame& frame);
 
     /** Appends what comes out for a part of `frame`, from its sample `start` on, and moves `start` behind it:
-     * however far the rates are apart, little comes at once. False when FFmpeg cannot convert such frames. */
+     * however long the frame is and however far the rates are apart, little comes at once. False when FFmpeg
+     * cannot convert such frames. */
     [[nodiscard]] bool Convert(const AVFrame& frame, int& start, QByteArray& samples);
     /** Appends what is left at the end. */
     [[nodiscard]] bool Drain(QByteArray& samples);

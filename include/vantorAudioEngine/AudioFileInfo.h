@@ -40,7 +40,7 @@ public:
         Damaged,
         /** The disk or the network gave an error while the file was read. */
         CannotBeRead,
-        /** Encrypted against copying. */
+        /** Encrypted against copying, as far as FFmpeg tells: MP4, ASF and Matroska. */
         Protected,
         /** The WAV file would exceed 4 GiB, and ImportOptions::mayBeLarge is off. */
         TooLong,
@@ -50,7 +50,7 @@ public:
         UnsupportedRate,
         /** No file of that name may be written there. */
         CannotBeCreated,
-        /** The WAV file could not be written to its end, for another reason than space. */
+        /** The WAV file could not be written to its end, for another reason than space, such as want of memory. */
         CannotBeWritten,
         /** The import was cancelled. */
         Cancelled

@@ -61,9 +61,13 @@ struct ImportResult
  *
  * The WAV file grows in a hidden file beside `outPath` and takes that name when it is whole; an older file stays
  * until then, and after a failure. Both paths may name the same file. Where only the file but not its folder may
- * be written, its bytes are overwritten at the end.
+ * be written, its bytes are overwritten at the end; a failure or a cancellation at that point leaves it empty.
  *
  * Needs no event loop, no media backend and no environment variable. Any thread; imports do not meet.
+ *
+ * FFmpeg writes warnings about damaged files to the standard error stream. How much it writes is one setting for
+ * the whole process, so it is left alone here: a program that wants less calls av_log_set_level() or
+ * av_log_set_callback() itself.
  */
 class VANTORAUDIOENGINE_EXPORT AudioImporter
 {
@@ -71,7 +75,8 @@ public:
     /**
      * Imports in the background, on `pool` or the global thread pool. Besides the pool's thread one more works.
      *
-     * The future's progress goes from 0 to 1000. Its cancel() ends the import within 50 ms; nothing is left of it
+     * The future's progress goes from 0 to 1000. Its cancel() ends the import within 50 ms, or after the frame
+     * that is being decoded where a format packs a second of many channels into one. Nothing is left of the import
      * then, unless the file was whole already, and the future has no result. In every other case it has exactly
      * one.
      */
@@ -80,8 +85,7 @@ public:
                                                       QThreadPool* pool = nullptr);
 
     /** Is told the progress from 0 to 1000, and false ends the import for good. Asked by both threads of an
-     * import, often.
-     */
+     *  import, often. Must not throw. */
     using Observer = std::function<bool(int permille)>;
 
     /** The same on the calling thread; returns when it is done. Its problem is Cancelled when `goesOn` ended it.

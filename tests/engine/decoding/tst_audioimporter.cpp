@@ -10,11 +10,16 @@
 #include <QtCore/QDir>
 #include <QtCore/QFutureWatcher>
 #include <QtCore/QThreadPool>
+#include <QtCore/QtEndian>
 #include <QtTest/QSignalSpy>
 #include <QtTest/QtTest>
 
+#include <algorithm>
 #include <atomic>
 #include <bit>
+#include <cmath>
+#include <functional>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 using namespace Qt::Literals::StringLiterals;
@@ -43,6 +48,62 @@ QString MakeLongWav(const TemporaryFiles& files, qint64 seconds)
     const QString path = files.Write(u"long.wav"_s, head.Build());
     return QFile::resize(path, 44 + size) ? path : QString();
 }
+
+/** Two tones of two seconds, encoded by lame and put behind each other. Empty when that failed. */
+QString JoinedSongs(const TemporaryFiles& files, const QStringList& first, const QStringList& second)
+{
+    QByteArray joined;
+    const QString tone = files.Path(u"part.wav"_s);
+    const QString song = files.Path(u"part.mp3"_s);
+    const double seconds[] = {first.contains(u"320"_s) ? 20.0 : 2.0, 2.0};
+    for (int part = 0; part < 2; ++part) {
+        const QStringList arguments = QStringList{u"--quiet"_s} + (part == 0 ? first : second);
+        if (!MakeTone(tone, 44100, 2, seconds[part]) ||
+            !Succeeds(u"lame"_s, arguments + QStringList{tone, song})) {
+            return {};
+        }
+        joined += TemporaryFiles::Read(song);
+    }
+    return files.Write(u"joined.mp3"_s, joined);
+}
+
+/** What makes one file of another; nothing where that cannot be done. */
+using Change = std::function<QByteArray(QByteArray)>;
+
+Change Replacing(const QByteArray& former, const QByteArray& latter)
+{
+    return [=](QByteArray file) { return file.contains(former) ? file.replace(former, latter) : QByteArray(); };
+}
+
+/** Puts an object before the others of an ASF file's header. */
+Change WithAsfObject(const QByteArray& hexName, const QByteArray& content)
+{
+    const QByteArray object = QByteArray::fromHex(hexName) + LittleEndian(quint64(24 + content.size())) + content;
+    return [=](QByteArray file) {
+        const auto size = qFromLittleEndian<quint64>(file.constData() + 16);
+        const auto count = qFromLittleEndian<quint32>(file.constData() + 24);
+        const QByteArray sizes = LittleEndian(size + quint64(object.size())) + LittleEndian(count + 1);
+        file.replace(16, 12, sizes);
+        return file.insert(30, object);
+    };
+}
+
+/** While it lives, no user but the superuser can begin another thread. */
+class NoMoreThreads
+{
+public:
+    NoMoreThreads()
+    {
+        ::getrlimit(RLIMIT_NPROC, &m_former);
+        const rlimit none{0, m_former.rlim_max};
+        ::setrlimit(RLIMIT_NPROC, &none);
+    }
+    ~NoMoreThreads() { ::setrlimit(RLIMIT_NPROC, &m_former); }
+    Q_DISABLE_COPY_MOVE(NoMoreThreads)
+
+private:
+    rlimit m_former{};
+};
 
 } // namespace
 
@@ -79,6 +140,13 @@ private Q_SLOTS:
     void asksForRoomBeforeTheWorkBegins();
     void takesIntegersForWhatWouldExceedTwoGibibytes();
     void countsDamagedPackets();
+    void findsNoDamageWhereSongsWereJoined_data();
+    void findsNoDamageWhereSongsWereJoined();
+    void findsTheDamageInJoinedSongs();
+    void recognisesEncryptedFiles_data();
+    void recognisesEncryptedFiles();
+    void tellsThatTheLastCopyingWasCancelled();
+    void failsWithoutAThread();
 
     void probesWhatIsInAFile();
     void probesTitleAndArtist_data();
@@ -477,6 +545,134 @@ void TestAudioImporter::countsDamagedPackets()
     QVERIFY(result.IsSuccess());
     QVERIFY(result.damagedPackets > 0);
     QVERIFY(result.frameCount > 20000);
+}
+
+void TestAudioImporter::findsNoDamageWhereSongsWereJoined_data()
+{
+    QTest::addColumn<QStringList>("first");
+    QTest::addColumn<QStringList>("second");
+    QTest::addRow("alike") << QStringList() << QStringList();
+    QTest::addRow("of variable bit rate") << QStringList{u"-V2"_s} << QStringList{u"-V5"_s};
+    QTest::addRow("a tag at the end of the first")
+        << QStringList{u"--tt"_s, u"Title"_s, u"--id3v1-only"_s} << QStringList();
+    QTest::addRow("a tag at the start of the second")
+        << QStringList() << QStringList{u"--tt"_s, u"Title"_s, u"--add-id3v2"_s, u"--pad-id3v2-size"_s, u"5000"_s};
+    // Its length is stated then, and its padding cut off in the middle.
+    QTest::addRow("a first one that is far longer")
+        << QStringList{u"-b"_s, u"320"_s, u"--tt"_s, u"Title"_s} << QStringList{u"-b"_s, u"32"_s};
+}
+
+void TestAudioImporter::findsNoDamageWhereSongsWereJoined()
+{
+    QFETCH(const QStringList, first);
+    QFETCH(const QStringList, second);
+    const TemporaryFiles files;
+    const QString joined = JoinedSongs(files, first, second);
+    QVERIFY(!joined.isEmpty());
+    const ImportResult result =
+        AudioImporter::ImportNow(joined, files.Path(u"out.wav"_s), {.sampleFormat = ImportOptions::Float});
+    QVERIFY(result.IsSuccess());
+    QCOMPARE(result.damagedPackets, 0);
+    WavFile opened;
+    QCOMPARE(opened.Open(files.Path(u"out.wav"_s)), WavFile::Success);
+    const QList<float> samples = Floats(TemporaryFiles::Read(opened.fileName()).mid(opened.GetDataOffset()));
+    const QList<float> expected = Floats(DecodedByFFmpeg(joined, u"f32le"_s));
+    QCOMPARE(samples.size(), expected.size());
+    QVERIFY(std::ranges::equal(samples, expected, [](float a, float b) { return std::abs(a - b) < 1e-4F; }));
+}
+
+void TestAudioImporter::findsTheDamageInJoinedSongs()
+{
+    const TemporaryFiles files;
+    QByteArray bytes = TemporaryFiles::Read(JoinedSongs(files, {}, {u"--tt"_s, u"Title"_s, u"--id3v2-only"_s}));
+    bytes.replace(bytes.size() * 3 / 4, 3000, QByteArray(3000, '\x55'));
+    const ImportResult result =
+        AudioImporter::ImportNow(files.Write(u"damaged.mp3"_s, bytes), files.Path(u"out.wav"_s));
+    QVERIFY(result.IsSuccess());
+    QVERIFY(result.damagedPackets > 0);
+}
+
+void TestAudioImporter::recognisesEncryptedFiles_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<Change>("encrypt");
+
+    const QStringList aac{u"-c:a"_s, u"aac"_s};
+    QTest::addRow("MP4, sold") << u"song.m4a"_s << aac << Replacing("mp4a", "drms");
+    QTest::addRow("MP4 of an unknown kind") << u"song.m4a"_s << aac << Replacing("mp4a", "enca");
+    QTest::addRow("audio book") << u"song.m4a"_s << aac << Replacing("mp4a", "aavd");
+    const QStringList keys{u"-encryption_scheme"_s, u"cenc-aes-ctr"_s,
+                           u"-encryption_key"_s,    u"76a6c65c5ea762046bd749a2e632ccbb"_s,
+                           u"-encryption_kid"_s,    u"a7e61c373e219033c21091fa607bf3b8"_s};
+    QTest::addRow("MP4, common encryption") << u"song.mp4"_s << aac + keys << Replacing("enca", "enca");
+    // The track's title makes way for a description of its encryption.
+    QTest::addRow("Matroska") << u"song.mka"_s << QStringList{u"-metadata:s:a"_s, u"title=ABCDEFGHIJKLMN"_s}
+                              << Replacing(QByteArray::fromHex("536e8e") + "ABCDEFGHIJKLMN",
+                                           QByteArray::fromHex("6d808e62408b5033810150358447e28142"));
+    const QStringList wma{u"-c:a"_s, u"wmav2"_s};
+    const QByteArray field = LittleEndian(quint32(4)) + QByteArray("DRM", 4);
+    QTest::addRow("ASF") << u"song.wma"_s << wma
+                         << WithAsfObject("FBB3112223BDD211B4B700A0C955FC6E", field.repeated(4));
+    QTest::addRow("ASF, extended") << u"song.wma"_s << wma
+                                   << WithAsfObject("14E68A292226174CB935DAE07EE9289C", field);
+}
+
+void TestAudioImporter::recognisesEncryptedFiles()
+{
+    QFETCH(const QString, name);
+    QFETCH(const QStringList, arguments);
+    QFETCH(const Change, encrypt);
+    const TemporaryFiles files;
+    const QString made = files.Path(name);
+    QVERIFY(Succeeds(u"ffmpeg"_s, QStringList{u"-v"_s, u"error"_s, u"-i"_s, m_files.Path(u"tone.wav"_s)} +
+                                      arguments + QStringList{made}));
+    const QByteArray encrypted = encrypt(TemporaryFiles::Read(made));
+    QVERIFY(!encrypted.isEmpty());
+    const QString path = files.Write(name, encrypted);
+    QCOMPARE(AudioFileInfo::Probe(path).GetProblem(), Problem::Protected);
+    const ImportResult result = AudioImporter::ImportNow(path, files.Path(u"out.wav"_s));
+    QCOMPARE(result.problem, Problem::Protected);
+    QCOMPARE(result.damagedPackets, 0);
+    QCOMPARE(FilesIn(files.Path({})), QStringList{name});
+}
+
+/** Where only the file but not its folder may be written. */
+void TestAudioImporter::tellsThatTheLastCopyingWasCancelled()
+{
+    const TemporaryFiles files;
+    const TemporaryFiles folder;
+    const QString source = MakeLongWav(files, 20);
+    const QString out = folder.Write(u"out.wav"_s, "older");
+    QVERIFY(OrdinaryUser::TakesOver(out) && OrdinaryUser::TakesOver(folder.Path({})));
+    QVERIFY(OrdinaryUser::TakesOver(source) && OrdinaryUser::TakesOver(files.Path({})));
+    QVERIFY(QFile::setPermissions(folder.Path({}), QFile::ReadOwner | QFile::ExeOwner));
+    ImportResult result;
+    {
+        const OrdinaryUser user;
+        const auto goesOn = [&out](int) { return QFileInfo(out).size() < 3'000'000; };
+        result = AudioImporter::ImportNow(source, out, {.sampleFormat = ImportOptions::Float}, goesOn);
+    }
+    QVERIFY(QFile::setPermissions(folder.Path({}), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    QCOMPARE(result.problem, Problem::Cancelled);
+    QCOMPARE(TemporaryFiles::Read(out), QByteArray());
+}
+
+void TestAudioImporter::failsWithoutAThread()
+{
+    const TemporaryFiles files;
+    const QString out = files.Write(u"out.wav"_s, "older");
+    QVERIFY(OrdinaryUser::TakesOver(out) && OrdinaryUser::TakesOver(files.Path({})));
+    QVERIFY(OrdinaryUser::TakesOver(m_mp3) && OrdinaryUser::TakesOver(m_files.Path({})));
+    ImportResult result;
+    {
+        const OrdinaryUser user;
+        const NoMoreThreads limit;
+        result = AudioImporter::ImportNow(m_mp3, out);
+    }
+    QCOMPARE(result.problem, Problem::CannotBeWritten);
+    QCOMPARE(TemporaryFiles::Read(out), "older");
+    QCOMPARE(FilesIn(files.Path({})), QStringList{u"out.wav"_s});
 }
 
 void TestAudioImporter::probesWhatIsInAFile()

@@ -53,8 +53,8 @@ void TestImportedWav::becomesIntegersWhenItGrowsTooLarge()
 {
     QFETCH(const int, blocks);
     const TemporaryFiles files;
-    ImportedWav wav(files.Path(u"out.wav"_s), {}, {.mostFloatBytes = 4 * 1000 * 4});
-    QVERIFY(wav.Open(QString()));
+    ImportedWav wav(files.Path(u"out.wav"_s), {}, {}, {.mostFloatBytes = 4 * 1000 * 4});
+    QVERIFY(wav.Open());
     wav.Start({}, FloatFormat(), {});
     QByteArray expected;
     for (int block = 0; block < blocks; ++block) {
@@ -84,8 +84,8 @@ void TestImportedWav::staysFloatAsLongAsItMay()
     const TemporaryFiles files;
     for (const auto sampleFormat : {ImportOptions::Automatic, ImportOptions::Float}) {
         const ImportLimits limits{.mostFloatBytes = sampleFormat == ImportOptions::Float ? 4 : 4000};
-        ImportedWav wav(files.Path(u"out.wav"_s), {}, limits);
-        QVERIFY(wav.Open(QString()));
+        ImportedWav wav(files.Path(u"out.wav"_s), {}, {}, limits);
+        QVERIFY(wav.Open());
         wav.Start({.sampleFormat = sampleFormat}, FloatFormat(), {});
         QVERIFY(wav.Append(QByteArray(4000, '\0')));
         QVERIFY(wav.Finish());
@@ -97,8 +97,8 @@ void TestImportedWav::staysFloatAsLongAsItMay()
 void TestImportedWav::cutsOffWhatIsTooLoudForIntegers()
 {
     const TemporaryFiles files;
-    ImportedWav wav(files.Path(u"out.wav"_s), {}, {.mostFloatBytes = 8});
-    QVERIFY(wav.Open(QString()));
+    ImportedWav wav(files.Path(u"out.wav"_s), {}, {}, {.mostFloatBytes = 8});
+    QVERIFY(wav.Open());
     wav.Start({}, FloatFormat(), {});
     QVERIFY(wav.Append(PackF32({1.0F, -1.0F, 3e38F, -3e38F, 0.00001F, 0.5F})));
     QVERIFY(wav.Finish());
@@ -109,8 +109,8 @@ void TestImportedWav::cutsOffWhatIsTooLoudForIntegers()
 void TestImportedWav::canBeCancelledWhileItBecomesIntegers()
 {
     const TemporaryFiles files;
-    ImportedWav wav(files.Path(u"out.wav"_s), [] { return true; }, {.mostFloatBytes = 8});
-    QVERIFY(wav.Open(QString()));
+    ImportedWav wav(files.Path(u"out.wav"_s), {}, [] { return true; }, {.mostFloatBytes = 8});
+    QVERIFY(wav.Open());
     wav.Start({}, FloatFormat(), {});
     QVERIFY(!wav.Append(QByteArray(400, '\0')));
     QCOMPARE(wav.GetProblem(), Problem::Cancelled);
@@ -121,9 +121,9 @@ void TestImportedWav::keepsRoomForLargeSizesWhereTheLengthIsUnknown()
 {
     const TemporaryFiles files;
     const auto offsetFor = [&files](const ImportOptions& options, const ImportLength& length) {
-        ImportedWav wav(files.Path(u"out.wav"_s));
+        ImportedWav wav(files.Path(u"out.wav"_s), {});
         WavFile opened;
-        if (!wav.Open(QString())) {
+        if (!wav.Open()) {
             return qint64(-1);
         }
         wav.Start(options, FloatFormat(), length);
@@ -144,8 +144,8 @@ void TestImportedWav::endsAtTheLimitOfPlainFiles()
 {
     const TemporaryFiles files;
     for (const bool mayBeLarge : {false, true}) {
-        ImportedWav wav(files.Path(u"out.wav"_s), {}, {.mostPlainBytes = 100});
-        QVERIFY(wav.Open(QString()));
+        ImportedWav wav(files.Path(u"out.wav"_s), {}, {}, {.mostPlainBytes = 100});
+        QVERIFY(wav.Open());
         wav.Start({.mayBeLarge = mayBeLarge}, FloatFormat(), {});
         QVERIFY(wav.Append(QByteArray(100, '\0')));
         QCOMPARE(wav.Append(QByteArray(4, '\0')), mayBeLarge);

@@ -158,15 +158,52 @@ private Q_SLOTS:
         QVERIFY(!QFileInfo(u"/dev/full"_s).isFile() && QFileInfo::exists(u"/dev/full"_s));
     }
 
-    void tellsWhetherItReplacesInOneStep()
+    void takesThePlaceOfItsSourceInOneStep()
     {
         const TemporaryFiles files;
-        PendingFile beside(files.Write(u"out"_s, "old"));
-        QVERIFY(beside.Open());
-        QVERIFY(beside.ReplacesInOneStep());
-        PendingFile device(u"/dev/null"_s);
-        QVERIFY(device.Open());
-        QVERIFY(!device.ReplacesInOneStep());
+        const QString source = files.Write(u"source"_s, "old");
+        QVERIFY(QFile::link(source, files.Path(u"link"_s)));
+        PendingFile pending(files.Path(u"link"_s), source);
+        QVERIFY(pending.Open());
+        pending.File().write("new");
+        QCOMPARE(TemporaryFiles::Read(source), QByteArray("old"));
+        QVERIFY(pending.Commit());
+        QCOMPARE(TemporaryFiles::Read(source), QByteArray("new"));
+    }
+
+    void neverOverwritesItsSourceByteByByte()
+    {
+        const TemporaryFiles files;
+        const QString source = files.Write(u"source"_s, "old");
+        bool isOpen = true;
+        AsOrdinaryUserOfAClosedFolder(source, [&] { isOpen = PendingFile(source, source).Open(); });
+        QVERIFY(!isOpen);
+        QCOMPARE(TemporaryFiles::Read(source), QByteArray("old"));
+    }
+
+    void keepsItsSourceWhenTheFormerFileIsRemoved()
+    {
+        const TemporaryFiles files;
+        const QString source = files.Write(u"source"_s, "old");
+        PendingFile(source, source).RemoveFormer();
+        QCOMPARE(TemporaryFiles::Read(source), QByteArray("old"));
+    }
+
+    void canBeCancelledWhileItCopies()
+    {
+        const TemporaryFiles files;
+        const QString path = files.Write(u"out"_s, "old");
+        int blocks = 0;
+        bool isCommitted = true;
+        AsOrdinaryUserOfAClosedFolder(path, [&] {
+            PendingFile pending(path);
+            QVERIFY(pending.Open());
+            QVERIFY(pending.File().resize(10'000'000));
+            isCommitted = pending.Commit([&blocks] { return ++blocks == 3; });
+        });
+        QVERIFY(!isCommitted);
+        QCOMPARE(blocks, 3);
+        QCOMPARE(TemporaryFiles::Read(path), QByteArray());
     }
 
     void removesTheFormerFile()
