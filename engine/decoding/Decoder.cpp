@@ -1,84 +1,33 @@
-#include "engine/decoding/DecoderSource.h"
+#include "engine/decoding/DecoderProbe.h"
+#include "engine/decoding/DecoderRun.h"
 #include "engine/decoding/Import.h"
-#include "engine/decoding/SilenceWatch.h"
-#include "engine/files/PendingFile.h"
-#include "engine/files/RegularFile.h"
-#include "engine/samples/BufferResampling.h"
 #include "engine/wav/WavHeader.h"
 
 #include <vantorAudioEngine/Decoder.h>
 
 #include <QtConcurrent/QtConcurrentRun>
 #include <QtCore/QEventLoop>
-#include <QtCore/QFileInfo>
 #include <QtCore/QFutureWatcher>
 #include <QtCore/QThreadPool>
+#include <QtCore/QtEndian>
 
-#include <algorithm>
-#include <cmath>
-#include <memory>
 #include <optional>
-#include <span>
-#include <utility>
 
 using namespace vantoraudio::AudioEngine;
 
 namespace {
 
-constexpr int defaultSampleRate = 96000;
+/** Where a WAV header states its bytes per second. */
+constexpr int byteRatePosition = 28;
 
-/** Decoded buffers are short and dear to write one by one; much longer blocks would keep the decoder waiting. */
-constexpr qsizetype writtenBlockSize = 1 << 16;
-
-template<typename Sample>
-SampleBuffer<Sample> SamplesOf(const QAudioBuffer& buffer)
+/** Nothing for a rate that no audio has. */
+std::optional<int> TargetRate(int sampleRate)
 {
-    const auto count = static_cast<std::size_t>(buffer.byteCount()) / sizeof(Sample);
-    return {{buffer.constData<Sample>(), count}, buffer.format().channelCount(), buffer.format().sampleRate()};
-}
-
-/** Nothing for a sample type that has no resampler. */
-std::optional<QByteArray> ResampleAsDecoded(const QAudioBuffer& buffer, int targetRate)
-{
-    switch (buffer.format().sampleFormat()) {
-    case QAudioFormat::UInt8:
-        return Resample(SamplesOf<quint8>(buffer), targetRate);
-    case QAudioFormat::Int16:
-        return Resample(SamplesOf<qint16>(buffer), targetRate);
-    case QAudioFormat::Int32:
-        return Resample(SamplesOf<qint32>(buffer), targetRate);
-    case QAudioFormat::Float:
-        return Resample(SamplesOf<float>(buffer), targetRate);
-    default:
-        return {};
+    constexpr int usualRate = 96000;
+    if (sampleRate == -1) {
+        return usualRate;
     }
-}
-
-bool IsFinite(float sample)
-{
-    return std::isfinite(sample);
-}
-
-/** Whether the buffer holds sound. Some files, such as layer 2 under the name of layer 3, are decoded to noise. */
-bool IsSound(const QAudioBuffer& buffer)
-{
-    return buffer.format().sampleFormat() != QAudioFormat::Float ||
-           std::ranges::all_of(SamplesOf<float>(buffer).samples, IsFinite);
-}
-
-bool CanBeRead(const QString& path)
-{
-    return IsRegularFile(path) && QFile(path).open(QIODevice::ReadOnly);
-}
-
-/** A file of which nothing is ever heard is given up within two seconds, two attempts included. */
-SilenceLimits LimitsFor(const DecoderSource& source)
-{
-    SilenceLimits limits;
-    if (source.TellsOfFailure()) {
-        limits.beforeFirstSound *= 2;
-    }
-    return limits;
+    return sampleRate < 1 ? std::nullopt : std::optional(sampleRate);
 }
 
 /** Handles events until the import has ended. The end of the application ends it, too. */
@@ -98,167 +47,18 @@ ImportResult ResultOf(QFuture<ImportResult> future)
 
 } // namespace
 
-/**
- * One decoding. It lies on the stack of its call and refers to nothing outside but the output, because anything
- * else may be gone when the event loop comes back.
- */
-class Decoder::Run
-{
-public:
-    Run(QFile& output, int sampleRate, const SourceMaker& makeSource);
-
-    WavFile::AudioEngineReturnValue Decode(const QString& inPath);
-
-private:
-    void Start();
-    void OnBufferReady();
-    void OnFinished();
-    void OnSilence();
-    void Append(const QByteArray& bytes);
-    bool WriteBlock();
-    void End(WavFile::AudioEngineReturnValue result);
-
-    QFile& m_output;
-    const int m_sampleRate;
-    const SourceMaker m_makeSource;
-    QString m_inPath;
-    int m_channelCount = 2;
-    qint64 m_dataSize = 0;
-    QByteArray m_block;
-    std::optional<WavFile::AudioEngineReturnValue> m_result;
-    bool m_isSecondTry = false;
-    QEventLoop m_loop;
-    SilenceWatch m_silence;
-    std::unique_ptr<DecoderSource> m_source;
-};
-
-Decoder::Run::Run(QFile& output, int sampleRate, const SourceMaker& makeSource)
-    : m_output(output), m_sampleRate(sampleRate), m_makeSource(makeSource), m_silence([this] { OnSilence(); })
-{
-    m_block.reserve(writtenBlockSize);
-}
-
-WavFile::AudioEngineReturnValue Decoder::Run::Decode(const QString& inPath)
-{
-    m_inPath = inPath;
-    Start();
-    if (!m_result) {
-        m_loop.exec();
-    }
-    // An event loop without a result was ended from outside, together with the application.
-    return m_result.value_or(WavFile::ErrorInvalidFormat);
-}
-
-void Decoder::Run::Start()
-{
-    m_output.seek(writtenHeaderSize);
-    m_source = m_makeSource(m_inPath);
-    QObject::connect(m_source.get(), &DecoderSource::BufferReady, &m_loop, [this] { OnBufferReady(); });
-    QObject::connect(m_source.get(), &DecoderSource::Finished, &m_loop, [this] { OnFinished(); });
-    QObject::connect(m_source.get(), &DecoderSource::Failed, &m_loop,
-                     [this] { End(WavFile::ErrorInvalidFormat); });
-    m_silence.Start(LimitsFor(*m_source));
-    m_source->Start();
-}
-
-/** Begins anew where that may help, since no decoder begins in the middle. */
-void Decoder::Run::OnSilence()
-{
-    const bool isWorthATry = m_source->MayStandStill() && !std::exchange(m_isSecondTry, true);
-    if (!isWorthATry || !m_output.resize(writtenHeaderSize)) {
-        End(WavFile::ErrorInvalidFormat);
-        return;
-    }
-    m_block.resize(0);
-    m_dataSize = 0;
-    Start();
-}
-
-void Decoder::Run::OnBufferReady()
-{
-    if (m_result) {
-        return;
-    }
-    m_silence.OnSound();
-    const QAudioBuffer buffer = m_source->Read();
-    m_channelCount = buffer.format().channelCount();
-    const auto bytes = ResampleAsDecoded(buffer, m_sampleRate);
-    if (bytes && IsSound(buffer)) {
-        Append(*bytes);
-    } else {
-        End(WavFile::ErrorInvalidFormat);
-    }
-}
-
-void Decoder::Run::OnFinished()
-{
-    if (m_result) {
-        return;
-    }
-    // The header counts in 32 bits.
-    const int dataSize = static_cast<int>(m_dataSize);
-    const bool isWritten = WriteBlock() && WriteHeader(m_output, dataSize, m_sampleRate, m_channelCount) == 1;
-    End(isWritten ? WavFile::Success : WavFile::ErrorWriteHeader);
-}
-
-void Decoder::Run::Append(const QByteArray& bytes)
-{
-    m_dataSize += bytes.size();
-    m_block += bytes;
-    if (m_block.size() >= writtenBlockSize && !WriteBlock()) {
-        End(WavFile::ErrorWriteHeader);
-    }
-}
-
-bool Decoder::Run::WriteBlock()
-{
-    const bool isWritten = m_output.write(m_block) == m_block.size();
-    m_block.resize(0);
-    return isWritten;
-}
-
-void Decoder::Run::End(WavFile::AudioEngineReturnValue result)
-{
-    if (!m_result) {
-        m_result = result;
-        // An inner call's event loop may go on for long before this call's own loop can end.
-        m_silence.Stop();
-        m_loop.quit();
-    }
-}
-
 Decoder::Decoder() = default;
 
 Decoder::~Decoder() = default;
 
 WavFile::AudioEngineReturnValue Decoder::Convert(const QString& inPath, const QString& outPath, int sampleRate)
 {
-    return Decode(inPath, outPath, sampleRate, &MakeQtDecoderSource);
-}
-
-WavFile::AudioEngineReturnValue Decoder::Decode(const QString& inPath, const QString& outPath, int sampleRate,
-                                                const SourceMaker& makeSource)
-{
     if (inPath.isEmpty() || outPath.isEmpty()) {
         return WavFile::ErrorOpenFile;
     }
-    PendingFile output(outPath, inPath);
-    if (!CanBeRead(inPath) || !output.Open()) {
-        return WavFile::ErrorOpenFile;
-    }
-    const QString source = QFileInfo(inPath).absoluteFilePath();
-    if (!HoldsAudio(source) || ChangesChannelCount(source)) {
-        return WavFile::ErrorInvalidFormat;
-    }
-    const int targetRate = sampleRate == -1 ? defaultSampleRate : sampleRate;
-    auto result = Run(output.File(), targetRate, makeSource).Decode(source);
-    if (result == WavFile::Success && !output.Commit()) {
-        result = WavFile::ErrorWriteHeader;
-    }
-    if (result != WavFile::Success) {
-        output.RemoveFormer();
-    }
-    return result;
+    const std::optional<int> targetRate = TargetRate(sampleRate);
+    return targetRate ? Run::Convert(inPath, outPath, *targetRate, &MakeQtDecoderSource)
+                      : WavFile::ErrorInvalidFormat;
 }
 
 /** Imports on a thread of its own and handles events until it has ended. */
@@ -268,13 +68,12 @@ WavFile::AudioEngineReturnValue Decoder::ConvertToFloat(const QString& inPath, c
     if (inPath.isEmpty() || outPath.isEmpty()) {
         return WavFile::ErrorOpenFile;
     }
-    // Of the importer 0 would ask for the file's own rate.
-    if (sampleRate == 0) {
+    const std::optional<int> targetRate = TargetRate(sampleRate);
+    if (!targetRate) {
         return WavFile::ErrorInvalidFormat;
     }
-    const ImportOptions options{.sampleRate = sampleRate == -1 ? defaultSampleRate : sampleRate,
-                                .sampleFormat = ImportOptions::Float,
-                                .mayBeLarge = false};
+    const ImportOptions options{
+        .sampleRate = *targetRate, .sampleFormat = ImportOptions::Float, .mayBeLarge = false};
     QThreadPool thread;
     const auto future = QtConcurrent::run(&thread, [&](QPromise<ImportResult>& promise) {
         const auto goesOn = [&promise](int /*permille*/) { return !promise.isCanceled(); };
@@ -283,12 +82,20 @@ WavFile::AudioEngineReturnValue Decoder::ConvertToFloat(const QString& inPath, c
     return ResultOf(future).Code();
 }
 
+int Decoder::GetDuration(const QString& path)
+{
+    return path.isEmpty() ? 0 : Probe::Duration(path);
+}
+
 int Decoder::WriteHeader(QFile& file, int dataSize, int sampleRate, int channelCount)
 {
     QAudioFormat format;
     format.setSampleFormat(QAudioFormat::Float);
     format.setSampleRate(sampleRate);
     format.setChannelCount(channelCount);
-    const QByteArray header = ComposeWavHeader(format, dataSize);
+    QByteArray header = ComposeWavHeader(format, dataSize);
+    // WavFile counts a second in bits, which leave 32 bits earlier than its bytes do.
+    const quint32 byteRate = quint32(sampleRate) * quint32(channelCount) * quint32(sizeof(float));
+    qToLittleEndian(byteRate, header.data() + byteRatePosition);
     return file.seek(0) && file.write(header) == header.size() && file.flush() ? 1 : 0;
 }

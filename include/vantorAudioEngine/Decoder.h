@@ -7,13 +7,6 @@
 #include <QtCore/QObject>
 #include <QtCore/QString>
 
-#include <functional>
-#include <memory>
-
-namespace vantoraudio::AudioEngine {
-class DecoderSource;
-}
-
 struct AVCodecContext;
 struct AVFormatContext;
 
@@ -25,8 +18,8 @@ struct AVFormatContext;
  * application object, by the environment variable QT_MEDIA_BACKEND; the other one decodes nothing without further
  * plug-ins.
  *
- * Threads: any thread of a program that has its QCoreApplication. Calls on several threads do not meet. A call
- * keeps its thread busy, but for the events that it handles.
+ * Threads: any thread of a program that has its QCoreApplication. Calls on several threads do not disturb each
+ * other. A call keeps its thread busy, but for the events that it handles.
  */
 class VANTORAUDIOENGINE_EXPORT Decoder : public QObject
 {
@@ -37,7 +30,7 @@ public:
     ~Decoder() override;
 
     /**
-     * Decodes the audio file `inPath` into a WAV file `outPath` at `sampleRate` Hz; -1 stands for 96000.
+     * Decodes the audio file `inPath` into a WAV file `outPath` at `sampleRate` Hz, from 1; -1 stands for 96000.
      *
      * The samples keep the type in which the framework delivers them, while the header always declares 32-bit
      * float. So the result is sound for what is decoded to float (MP3, Ogg Vorbis, AAC), and noise for what is
@@ -50,10 +43,11 @@ public:
      * - Success: `outPath` is the whole new file. Both paths may name the same file: it is read to its end first.
      * - ErrorOpenFile: a path is empty, `inPath` cannot be read, `outPath` cannot be written, or both are the same
      *   file in a folder that may not be written, where it could not be replaced in one step.
-     * - ErrorInvalidFormat: not audio, or it cannot be decoded to its end: an unknown sample type, samples that
-     *   are no finite numbers, a channel count that changes in the middle (the framework crashes because of it),
-     * an error of the framework, 10 s without progress (in a second attempt as well with a framework that is known
-     * to stand still at times), the end of the application.
+     * - ErrorInvalidFormat: `sampleRate` is 0 or below -1 (no file is opened then); `inPath` holds no audio; or it
+     *   cannot be decoded to its end: an unknown sample type, samples that are no finite numbers, a channel count
+     *   that changes in the middle (the framework crashes because of it), an error of the framework, 10 s without
+     *   progress (in a second attempt as well with a framework that is known to stand still at times), the end of
+     *   the application.
      * - ErrorWriteHeader: the new file could not be written whole.
      *
      * The audio grows in an unnamed or temporary file, so that no part of it ever stands under `outPath`. What the
@@ -89,22 +83,8 @@ public:
 private:
     friend class DecoderTestAccess;
 
-    class OpenAudio;
+    class Probe;
     class Run;
-
-    /** Makes what decodes the file of that absolute path; tests put others in its place. */
-    using SourceMaker =
-        std::function<std::unique_ptr<vantoraudio::AudioEngine::DecoderSource>(const QString& path)>;
-
-    static WavFile::AudioEngineReturnValue Decode(const QString& inPath, const QString& outPath, int sampleRate,
-                                                  const SourceMaker& makeSource);
-
-    /** Whether FFmpeg finds an audio stream in `path` and its beginning can be decoded. */
-    static bool HoldsAudio(const QString& path);
-
-    /** Whether the number of channels changes in the middle of the stream, as far as the packets show it without
-     *  being decoded. Qt's decoder crashes because of it, on a thread of its own. */
-    static bool ChangesChannelCount(const QString& path);
 
     /**
      * Opens `path` into `format`, finds its first audio stream and opens a decoder for it in `codec`. Both must
@@ -116,7 +96,7 @@ private:
     static int GetAudioCodecContext(AVFormatContext* format, AVCodecContext* codec, int& streamIndex,
                                     const QString& path);
 
-    /** Writes the header of `dataSize` bytes of 32-bit float samples to the start of `file`. 1 when all of its
-     *  44 bytes were written, else 0. */
+    /** Writes the header of `dataSize` bytes of 32-bit float samples to the start of `file`. Its fields hold the
+     *  lowest 32 bits of what they state. 1 when all of its 44 bytes were written, else 0. */
     static int WriteHeader(QFile& file, int dataSize, int sampleRate, int channelCount);
 };

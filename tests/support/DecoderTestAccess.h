@@ -1,5 +1,7 @@
 #pragma once
 
+#include "engine/decoding/DecoderRun.h"
+
 #include <vantorAudioEngine/Decoder.h>
 
 /** The private members of Decoder, for tests. */
@@ -11,7 +13,7 @@ public:
     static WavFile::AudioEngineReturnValue Convert(const QString& inPath, const QString& outPath, int sampleRate,
                                                    const SourceMaker& makeSource)
     {
-        return Decoder::Decode(inPath, outPath, sampleRate, makeSource);
+        return Decoder::Run::Convert(inPath, outPath, sampleRate, makeSource);
     }
     static int GetAudioCodecContext(AVFormatContext* format, AVCodecContext* codec, int& streamIndex,
                                     const QString& path)

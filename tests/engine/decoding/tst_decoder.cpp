@@ -15,6 +15,7 @@
 #include <QtCore/QRandomGenerator>
 #include <QtCore/QThread>
 #include <QtCore/QTimer>
+#include <QtCore/QtEndian>
 #include <QtMultimedia/QAudioBuffer>
 #include <QtMultimedia/QAudioFormat>
 #include <QtTest/QTest>
@@ -211,6 +212,10 @@ private Q_SLOTS:
     void leavesNoFileOpen();
 
     void writesTheHeader();
+    void statesTheByteRateOfEveryRate_data();
+    void statesTheByteRateOfEveryRate();
+    void refusesRatesThatNoAudioHas_data();
+    void refusesRatesThatNoAudioHas();
     void tellsThatTheHeaderWasNotWritten();
 
 private:
@@ -703,6 +708,53 @@ void TestDecoder::writesTheHeader()
                                 QByteArray("\x03\0\x01\0\x22\x56\0\0\x88\x58\x01\0\x04\0\x20\0", 16) +
                                 QByteArray("data\x04\x03\x02\x01", 8) + "xxxxxx";
     QCOMPARE(TemporaryFiles::Read(file.fileName()), expected);
+}
+
+void TestDecoder::statesTheByteRateOfEveryRate_data()
+{
+    QTest::addColumn<int>("rate");
+    QTest::addColumn<int>("channels");
+    QTest::addColumn<quint32>("byteRate");
+    QTest::addRow("usual") << 96000 << 2 << quint32(768000);
+    QTest::addRow("more bits than a field holds") << 100'000'000 << 2 << quint32(800'000'000);
+    QTest::addRow("bytes that need the highest bit") << 300'000'000 << 2 << quint32(2'400'000'000);
+    QTest::addRow("more bytes than a field holds") << 600'000'000 << 2 << quint32(505'032'704);
+    QTest::addRow("the highest rate") << std::numeric_limits<int>::max() << 1 << quint32(0xFFFFFFFC);
+}
+
+void TestDecoder::statesTheByteRateOfEveryRate()
+{
+    QFETCH(const int, rate);
+    QFETCH(const int, channels);
+    const TemporaryFiles files;
+    QFile file(files.Path(u"out.wav"_s));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(DecoderTestAccess::WriteHeader(file, 8, rate, channels), 1);
+    const QByteArray header = TemporaryFiles::Read(file.fileName());
+    QCOMPARE(qFromLittleEndian<qint32>(header.constData() + 24), rate);
+    QTEST(qFromLittleEndian<quint32>(header.constData() + 28), "byteRate");
+}
+
+void TestDecoder::refusesRatesThatNoAudioHas_data()
+{
+    QTest::addColumn<int>("rate");
+    QTest::addRow("0") << 0;
+    QTest::addRow("-2") << -2;
+    QTest::addRow("-96000") << -96000;
+    QTest::addRow("the lowest number") << std::numeric_limits<int>::min();
+}
+
+/** Also where the file would be decoded onto itself. */
+void TestDecoder::refusesRatesThatNoAudioHas()
+{
+    QFETCH(const int, rate);
+    const TemporaryFiles files;
+    const QString song = files.Path(u"song.mp3"_s);
+    QVERIFY(QFile::copy(Path(u"short.mp3"_s), song));
+    QCOMPARE(Decoder::Convert(song, song, rate), WavFile::ErrorInvalidFormat);
+    QCOMPARE(Decoder::Convert(song, files.Path(u"out.wav"_s), rate), WavFile::ErrorInvalidFormat);
+    QCOMPARE(TemporaryFiles::Read(song), TemporaryFiles::Read(Path(u"short.mp3"_s)));
+    QCOMPARE(AllIn(files.Path({})), QStringList{u"song.mp3"_s});
 }
 
 void TestDecoder::tellsThatTheHeaderWasNotWritten()

@@ -1,5 +1,6 @@
 #include "tests/support/AudioPrograms.h"
 #include "tests/support/DecoderTestAccess.h"
+#include "tests/support/ScarceMemory.h"
 #include "tests/support/TemporaryFiles.h"
 #include "tests/support/WavBytes.h"
 
@@ -56,6 +57,8 @@ private Q_SLOTS:
     void isZeroForAnEmptyPath();
     void tellsWhyThereIsNone_data();
     void tellsWhyThereIsNone();
+    void tellsThatTheStreamsCouldNotBeLookedAt();
+    void tellsThatTheParametersCouldNotBeCopied();
     void isZeroForWhatWouldBlock();
     void leavesNoFileOpen();
     void opensAStreamForDecoding();
@@ -185,6 +188,26 @@ void TestDecoderDuration::tellsWhyThereIsNone()
     QTest::failOnWarning(QRegularExpression(u".*"_s));
     QTest::ignoreMessage(QtDebugMsg, Message(message, path).constData());
     const qsizetype openFiles = OpenFileCount();
+    QCOMPARE(Decoder::GetDuration(path), 0);
+    QCOMPARE(OpenFileCount(), openFiles);
+}
+
+void TestDecoderDuration::tellsThatTheStreamsCouldNotBeLookedAt()
+{
+    const QString path = Encoded(u"flac"_s);
+    const qsizetype openFiles = OpenFileCount();
+    const MemoryThatEndsAt memory("Before avformat_find_stream_info()");
+    QTest::ignoreMessage(QtDebugMsg, Message("Could not retrieve stream info from file: ", path).constData());
+    QCOMPARE(Decoder::GetDuration(path), 0);
+    QCOMPARE(OpenFileCount(), openFiles);
+}
+
+void TestDecoderDuration::tellsThatTheParametersCouldNotBeCopied()
+{
+    const QString path = Encoded(u"flac"_s);
+    const qsizetype openFiles = OpenFileCount();
+    const MemoryThatEndsAt memory("After avformat_find_stream_info()");
+    QTest::ignoreMessage(QtDebugMsg, "Error copying codec parameters to codec context:");
     QCOMPARE(Decoder::GetDuration(path), 0);
     QCOMPARE(OpenFileCount(), openFiles);
 }

@@ -83,7 +83,6 @@ private Q_SLOTS:
     void decodesSoundBesidePictures();
     void decodesWhatIsLeftOfATruncatedMp3();
     void makesAnEmptyFileOfAFileWithoutSamples();
-    void leavesNoSamplesAtARateOfZero();
     void convertsToFloatAtSensibleRatesOnly_data();
     void convertsToFloatAtSensibleRatesOnly();
     void refusesAChannelCountThatChanges_data();
@@ -313,13 +312,6 @@ void TestDecoderFormats::makesAnEmptyFileOfAFileWithoutSamples()
     const QString source = files.Write(u"empty.b.wav"_s, FloatHeader(0, 44100, 1));
     // Without a buffer nothing has told the channel count: two are assumed.
     QCOMPARE(Decoded(source, files.Path(u"out.wav"_s), 48000), FloatHeader(0, 48000, 2));
-}
-
-void TestDecoderFormats::leavesNoSamplesAtARateOfZero()
-{
-    const TemporaryFiles files;
-    QVERIFY(MakeTone(files.Path(u"tone.wav"_s), 44100, 1, 0.5));
-    QCOMPARE(Decoded(files.Path(u"tone.wav"_s), files.Path(u"out.wav"_s), 0), FloatHeader(0, 0, 1));
 }
 
 void TestDecoderFormats::convertsToFloatAtSensibleRatesOnly_data()

@@ -1,4 +1,5 @@
 #include "engine/samples/FFmpegResampler.h"
+#include "tests/support/ScarceMemory.h"
 #include "tests/support/StandardErrorCapture.h"
 
 #include <QtTest/QtTest>
@@ -130,6 +131,36 @@ private Q_SLOTS:
         const FFmpegResampler resampler(Mono(sourceRate), Mono(600000, sampleFormat), blockFrames);
         QTEST(capture.Text(), "message");
         QVERIFY(!resampler.IsReady());
+    }
+
+    /** In this order. */
+    void tellsThatThereIsNoContext()
+    {
+        StandardErrorCapture capture;
+        const ScarceMemory memory(1);
+        const FFmpegResampler resampler(Mono(44100), Mono(48000), 1024);
+        QCOMPARE(capture.Text(), "Could not allocate resampler context\n"
+                                 "Failed to set resampler context options\n");
+        QVERIFY(!resampler.IsReady());
+    }
+
+    void refusesARateThatCannotBeSet()
+    {
+        StandardErrorCapture capture;
+        const FFmpegResampler resampler(Mono(-1), Mono(48000), 1024);
+        QVERIFY(capture.Text().endsWith("\nFailed to set resampler context options\n"));
+        QVERIFY(!resampler.IsReady());
+    }
+
+    void tellsThatABlockCannotBeConverted()
+    {
+        const QList<qint16> samples = Samples(1024);
+        FFmpegResampler resampler(Mono(44100), Mono(48000, f32), 1024);
+        QVERIFY(resampler.IsReady());
+        StandardErrorCapture capture;
+        const ScarceMemory memory(1000);
+        QVERIFY(!resampler.Convert(reinterpret_cast<const char*>(samples.data()), 1024));
+        QCOMPARE(capture.Text(), "Error while converting\n");
     }
 };
 

@@ -1,10 +1,8 @@
-// The part of Decoder that looks into files with FFmpeg.
+#include "engine/decoding/DecoderProbe.h"
 
 #include "engine/decoding/ProbedDuration.h"
 #include "engine/files/RegularFile.h"
 #include "engine/samples/FFmpegPointers.h"
-
-#include <vantorAudioEngine/Decoder.h>
 
 #include <QtCore/QDebug>
 
@@ -134,7 +132,7 @@ private:
 } // namespace
 
 /** A file whose audio stream is ready to be read. */
-class Decoder::OpenAudio
+class Decoder::Probe::OpenAudio
 {
 public:
     explicit OpenAudio(const QString& path);
@@ -152,7 +150,7 @@ private:
     bool m_isOpen = false;
 };
 
-Decoder::OpenAudio::OpenAudio(const QString& path)
+Decoder::Probe::OpenAudio::OpenAudio(const QString& path)
     : m_isOpen(GetAudioCodecContext(m_format.get(), m_codec.get(), m_streamIndex, path) == 0)
 {
     if (m_streamIndex == notOpened) {
@@ -161,13 +159,13 @@ Decoder::OpenAudio::OpenAudio(const QString& path)
     }
 }
 
-int Decoder::OpenAudio::Duration() const
+int Decoder::Probe::OpenAudio::Duration() const
 {
     const AVStream& stream = *Streams(*m_format)[static_cast<std::size_t>(m_streamIndex)];
     return DurationInMilliseconds(m_format->duration, DurationOf(stream));
 }
 
-bool Decoder::OpenAudio::BeginsWithSound()
+bool Decoder::Probe::OpenAudio::BeginsWithSound()
 {
     const PacketPointer packet(av_packet_alloc());
     const FramePointer frame(av_frame_alloc());
@@ -184,7 +182,7 @@ bool Decoder::OpenAudio::BeginsWithSound()
     return hasAudio ? YieldsSound(*m_codec, nullptr, *frame) : HasFormat(*m_codec);
 }
 
-bool Decoder::OpenAudio::ChangesChannelCount()
+bool Decoder::Probe::OpenAudio::ChangesChannelCount()
 {
     const PacketPointer packet(av_packet_alloc());
     const AVStream& stream = *Streams(*m_format)[static_cast<std::size_t>(m_streamIndex)];
@@ -197,25 +195,22 @@ bool Decoder::OpenAudio::ChangesChannelCount()
     return !isSame;
 }
 
-int Decoder::GetDuration(const QString& path)
+bool Decoder::Probe::HoldsAudio(const QString& path)
 {
-    if (path.isEmpty()) {
-        return 0;
-    }
-    const OpenAudio audio(path);
-    return audio.IsOpen() ? audio.Duration() : 0;
+    OpenAudio audio(path);
+    return audio.IsOpen() && audio.BeginsWithSound();
 }
 
-bool Decoder::ChangesChannelCount(const QString& path)
+bool Decoder::Probe::ChangesChannelCount(const QString& path)
 {
     OpenAudio audio(path);
     return audio.IsOpen() && audio.ChangesChannelCount();
 }
 
-bool Decoder::HoldsAudio(const QString& path)
+int Decoder::Probe::Duration(const QString& path)
 {
-    OpenAudio audio(path);
-    return audio.IsOpen() && audio.BeginsWithSound();
+    const OpenAudio audio(path);
+    return audio.IsOpen() ? audio.Duration() : 0;
 }
 
 int Decoder::GetAudioCodecContext(AVFormatContext* format, AVCodecContext* codec, int& streamIndex,
