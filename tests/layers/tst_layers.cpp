@@ -86,6 +86,17 @@ private Q_SLOTS:
         QTest::addColumn<QString>("folder");
         QTest::addColumn<QString>("allowed");
         QTest::addRow("engine knows no player and no widget") << u"engine"_s << (u"engine/.*|"_s + PublicEngine);
+        const QString base = u"engine/\\w+\\.h|"_s;
+        QTest::addRow("files know nothing of what is in them")
+            << u"engine/files"_s << (base + u"engine/files/.*"_s);
+        QTest::addRow("samples know no file but the names of its channels")
+            << u"engine/samples"_s << (base + u"engine/samples/.*|vantorAudioEngine/(Export|WavFile)\\.h"_s);
+        QTest::addRow("wav decodes nothing")
+            << u"engine/wav"_s
+            << (base + u"engine/(files|samples|wav)/.*|vantorAudioEngine/(Export|WavFile)\\.h"_s);
+        QTest::addRow("decoding writes WAV files by their header alone")
+            << u"engine/decoding"_s
+            << (base + u"engine/(files|samples|decoding)/.*|engine/wav/WavHeader\\.h|"_s + PublicEngine);
         QTest::addRow("playback knows no file class and no widget")
             << u"playback"_s
             << (arithmetic +
@@ -94,6 +105,10 @@ private Q_SLOTS:
         QTest::addRow("ui/waveform knows no file class and no player")
             << u"ui/waveform"_s
             << (arithmetic + u"|render/.*|ui/waveform/.*|vantorAudioEngine/BGFXWaveformWidget\\.h"_s);
+        QTest::addRow("the rules of the view know no drawing")
+            << u"ui/waveform/rules"_s << (arithmetic + u"|ui/waveform/rules/.*"_s);
+        QTest::addRow("the drawing of the view knows its rules but no widget")
+            << u"ui/waveform/drawing"_s << (arithmetic + u"|render/.*|ui/waveform/(drawing|rules)/.*"_s);
         QTest::addRow("ui/player joins them")
             << u"ui/player"_s << u"(engine|playback|ui)/.*|vantorAudioEngine/.*"_s;
         QTest::addRow("examples see the installed headers only") << u"examples"_s << u"vantorAudioEngine/.*"_s;
@@ -102,7 +117,9 @@ private Q_SLOTS:
     {
         QFETCH(const QString, folder);
         QFETCH(const QString, allowed);
-        for (const Include& include : IncludesIn(folder)) {
+        const QList<Include> includes = IncludesIn(folder);
+        QVERIFY2(!includes.isEmpty(), "the folder is gone, or empty");
+        for (const Include& include : includes) {
             if (IsOwnHeader(include.target)) {
                 QVERIFY2(Matches(include.target, allowed), qPrintable(include.ToString()));
             }
@@ -143,6 +160,9 @@ private Q_SLOTS:
         QTest::addRow("Qt Multimedia")
             << u"QtMultimedia/(?!QAudioFormat).*|QtMultimedia"_s
             << u"playback/.*|engine/decoding/Decoder(Source)?\\.(h|cpp)|ui/player/.*|examples/.*"_s;
+        QTest::addRow("widgets and painting")
+            << u"QtWidgets.*|QtSvg.*|QtGui/(QPaint|QImage|QPixmap|QWidget|QWindow).*"_s
+            << u"(render|ui/player|examples)/.*|ui/waveform/(drawing/.*|\\w+\\.(cpp|h))"_s;
         QTest::addRow("PulseAudio") << u"pulse/.*"_s << u"playback/SoundServerSinks\\.cpp"_s;
         QTest::addRow("the renderer's shim")
             << u"render/bgfx/bgfx\\.h"_s
