@@ -42,8 +42,7 @@ Problem ProblemOfFile(const QString& path)
 
 int IsInterrupted(void* check)
 {
-    const auto& isCancelled = *static_cast<const AudioStream::CancelCheck*>(check);
-    return isCancelled && isCancelled() ? 1 : 0;
+    return IsCancelled(*static_cast<const CancelCheck*>(check)) ? 1 : 0;
 }
 
 bool Has(const AVDictionary* entries, const char* key)
@@ -161,7 +160,7 @@ AudioStream::AudioStream(const QString& path, CancelCheck isCancelled)
     if (m_problem == Problem::None) {
         m_problem = FindStream(path);
     }
-    if (IsInterrupted(&m_isCancelled) != 0) {
+    if (IsCancelled(m_isCancelled)) {
         m_problem = Problem::Cancelled;
     }
 }
@@ -267,7 +266,7 @@ bool AudioStream::OpenDecoder()
 bool AudioStream::ReadFrame(AVFrame& frame)
 {
     while (m_problem == Problem::None) {
-        if (IsInterrupted(&m_isCancelled) != 0) {
+        if (IsCancelled(m_isCancelled)) {
             m_problem = Problem::Cancelled;
             return false;
         }
@@ -344,7 +343,7 @@ bool AudioStream::IsInTag() const
 /** Tells what could not be read to its end, or gave nothing although it stated a length or had packets. */
 void AudioStream::OnReadingEnded(int error)
 {
-    if (IsInterrupted(&m_isCancelled) != 0) {
+    if (IsCancelled(m_isCancelled)) {
         m_problem = Problem::Cancelled;
     } else if (error < 0 && error != AVERROR_EOF) {
         m_problem = Problem::CannotBeRead;

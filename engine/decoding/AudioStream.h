@@ -1,12 +1,12 @@
 #pragma once
 
+#include "engine/files/CancelCheck.h"
 #include "engine/samples/FFmpegPointers.h"
 
 #include <vantorAudioEngine/AudioFileInfo.h>
 
 #include <QtCore/QString>
 
-#include <functional>
 #include <limits>
 
 namespace vantoraudio::AudioEngine {
@@ -19,10 +19,9 @@ class AudioStream
 {
 public:
     using Problem = AudioFileInfo::Problem;
-    /** Whether to give up. Asked often, also while a slow disk is waited for. */
-    using CancelCheck = std::function<bool()>;
 
-    /** Looks into the file. What is wrong with it is told by GetProblem(). */
+    /** Looks into the file. What is wrong with it is told by GetProblem(). `isCancelled` is also asked while a
+     * slow disk is waited for. */
     explicit AudioStream(const QString& path, CancelCheck isCancelled = {});
     Q_DISABLE_COPY_MOVE(AudioStream)
 

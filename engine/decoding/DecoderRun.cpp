@@ -3,7 +3,7 @@
 #include "engine/decoding/DecoderProbe.h"
 #include "engine/files/PendingFile.h"
 #include "engine/files/RegularFile.h"
-#include "engine/samples/BufferResampling.h"
+#include "engine/samples/LinearResampling.h"
 #include "engine/wav/WavHeader.h"
 
 #include <QtCore/QFileInfo>
@@ -32,13 +32,13 @@ std::optional<QByteArray> ResampleAsDecoded(const QAudioBuffer& buffer, int targ
 {
     switch (buffer.format().sampleFormat()) {
     case QAudioFormat::UInt8:
-        return Resample(SamplesOf<quint8>(buffer), targetRate);
+        return ResampleLinearly(SamplesOf<quint8>(buffer), targetRate);
     case QAudioFormat::Int16:
-        return Resample(SamplesOf<qint16>(buffer), targetRate);
+        return ResampleLinearly(SamplesOf<qint16>(buffer), targetRate);
     case QAudioFormat::Int32:
-        return Resample(SamplesOf<qint32>(buffer), targetRate);
+        return ResampleLinearly(SamplesOf<qint32>(buffer), targetRate);
     case QAudioFormat::Float:
-        return Resample(SamplesOf<float>(buffer), targetRate);
+        return ResampleLinearly(SamplesOf<float>(buffer), targetRate);
     default:
         return {};
     }

@@ -52,12 +52,12 @@ AVSampleFormat FFmpegFormatOf(QAudioFormat::SampleFormat format)
 Import::Import(const QString& inPath, const QString& outPath, const ImportOptions& options, const Observer& goesOn)
     : m_options(options)
     , m_goesOn(goesOn)
-    , m_stream(inPath, CancelCheck())
-    , m_output(outPath, inPath, CancelCheck())
+    , m_stream(inPath, MakeCancelCheck())
+    , m_output(outPath, inPath, MakeCancelCheck())
 {
 }
 
-AudioStream::CancelCheck Import::CancelCheck()
+CancelCheck Import::MakeCancelCheck()
 {
     return [this] { return IsCancelled(); };
 }
@@ -210,8 +210,8 @@ bool Import::StartWriting(const AVFrame& first)
     const int sampleRate = m_options.sampleRate > 0 ? m_options.sampleRate : first.sample_rate;
     QAudioFormat format = OutputFormat(sampleRate, first.ch_layout.nb_channels);
     format.setSampleFormat(FirstSampleFormat(m_options, format, m_length));
-    m_resampler.emplace(StreamResampler::Target{sampleRate, FFmpegFormatOf(format.sampleFormat()),
-                                                StreamResampler::OutputLayoutFor(first)});
+    m_resampler.emplace(FrameResampler::Target{sampleRate, FFmpegFormatOf(format.sampleFormat()),
+                                               FrameResampler::OutputLayoutFor(first)});
     m_output.Start(m_options, format, m_length);
     m_writingProblem = m_output.GetProblem();
     return m_writingProblem == Problem::None;

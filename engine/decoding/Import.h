@@ -3,7 +3,7 @@
 #include "engine/decoding/AudioStream.h"
 #include "engine/decoding/FrameQueue.h"
 #include "engine/decoding/ImportedWav.h"
-#include "engine/samples/StreamResampler.h"
+#include "engine/samples/FrameResampler.h"
 
 #include <vantorAudioEngine/AudioImporter.h>
 
@@ -40,7 +40,7 @@ private:
     void Write();
     void WriteAll();
     bool IsCancelled();
-    AudioStream::CancelCheck CancelCheck();
+    CancelCheck MakeCancelCheck();
     bool WriteBatch(const FrameBatch& batch);
     bool WriteFrame(const AVFrame& frame);
     bool StartWriting(const AVFrame& first);
@@ -61,7 +61,7 @@ private:
 
     // Of the thread that writes, until it has ended.
     ImportedWav m_output;
-    std::optional<StreamResampler> m_resampler;
+    std::optional<FrameResampler> m_resampler;
     QByteArray m_block;
     Problem m_writingProblem = Problem::None;
 };

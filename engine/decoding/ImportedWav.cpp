@@ -121,7 +121,7 @@ bool ImportedWav::Narrow()
     const qint64 start = file.pos() - m_dataSize;
     qint64 written = 0;
     for (qint64 read = 0; read < m_dataSize;) {
-        if (IsCancelled()) {
+        if (IsCancelled(m_isCancelled)) {
             return Fail(Problem::Cancelled);
         }
         if (!file.seek(start + read)) {
@@ -150,8 +150,8 @@ bool ImportedWav::Finish()
         return Fail(m_output.File().error() == QFileDevice::ResourceError ? Problem::NoSpace
                                                                           : Problem::CannotBeWritten);
     }
-    return m_output.Commit([this] { return IsCancelled(); }) ||
-           Fail(IsCancelled() ? Problem::Cancelled : Problem::CannotBeWritten);
+    return m_output.Commit(m_isCancelled) ||
+           Fail(IsCancelled(m_isCancelled) ? Problem::Cancelled : Problem::CannotBeWritten);
 }
 
 bool ImportedWav::Fail(Problem problem)

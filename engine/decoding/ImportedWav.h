@@ -7,7 +7,6 @@
 #include <QtCore/QByteArray>
 #include <QtCore/QString>
 
-#include <functional>
 #include <utility>
 
 namespace vantoraudio::AudioEngine {
@@ -56,8 +55,6 @@ class ImportedWav
 public:
     using Problem = AudioFileInfo::Problem;
 
-    using CancelCheck = std::function<bool()>;
-
     /** `sourcePath` names what is imported, which may be the same file. */
     ImportedWav(const QString& path, const QString& sourcePath, CancelCheck isCancelled = {},
                 const ImportLimits& limits = {})
@@ -93,7 +90,6 @@ private:
     bool WriteHeader();
     bool Narrow();
     bool IsTooLong() const;
-    bool IsCancelled() const { return m_isCancelled && m_isCancelled(); }
 
     ImportLimits m_limits;
     CancelCheck m_isCancelled;

@@ -54,10 +54,10 @@ bool MoveToEmptyFile(const QString& from, const QString& to)
     return QFile::remove(to) && QFile::rename(from, to);
 }
 
-bool CopyRest(QFile& from, QFile& to, const PendingFile::CancelCheck& isCancelled)
+bool CopyRest(QFile& from, QFile& to, const CancelCheck& isCancelled)
 {
     QByteArray block = from.read(copiedBlockSize);
-    while (!block.isEmpty() && !(isCancelled && isCancelled()) && to.write(block) == block.size()) {
+    while (!block.isEmpty() && !IsCancelled(isCancelled) && to.write(block) == block.size()) {
         block = from.read(copiedBlockSize);
     }
     return block.isEmpty() && from.atEnd();

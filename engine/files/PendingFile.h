@@ -1,9 +1,9 @@
 #pragma once
 
+#include "engine/files/CancelCheck.h"
+
 #include <QtCore/QString>
 #include <QtCore/QTemporaryFile>
-
-#include <functional>
 
 namespace vantoraudio::AudioEngine {
 
@@ -14,9 +14,6 @@ namespace vantoraudio::AudioEngine {
 class PendingFile
 {
 public:
-    /** Whether to give up. Asked at least once for each megabyte. */
-    using CancelCheck = std::function<bool()>;
-
     /** Does nothing yet. Where `path` is a link, what it points at will be replaced. `sourcePath` names what the
      *  file is made from, which may be the same file. */
     explicit PendingFile(const QString& path, const QString& sourcePath = {});
@@ -33,8 +30,8 @@ public:
 
     /**
      * Puts the file under its name: in one step where its folder may be written, else (and for devices) by copying
-     * its bytes. Only the copying can be cancelled. False leaves the former file as it was, or empty when the
-     * copying failed or was cancelled.
+     * its bytes. Only the copying can be cancelled, after each megabyte. False leaves the former file as it was,
+     * or empty when the copying failed or was cancelled.
      */
     [[nodiscard]] bool Commit(const CancelCheck& isCancelled = {});
 

@@ -1,7 +1,7 @@
 #include "engine/files/FileReplacement.h"
 #include "engine/files/RegularFile.h"
 #include "engine/files/SharedFileCursor.h"
-#include "engine/samples/FFmpegResampler.h"
+#include "engine/samples/PcmResampler.h"
 #include "engine/samples/S24Samples.h"
 #include "engine/wav/WavAudio.h"
 #include "engine/wav/WavHeader.h"
@@ -46,7 +46,7 @@ struct Conversion
     QMutex& deviceMutex;
     const WavAudio source;
     const QAudioFormat target;
-    FFmpegResampler& resampler;
+    PcmResampler& resampler;
 
     bool WriteTo(WavWriter& output, const QString& path);
     bool WriteOver(const QString& path);
@@ -144,7 +144,7 @@ bool WavFile::Convert(const QAudioFormat& target, const QString& outPath)
     const PcmLayout sourceLayout = layoutOf(m_fileFormat);
     const PcmLayout targetLayout = layoutOf(target);
     const WavAudio source(*this);
-    FFmpegResampler resampler(sourceLayout, targetLayout, BlockFrames(source));
+    PcmResampler resampler(sourceLayout, targetLayout, BlockFrames(source));
     if (!resampler.IsReady()) {
         return false;
     }

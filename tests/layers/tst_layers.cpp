@@ -153,7 +153,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("door");
         QTest::addRow("FFmpeg")
             << u"lib(av|sw)\\w+/.*"_s
-            << u"engine/(samples/(FFmpegPointers\\.h|(FFmpeg|Stream)Resampler\\.cpp)|decoding/(AudioStream|DecoderProbe)\\.cpp)"_s;
+            << u"engine/(samples/(FFmpegPointers\\.h|(Frame|Pcm)Resampler\\.cpp)|decoding/(AudioStream|DecoderProbe)\\.cpp)"_s;
         QTest::addRow("OpenGL") << u"(QtOpenGL/|QtGui/QOpenGL|QtGui/QOffscreenSurface|GL/|GLES).*"_s
                                 << u"render/bgfx/device/OpenGL\\w*\\.(cpp|h)"_s;
         // A format is plain data and part of several public functions; what plays or decodes is not.

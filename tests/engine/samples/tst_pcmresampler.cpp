@@ -1,4 +1,4 @@
-#include "engine/samples/FFmpegResampler.h"
+#include "engine/samples/PcmResampler.h"
 #include "tests/support/ScarceMemory.h"
 #include "tests/support/StandardErrorCapture.h"
 
@@ -35,7 +35,7 @@ void Append(QByteArray& bytes, std::optional<QByteArrayView> converted)
 }
 
 /** All of the samples converted in blocks of `blockFrames`. */
-QByteArray Converted(FFmpegResampler& resampler, const QList<qint16>& samples, qsizetype blockFrames)
+QByteArray Converted(PcmResampler& resampler, const QList<qint16>& samples, qsizetype blockFrames)
 {
     QByteArray bytes;
     for (qsizetype first = 0; first < samples.size(); first += blockFrames) {
@@ -48,7 +48,7 @@ QByteArray Converted(FFmpegResampler& resampler, const QList<qint16>& samples, q
 
 } // namespace
 
-class TestFFmpegResampler : public QObject
+class TestPcmResampler : public QObject
 {
     Q_OBJECT
 
@@ -70,15 +70,15 @@ private Q_SLOTS:
     {
         QFETCH(const int, sourceRate);
         QFETCH(const int, targetRate);
-        const FFmpegResampler resampler(Mono(sourceRate), Mono(targetRate), 1024);
+        const PcmResampler resampler(Mono(sourceRate), Mono(targetRate), 1024);
         QVERIFY(resampler.IsReady());
         QTEST(resampler.BlockFrames(), "blockFrames");
     }
 
     void takesNoLargerBlocksThanAnnounced()
     {
-        QCOMPARE(FFmpegResampler(Mono(44100), Mono(48000), 7).BlockFrames(), 7);
-        QCOMPARE(FFmpegResampler(Mono(1), Mono(192000), 2).BlockFrames(), 2);
+        QCOMPARE(PcmResampler(Mono(44100), Mono(48000), 7).BlockFrames(), 7);
+        QCOMPARE(PcmResampler(Mono(1), Mono(192000), 2).BlockFrames(), 2);
     }
 
     void givesTheSameBytesForBlocksOfAnySize_data()
@@ -98,11 +98,11 @@ private Q_SLOTS:
         QFETCH(const int, targetRate);
         QFETCH(const int, frames);
         const QList<qint16> samples = Samples(frames);
-        FFmpegResampler atOnce(Mono(sourceRate), Mono(targetRate, f32), 1024);
+        PcmResampler atOnce(Mono(sourceRate), Mono(targetRate, f32), 1024);
         const QByteArray whole = Converted(atOnce, samples, samples.size());
         QVERIFY(whole.size() > 100);
         for (const int blockFrames : {1, 3, 11, 131, 512}) {
-            FFmpegResampler inBlocks(Mono(sourceRate), Mono(targetRate, f32), 1024);
+            PcmResampler inBlocks(Mono(sourceRate), Mono(targetRate, f32), 1024);
             QVERIFY(Converted(inBlocks, samples, blockFrames) == whole);
         }
     }
@@ -128,7 +128,7 @@ private Q_SLOTS:
         QFETCH(const int, sampleFormat);
         QFETCH(const int, blockFrames);
         StandardErrorCapture capture;
-        const FFmpegResampler resampler(Mono(sourceRate), Mono(600000, sampleFormat), blockFrames);
+        const PcmResampler resampler(Mono(sourceRate), Mono(600000, sampleFormat), blockFrames);
         QTEST(capture.Text(), "message");
         QVERIFY(!resampler.IsReady());
     }
@@ -138,7 +138,7 @@ private Q_SLOTS:
     {
         StandardErrorCapture capture;
         const ScarceMemory memory(1);
-        const FFmpegResampler resampler(Mono(44100), Mono(48000), 1024);
+        const PcmResampler resampler(Mono(44100), Mono(48000), 1024);
         QCOMPARE(capture.Text(), "Could not allocate resampler context\n"
                                  "Failed to set resampler context options\n");
         QVERIFY(!resampler.IsReady());
@@ -147,7 +147,7 @@ private Q_SLOTS:
     void refusesARateThatCannotBeSet()
     {
         StandardErrorCapture capture;
-        const FFmpegResampler resampler(Mono(-1), Mono(48000), 1024);
+        const PcmResampler resampler(Mono(-1), Mono(48000), 1024);
         QVERIFY(capture.Text().endsWith("\nFailed to set resampler context options\n"));
         QVERIFY(!resampler.IsReady());
     }
@@ -155,7 +155,7 @@ private Q_SLOTS:
     void tellsThatABlockCannotBeConverted()
     {
         const QList<qint16> samples = Samples(1024);
-        FFmpegResampler resampler(Mono(44100), Mono(48000, f32), 1024);
+        PcmResampler resampler(Mono(44100), Mono(48000, f32), 1024);
         QVERIFY(resampler.IsReady());
         StandardErrorCapture capture;
         const ScarceMemory memory(1000);
@@ -164,5 +164,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestFFmpegResampler)
-#include "tst_ffmpegresampler.moc"
+QTEST_APPLESS_MAIN(TestPcmResampler)
+#include "tst_pcmresampler.moc"

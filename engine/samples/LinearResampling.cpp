@@ -1,4 +1,4 @@
-#include "engine/samples/BufferResampling.h"
+#include "engine/samples/LinearResampling.h"
 
 #include "engine/samples/Truncation.h"
 
@@ -101,7 +101,7 @@ void Interpolate(const SampleBuffer<Sample>& buffer, int frames, int targetFrame
 } // namespace
 
 template<typename Sample>
-QByteArray Resample(const SampleBuffer<Sample>& buffer, int targetRate)
+QByteArray ResampleLinearly(const SampleBuffer<Sample>& buffer, int targetRate)
 {
     if (buffer.sampleRate == targetRate) {
         return Bytes(buffer.samples);
@@ -117,9 +117,9 @@ QByteArray Resample(const SampleBuffer<Sample>& buffer, int targetRate)
     return resampled;
 }
 
-template QByteArray Resample(const SampleBuffer<quint8>&, int);
-template QByteArray Resample(const SampleBuffer<qint16>&, int);
-template QByteArray Resample(const SampleBuffer<qint32>&, int);
-template QByteArray Resample(const SampleBuffer<float>&, int);
+template QByteArray ResampleLinearly(const SampleBuffer<quint8>&, int);
+template QByteArray ResampleLinearly(const SampleBuffer<qint16>&, int);
+template QByteArray ResampleLinearly(const SampleBuffer<qint32>&, int);
+template QByteArray ResampleLinearly(const SampleBuffer<float>&, int);
 
 } // namespace vantoraudio::AudioEngine

@@ -1,4 +1,4 @@
-#include "engine/samples/BufferResampling.h"
+#include "engine/samples/LinearResampling.h"
 
 #include <QtTest/QTest>
 
@@ -17,7 +17,7 @@ namespace {
 template<typename Sample>
 QList<Sample> Resampled(const QList<Sample>& samples, int channels, int rate, int targetRate)
 {
-    const QByteArray bytes = Resample<Sample>({samples, channels, rate}, targetRate);
+    const QByteArray bytes = ResampleLinearly<Sample>({samples, channels, rate}, targetRate);
     QList<Sample> result(bytes.size() / static_cast<qsizetype>(sizeof(Sample)));
     std::copy(bytes.begin(), bytes.end(), reinterpret_cast<char*>(result.data()));
     return result;
@@ -61,7 +61,7 @@ void CompareWithSlowlyResampled(int frames, int channels, int rate, int targetRa
 
 } // namespace
 
-class TestBufferResampling : public QObject
+class TestLinearResampling : public QObject
 {
     Q_OBJECT
 
@@ -70,7 +70,7 @@ private Q_SLOTS:
     {
         const QList<float> odd{1.0e30F, -0.0F, std::numeric_limits<float>::denorm_min(), 7.0F, 0.1F};
         const QByteArray bytes(reinterpret_cast<const char*>(odd.constData()), odd.size() * 4);
-        QCOMPARE(Resample<float>({odd, 2, 96000}, 96000), bytes);
+        QCOMPARE(ResampleLinearly<float>({odd, 2, 96000}, 96000), bytes);
         QCOMPARE(Resampled<quint8>({1, 2, 3}, 2, 8000, 8000), (QList<quint8>{1, 2, 3}));
     }
 
@@ -207,5 +207,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestBufferResampling)
-#include "tst_bufferresampling.moc"
+QTEST_APPLESS_MAIN(TestLinearResampling)
+#include "tst_linearresampling.moc"

@@ -7,11 +7,12 @@
 namespace vantoraudio::AudioEngine {
 
 /**
- * Turns the frames of a stream into interleaved samples of one format, with one resampler over the whole stream,
- * so that nothing clicks between frames. Where the stream changes its format, the rest of what came before is
- * drained and the new part follows it without a gap.
+ * Turns the frames that FFmpeg decodes from a stream into interleaved samples of one format, by FFmpeg's
+ * resampler: the way of AudioImporter. One resampler serves the whole stream, so that nothing clicks between
+ * frames. Where the stream changes its format, the rest of what came before is drained and the new part follows it
+ * without a gap.
  */
-class StreamResampler
+class FrameResampler
 {
 public:
     struct Target
@@ -23,7 +24,7 @@ public:
         AVChannelLayout layout = {};
     };
 
-    explicit StreamResampler(const Target& target) : m_target(target) {}
+    explicit FrameResampler(const Target& target) : m_target(target) {}
 
     /** The layout that frames such as this one are given out in. */
     static AVChannelLayout OutputLayoutFor(const AVFrame& frame);

@@ -5,7 +5,7 @@
 
 #include <span>
 
-/** Linear interpolation between sample rates, one decoded buffer at a time, and conversion to float samples. */
+/** Linear interpolation between sample rates, each decoded buffer by itself: the way of Decoder::Convert(). */
 namespace vantoraudio::AudioEngine {
 
 /** The interleaved samples of one decoded buffer. */
@@ -27,6 +27,6 @@ struct SampleBuffer
  * Integers are truncated toward zero.
  */
 template<typename Sample>
-[[nodiscard]] QByteArray Resample(const SampleBuffer<Sample>& buffer, int targetRate);
+[[nodiscard]] QByteArray ResampleLinearly(const SampleBuffer<Sample>& buffer, int targetRate);
 
 } // namespace vantoraudio::AudioEngine

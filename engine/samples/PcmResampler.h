@@ -18,17 +18,17 @@ struct PcmLayout
 };
 
 /**
- * Turns PCM into another sample format, channel count and rate, block by block, by FFmpeg's resampler. What fails
- * is told on the standard error stream.
+ * Turns blocks of PCM into another sample format, channel count and rate, by FFmpeg's resampler: the way of
+ * WavFile::Convert(). What fails is told on the standard error stream.
  */
-class FFmpegResampler
+class PcmResampler
 {
 public:
     /** The source comes in blocks of `blockFrames` frames; below 1, or where a block becomes more than can be
      *  counted, the resampler cannot be made ready. */
-    FFmpegResampler(const PcmLayout& source, const PcmLayout& target, int blockFrames);
-    ~FFmpegResampler();
-    Q_DISABLE_COPY_MOVE(FFmpegResampler)
+    PcmResampler(const PcmLayout& source, const PcmLayout& target, int blockFrames);
+    ~PcmResampler();
+    Q_DISABLE_COPY_MOVE(PcmResampler)
 
     bool IsReady() const;
 

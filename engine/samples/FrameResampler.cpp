@@ -1,4 +1,4 @@
-#include "engine/samples/StreamResampler.h"
+#include "engine/samples/FrameResampler.h"
 
 #include <algorithm>
 #include <cmath>
@@ -80,24 +80,24 @@ std::vector<const uint8_t*> PlanesFrom(const AVFrame& frame, int start)
 
 } // namespace
 
-AVChannelLayout StreamResampler::OutputLayoutFor(const AVFrame& frame)
+AVChannelLayout FrameResampler::OutputLayoutFor(const AVFrame& frame)
 {
     const AVChannelLayout layout = LayoutOf(frame);
     return layout.nb_channels <= 2 ? layout : AVChannelLayout AV_CHANNEL_LAYOUT_STEREO;
 }
 
-int StreamResampler::BytesPerFrame() const
+int FrameResampler::BytesPerFrame() const
 {
     return av_get_bytes_per_sample(m_target.sampleFormat) * m_target.layout.nb_channels;
 }
 
-bool StreamResampler::FitsTo(const AVFrame& frame) const
+bool FrameResampler::FitsTo(const AVFrame& frame) const
 {
     return m_resampler != nullptr && frame.sample_rate == m_sampleRate && frame.format == m_sampleFormat &&
            IsEqual(LayoutOf(frame), m_layout);
 }
 
-bool StreamResampler::StartAgain(const AVFrame& frame)
+bool FrameResampler::StartAgain(const AVFrame& frame)
 {
     m_sampleRate = frame.sample_rate;
     m_sampleFormat = frame.format;
@@ -115,7 +115,7 @@ bool StreamResampler::StartAgain(const AVFrame& frame)
            (SetAverage(resampler, m_layout.nb_channels, m_target.layout.nb_channels) && swr_init(resampler) >= 0);
 }
 
-bool StreamResampler::Convert(const AVFrame& frame, int& start, QByteArray& samples)
+bool FrameResampler::Convert(const AVFrame& frame, int& start, QByteArray& samples)
 {
     if (!FitsTo(frame) && !(Drain(samples) && StartAgain(frame))) {
         return false;
@@ -127,12 +127,12 @@ bool StreamResampler::Convert(const AVFrame& frame, int& start, QByteArray& samp
     return Pass(planes.data(), count, samples);
 }
 
-bool StreamResampler::Drain(QByteArray& samples)
+bool FrameResampler::Drain(QByteArray& samples)
 {
     return m_resampler == nullptr || Pass(nullptr, 0, samples);
 }
 
-bool StreamResampler::Pass(const uint8_t* const* planes, int frames, QByteArray& samples)
+bool FrameResampler::Pass(const uint8_t* const* planes, int frames, QByteArray& samples)
 {
     const int room = swr_get_out_samples(m_resampler.get(), frames);
     const qsizetype former = samples.size();

@@ -1,4 +1,6 @@
-#include "engine/samples/FFmpegResampler.h"
+#include "engine/samples/PcmResampler.h"
+
+#include "engine/samples/FFmpegPointers.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -9,7 +11,6 @@ extern "C" {
 #include <libavutil/mathematics.h>
 #include <libavutil/mem.h>
 #include <libavutil/samplefmt.h>
-#include <libswresample/swresample.h>
 }
 
 namespace vantoraudio::AudioEngine {
@@ -18,11 +19,6 @@ namespace {
 
 /** How much a block may become at once; what is more is handed over in parts. */
 constexpr int64_t mostTargetFrames = 1 << 20;
-
-struct FreeContext
-{
-    void operator()(SwrContext* context) const { swr_free(&context); }
-};
 
 /** The planes of interleaved samples: one pointer to one buffer. */
 class SampleArray
@@ -70,7 +66,7 @@ bool Complain(const char* message)
 
 } // namespace
 
-class FFmpegResampler::Data
+class PcmResampler::Data
 {
 public:
     Data(const PcmLayout& source, const PcmLayout& target, int blockFrames) : m_source(source), m_target(target)
@@ -91,14 +87,14 @@ private:
 
     PcmLayout m_source;
     PcmLayout m_target;
-    std::unique_ptr<SwrContext, FreeContext> m_context;
+    ResamplerPointer m_context;
     SampleArray m_targetSamples;
     int m_targetCapacity = 0;
     int m_blockFrames = 0;
     bool m_isReady = false;
 };
 
-bool FFmpegResampler::Data::SetUp()
+bool PcmResampler::Data::SetUp()
 {
     AVChannelLayout sourceLayout = ChannelLayoutOf(m_source);
     AVChannelLayout targetLayout = ChannelLayoutOf(m_target);
@@ -121,7 +117,7 @@ bool FFmpegResampler::Data::SetUp()
            Complain("Failed to initialize the resampling context\n");
 }
 
-bool FFmpegResampler::Data::AllocateSamples(int blockFrames)
+bool PcmResampler::Data::AllocateSamples(int blockFrames)
 {
     // The source's samples are handed over where they lie. This buffer only tells whether a block can exist at
     // all: a source without a frame ends here.
@@ -137,20 +133,20 @@ bool FFmpegResampler::Data::AllocateSamples(int blockFrames)
 }
 
 /** Rates that are too far apart for a whole block are refused, though a part of it would find room. */
-bool FFmpegResampler::Data::CanCountTarget(int blockFrames) const
+bool PcmResampler::Data::CanCountTarget(int blockFrames) const
 {
     return av_samples_get_buffer_size(nullptr, m_target.channelCount, TargetFrames(blockFrames),
                                       AVSampleFormat(m_target.sampleFormat), 0) >= 0;
 }
 
 /** More frames than an int counts are more than can be allocated, and fail there. */
-int FFmpegResampler::Data::TargetFrames(int64_t sourceFrames) const
+int PcmResampler::Data::TargetFrames(int64_t sourceFrames) const
 {
     const int64_t frames = av_rescale_rnd(sourceFrames, m_target.sampleRate, m_source.sampleRate, AV_ROUND_UP);
     return static_cast<int>(std::clamp<int64_t>(frames, 0, std::numeric_limits<int>::max()));
 }
 
-bool FFmpegResampler::Data::MakeRoom(int frames)
+bool PcmResampler::Data::MakeRoom(int frames)
 {
     if (frames <= m_targetCapacity) {
         return true;
@@ -159,7 +155,7 @@ bool FFmpegResampler::Data::MakeRoom(int frames)
     return m_targetSamples.AllocateAgain(m_target, frames) >= 0;
 }
 
-std::optional<QByteArrayView> FFmpegResampler::Data::Convert(const uint8_t** source, int frames)
+std::optional<QByteArrayView> PcmResampler::Data::Convert(const uint8_t** source, int frames)
 {
     const int room = TargetFrames(swr_get_delay(m_context.get(), m_source.sampleRate) + frames);
     if (!MakeRoom(room)) {
@@ -186,30 +182,30 @@ std::optional<QByteArrayView> FFmpegResampler::Data::Convert(const uint8_t** sou
     return QByteArrayView(m_targetSamples.Planes()[0], size);
 }
 
-FFmpegResampler::FFmpegResampler(const PcmLayout& source, const PcmLayout& target, int blockFrames)
+PcmResampler::PcmResampler(const PcmLayout& source, const PcmLayout& target, int blockFrames)
     : m_data(std::make_unique<Data>(source, target, blockFrames))
 {
 }
 
-FFmpegResampler::~FFmpegResampler() = default;
+PcmResampler::~PcmResampler() = default;
 
-bool FFmpegResampler::IsReady() const
+bool PcmResampler::IsReady() const
 {
     return m_data->IsReady();
 }
 
-int FFmpegResampler::BlockFrames() const
+int PcmResampler::BlockFrames() const
 {
     return m_data->BlockFrames();
 }
 
-std::optional<QByteArrayView> FFmpegResampler::Convert(const char* source, int frames)
+std::optional<QByteArrayView> PcmResampler::Convert(const char* source, int frames)
 {
     const auto* plane = reinterpret_cast<const uint8_t*>(source);
     return m_data->Convert(&plane, frames);
 }
 
-std::optional<QByteArrayView> FFmpegResampler::Drain()
+std::optional<QByteArrayView> PcmResampler::Drain()
 {
     return m_data->Convert(nullptr, 0);
 }
