@@ -10,7 +10,6 @@
 #include <QtCore/QFileInfo>
 #include <QtCore/QMimeData>
 #include <QtCore/QSettings>
-#include <QtCore/QTimer>
 #include <QtGui/QDragEnterEvent>
 #include <QtGui/QDropEvent>
 #include <QtWidgets/QFileDialog>
@@ -111,6 +110,9 @@ void PlayerWindow::ConnectPlayer()
     connect(m_player, &HostPlayer::CreateSnippetFinished, this,
             [this](const QString& path) { EndExport(tr("Saved “%1”.").arg(QDir::toNativeSeparators(path))); });
     ConnectLoading();
+    // A task reports its end a moment before it has ended.
+    m_look.callOnTimeout(this, &PlayerWindow::CheckPicture);
+    m_look.setInterval(10ms);
 }
 
 void PlayerWindow::ConnectLoading()
@@ -184,8 +186,9 @@ void PlayerWindow::OnFailure(WavFile::AudioEngineReturnValue error)
 void PlayerWindow::OnProgress(int progress, int min, int max, const QString& text)
 {
     m_progress->ShowProgress(progress, min, max, text);
-    // The last report of the waveform's samples may overtake the samples themselves.
-    QTimer::singleShot(0, this, &PlayerWindow::CheckPicture);
+    if (!m_look.isActive()) {
+        m_look.start();
+    }
 }
 
 void PlayerWindow::OnBusyChanged()
@@ -220,10 +223,9 @@ void PlayerWindow::CancelTask()
 void PlayerWindow::CheckPicture()
 {
     if (!IsPictureComplete()) {
-        // A task reports its end a moment before it has ended.
-        QTimer::singleShot(10ms, this, &PlayerWindow::CheckPicture);
         return;
     }
+    m_look.stop();
     EndProgressWhenIdle();
     if (m_isSnippetWaiting) {
         m_isSnippetWaiting = false;

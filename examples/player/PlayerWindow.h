@@ -6,6 +6,7 @@
 
 #include <vantorAudioEngine/AudioFileInfo.h>
 
+#include <QtCore/QTimer>
 #include <QtWidgets/QMainWindow>
 
 #include <functional>
@@ -101,6 +102,8 @@ private:
     QLabel* m_selectionLabel = nullptr;
     TaskProgress* m_progress = nullptr;
     FileExport m_export;
+    /** Looks whether the picture is complete. */
+    QTimer m_look;
 
     /** The selection goes there; it waits while the waveform is being read. */
     QString m_snippetPath;

@@ -13,6 +13,7 @@ TaskProgress::TaskProgress(QWidget* parent)
     : QWidget(parent), m_bar(new QProgressBar(this)), m_cancel(new QPushButton(tr("Cancel"), this))
 {
     m_bar->setMinimumWidth(220);
+    m_bar->setFormat(u"%p %"_s);
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_bar);
@@ -29,7 +30,10 @@ void TaskProgress::ShowProgress(int progress, int min, int max, const QString& t
 {
     m_bar->setRange(min, max);
     m_bar->setValue(progress);
-    m_bar->setFormat(text.isEmpty() ? u"%p %"_s : QString(text + u" %p %"_s));
+    if (text != m_text) {
+        m_text = text;
+        m_bar->setFormat(text.isEmpty() ? u"%p %"_s : QString(text + u" %p %"_s));
+    }
     if (isHidden() && !m_delay.isActive()) {
         m_delay.start();
     }

@@ -26,4 +26,6 @@ private:
     QProgressBar* m_bar;
     QPushButton* m_cancel;
     QTimer m_delay;
+    /** Of the latest report; there are thousands of them a second. */
+    QString m_text;
 };

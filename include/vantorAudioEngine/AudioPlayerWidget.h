@@ -27,6 +27,7 @@ class QRegularExpressionValidator;
 namespace vantoraudio::vantorAudioEngine::UI {
 
 class BGFXWaveformWidget;
+class ProgressQueue;
 struct WorkingCopy;
 
 /**
@@ -137,8 +138,8 @@ public:
     /** A snippet is being written or a channel filtered. */
     [[nodiscard]] bool IsBusy() const;
 
-    /** Samples for the waveform are being read, or have been and are not shown yet. Ends in the event loop, at
-     *  about the time of ProgressChanged(0, 0, 1, "Updated"). */
+    /** Samples for the waveform are being read, or have been and are not shown yet. Ends in the event loop, right
+     *  after ProgressChanged(0, 0, 1, "Updated"), when they are shown; at once with Close(). */
     [[nodiscard]] bool IsReadingSamples() const;
 
     /** Seconds of silence shown behind the audio. */
@@ -216,8 +217,9 @@ Q_SIGNALS:
 
     /** The playback position in seconds. */
     void AudioPositionChanged(double position);
-    /** A task went on: `progress` lies between `min` and `max`. Of a task that reports faster than the program
-     *  listens some reports are left out, never the last. */
+    /** A task went on: `progress` lies between `min` and `max`. Comes for every report of every task, in order,
+     * and ahead of what tells of the task's end. Only of what the program has not listened to for 250 ms some
+     * reports are left out, never the first or the last of a task. */
     void ProgressChanged(int progress, int min, int max, QString text);
     void CreateSnippetFinished(const QString& filePath);
     void WaveFormSelectionChanged(std::pair<double, double> selectedSnippet);
@@ -304,8 +306,8 @@ private:
     void ShowLoadedFile(const QString& workingPath);
     void ShowWaveform(double duration);
     void FillChannelSelector();
-    void ForgetPendingSamples();
-    [[nodiscard]] bool AreSamplesOnTheirWay() const;
+    void ForgetReading();
+    void OnNote(int note);
     void EnableAudioControls(bool canPlay);
     void SetBusy(bool busy);
 
@@ -322,6 +324,7 @@ private:
     [[nodiscard]] static double ConvertFromDisplayTimeFormat(const QString& text);
 
     WavFile& File() const;
+    ProgressQueue& Progress() const;
 
     std::unique_ptr<Controls> m_controls;
     QString m_originalAudioFilePath;
@@ -358,9 +361,6 @@ private:
     int m_filteringCount = 0;
     /** The latest filtering is the way back from one that failed. */
     bool m_isGoingBack = false;
-    /** Samples that were there before the latest request and do not answer it. */
-    QList<float> m_formerSamples;
-    bool m_awaitsSamples = false;
 };
 
 } // namespace vantoraudio::vantorAudioEngine::UI

@@ -177,13 +177,16 @@ void AudioPlayerWidget::Close()
     const bool isWriting = m_snippetWatcher.isRunning();
     m_background->snippet.Stop();
     File().close();
-    ForgetPendingSamples();
+    ForgetReading();
     // A snippet that was written whole is still announced.
     if (isWriting) {
         Forget(m_snippetWatcher);
     }
     const QPointer<AudioPlayerWidget> self(this);
     if (m_busy) {
+        Progress().PassOnAll();
+    }
+    if (self && m_busy) {
         SetBusy(false);
     }
     if (self && !loadingPath.isEmpty()) {
@@ -246,7 +249,8 @@ bool AudioPlayerWidget::IsBusy() const
 
 bool AudioPlayerWidget::IsReadingSamples() const
 {
-    return m_samplesWatcher.isRunning() || AreSamplesOnTheirWay();
+    return m_samplesWatcher.isRunning() || Progress().Holds(WorkingFile::NewSamples) ||
+           Progress().Holds(WorkingFile::ReadingEnded);
 }
 
 double AudioPlayerWidget::GetDelay() const
@@ -279,34 +283,43 @@ void AudioPlayerWidget::ErrorHandler(WavFile::AudioEngineReturnValue /*error*/)
 void AudioPlayerWidget::GetSamples(double startTime, double endTime, int stepSize)
 {
     m_background->samples.Stop();
-    ForgetPendingSamples();
-    const auto read = [=](WavFile& file, const auto&) { file.ReadData(startTime, endTime, stepSize); };
+    ForgetReading();
+    const auto read = [=](WorkingFile& file, const auto&) {
+        file.file.ReadData(startTime, endTime, stepSize);
+        file.progress.Leave(WorkingFile::ReadingEnded);
+    };
     m_samplesWatcher.setFuture(m_background->samples.Start(m_background->workingFile, read));
 }
 
 /** The news of samples may still be on its way when others are asked for. */
-void AudioPlayerWidget::ForgetPendingSamples()
+void AudioPlayerWidget::ForgetReading()
 {
-    m_formerSamples = File().GetSamples();
-    m_awaitsSamples = true;
-}
-
-/** Reading has ended, and the news of it has not come to this thread yet. */
-bool AudioPlayerWidget::AreSamplesOnTheirWay() const
-{
-    const QList<float> samples = File().GetSamples();
-    return m_awaitsSamples && !samples.isEmpty() && !samples.isSharedWith(m_formerSamples);
+    Progress().Forget(WorkingFile::NewSamples);
+    Progress().Forget(WorkingFile::ReadingEnded);
 }
 
 void AudioPlayerWidget::OnNewSamples()
 {
-    const QList<float> samples = File().GetSamples();
-    if (!samples.isEmpty() && samples.isSharedWith(m_formerSamples)) {
-        return;
+    m_waveformWidget->UpdateAudioSampleBuffer(File().GetSamples());
+}
+
+/** Every task of the pool gives one result. */
+void AudioPlayerWidget::OnNote(int note)
+{
+    constexpr int onlyResult = 0;
+    switch (note) {
+    case WorkingFile::NewSamples:
+        OnNewSamples();
+        break;
+    case WorkingFile::SnippetEnded:
+        OnSnippetCreateFinished(onlyResult);
+        break;
+    case WorkingFile::ChannelFilterEnded:
+        OnChannelSelectionFinished(onlyResult);
+        break;
+    default:
+        break;
     }
-    m_formerSamples.clear();
-    m_awaitsSamples = false;
-    m_waveformWidget->UpdateAudioSampleBuffer(samples);
 }
 
 void AudioPlayerWidget::OnProgressChanged(int progress, int min, int max, const QString& text)
@@ -340,6 +353,11 @@ void AudioPlayerWidget::SetBusy(bool busy)
 WavFile& AudioPlayerWidget::File() const
 {
     return m_background->workingFile->file;
+}
+
+ProgressQueue& AudioPlayerWidget::Progress() const
+{
+    return m_background->workingFile->progress;
 }
 
 } // namespace vantoraudio::vantorAudioEngine::UI

@@ -25,9 +25,9 @@ using Work = FileTasks<Result>::Work;
 /** Also what a failure leaves is removed: the next filtering would take it for the channel. */
 Work FilterInto(const QString& path)
 {
-    return [path](WavFile& file, const std::atomic<bool>& isStopped) {
+    return [path](WorkingFile& working, const std::atomic<bool>& isStopped) {
         const bool isNew = !QFile::exists(path);
-        const Result result = file.FilterChannel(path);
+        const Result result = working.file.FilterChannel(path);
         if (isNew && (isStopped || result != WavFile::Success) && QFile::exists(path)) {
             QFile::remove(path);
         }
@@ -38,7 +38,8 @@ Work FilterInto(const QString& path)
 /** What a failure leaves stays: it may be a file that was not to be touched. */
 Work WriteSnippet(const QString& path, const Selection& range)
 {
-    return [=](WavFile& file, const std::atomic<bool>& isStopped) {
+    return [=](WorkingFile& working, const std::atomic<bool>& isStopped) {
+        WavFile& file = working.file;
         // Of a closed file only a header would be written, over what is there.
         const Result result =
             file.isOpen() ? file.CreateSnippet(path, range.start, range.end) : WavFile::ErrorCreateSnippet;
@@ -107,6 +108,7 @@ void AudioPlayerWidget::DropFiltering()
 {
     m_background->channelFilter.Stop();
     Forget(m_channelFilterWatcher);
+    Progress().Forget(WorkingFile::ChannelFilterEnded);
     ++m_filteringCount;
 }
 
@@ -174,6 +176,7 @@ void AudioPlayerWidget::CreateSnippet(const QString& filePath)
     m_snippetFilePath = filePath;
     const auto [start, end] = m_waveformWidget->GetSelectedSnippet();
     Forget(m_snippetWatcher);
+    Progress().Forget(WorkingFile::SnippetEnded);
     m_snippetWatcher.setFuture(
         m_background->snippet.Start(m_background->workingFile, WriteSnippet(filePath, {start, end})));
     SetBusy(true);
@@ -186,7 +189,11 @@ void AudioPlayerWidget::CancelSnippet()
     }
     m_background->snippet.Stop();
     Forget(m_snippetWatcher);
-    SetBusy(m_channelFilterWatcher.isRunning());
+    const QPointer<AudioPlayerWidget> self(this);
+    Progress().PassOnAll();
+    if (self) {
+        SetBusy(m_channelFilterWatcher.isRunning());
+    }
 }
 
 void AudioPlayerWidget::OnSnippetCreateFinished(int index)

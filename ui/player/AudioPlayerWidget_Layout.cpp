@@ -379,11 +379,13 @@ void AudioPlayerWidget::ConnectSignals()
     connect(this, &Widget::SceneRectChangeRequested, m_waveformWidget,
             &BGFXWaveformWidget::OnSceneRectChangeRequested);
 
-    connect(&File(), &WavFile::NewData, this, &Widget::OnNewSamples);
-    connect(&m_background->workingFile->progress, &ProgressRelay::Reported, this, &Widget::OnProgressChanged);
-    connect(&m_snippetWatcher, &QFutureWatcherBase::resultReadyAt, this, &Widget::OnSnippetCreateFinished);
+    connect(&Progress(), &ProgressQueue::Reported, this, &Widget::OnProgressChanged);
+    connect(&Progress(), &ProgressQueue::Reached, this, &Widget::OnNote);
+    // The end of a task stands in line behind its reports.
+    connect(&m_snippetWatcher, &QFutureWatcherBase::resultReadyAt, this,
+            [this] { Progress().Leave(WorkingFile::SnippetEnded); });
     connect(&m_channelFilterWatcher, &QFutureWatcherBase::resultReadyAt, this,
-            &Widget::OnChannelSelectionFinished);
+            [this] { Progress().Leave(WorkingFile::ChannelFilterEnded); });
 
     connect(m_audioPlayer, &QMediaPlayer::positionChanged, this, &Widget::OnAudioPositionChanged);
     connect(m_audioPlayer, &QMediaPlayer::playbackStateChanged, this, &Widget::OnAudioStateChanged);

@@ -26,7 +26,7 @@ class FileTasks
 {
 public:
     /** Works on the file; the flag tells whether it was stopped, which it may have to clear up after. */
-    using Work = std::function<Result(WavFile&, const std::atomic<bool>& isStopped)>;
+    using Work = std::function<Result(WorkingFile&, const std::atomic<bool>& isStopped)>;
     using AbortFunction = void (WavFile::*)();
 
     explicit FileTasks(AbortFunction abort) : m_abort(abort) {}
@@ -38,7 +38,8 @@ public:
         auto stage = std::make_shared<Stage>();
         auto run = [file, stage, work = std::move(work)] {
             stage->hasBegun = true;
-            return stage->isStopped ? Result() : work(file->file, stage->isStopped);
+            const ProgressQueue::Task task(file->progress);
+            return stage->isStopped ? Result() : work(*file, stage->isStopped);
         };
         m_tasks.push_back({QtConcurrent::run(QThreadPool::globalInstance(), std::move(run)), file, stage});
         return m_tasks.back().future;

@@ -23,8 +23,10 @@ std::shared_ptr<WorkingFile> WorkingFile::Create()
 
 WorkingFile::WorkingFile()
 {
-    // Direct, so that the worker's reports meet in the relay instead of in the event queue.
-    connect(&file, &WavFile::ProgressChanged, &progress, &ProgressRelay::Report, Qt::DirectConnection);
+    // Direct, so that what a worker tells stands in one line instead of flooding the event queue.
+    connect(&file, &WavFile::ProgressChanged, &progress, &ProgressQueue::Report, Qt::DirectConnection);
+    connect(
+        &file, &WavFile::NewData, &progress, [this] { progress.Leave(NewSamples); }, Qt::DirectConnection);
 }
 
 } // namespace vantoraudio::vantorAudioEngine::UI

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/player/ProgressRelay.h"
+#include "ui/player/ProgressQueue.h"
 
 #include <vantorAudioEngine/WavFile.h>
 
@@ -19,11 +19,20 @@ class WorkingFile : public QObject
     Q_OBJECT
 
 public:
+    /** What stands in one line with the reports of progress. */
+    enum Note
+    {
+        NewSamples,
+        ReadingEnded,
+        SnippetEnded,
+        ChannelFilterEnded
+    };
+
     /** The last owner may be on any thread; the file goes where it lives. */
     static std::shared_ptr<WorkingFile> Create();
 
     WavFile file;
-    ProgressRelay progress;
+    ProgressQueue progress;
 
 private:
     WorkingFile();

@@ -20,6 +20,11 @@ public:
     static WavFile& File(AudioPlayerWidget& widget) { return widget.File(); }
     static AudioPlayer& Player(AudioPlayerWidget& widget) { return *widget.m_audioPlayer; }
     static BGFXWaveformWidget& Waveform(AudioPlayerWidget& widget) { return *widget.m_waveformWidget; }
+    /** No report of progress gets old, however slow this machine is. Not while a task runs. */
+    static void StopClock(AudioPlayerWidget& widget)
+    {
+        widget.Progress().m_clock = [] { return qint64(0); };
+    }
     static bool HasSelection(const AudioPlayerWidget& widget) { return widget.m_hasSelection; }
     static QString FilteredFilePath(const AudioPlayerWidget& widget) { return widget.m_filteredFilePath; }
     static QString SnippetFilePath(const AudioPlayerWidget& widget) { return widget.m_snippetFilePath; }

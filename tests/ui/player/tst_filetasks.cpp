@@ -34,7 +34,7 @@ void WaitForAbort(WavFile& file)
 
 FileTasks<int>::Work ReturnTheAnswer()
 {
-    return [](WavFile&, const Flag&) { return 42; };
+    return [](WorkingFile&, const Flag&) { return 42; };
 }
 
 } // namespace
@@ -73,8 +73,8 @@ void FileTasksTest::runsOnAThreadOfThePool()
     FileTasks<int> tasks(&WavFile::AbortRead);
     const WavFile* seen = nullptr;
     bool isElsewhere = false;
-    QFuture<int> future = tasks.Start(m_file, [&](WavFile& file, const Flag& isStopped) {
-        seen = &file;
+    QFuture<int> future = tasks.Start(m_file, [&](WorkingFile& working, const Flag& isStopped) {
+        seen = &working.file;
         isElsewhere = QThread::currentThread() != thread();
         return isStopped ? 1 : 42;
     });
@@ -107,7 +107,7 @@ void FileTasksTest::endsAQueuedTaskAtOnceWhileThePoolIsBlocked()
     FileTasks<int> tasks(&WavFile::AbortRead);
     const BlockedPool blocked;
     Flag hasWorked = false;
-    const QFuture<int> future = tasks.Start(m_file, [&hasWorked](WavFile&, const Flag&) {
+    const QFuture<int> future = tasks.Start(m_file, [&hasWorked](WorkingFile&, const Flag&) {
         hasWorked = true;
         return 42;
     });
@@ -132,9 +132,9 @@ void FileTasksTest::stopsARunningTask()
 {
     FileTasks<int> tasks(&WavFile::AbortRead);
     QSemaphore hasBegun;
-    const QFuture<int> future = tasks.Start(m_file, [&hasBegun](WavFile& file, const Flag&) {
+    const QFuture<int> future = tasks.Start(m_file, [&hasBegun](WorkingFile& working, const Flag&) {
         hasBegun.release();
-        WaitForAbort(file);
+        WaitForAbort(working.file);
         return 42;
     });
     hasBegun.acquire();
@@ -147,11 +147,11 @@ void FileTasksTest::stopsATaskThatClearsItsAbortFlagWhenItStarts()
 {
     FileTasks<int> tasks(&WavFile::AbortRead);
     QSemaphore hasBegun;
-    const QFuture<int> future = tasks.Start(m_file, [&hasBegun](WavFile& file, const Flag& isStopped) {
+    const QFuture<int> future = tasks.Start(m_file, [&hasBegun](WorkingFile& working, const Flag& isStopped) {
         hasBegun.release();
-        WaitForAbort(file);
+        WaitForAbort(working.file);
         // Cleared once more, the flag is set anew by a stop that does not give up.
-        WaitForAbort(file);
+        WaitForAbort(working.file);
         return isStopped ? 42 : 0;
     });
     hasBegun.acquire();
@@ -164,9 +164,9 @@ void FileTasksTest::asksToStopWithoutWaiting()
     FileTasks<int> tasks(&WavFile::AbortRead);
     QSemaphore mayEnd;
     QSemaphore hasBegun;
-    const QFuture<int> future = tasks.Start(m_file, [&](WavFile& file, const Flag& isStopped) {
+    const QFuture<int> future = tasks.Start(m_file, [&](WorkingFile& working, const Flag& isStopped) {
         hasBegun.release();
-        WaitForAbort(file);
+        WaitForAbort(working.file);
         mayEnd.acquire();
         return isStopped ? 42 : 0;
     });
@@ -183,7 +183,7 @@ void FileTasksTest::tellsATaskThatItWasStopped()
     FileTasks<void> tasks(&WavFile::AbortRead);
     Flag wasStopped = false;
     QSemaphore hasBegun;
-    const QFuture<void> future = tasks.Start(m_file, [&](WavFile&, const Flag& isStopped) {
+    const QFuture<void> future = tasks.Start(m_file, [&](WorkingFile&, const Flag& isStopped) {
         hasBegun.release();
         while (!isStopped) {
             QThread::yieldCurrentThread();
@@ -208,8 +208,8 @@ void FileTasksTest::clearsUpAfterAStoppedSnippet()
     const QString target = files.Path(QStringLiteral("snippet.wav"));
 
     FileTasks<Result> tasks(&WavFile::AbortWrite);
-    const QFuture<Result> future = tasks.Start(m_file, [target](WavFile& file, const Flag& isStopped) {
-        const Result result = file.CreateSnippet(target, 0.0, 60000.0);
+    const QFuture<Result> future = tasks.Start(m_file, [target](WorkingFile& working, const Flag& isStopped) {
+        const Result result = working.file.CreateSnippet(target, 0.0, 60000.0);
         if (isStopped) {
             QFile::remove(target);
         }
@@ -228,7 +228,7 @@ void FileTasksTest::keepsTheFileForATaskThatOutlivesItsOwner()
     {
         FileTasks<int> tasks(&WavFile::AbortRead);
         QSemaphore hasBegun;
-        tasks.Start(m_file, [&](WavFile&, const Flag&) {
+        tasks.Start(m_file, [&](WorkingFile&, const Flag&) {
             hasBegun.release();
             mayEnd.acquire();
             return 42;
@@ -250,7 +250,7 @@ void FileTasksTest::releasesTheFileOnItsOwnThread()
     FileTasks<int> tasks(&WavFile::AbortRead);
     QSemaphore mayEnd;
     QSemaphore hasBegun;
-    tasks.Start(m_file, [&](WavFile&, const Flag&) {
+    tasks.Start(m_file, [&](WorkingFile&, const Flag&) {
         hasBegun.release();
         mayEnd.acquire();
         return 42;

@@ -22,6 +22,7 @@ private Q_SLOTS:
     void cleanup();
     void theWaveformGetsTheSamplesThatItAsksFor();
     void theHostHearsOfTheProgressOfReading();
+    void theHostHearsOfEveryBlockThatIsRead();
     void theHostHearsOfTheVisibleRange();
     void theHostSetsTheVisibleRange();
     void theHostHearsOfAFinishedSnippet();
@@ -72,6 +73,24 @@ void PlayerConnectionsTest::theHostHearsOfTheProgressOfReading()
     const QSignalSpy told(&Shown(), &Widget::ProgressChanged);
     QTest::mouseDClick(&Diagram(), Qt::LeftButton);
     QTRY_VERIFY(!told.isEmpty() && told.last() == QVariantList({0, 0, 1, u"Updated"_s}));
+}
+
+void PlayerConnectionsTest::theHostHearsOfEveryBlockThatIsRead()
+{
+    AudioPlayerWidgetTestAccess::StopClock(Shown());
+    QStringList told;
+    connect(&Shown(), &Widget::ProgressChanged, this, [&](int progress, int min, int max, const QString& text) {
+        told.append(u"%1 of %2..%3 %4"_s.arg(progress).arg(min).arg(max).arg(text));
+        QVERIFY(Shown().IsReadingSamples());
+    });
+    // Two seconds of 8,000 frames in blocks of 2,000 frames, 4,000 bytes each behind a header of 44.
+    Q_EMIT m_loaded->Waveform().GetSamples(0.0, 2.0, 10);
+    QTRY_VERIFY(!Shown().IsReadingSamples());
+    QCOMPARE(
+        told,
+        QStringList({u"0 of 0..100 Updating..."_s, u"12 of 0..100 Updating..."_s, u"25 of 0..100 Updating..."_s,
+                     u"37 of 0..100 Updating..."_s, u"50 of 0..100 Updating..."_s, u"62 of 0..100 Updating..."_s,
+                     u"75 of 0..100 Updating..."_s, u"87 of 0..100 Updating..."_s, u"0 of 0..1 Updated"_s}));
 }
 
 void PlayerConnectionsTest::theHostHearsOfTheVisibleRange()

@@ -60,6 +60,10 @@ private Q_SLOTS:
     void ofTwoSnippetsAtOnceTheLatterIsAnnounced();
     void theNextSnippetMayStartWhenTheBusyTimeEnds();
     void theNextSnippetMayStartWhenOneHasFailed();
+    void tellsOfEveryBlockAheadOfTheEnd_data();
+    void tellsOfEveryBlockAheadOfTheEnd();
+    void aStopTellsOfItsProgressAheadOfTheEnd_data();
+    void aStopTellsOfItsProgressAheadOfTheEnd();
     void theLastProgressOfALongExportArrives();
     void withoutAFileASnippetFailsAndOverwritesNothing();
     void closingDropsAFilteringThatIsDoneButNotASnippet();
@@ -280,6 +284,80 @@ void PlayerExportTest::theNextSnippetMayStartWhenOneHasFailed()
     setup.player->CreateSnippet(setup.originals.Path(u"missing/snippet.wav"_s));
     QTRY_COMPARE(setup.finished, States{{setup.Snippet()}});
     QCOMPARE(setup.player->errors, Errors{WavFile::ErrorCreateSnippet});
+}
+
+void PlayerExportTest::tellsOfEveryBlockAheadOfTheEnd_data()
+{
+    QTest::addColumn<bool>("isSnippet");
+    QTest::newRow("snippet") << true;
+    QTest::newRow("channel") << false;
+}
+
+void PlayerExportTest::tellsOfEveryBlockAheadOfTheEnd()
+{
+    QFETCH(bool, isSnippet);
+    // 160 blocks of 200 frames.
+    ExportSetup setup(TestAudio{.coding = S16, .channels = 2, .rate = 8000, .frames = 32000});
+    Access::StopClock(*setup.player);
+    setup.player->SetSelectedSnippet({0.0, 4.0});
+    const QString text = isSnippet ? u"Creating snippet..."_s : u"Updating..."_s;
+    QStringList expected{u"busy"_s};
+    constexpr double end = 44 + 32000 * 4;
+    for (int block = 0; block < 160; ++block) {
+        expected.append(u"%1 %2"_s.arg(static_cast<int>((44 + block * 800) / end * 100.0)).arg(text));
+    }
+    expected.append(u"idle"_s);
+
+    QStringList told;
+    connect(setup.player.get(), &AudioPlayerWidget::BusyChanged, this,
+            [&told](bool isBusy) { told.append(isBusy ? u"busy"_s : u"idle"_s); });
+    connect(
+        setup.player.get(), &AudioPlayerWidget::ProgressChanged, this,
+        [&told](int progress, int, int, const QString& what) { told.append(u"%1 %2"_s.arg(progress).arg(what)); });
+    connect(setup.player.get(), &AudioPlayerWidget::CreateSnippetFinished, this,
+            [&told] { told.append(u"finished"_s); });
+    if (isSnippet) {
+        expected.append(u"finished"_s);
+        setup.player->CreateSnippet(setup.Snippet());
+    } else {
+        setup.player->SetSelectedChannel(WavFile::ChannelLeft);
+    }
+    ExportSetup::EndTasks();
+    QTRY_VERIFY(told.contains(u"idle"_s));
+    QCOMPARE(told.first(expected.size()), expected);
+}
+
+void PlayerExportTest::aStopTellsOfItsProgressAheadOfTheEnd_data()
+{
+    using Stop = std::function<void(AudioPlayerWidget&)>;
+    QTest::addColumn<Stop>("stop");
+    QTest::newRow("cancelled") << Stop(&AudioPlayerWidget::CancelSnippet);
+    QTest::newRow("closed") << Stop(&AudioPlayerWidget::Close);
+    QTest::newRow("reset") << Stop(&AudioPlayerWidget::Reset);
+}
+
+void PlayerExportTest::aStopTellsOfItsProgressAheadOfTheEnd()
+{
+    QFETCH(const std::function<void(AudioPlayerWidget&)>, stop);
+    ExportSetup setup;
+    setup.player->SetSelectedSnippet({0.0, 1.0});
+    QCoreApplication::processEvents();
+    HeldTask held(setup.File());
+    QStringList told;
+    connect(
+        setup.player.get(), &AudioPlayerWidget::ProgressChanged, this,
+        [&told](int progress, int, int, const QString& what) { told.append(u"%1 %2"_s.arg(progress).arg(what)); });
+    connect(setup.player.get(), &AudioPlayerWidget::BusyChanged, this, [&told](bool isBusy) {
+        if (!isBusy) {
+            told.append(u"idle"_s);
+        }
+    });
+    setup.player->CreateSnippet(setup.Snippet());
+    QVERIFY(held.HasBegun());
+    held.ReleaseUpon(WavFileTestAccess(setup.File()).IsWriteAborted());
+    stop(*setup.player);
+    QCoreApplication::processEvents();
+    QCOMPARE(told, QStringList({u"0 Creating snippet..."_s, u"0 "_s, u"idle"_s}));
 }
 
 void PlayerExportTest::theLastProgressOfALongExportArrives()
