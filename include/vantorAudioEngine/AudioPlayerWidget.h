@@ -5,7 +5,6 @@
 #include <vantorAudioEngine/WavFile.h>
 
 #include <QtCore/QFutureWatcher>
-#include <QtCore/QList>
 #include <QtCore/QRectF>
 #include <QtCore/QString>
 #include <QtGui/QColor>
@@ -19,16 +18,11 @@
 #include <utility>
 
 class AudioPlayer;
-class QFrame;
-class QLayout;
-class QLineEdit;
 class QRegularExpressionValidator;
 
 namespace vantoraudio::vantorAudioEngine::UI {
 
 class BGFXWaveformWidget;
-class ProgressQueue;
-struct WorkingCopy;
 
 /**
  * Loads one audio file, shows its waveform, plays it, and lets the user choose a channel and a stretch of time,
@@ -272,61 +266,18 @@ private Q_SLOTS:
 private:
     friend class AudioPlayerWidgetTestAccess;
 
-    struct Controls;
-    struct Background;
+    struct Internals;
 
     void SetupUi();
-    void LoadIcons();
-    void SetupWaveform();
     void SetupAudioPlayerControls();
-    QLayout* SetupVolumeControls(QWidget* parent);
-    QLayout* SetupTransportControls(QWidget* parent);
     void SetupSelectionsControls();
-    QLayout* SetupLoadAndChannelControls(QWidget* parent);
-    QLayout* SetupSelectionControls(QWidget* parent);
-    QFrame* SetupSelectionStart(QWidget* parent);
-    QFrame* SetupSelectionEnd(QWidget* parent);
     void SetupHintSection();
-    void SetupAccessibleNames();
-    QLineEdit* CreateTimeField(QWidget* parent, const char* name, const QSize& size, const QString& text);
-    static QLineEdit* CreateTotalField(QWidget* parent);
     void ConnectSignals();
-
-    [[nodiscard]] QString WorkingPathOf(const QString& path) const;
-    [[nodiscard]] WavFile::AudioEngineReturnValue Decode(const QString& path, const QString& workingPath) const;
-    void OpenWorkingFile(WavFile::AudioEngineReturnValue resultSoFar, const QString& workingPath);
-    [[nodiscard]] QString DropLoad();
-    void DropLoadAndTell();
-    void OnLoadEnded();
-    void ShowCopy(const QString& path, const WorkingCopy& copy);
-    void OpenCopy(const QString& path, const WorkingCopy& copy);
-    void FailLoad(const QString& path, vantoraudio::AudioEngine::AudioFileInfo::Problem problem,
-                  WavFile::AudioEngineReturnValue code);
-    [[nodiscard]] QString AskForFile();
-    void ShowLoadedFile(const QString& workingPath);
-    void ShowWaveform(double duration);
-    void FillChannelSelector();
-    void ForgetReading();
-    void OnNote(int note);
     void EnableAudioControls(bool canPlay);
     void SetBusy(bool busy);
-
-    void ShowPlayIcon(bool isPlaying);
-    void ShowMuteIcon(bool isMuted);
-    void ShowAsPlaying(bool isPlaying);
-    void CorrectLateReport(qint64 milliseconds);
-    [[nodiscard]] QString FilteredPathOf(WavFile::ChannelFormat channel) const;
-    void PlayFilteredFile();
-    void GoBackToPreviousChannel();
-    void DropFiltering();
-
     [[nodiscard]] static QString ConvertToDisplayTimeFormat(double seconds);
     [[nodiscard]] static double ConvertFromDisplayTimeFormat(const QString& text);
 
-    WavFile& File() const;
-    ProgressQueue& Progress() const;
-
-    std::unique_ptr<Controls> m_controls;
     QString m_originalAudioFilePath;
     QString m_snippetFilePath;
     QString m_filteredFilePath;
@@ -351,16 +302,7 @@ private:
     QFutureWatcher<WavFile::AudioEngineReturnValue> m_snippetWatcher;
     QFutureWatcher<WavFile::AudioEngineReturnValue> m_channelFilterWatcher;
 
-    /** The working copy and what runs on it. */
-    std::unique_ptr<Background> m_background;
-    bool m_decodesToFloat = false;
-    bool m_loadsInBackground = false;
-    /** Counts what ends a load: the next load and every closing. */
-    int m_loadCount = 0;
-    /** Counts what ends a filtering: the next filtering and every closing. */
-    int m_filteringCount = 0;
-    /** The latest filtering is the way back from one that failed. */
-    bool m_isGoingBack = false;
+    std::unique_ptr<Internals> m_internals;
 };
 
 } // namespace vantoraudio::vantorAudioEngine::UI

@@ -1,8 +1,6 @@
 #include "engine/files/RegularFile.h"
-#include "ui/player/Background.h"
-#include "ui/player/Controls.h"
-#include "ui/player/ForgottenFuture.h"
 #include "ui/player/GuardedSignalBlocker.h"
+#include "ui/player/Internals.h"
 #include "ui/player/TimeText.h"
 
 #include <vantorAudioEngine/AudioPlayer.h>
@@ -52,7 +50,7 @@ bool IsWavName(const QString& path)
 } // namespace
 
 AudioPlayerWidget::AudioPlayerWidget(QWidget* parent)
-    : QWidget(parent), m_controls(std::make_unique<Controls>()), m_background(std::make_unique<Background>())
+    : QWidget(parent), m_internals(std::make_unique<Internals>(*this))
 {
     SetupUi();
     ConnectSignals();
@@ -80,76 +78,79 @@ void AudioPlayerWidget::SetAudioFile(const QString& path)
         return;
     }
     // Decoding runs an event loop, in which this widget may be destroyed.
-    const GuardedSignalBlocker blocker(m_controls->edTotalDuration);
-    const QString workingPath = WorkingPathOf(path);
+    const GuardedSignalBlocker blocker(m_internals->controls.edTotalDuration);
+    const QString workingPath = m_internals->WorkingPathOf(path);
     if (!ProvideWorkingCopy(path, workingPath)) {
         // The code of a header that cannot be written stands for every failed copy; hosts know it as that.
         ErrorHandler(WavFile::ErrorWriteHeader);
         return;
     }
     m_originalAudioFilePath = path;
-    if (File().fileName() != workingPath) {
+    if (m_internals->loaded.File().fileName() != workingPath) {
         Reset();
     }
-    if (!self || File().isOpen() || workingPath.isEmpty()) {
+    if (!self || m_internals->loaded.File().isOpen() || workingPath.isEmpty()) {
         return;
     }
-    const int load = ++m_loadCount;
-    const WavFile::AudioEngineReturnValue result = IsWavName(path) ? WavFile::Success : Decode(path, workingPath);
-    if (!self || load != m_loadCount) {
-        return;
-    }
-    OpenWorkingFile(result, workingPath);
-}
-
-WavFile::AudioEngineReturnValue AudioPlayerWidget::Decode(const QString& path, const QString& workingPath) const
-{
-    return m_decodesToFloat ? Decoder::ConvertToFloat(path, workingPath, decodedSampleRate)
-                            : Decoder::Convert(path, workingPath, decodedSampleRate);
-}
-
-void AudioPlayerWidget::OpenWorkingFile(WavFile::AudioEngineReturnValue resultSoFar, const QString& workingPath)
-{
-    File().SetLargeFiles(false);
+    const int load = ++m_internals->loadCount;
     const WavFile::AudioEngineReturnValue result =
-        resultSoFar == WavFile::Success ? File().Open(workingPath) : resultSoFar;
+        IsWavName(path) ? WavFile::Success : m_internals->Decode(path, workingPath);
+    if (!self || load != m_internals->loadCount) {
+        return;
+    }
+    m_internals->OpenWorkingFile(result, workingPath);
+}
+
+WavFile::AudioEngineReturnValue AudioPlayerWidget::Internals::Decode(const QString& path,
+                                                                     const QString& workingPath) const
+{
+    return decodesToFloat ? Decoder::ConvertToFloat(path, workingPath, decodedSampleRate)
+                          : Decoder::Convert(path, workingPath, decodedSampleRate);
+}
+
+void AudioPlayerWidget::Internals::OpenWorkingFile(WavFile::AudioEngineReturnValue resultSoFar,
+                                                   const QString& workingPath)
+{
+    loaded.File().SetLargeFiles(false);
+    const WavFile::AudioEngineReturnValue result =
+        resultSoFar == WavFile::Success ? loaded.File().Open(workingPath) : resultSoFar;
     if (result == WavFile::Success) {
         // Kept until the player has left it.
-        const WorkingCopy former = std::exchange(m_background->copy, WorkingCopy());
+        const WorkingCopy former = std::exchange(loaded.copy, WorkingCopy());
         ShowLoadedFile(workingPath);
         return;
     }
     // A file with a bad header stays open; kept so, it would count as loaded when it is loaded again.
-    File().close();
-    ErrorHandler(result);
+    loaded.File().close();
+    widget.ErrorHandler(result);
 }
 
-void AudioPlayerWidget::ShowLoadedFile(const QString& workingPath)
+void AudioPlayerWidget::Internals::ShowLoadedFile(const QString& workingPath)
 {
-    EnableAudioControls(true);
+    widget.EnableAudioControls(true);
     FillChannelSelector();
-    const double duration = File().GetDuration();
+    const double duration = loaded.File().GetDuration();
     ShowWaveform(duration);
-    m_audioPlayer->SetAudio(workingPath, duration);
-    m_controls->edTotalDuration->setText(ConvertToDisplayTimeFormat(duration));
-    Q_EMIT AudioFileChanged(workingPath);
+    widget.m_audioPlayer->SetAudio(workingPath, duration);
+    controls.edTotalDuration->setText(AudioPlayerWidget::ConvertToDisplayTimeFormat(duration));
+    Q_EMIT widget.AudioFileChanged(workingPath);
 }
 
-void AudioPlayerWidget::ShowWaveform(double duration)
+void AudioPlayerWidget::Internals::ShowWaveform(double duration)
 {
-    if (m_waveformWidget->GetDelay() != 0.0) {
+    if (widget.m_waveformWidget->GetDelay() != 0.0) {
         // Otherwise the samples would be asked for as sparsely as the former silence needs, and drawn as densely
         // as the file without it.
-        m_waveformWidget->SetDelay(0.0);
+        widget.m_waveformWidget->SetDelay(0.0);
     }
-    m_waveformWidget->Initilize(File().GetFileFormat(), duration);
+    widget.m_waveformWidget->Initilize(loaded.File().GetFileFormat(), duration);
 }
 
 /** The copy keeps the caller's file name also when it is decoded: a name in .mp3 then holds WAV data, and loading
  *  the same file again finds its copy. */
-QString AudioPlayerWidget::WorkingPathOf(const QString& path) const
+QString AudioPlayerWidget::Internals::WorkingPathOf(const QString& path) const
 {
-    return QDir(m_writableDirectoryPath).path() + u'/' + QFileInfo(path).fileName();
+    return QDir(widget.m_writableDirectoryPath).path() + u'/' + QFileInfo(path).fileName();
 }
 
 void AudioPlayerWidget::Reset()
@@ -157,7 +158,7 @@ void AudioPlayerWidget::Reset()
     const QPointer<AudioPlayerWidget> self(this);
     StopPlayback();
     Close();
-    if (!self || File().isOpen()) {
+    if (!self || m_internals->loaded.File().isOpen()) {
         // When the program heard of the end of the busy time it destroyed this widget, or loaded another file,
         // which is to be seen.
         return;
@@ -165,26 +166,25 @@ void AudioPlayerWidget::Reset()
     EnableAudioControls(false);
     m_waveformWidget->Reset();
     // With a comma, although times are shown with a point: hosts tell an empty player by this text.
-    m_controls->edTotalDuration->setText(u"00:00:00,000"_s);
+    m_internals->controls.edTotalDuration->setText(u"00:00:00,000"_s);
 }
 
 void AudioPlayerWidget::Close()
 {
-    ++m_loadCount;
-    const QString loadingPath = DropLoad();
-    m_background->samples.Stop();
-    DropFiltering();
+    ++m_internals->loadCount;
+    const QString loadingPath = m_internals->DropLoad();
+    m_internals->loaded.StopReading();
+    m_internals->DropFiltering();
     const bool isWriting = m_snippetWatcher.isRunning();
-    m_background->snippet.Stop();
-    File().close();
-    ForgetReading();
+    m_internals->loaded.snippet.Stop();
+    m_internals->loaded.File().close();
     // A snippet that was written whole is still announced.
     if (isWriting) {
         Forget(m_snippetWatcher);
     }
     const QPointer<AudioPlayerWidget> self(this);
     if (m_busy) {
-        Progress().PassOnAll();
+        m_internals->loaded.Progress().PassOnAll();
     }
     if (self && m_busy) {
         SetBusy(false);
@@ -204,17 +204,17 @@ bool AudioPlayerWidget::Convert(const QString& path, const QAudioFormat& format)
 
 double AudioPlayerWidget::GetAudioDuration() const
 {
-    return File().isOpen() ? File().GetDuration() : 0.0;
+    return m_internals->loaded.File().isOpen() ? m_internals->loaded.File().GetDuration() : 0.0;
 }
 
 QAudioFormat AudioPlayerWidget::GetAudioFileFormat() const
 {
-    return File().GetFileFormat();
+    return m_internals->loaded.File().GetFileFormat();
 }
 
 QString AudioPlayerWidget::GetAudioFileName() const
 {
-    return File().isOpen() ? File().fileName() : QString();
+    return m_internals->loaded.File().isOpen() ? m_internals->loaded.File().fileName() : QString();
 }
 
 QString AudioPlayerWidget::GetOriginalAudioFilePath() const
@@ -234,12 +234,12 @@ void AudioPlayerWidget::SetWritableDirectoryPath(const QString& path)
 
 bool AudioPlayerWidget::GetDecodeToFloat() const
 {
-    return m_decodesToFloat;
+    return m_internals->decodesToFloat;
 }
 
 void AudioPlayerWidget::SetDecodeToFloat(bool decodeToFloat)
 {
-    m_decodesToFloat = decodeToFloat;
+    m_internals->decodesToFloat = decodeToFloat;
 }
 
 bool AudioPlayerWidget::IsBusy() const
@@ -249,8 +249,8 @@ bool AudioPlayerWidget::IsBusy() const
 
 bool AudioPlayerWidget::IsReadingSamples() const
 {
-    return m_samplesWatcher.isRunning() || Progress().Holds(WorkingFile::NewSamples) ||
-           Progress().Holds(WorkingFile::ReadingEnded);
+    return m_samplesWatcher.isRunning() || m_internals->loaded.Progress().Holds(WorkingFile::NewSamples) ||
+           m_internals->loaded.Progress().Holds(WorkingFile::ReadingEnded);
 }
 
 double AudioPlayerWidget::GetDelay() const
@@ -266,13 +266,13 @@ void AudioPlayerWidget::SetDelay(double delay)
 void AudioPlayerWidget::SetEditMode(bool isEditing)
 {
     m_waveformWidget->SetEditMode(isEditing);
-    m_controls->frmEditingControls->setVisible(isEditing);
+    m_internals->controls.frmEditingControls->setVisible(isEditing);
 }
 
 void AudioPlayerWidget::SetHint(const QString& text)
 {
-    m_controls->lblAudioPlayerHint->setText(text);
-    m_controls->frmAudioPlayerHint->setVisible(!text.isEmpty());
+    m_internals->controls.lblAudioPlayerHint->setText(text);
+    m_internals->controls.frmAudioPlayerHint->setVisible(!text.isEmpty());
 }
 
 void AudioPlayerWidget::ErrorHandler(WavFile::AudioEngineReturnValue /*error*/)
@@ -282,40 +282,27 @@ void AudioPlayerWidget::ErrorHandler(WavFile::AudioEngineReturnValue /*error*/)
 
 void AudioPlayerWidget::GetSamples(double startTime, double endTime, int stepSize)
 {
-    m_background->samples.Stop();
-    ForgetReading();
-    const auto read = [=](WorkingFile& file, const auto&) {
-        file.file.ReadData(startTime, endTime, stepSize);
-        file.progress.Leave(WorkingFile::ReadingEnded);
-    };
-    m_samplesWatcher.setFuture(m_background->samples.Start(m_background->workingFile, read));
-}
-
-/** The news of samples may still be on its way when others are asked for. */
-void AudioPlayerWidget::ForgetReading()
-{
-    Progress().Forget(WorkingFile::NewSamples);
-    Progress().Forget(WorkingFile::ReadingEnded);
+    m_samplesWatcher.setFuture(m_internals->loaded.Read(startTime, endTime, stepSize));
 }
 
 void AudioPlayerWidget::OnNewSamples()
 {
-    m_waveformWidget->UpdateAudioSampleBuffer(File().GetSamples());
+    m_waveformWidget->UpdateAudioSampleBuffer(m_internals->loaded.File().GetSamples());
 }
 
 /** Every task of the pool gives one result. */
-void AudioPlayerWidget::OnNote(int note)
+void AudioPlayerWidget::Internals::OnNote(int note)
 {
     constexpr int onlyResult = 0;
     switch (note) {
     case WorkingFile::NewSamples:
-        OnNewSamples();
+        widget.OnNewSamples();
         break;
     case WorkingFile::SnippetEnded:
-        OnSnippetCreateFinished(onlyResult);
+        widget.OnSnippetCreateFinished(onlyResult);
         break;
     case WorkingFile::ChannelFilterEnded:
-        OnChannelSelectionFinished(onlyResult);
+        widget.OnChannelSelectionFinished(onlyResult);
         break;
     default:
         break;
@@ -331,10 +318,10 @@ void AudioPlayerWidget::OnProgressChanged(int progress, int min, int max, const 
 void AudioPlayerWidget::EnableAudioControls(bool canPlay)
 {
     const bool canEdit = m_waveformWidget->GetEditMode();
-    m_controls->btnPlayPause->setEnabled(canPlay);
-    m_controls->cmbboxChannelSelector->setEnabled(canEdit);
-    m_controls->frmSelectionStart->setEnabled(canEdit);
-    m_controls->frmSelectionEnd->setEnabled(canEdit);
+    m_internals->controls.btnPlayPause->setEnabled(canPlay);
+    m_internals->controls.cmbboxChannelSelector->setEnabled(canEdit);
+    m_internals->controls.frmSelectionStart->setEnabled(canEdit);
+    m_internals->controls.frmSelectionEnd->setEnabled(canEdit);
 }
 
 /** Playing stays possible. The end of a busy time enables the controls also outside edit mode, where they are
@@ -343,21 +330,11 @@ void AudioPlayerWidget::SetBusy(bool busy)
 {
     m_busy = busy;
     m_waveformWidget->setEnabled(!busy);
-    m_controls->btnLoadFile->setEnabled(!busy);
-    m_controls->frmSelectionStart->setEnabled(!busy);
-    m_controls->frmSelectionEnd->setEnabled(!busy);
-    m_controls->cmbboxChannelSelector->setEnabled(!busy);
+    m_internals->controls.btnLoadFile->setEnabled(!busy);
+    m_internals->controls.frmSelectionStart->setEnabled(!busy);
+    m_internals->controls.frmSelectionEnd->setEnabled(!busy);
+    m_internals->controls.cmbboxChannelSelector->setEnabled(!busy);
     Q_EMIT BusyChanged(busy);
-}
-
-WavFile& AudioPlayerWidget::File() const
-{
-    return m_background->workingFile->file;
-}
-
-ProgressQueue& AudioPlayerWidget::Progress() const
-{
-    return m_background->workingFile->progress;
 }
 
 } // namespace vantoraudio::vantorAudioEngine::UI

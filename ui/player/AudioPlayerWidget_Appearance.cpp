@@ -1,4 +1,4 @@
-#include "ui/player/Controls.h"
+#include "ui/player/Internals.h"
 
 #include <vantorAudioEngine/AudioPlayerWidget.h>
 #include <vantorAudioEngine/BGFXWaveformWidget.h>
@@ -50,61 +50,61 @@ void AudioPlayerWidget::SetWaveformColor(const QColor& color)
 void AudioPlayerWidget::SetIconPlay(const QIcon& icon)
 {
     m_playIcon = icon;
-    ShowPlayIcon(m_controls->btnPlayPause->isChecked());
+    m_internals->ShowPlayIcon(m_internals->controls.btnPlayPause->isChecked());
 }
 
 void AudioPlayerWidget::SetIconPause(const QIcon& icon)
 {
     m_pauseIcon = icon;
-    ShowPlayIcon(m_controls->btnPlayPause->isChecked());
+    m_internals->ShowPlayIcon(m_internals->controls.btnPlayPause->isChecked());
 }
 
 void AudioPlayerWidget::SetIconStop(const QIcon& icon)
 {
     m_stopIcon = icon;
-    m_controls->btnStop->setIcon(icon);
+    m_internals->controls.btnStop->setIcon(icon);
 }
 
 void AudioPlayerWidget::SetIconLoop(const QIcon& icon)
 {
     m_loopIcon = icon;
-    m_controls->btnLoop->setIcon(icon);
+    m_internals->controls.btnLoop->setIcon(icon);
 }
 
 void AudioPlayerWidget::SetIconSettings(const QIcon& icon)
 {
     m_settingsIcon = icon;
-    m_controls->btnSettings->setIcon(icon);
+    m_internals->controls.btnSettings->setIcon(icon);
 }
 
 void AudioPlayerWidget::SetIconMute(const QIcon& icon)
 {
     m_muteIcon = icon;
-    ShowMuteIcon(m_controls->btnMute->isChecked());
+    m_internals->ShowMuteIcon(m_internals->controls.btnMute->isChecked());
 }
 
 void AudioPlayerWidget::SetIconUnmute(const QIcon& icon)
 {
     m_unmuteIcon = icon;
-    ShowMuteIcon(m_controls->btnMute->isChecked());
+    m_internals->ShowMuteIcon(m_internals->controls.btnMute->isChecked());
 }
 
 void AudioPlayerWidget::SetIconLoad(const QIcon& icon)
 {
     m_loadIcon = icon;
-    m_controls->btnLoadFile->setIcon(icon);
+    m_internals->controls.btnLoadFile->setIcon(icon);
 }
 
 void AudioPlayerWidget::SetIconIncrement(const QIcon& icon)
 {
-    m_controls->btnIncSelectionStart->setIcon(icon);
-    m_controls->btnIncSelectionEnd->setIcon(icon);
+    m_internals->controls.btnIncSelectionStart->setIcon(icon);
+    m_internals->controls.btnIncSelectionEnd->setIcon(icon);
 }
 
 void AudioPlayerWidget::SetIconDecrement(const QIcon& icon)
 {
-    m_controls->btnDecSelectionStart->setIcon(icon);
-    m_controls->btnDecSelectionEnd->setIcon(icon);
+    m_internals->controls.btnDecSelectionStart->setIcon(icon);
+    m_internals->controls.btnDecSelectionEnd->setIcon(icon);
 }
 
 } // namespace vantoraudio::vantorAudioEngine::UI

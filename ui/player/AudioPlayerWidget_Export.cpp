@@ -1,6 +1,4 @@
-#include "ui/player/Background.h"
-#include "ui/player/Controls.h"
-#include "ui/player/ForgottenFuture.h"
+#include "ui/player/Internals.h"
 #include "ui/player/SelectionSteps.h"
 
 #include <vantorAudioEngine/AudioPlayer.h>
@@ -15,70 +13,36 @@
 using namespace Qt::Literals::StringLiterals;
 
 namespace vantoraudio::vantorAudioEngine::UI {
-namespace {
 
 using Result = WavFile::AudioEngineReturnValue;
-using Work = FileTasks<Result>::Work;
 
-// The header of an output states its full size, so that one which ended half-way would pass for whole.
-
-/** Also what a failure leaves is removed: the next filtering would take it for the channel. */
-Work FilterInto(const QString& path)
+void AudioPlayerWidget::Internals::FillChannelSelector()
 {
-    return [path](WorkingFile& working, const std::atomic<bool>& isStopped) {
-        const bool isNew = !QFile::exists(path);
-        const Result result = working.file.FilterChannel(path);
-        if (isNew && (isStopped || result != WavFile::Success) && QFile::exists(path)) {
-            QFile::remove(path);
-        }
-        return result;
-    };
-}
-
-/** What a failure leaves stays: it may be a file that was not to be touched. */
-Work WriteSnippet(const QString& path, const Selection& range)
-{
-    return [=](WorkingFile& working, const std::atomic<bool>& isStopped) {
-        WavFile& file = working.file;
-        // Of a closed file only a header would be written, over what is there.
-        const Result result =
-            file.isOpen() ? file.CreateSnippet(path, range.start, range.end) : WavFile::ErrorCreateSnippet;
-        if (isStopped && result == WavFile::Success) {
-            QFile::remove(path);
-        }
-        return result;
-    };
-}
-
-} // namespace
-
-void AudioPlayerWidget::FillChannelSelector()
-{
-    QComboBox* selector = m_controls->cmbboxChannelSelector;
+    QComboBox* selector = controls.cmbboxChannelSelector;
     const QSignalBlocker blocker(selector);
     const auto add = [selector](const QString& text, WavFile::ChannelFormat channel) {
         selector->addItem(text, QVariant::fromValue(channel));
     };
     selector->clear();
-    if (File().GetFileFormat().channelCount() != 2) {
-        File().SetSelectedChannel(WavFile::ChannelMono);
-        add(tr("Mono"), WavFile::ChannelMono);
+    if (loaded.File().GetFileFormat().channelCount() != 2) {
+        loaded.File().SetSelectedChannel(WavFile::ChannelMono);
+        add(AudioPlayerWidget::tr("Mono"), WavFile::ChannelMono);
         return;
     }
-    File().SetSelectedChannel(WavFile::ChannelLeftRight);
-    add(tr("Channel L + R"), WavFile::ChannelLeftRight);
-    add(tr("Channel L"), WavFile::ChannelLeft);
-    add(tr("Channel R"), WavFile::ChannelRight);
+    loaded.File().SetSelectedChannel(WavFile::ChannelLeftRight);
+    add(AudioPlayerWidget::tr("Channel L + R"), WavFile::ChannelLeftRight);
+    add(AudioPlayerWidget::tr("Channel L"), WavFile::ChannelLeft);
+    add(AudioPlayerWidget::tr("Channel R"), WavFile::ChannelRight);
 }
 
 WavFile::ChannelFormat AudioPlayerWidget::GetSelectedChannel() const
 {
-    return File().GetSelectedChannel();
+    return m_internals->loaded.File().GetSelectedChannel();
 }
 
 void AudioPlayerWidget::SetSelectedChannel(WavFile::ChannelFormat channel)
 {
-    QComboBox* selector = m_controls->cmbboxChannelSelector;
+    QComboBox* selector = m_internals->controls.cmbboxChannelSelector;
     const int index = selector->findData(QVariant::fromValue(channel), Qt::UserRole, Qt::MatchExactly);
     if (index >= 0 && index != selector->currentIndex()) {
         selector->setCurrentIndex(index);
@@ -87,35 +51,35 @@ void AudioPlayerWidget::SetSelectedChannel(WavFile::ChannelFormat channel)
 
 void AudioPlayerWidget::OnCmbboxChannelSelectorCurrentIndexChanged(int /*index*/)
 {
-    const auto channel = m_controls->cmbboxChannelSelector->currentData().value<WavFile::ChannelFormat>();
-    m_previousChannel = File().GetSelectedChannel();
+    const auto channel =
+        m_internals->controls.cmbboxChannelSelector->currentData().value<WavFile::ChannelFormat>();
+    m_previousChannel = m_internals->loaded.File().GetSelectedChannel();
     // Of a closed file only a header would be written, which the next filtering would take for the channel.
-    if (channel == m_previousChannel || !File().isOpen()) {
+    if (channel == m_previousChannel || !m_internals->loaded.File().isOpen()) {
         return;
     }
-    m_background->samples.Stop();
-    DropFiltering();
-    m_isGoingBack = false;
-    File().SetSelectedChannel(channel);
-    m_filteredFilePath = FilteredPathOf(channel);
-    m_channelFilterWatcher.setFuture(
-        m_background->channelFilter.Start(m_background->workingFile, FilterInto(m_filteredFilePath)));
+    m_internals->loaded.samples.Stop();
+    m_internals->DropFiltering();
+    m_internals->isGoingBack = false;
+    m_internals->loaded.File().SetSelectedChannel(channel);
+    m_filteredFilePath = m_internals->FilteredPathOf(channel);
+    m_channelFilterWatcher.setFuture(m_internals->loaded.FilterInto(m_filteredFilePath));
     SetBusy(true);
 }
 
 /** Only the latest filtering counts, and only while its file is open. */
-void AudioPlayerWidget::DropFiltering()
+void AudioPlayerWidget::Internals::DropFiltering()
 {
-    m_background->channelFilter.Stop();
-    Forget(m_channelFilterWatcher);
-    Progress().Forget(WorkingFile::ChannelFilterEnded);
-    ++m_filteringCount;
+    loaded.channelFilter.Stop();
+    Forget(widget.m_channelFilterWatcher);
+    loaded.Progress().Forget(WorkingFile::ChannelFilterEnded);
+    ++filteringCount;
 }
 
-QString AudioPlayerWidget::FilteredPathOf(WavFile::ChannelFormat channel) const
+QString AudioPlayerWidget::Internals::FilteredPathOf(WavFile::ChannelFormat channel) const
 {
-    const QFileInfo file(File().fileName());
-    const bool isStereo = File().GetFileFormat().channelCount() == 2;
+    const QFileInfo file(loaded.File().fileName());
+    const bool isStereo = loaded.File().GetFileFormat().channelCount() == 2;
     if (isStereo && channel == WavFile::ChannelLeft) {
         return file.path() + u'/' + file.completeBaseName() + u"_Left."_s + file.suffix();
     }
@@ -128,42 +92,42 @@ QString AudioPlayerWidget::FilteredPathOf(WavFile::ChannelFormat channel) const
 void AudioPlayerWidget::OnChannelSelectionFinished(int index)
 {
     const Result result = m_channelFilterWatcher.resultAt(index);
-    const int filtering = m_filteringCount;
+    const int filtering = m_internals->filteringCount;
     const QPointer<AudioPlayerWidget> self(this);
     SetBusy(false);
-    if (!self || filtering != m_filteringCount) {
+    if (!self || filtering != m_internals->filteringCount) {
         // Upon that signal the program destroyed this widget, or chose another channel or file.
         return;
     }
     if (result == WavFile::Success && QFile::exists(m_filteredFilePath)) {
-        PlayFilteredFile();
+        m_internals->PlayFilteredFile();
         return;
     }
     m_filteredFilePath.clear();
-    GoBackToPreviousChannel();
+    m_internals->GoBackToPreviousChannel();
     ErrorHandler(result);
 }
 
-void AudioPlayerWidget::PlayFilteredFile()
+void AudioPlayerWidget::Internals::PlayFilteredFile()
 {
-    StopPlayback();
-    const auto [start, end] = m_waveformWidget->GetSelectedSnippet();
-    const double duration = File().GetDuration();
+    widget.StopPlayback();
+    const auto [start, end] = widget.m_waveformWidget->GetSelectedSnippet();
+    const double duration = loaded.File().GetDuration();
     ShowWaveform(duration);
-    m_waveformWidget->SetSelectedSnippet({start, end});
-    m_audioPlayer->SetAudio(m_filteredFilePath, duration);
+    widget.m_waveformWidget->SetSelectedSnippet({start, end});
+    widget.m_audioPlayer->SetAudio(widget.m_filteredFilePath, duration);
     if (LengthOf({start, end}) > shortestSelection) {
-        m_audioPlayer->SetSelection(start, end);
+        widget.m_audioPlayer->SetSelection(start, end);
     }
 }
 
 /** Filters for the previous channel, which is chosen as a user would choose it. When that fails as well, the box
  *  stays where it is: going back from there would never end. */
-void AudioPlayerWidget::GoBackToPreviousChannel()
+void AudioPlayerWidget::Internals::GoBackToPreviousChannel()
 {
-    if (!m_isGoingBack) {
-        SetSelectedChannel(m_previousChannel);
-        m_isGoingBack = true;
+    if (!isGoingBack) {
+        widget.SetSelectedChannel(widget.m_previousChannel);
+        isGoingBack = true;
     }
 }
 
@@ -176,9 +140,8 @@ void AudioPlayerWidget::CreateSnippet(const QString& filePath)
     m_snippetFilePath = filePath;
     const auto [start, end] = m_waveformWidget->GetSelectedSnippet();
     Forget(m_snippetWatcher);
-    Progress().Forget(WorkingFile::SnippetEnded);
-    m_snippetWatcher.setFuture(
-        m_background->snippet.Start(m_background->workingFile, WriteSnippet(filePath, {start, end})));
+    m_internals->loaded.Progress().Forget(WorkingFile::SnippetEnded);
+    m_snippetWatcher.setFuture(m_internals->loaded.WriteSnippet(filePath, {start, end}));
     SetBusy(true);
 }
 
@@ -187,10 +150,10 @@ void AudioPlayerWidget::CancelSnippet()
     if (!m_snippetWatcher.isRunning()) {
         return;
     }
-    m_background->snippet.Stop();
+    m_internals->loaded.snippet.Stop();
     Forget(m_snippetWatcher);
     const QPointer<AudioPlayerWidget> self(this);
-    Progress().PassOnAll();
+    m_internals->loaded.Progress().PassOnAll();
     if (self) {
         SetBusy(m_channelFilterWatcher.isRunning());
     }

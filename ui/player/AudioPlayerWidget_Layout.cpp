@@ -1,5 +1,4 @@
-#include "ui/player/Background.h"
-#include "ui/player/Controls.h"
+#include "ui/player/Internals.h"
 
 #include <vantorAudioEngine/AudioPlayer.h>
 #include <vantorAudioEngine/AudioPlayerWidget.h>
@@ -89,6 +88,17 @@ QLabel* CreateHeading(QWidget* parent, const char* name, const QString& text)
     return label;
 }
 
+QLineEdit* CreateTotalField(QWidget* parent)
+{
+    auto* field = new QLineEdit(parent);
+    field->setObjectName("edTotalDuration"_L1);
+    field->setFixedSize(80, 20);
+    field->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    field->setReadOnly(true);
+    field->setText(u"00:00:00,000"_s);
+    return field;
+}
+
 void AddSpacer(QBoxLayout* layout, int width, int height, QSizePolicy::Policy horizontal)
 {
     layout->addItem(new QSpacerItem(width, height, horizontal, QSizePolicy::Minimum));
@@ -103,43 +113,43 @@ void AudioPlayerWidget::SetupUi()
     m_audioPlayer = new AudioPlayer(this);
     m_hasSelection = false;
     m_busy = false;
-    LoadIcons();
+    m_internals->LoadIcons();
     // The point before the milliseconds stands for any character, so that a comma may be written as well.
     m_timeValidator = std::make_unique<QRegularExpressionValidator>(
         QRegularExpression(uR"((2[0-3]|[01][0-9]):[0-5][0-9]:[0-5][0-9].\d{3})"_s));
-    m_controls->mainLayout = CreateLayoutOn<QVBoxLayout>(this, "mainLayout", {0, 0, 0, 6});
-    m_controls->mainLayout->setSpacing(0);
-    SetupWaveform();
+    m_internals->controls.mainLayout = CreateLayoutOn<QVBoxLayout>(this, "mainLayout", {0, 0, 0, 6});
+    m_internals->controls.mainLayout->setSpacing(0);
+    m_internals->SetupWaveform();
     SetupAudioPlayerControls();
     SetupSelectionsControls();
     SetupHintSection();
-    SetupAccessibleNames();
+    m_internals->SetupAccessibleNames();
     SetHint(QString());
     SetEditMode(false);
     EnableAudioControls(false);
 }
 
-void AudioPlayerWidget::LoadIcons()
+void AudioPlayerWidget::Internals::LoadIcons()
 {
-    m_loadIcon = LoadIcon("LoadAudio"_L1);
-    m_playIcon = LoadIcon("PlayerPlay"_L1);
-    m_pauseIcon = LoadIcon("PlayerPause"_L1);
-    m_stopIcon = LoadIcon("PlayerStop"_L1);
-    m_loopIcon = LoadIcon("PlayerLoop"_L1);
+    widget.m_loadIcon = LoadIcon("LoadAudio"_L1);
+    widget.m_playIcon = LoadIcon("PlayerPlay"_L1);
+    widget.m_pauseIcon = LoadIcon("PlayerPause"_L1);
+    widget.m_stopIcon = LoadIcon("PlayerStop"_L1);
+    widget.m_loopIcon = LoadIcon("PlayerLoop"_L1);
     // Not one of ours: what the settings button stands for is the program's, which brings the picture along.
-    m_settingsIcon = LoadIcon("Preferences"_L1);
-    m_muteIcon = LoadIcon("Mute"_L1);
-    m_unmuteIcon = LoadIcon("Unmute"_L1);
+    widget.m_settingsIcon = LoadIcon("Preferences"_L1);
+    widget.m_muteIcon = LoadIcon("Mute"_L1);
+    widget.m_unmuteIcon = LoadIcon("Unmute"_L1);
 }
 
-void AudioPlayerWidget::SetupWaveform()
+void AudioPlayerWidget::Internals::SetupWaveform()
 {
-    QFrame* frame = CreateFrame(this, "frmWaveForm");
+    QFrame* frame = CreateFrame(&widget, "frmWaveForm");
     auto* layout = CreateLayoutOn<QHBoxLayout>(frame, "waveFormHBoxLayout", {0, 0, 0, 6});
     layout->setSpacing(6);
-    m_waveformWidget = new BGFXWaveformWidget(frame);
-    layout->addWidget(m_waveformWidget);
-    m_controls->mainLayout->addWidget(frame);
+    widget.m_waveformWidget = new BGFXWaveformWidget(frame);
+    layout->addWidget(widget.m_waveformWidget);
+    controls.mainLayout->addWidget(frame);
 }
 
 void AudioPlayerWidget::SetupAudioPlayerControls()
@@ -147,31 +157,32 @@ void AudioPlayerWidget::SetupAudioPlayerControls()
     QFrame* frame = CreateFrame(this, "frmAudioControls");
     frame->setMaximumSize(QWIDGETSIZE_MAX, 30);
     auto* layout = CreateLayoutOn<QHBoxLayout>(frame, "audioControlsHLayout", {30, 0, 20, 0});
-    layout->addLayout(SetupVolumeControls(frame));
+    layout->addLayout(m_internals->SetupVolumeControls(frame));
     AddSpacer(layout, 0, 20, QSizePolicy::Expanding);
-    layout->addLayout(SetupTransportControls(frame));
+    layout->addLayout(m_internals->SetupTransportControls(frame));
     AddSpacer(layout, 0, 20, QSizePolicy::Expanding);
 
     QLabel* currentPosition = CreateLabel(frame, "lblCurrentPos", tr("Current position:"));
     currentPosition->setFixedHeight(20);
     layout->addWidget(currentPosition);
-    m_controls->edCurrentPosition = CreateTimeField(frame, "edCurrentPosition", {80, 20}, u"00:00:00,000"_s);
-    layout->addWidget(m_controls->edCurrentPosition);
+    m_internals->controls.edCurrentPosition =
+        m_internals->CreateTimeField(frame, "edCurrentPosition", {80, 20}, u"00:00:00,000"_s);
+    layout->addWidget(m_internals->controls.edCurrentPosition);
     AddSpacer(layout, 10, 16, QSizePolicy::Preferred);
     QLabel* total = CreateLabel(frame, "lblHeaderTotal", tr("Total:"));
     total->setFixedHeight(20);
     layout->addWidget(total);
-    m_controls->edTotalDuration = CreateTotalField(frame);
-    layout->addWidget(m_controls->edTotalDuration);
-    m_controls->mainLayout->addWidget(frame);
+    m_internals->controls.edTotalDuration = CreateTotalField(frame);
+    layout->addWidget(m_internals->controls.edTotalDuration);
+    m_internals->controls.mainLayout->addWidget(frame);
 }
 
-QLayout* AudioPlayerWidget::SetupVolumeControls(QWidget* parent)
+QLayout* AudioPlayerWidget::Internals::SetupVolumeControls(QWidget* parent)
 {
     auto* layout = CreateLayout<QHBoxLayout>("volumeControlsHLayout", {});
-    m_controls->btnMute = CreateButton(parent, "btnMute", {28, 20}, m_unmuteIcon);
-    m_controls->btnMute->setCheckable(true);
-    layout->addWidget(m_controls->btnMute);
+    controls.btnMute = CreateButton(parent, "btnMute", {28, 20}, widget.m_unmuteIcon);
+    controls.btnMute->setCheckable(true);
+    layout->addWidget(controls.btnMute);
 
     auto* slider = new QSlider(Qt::Horizontal, parent);
     slider->setObjectName("hSliderVolume"_L1);
@@ -179,32 +190,32 @@ QLayout* AudioPlayerWidget::SetupVolumeControls(QWidget* parent)
     {
         // The default range ends at 99, where the full volume of a new player so is shown: hosts count on it.
         const QSignalBlocker blocker(slider);
-        slider->setValue(m_audioPlayer->Volume());
+        slider->setValue(widget.m_audioPlayer->Volume());
     }
     layout->addWidget(slider);
-    m_controls->hSliderVolume = slider;
+    controls.hSliderVolume = slider;
     return layout;
 }
 
-QLayout* AudioPlayerWidget::SetupTransportControls(QWidget* parent)
+QLayout* AudioPlayerWidget::Internals::SetupTransportControls(QWidget* parent)
 {
     // The name lacks a letter; style sheets of host programs know it so.
     auto* layout = CreateLayout<QHBoxLayout>("playerContolsHLayout", {});
-    m_controls->btnStop = CreateButton(parent, "btnStop", {28, 22}, m_stopIcon);
-    m_controls->btnPlayPause = CreateButton(parent, "btnPlayPause", {28, 22}, m_playIcon);
-    m_controls->btnPlayPause->setCheckable(true);
-    m_controls->btnLoop = CreateButton(parent, "btnLoop", {28, 22}, m_loopIcon);
-    m_controls->btnLoop->setCheckable(true);
-    m_controls->btnSettings = CreateButton(parent, "btnSettings", {28, 22}, m_settingsIcon);
-    layout->addWidget(m_controls->btnStop);
-    layout->addWidget(m_controls->btnPlayPause);
-    layout->addWidget(m_controls->btnLoop);
-    layout->addWidget(m_controls->btnSettings);
+    controls.btnStop = CreateButton(parent, "btnStop", {28, 22}, widget.m_stopIcon);
+    controls.btnPlayPause = CreateButton(parent, "btnPlayPause", {28, 22}, widget.m_playIcon);
+    controls.btnPlayPause->setCheckable(true);
+    controls.btnLoop = CreateButton(parent, "btnLoop", {28, 22}, widget.m_loopIcon);
+    controls.btnLoop->setCheckable(true);
+    controls.btnSettings = CreateButton(parent, "btnSettings", {28, 22}, widget.m_settingsIcon);
+    layout->addWidget(controls.btnStop);
+    layout->addWidget(controls.btnPlayPause);
+    layout->addWidget(controls.btnLoop);
+    layout->addWidget(controls.btnSettings);
     return layout;
 }
 
-QLineEdit* AudioPlayerWidget::CreateTimeField(QWidget* parent, const char* name, const QSize& size,
-                                              const QString& text)
+QLineEdit* AudioPlayerWidget::Internals::CreateTimeField(QWidget* parent, const char* name, const QSize& size,
+                                                         const QString& text)
 {
     auto* field = new QLineEdit(parent);
     const QSignalBlocker blocker(field);
@@ -213,18 +224,7 @@ QLineEdit* AudioPlayerWidget::CreateTimeField(QWidget* parent, const char* name,
     field->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     field->setInputMask(u"99:99:99.999"_s);
     field->setText(text);
-    field->setValidator(m_timeValidator.get());
-    return field;
-}
-
-QLineEdit* AudioPlayerWidget::CreateTotalField(QWidget* parent)
-{
-    auto* field = new QLineEdit(parent);
-    field->setObjectName("edTotalDuration"_L1);
-    field->setFixedSize(80, 20);
-    field->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    field->setReadOnly(true);
-    field->setText(u"00:00:00,000"_s);
+    field->setValidator(widget.m_timeValidator.get());
     return field;
 }
 
@@ -233,28 +233,28 @@ void AudioPlayerWidget::SetupSelectionsControls()
     QFrame* frame = CreateFrame(this, "frmEditingControls");
     frame->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     auto* layout = CreateLayoutOn<QHBoxLayout>(frame, "editingControlshLayout", {30, 0, 20, 0});
-    layout->addLayout(SetupLoadAndChannelControls(frame));
-    layout->addLayout(SetupSelectionControls(frame));
-    m_controls->frmEditingControls = frame;
-    m_controls->mainLayout->addWidget(frame);
+    layout->addLayout(m_internals->SetupLoadAndChannelControls(frame));
+    layout->addLayout(m_internals->SetupSelectionControls(frame));
+    m_internals->controls.frmEditingControls = frame;
+    m_internals->controls.mainLayout->addWidget(frame);
 }
 
-QLayout* AudioPlayerWidget::SetupLoadAndChannelControls(QWidget* parent)
+QLayout* AudioPlayerWidget::Internals::SetupLoadAndChannelControls(QWidget* parent)
 {
     auto* column = CreateLayout<QVBoxLayout>("controlsLeftVLayout", {0, 0, 6, 0});
-    column->addWidget(CreateHeading(parent, "lblAudio", tr("Audio file")));
+    column->addWidget(CreateHeading(parent, "lblAudio", AudioPlayerWidget::tr("Audio file")));
     column->addWidget(CreateLine(parent, "hLineLeftTop"));
 
     auto* row = CreateLayout<QHBoxLayout>("controlsLeftHLayout", {6, 2, 6, 2});
-    m_controls->btnLoadFile = new QPushButton(m_loadIcon, tr("Load audio file"), parent);
-    m_controls->btnLoadFile->setObjectName("btnLoadFile"_L1);
-    row->addWidget(m_controls->btnLoadFile);
+    controls.btnLoadFile = new QPushButton(widget.m_loadIcon, AudioPlayerWidget::tr("Load audio file"), parent);
+    controls.btnLoadFile->setObjectName("btnLoadFile"_L1);
+    row->addWidget(controls.btnLoadFile);
     AddSpacer(row, 10, 20, QSizePolicy::Fixed);
-    row->addWidget(CreateLabel(parent, "lblChannel", tr("Use channel")));
-    m_controls->cmbboxChannelSelector = new QComboBox(parent);
-    m_controls->cmbboxChannelSelector->setObjectName("cmbboxChannelSelector"_L1);
-    m_controls->cmbboxChannelSelector->setFixedSize(158, 23);
-    row->addWidget(m_controls->cmbboxChannelSelector);
+    row->addWidget(CreateLabel(parent, "lblChannel", AudioPlayerWidget::tr("Use channel")));
+    controls.cmbboxChannelSelector = new QComboBox(parent);
+    controls.cmbboxChannelSelector->setObjectName("cmbboxChannelSelector"_L1);
+    controls.cmbboxChannelSelector->setFixedSize(158, 23);
+    row->addWidget(controls.cmbboxChannelSelector);
     AddSpacer(row, 40, 20, QSizePolicy::Expanding);
     column->addLayout(row);
 
@@ -262,16 +262,16 @@ QLayout* AudioPlayerWidget::SetupLoadAndChannelControls(QWidget* parent)
     return column;
 }
 
-QLayout* AudioPlayerWidget::SetupSelectionControls(QWidget* parent)
+QLayout* AudioPlayerWidget::Internals::SetupSelectionControls(QWidget* parent)
 {
     auto* column = CreateLayout<QVBoxLayout>("controlsRightVLayout", {6, 0, 0, 0});
-    column->addWidget(CreateHeading(parent, "lblSelection", tr("Selection")));
+    column->addWidget(CreateHeading(parent, "lblSelection", AudioPlayerWidget::tr("Selection")));
     column->addWidget(CreateLine(parent, "hLineRightTop"));
 
     auto* row = CreateLayout<QHBoxLayout>("controlsRightHLayout", {6, 2, 6, 2});
-    row->addWidget(CreateLabel(parent, "lblStart", tr("Start:")));
+    row->addWidget(CreateLabel(parent, "lblStart", AudioPlayerWidget::tr("Start:")));
     row->addWidget(SetupSelectionStart(parent));
-    row->addWidget(CreateLabel(parent, "lblEnd", tr("End:")));
+    row->addWidget(CreateLabel(parent, "lblEnd", AudioPlayerWidget::tr("End:")));
     row->addWidget(SetupSelectionEnd(parent));
     AddSpacer(row, 20, 20, QSizePolicy::Expanding);
     column->addLayout(row);
@@ -280,38 +280,40 @@ QLayout* AudioPlayerWidget::SetupSelectionControls(QWidget* parent)
     return column;
 }
 
-QFrame* AudioPlayerWidget::SetupSelectionStart(QWidget* parent)
+QFrame* AudioPlayerWidget::Internals::SetupSelectionStart(QWidget* parent)
 {
     QFrame* frame = CreateFrame(parent, "frmSelectionStart");
     auto* layout = CreateLayoutOn<QHBoxLayout>(frame, "selectionStartHLayout", {});
     // A point here, where the other fields start with a comma.
-    m_controls->edSelectionStart = CreateTimeField(frame, "edSelectionStart", {106, 22}, u"00:00:00.000"_s);
-    m_controls->btnDecSelectionStart = CreateStepButton(frame, "btnDecSelectionStart", LoadIcon("DigitalMinus"_L1),
-                                                        tr("Use CTRL / CMD for coarse decrements"));
-    m_controls->btnIncSelectionStart = CreateStepButton(frame, "btnIncSelectionStart", LoadIcon("DigitalPlus"_L1),
-                                                        tr("Use CTRL / CMD for coarse increments"));
-    layout->addWidget(m_controls->edSelectionStart);
-    layout->addWidget(m_controls->btnDecSelectionStart);
-    layout->addWidget(m_controls->btnIncSelectionStart);
+    controls.edSelectionStart = CreateTimeField(frame, "edSelectionStart", {106, 22}, u"00:00:00.000"_s);
+    controls.btnDecSelectionStart =
+        CreateStepButton(frame, "btnDecSelectionStart", LoadIcon("DigitalMinus"_L1),
+                         AudioPlayerWidget::tr("Use CTRL / CMD for coarse decrements"));
+    controls.btnIncSelectionStart =
+        CreateStepButton(frame, "btnIncSelectionStart", LoadIcon("DigitalPlus"_L1),
+                         AudioPlayerWidget::tr("Use CTRL / CMD for coarse increments"));
+    layout->addWidget(controls.edSelectionStart);
+    layout->addWidget(controls.btnDecSelectionStart);
+    layout->addWidget(controls.btnIncSelectionStart);
     AddSpacer(layout, 20, 20, QSizePolicy::Expanding);
-    m_controls->frmSelectionStart = frame;
+    controls.frmSelectionStart = frame;
     return frame;
 }
 
-QFrame* AudioPlayerWidget::SetupSelectionEnd(QWidget* parent)
+QFrame* AudioPlayerWidget::Internals::SetupSelectionEnd(QWidget* parent)
 {
     QFrame* frame = CreateFrame(parent, "frmSelectionEnd");
     auto* layout = CreateLayoutOn<QHBoxLayout>(frame, "selectionEndHLayout", {});
-    m_controls->edSelectionEnd = CreateTimeField(frame, "edSelectionEnd", {106, 22}, u"00:00:00.000"_s);
-    m_controls->btnDecSelectionEnd = CreateStepButton(frame, "btnDecSelectionEnd", LoadIcon("DigitalMinus"_L1),
-                                                      tr("Use CTRL / CMD for coarse decrements"));
-    m_controls->btnIncSelectionEnd = CreateStepButton(frame, "btnIncSelectionEnd", LoadIcon("DigitalPlus"_L1),
-                                                      tr("Use CTRL / CMD for coarse increments"));
-    layout->addWidget(m_controls->edSelectionEnd);
-    layout->addWidget(m_controls->btnDecSelectionEnd);
-    layout->addWidget(m_controls->btnIncSelectionEnd);
+    controls.edSelectionEnd = CreateTimeField(frame, "edSelectionEnd", {106, 22}, u"00:00:00.000"_s);
+    controls.btnDecSelectionEnd = CreateStepButton(frame, "btnDecSelectionEnd", LoadIcon("DigitalMinus"_L1),
+                                                   AudioPlayerWidget::tr("Use CTRL / CMD for coarse decrements"));
+    controls.btnIncSelectionEnd = CreateStepButton(frame, "btnIncSelectionEnd", LoadIcon("DigitalPlus"_L1),
+                                                   AudioPlayerWidget::tr("Use CTRL / CMD for coarse increments"));
+    layout->addWidget(controls.edSelectionEnd);
+    layout->addWidget(controls.btnDecSelectionEnd);
+    layout->addWidget(controls.btnIncSelectionEnd);
     AddSpacer(layout, 20, 20, QSizePolicy::Expanding);
-    m_controls->frmSelectionEnd = frame;
+    controls.frmSelectionEnd = frame;
     return frame;
 }
 
@@ -320,40 +322,40 @@ void AudioPlayerWidget::SetupHintSection()
     QFrame* frame = CreateFrame(this, "frmAudioPlayerHint");
     frame->setFixedHeight(26);
     auto* layout = CreateLayoutOn<QVBoxLayout>(frame, "audioPlayerhintVLayout", {30, 0, 20, 0});
-    m_controls->lblAudioPlayerHint = CreateLabel(frame, "lblAudioPlayerHint", QString());
-    m_controls->lblAudioPlayerHint->setFixedHeight(22);
-    m_controls->lblAudioPlayerHint->setIndent(6);
-    layout->addWidget(m_controls->lblAudioPlayerHint);
+    m_internals->controls.lblAudioPlayerHint = CreateLabel(frame, "lblAudioPlayerHint", QString());
+    m_internals->controls.lblAudioPlayerHint->setFixedHeight(22);
+    m_internals->controls.lblAudioPlayerHint->setIndent(6);
+    layout->addWidget(m_internals->controls.lblAudioPlayerHint);
     layout->addWidget(CreateLine(frame, "hLineHintBottom"));
-    m_controls->frmAudioPlayerHint = frame;
-    m_controls->mainLayout->addWidget(frame);
+    m_internals->controls.frmAudioPlayerHint = frame;
+    m_internals->controls.mainLayout->addWidget(frame);
 }
 
 /** Most controls bear a picture only: what screen readers call them. */
-void AudioPlayerWidget::SetupAccessibleNames()
+void AudioPlayerWidget::Internals::SetupAccessibleNames()
 {
-    m_waveformWidget->setAccessibleName(tr("Waveform"));
-    m_controls->btnMute->setAccessibleName(tr("Mute"));
-    m_controls->hSliderVolume->setAccessibleName(tr("Volume"));
-    m_controls->btnStop->setAccessibleName(tr("Stop"));
-    m_controls->btnPlayPause->setAccessibleName(tr("Play"));
-    m_controls->btnLoop->setAccessibleName(tr("Loop"));
-    m_controls->btnSettings->setAccessibleName(tr("Settings"));
-    m_controls->edCurrentPosition->setAccessibleName(tr("Current position"));
-    m_controls->edTotalDuration->setAccessibleName(tr("Total duration"));
-    m_controls->cmbboxChannelSelector->setAccessibleName(tr("Channel"));
-    m_controls->edSelectionStart->setAccessibleName(tr("Start of the selection"));
-    m_controls->btnDecSelectionStart->setAccessibleName(tr("Start earlier"));
-    m_controls->btnIncSelectionStart->setAccessibleName(tr("Start later"));
-    m_controls->edSelectionEnd->setAccessibleName(tr("End of the selection"));
-    m_controls->btnDecSelectionEnd->setAccessibleName(tr("End earlier"));
-    m_controls->btnIncSelectionEnd->setAccessibleName(tr("End later"));
+    widget.m_waveformWidget->setAccessibleName(AudioPlayerWidget::tr("Waveform"));
+    controls.btnMute->setAccessibleName(AudioPlayerWidget::tr("Mute"));
+    controls.hSliderVolume->setAccessibleName(AudioPlayerWidget::tr("Volume"));
+    controls.btnStop->setAccessibleName(AudioPlayerWidget::tr("Stop"));
+    controls.btnPlayPause->setAccessibleName(AudioPlayerWidget::tr("Play"));
+    controls.btnLoop->setAccessibleName(AudioPlayerWidget::tr("Loop"));
+    controls.btnSettings->setAccessibleName(AudioPlayerWidget::tr("Settings"));
+    controls.edCurrentPosition->setAccessibleName(AudioPlayerWidget::tr("Current position"));
+    controls.edTotalDuration->setAccessibleName(AudioPlayerWidget::tr("Total duration"));
+    controls.cmbboxChannelSelector->setAccessibleName(AudioPlayerWidget::tr("Channel"));
+    controls.edSelectionStart->setAccessibleName(AudioPlayerWidget::tr("Start of the selection"));
+    controls.btnDecSelectionStart->setAccessibleName(AudioPlayerWidget::tr("Start earlier"));
+    controls.btnIncSelectionStart->setAccessibleName(AudioPlayerWidget::tr("Start later"));
+    controls.edSelectionEnd->setAccessibleName(AudioPlayerWidget::tr("End of the selection"));
+    controls.btnDecSelectionEnd->setAccessibleName(AudioPlayerWidget::tr("End earlier"));
+    controls.btnIncSelectionEnd->setAccessibleName(AudioPlayerWidget::tr("End later"));
 }
 
 void AudioPlayerWidget::ConnectSignals()
 {
     using Widget = AudioPlayerWidget;
-    const Controls& c = *m_controls;
+    const Controls& c = m_internals->controls;
     connect(c.btnMute, &QPushButton::clicked, this, &Widget::OnBtnMuteClicked);
     connect(c.btnPlayPause, &QPushButton::clicked, this, &Widget::OnBtnPlayPauseClicked);
     connect(c.btnStop, &QPushButton::clicked, this, &Widget::OnBtnStopClicked);
@@ -379,13 +381,14 @@ void AudioPlayerWidget::ConnectSignals()
     connect(this, &Widget::SceneRectChangeRequested, m_waveformWidget,
             &BGFXWaveformWidget::OnSceneRectChangeRequested);
 
-    connect(&Progress(), &ProgressQueue::Reported, this, &Widget::OnProgressChanged);
-    connect(&Progress(), &ProgressQueue::Reached, this, &Widget::OnNote);
+    connect(&m_internals->loaded.Progress(), &ProgressQueue::Reported, this, &Widget::OnProgressChanged);
+    connect(&m_internals->loaded.Progress(), &ProgressQueue::Reached, this,
+            [this](int note) { m_internals->OnNote(note); });
     // The end of a task stands in line behind its reports.
     connect(&m_snippetWatcher, &QFutureWatcherBase::resultReadyAt, this,
-            [this] { Progress().Leave(WorkingFile::SnippetEnded); });
+            [this] { m_internals->loaded.Progress().Leave(WorkingFile::SnippetEnded); });
     connect(&m_channelFilterWatcher, &QFutureWatcherBase::resultReadyAt, this,
-            [this] { Progress().Leave(WorkingFile::ChannelFilterEnded); });
+            [this] { m_internals->loaded.Progress().Leave(WorkingFile::ChannelFilterEnded); });
 
     connect(m_audioPlayer, &QMediaPlayer::positionChanged, this, &Widget::OnAudioPositionChanged);
     connect(m_audioPlayer, &QMediaPlayer::playbackStateChanged, this, &Widget::OnAudioStateChanged);

@@ -1,6 +1,5 @@
-#include "ui/player/Background.h"
-#include "ui/player/Controls.h"
 #include "ui/player/GuardedSignalBlocker.h"
+#include "ui/player/Internals.h"
 
 #include <vantorAudioEngine/AudioImporter.h>
 #include <vantorAudioEngine/AudioPlayerWidget.h>
@@ -25,18 +24,18 @@ void AudioPlayerWidget::LoadFile(const QString& path)
         Reset();
         return;
     }
-    const int load = ++m_loadCount;
+    const int load = ++m_internals->loadCount;
     const QPointer<AudioPlayerWidget> self(this);
-    DropLoadAndTell();
-    if (!self || load != m_loadCount) {
+    m_internals->DropLoadAndTell();
+    if (!self || load != m_internals->loadCount) {
         // Upon that signal the program destroyed this widget, or loaded another file.
         return;
     }
-    m_background->load = std::make_unique<FileLoad>(path, m_writableDirectoryPath, m_background->copy);
-    const QPointer<FileLoad> started = m_background->load.get();
+    m_internals->loading = std::make_unique<FileLoad>(path, m_writableDirectoryPath, m_internals->loaded.copy);
+    const QPointer<FileLoad> started = m_internals->loading.get();
     connect(started, &FileLoad::Progressed, this,
             [this](int permille) { Q_EMIT ProgressChanged(permille, 0, 1000, tr("Loading...")); });
-    connect(started, &FileLoad::Ended, this, &AudioPlayerWidget::OnLoadEnded);
+    connect(started, &FileLoad::Ended, this, [this] { m_internals->OnLoadEnded(); });
     Q_EMIT LoadStarted(path);
     if (started) {
         started->Start();
@@ -45,93 +44,94 @@ void AudioPlayerWidget::LoadFile(const QString& path)
 
 void AudioPlayerWidget::CancelLoad()
 {
-    ++m_loadCount;
-    DropLoadAndTell();
+    ++m_internals->loadCount;
+    m_internals->DropLoadAndTell();
 }
 
-void AudioPlayerWidget::DropLoadAndTell()
+void AudioPlayerWidget::Internals::DropLoadAndTell()
 {
     const QString path = DropLoad();
     if (!path.isEmpty()) {
-        Q_EMIT LoadCancelled(path);
+        Q_EMIT widget.LoadCancelled(path);
     }
 }
 
 /** The path of the load that is given up, which is heard of no more; empty without one. */
-QString AudioPlayerWidget::DropLoad()
+QString AudioPlayerWidget::Internals::DropLoad()
 {
-    const std::unique_ptr<FileLoad> load = std::move(m_background->load);
+    const std::unique_ptr<FileLoad> load = std::move(loading);
     return load ? load->GetPath() : QString();
 }
 
 bool AudioPlayerWidget::IsLoading() const
 {
-    return m_background->load != nullptr;
+    return m_internals->loading != nullptr;
 }
 
-void AudioPlayerWidget::OnLoadEnded()
+void AudioPlayerWidget::Internals::OnLoadEnded()
 {
-    const std::unique_ptr<FileLoad> load = std::move(m_background->load);
+    const std::unique_ptr<FileLoad> load = std::move(loading);
     const Problem problem = load->GetProblem();
     if (problem != Problem::None) {
         FailLoad(load->GetPath(), problem, ImportResult{.problem = problem}.Code());
-    } else if (File().isOpen() && File().fileName() == load->GetCopy().path) {
-        Q_EMIT LoadFinished(load->GetPath());
+    } else if (loaded.File().isOpen() && loaded.File().fileName() == load->GetCopy().path) {
+        Q_EMIT widget.LoadFinished(load->GetPath());
     } else {
         ShowCopy(load->GetPath(), load->GetCopy());
     }
 }
 
-void AudioPlayerWidget::FailLoad(const QString& path, Problem problem, WavFile::AudioEngineReturnValue code)
+void AudioPlayerWidget::Internals::FailLoad(const QString& path, Problem problem,
+                                            WavFile::AudioEngineReturnValue code)
 {
-    const QPointer<AudioPlayerWidget> self(this);
-    ErrorHandler(code);
+    const QPointer<AudioPlayerWidget> self(&widget);
+    widget.ErrorHandler(code);
     if (self) {
-        Q_EMIT LoadFailed(path, problem, AudioFileInfo::TextOf(problem, path));
+        Q_EMIT widget.LoadFailed(path, problem, AudioFileInfo::TextOf(problem, path));
     }
 }
 
-void AudioPlayerWidget::ShowCopy(const QString& path, const WorkingCopy& copy)
+void AudioPlayerWidget::Internals::ShowCopy(const QString& path, const WorkingCopy& copy)
 {
-    const GuardedSignalBlocker blocker(m_controls->edTotalDuration);
-    const QPointer<AudioPlayerWidget> self(this);
-    const int closing = m_loadCount + 1;
-    Reset();
-    if (self && m_loadCount != closing) {
+    const GuardedSignalBlocker blocker(controls.edTotalDuration);
+    const QPointer<AudioPlayerWidget> self(&widget);
+    const int closing = loadCount + 1;
+    widget.Reset();
+    if (self && loadCount != closing) {
         // When the program heard of the end of the busy time it cancelled, closed or loaded another file.
-        Q_EMIT LoadCancelled(path);
+        Q_EMIT widget.LoadCancelled(path);
     } else if (self) {
         OpenCopy(path, copy);
     }
 }
 
-void AudioPlayerWidget::OpenCopy(const QString& path, const WorkingCopy& copy)
+void AudioPlayerWidget::Internals::OpenCopy(const QString& path, const WorkingCopy& copy)
 {
-    File().SetLargeFiles(true);
-    const WavFile::AudioEngineReturnValue result = File().Open(copy.path);
+    loaded.File().SetLargeFiles(true);
+    const WavFile::AudioEngineReturnValue result = loaded.File().Open(copy.path);
     if (result != WavFile::Success) {
-        File().close();
+        loaded.File().close();
         FailLoad(path, Problem::CannotBeRead, result);
         return;
     }
     // Kept until the player has left it.
-    const WorkingCopy former = std::exchange(m_background->copy, copy);
-    m_originalAudioFilePath = path;
-    const QPointer<AudioPlayerWidget> self(this);
+    const WorkingCopy former = std::exchange(loaded.copy, copy);
+    widget.m_originalAudioFilePath = path;
+    const QPointer<AudioPlayerWidget> self(&widget);
     ShowLoadedFile(copy.path);
     if (self) {
-        Q_EMIT LoadFinished(path);
+        Q_EMIT widget.LoadFinished(path);
     }
 }
 
 bool AudioPlayerWidget::GetLoadInBackground() const
 {
-    return m_loadsInBackground;
+    return m_internals->loadsInBackground;
 }
 
 void AudioPlayerWidget::SetLoadInBackground(bool loadInBackground)
 {
-    m_loadsInBackground = loadInBackground;
+    m_internals->loadsInBackground = loadInBackground;
 }
 
 QString AudioPlayerWidget::GetLoadableFiles()
@@ -145,11 +145,11 @@ QString AudioPlayerWidget::GetLoadableFiles()
 void AudioPlayerWidget::OnBtnLoadFileClicked()
 {
     const QPointer<AudioPlayerWidget> self(this);
-    const QString path = AskForFile();
+    const QString path = m_internals->AskForFile();
     if (!self || path.isEmpty()) {
         return;
     }
-    if (m_loadsInBackground) {
+    if (m_internals->loadsInBackground) {
         LoadFile(path);
     } else {
         SetAudioFile(path);
@@ -157,13 +157,14 @@ void AudioPlayerWidget::OnBtnLoadFileClicked()
 }
 
 /** Empty when no file was chosen. The player holds one file; further ones are left out. */
-QString AudioPlayerWidget::AskForFile()
+QString AudioPlayerWidget::Internals::AskForFile()
 {
-    const QString filter =
-        m_loadsInBackground ? GetLoadableFiles() : QString(tr("Audio files") + u" (*.wav *.mp3)"_s);
+    const QString filter = loadsInBackground ? GetLoadableFiles()
+                                             : QString(AudioPlayerWidget::tr("Audio files") + u" (*.wav *.mp3)"_s);
     // Not on the stack, as QFileDialog's own functions have it: this widget may be destroyed meanwhile, and takes
     // its dialog along.
-    const QPointer<QFileDialog> dialog = new QFileDialog(this, tr("Load audio file"), QString(), filter);
+    const QPointer<QFileDialog> dialog =
+        new QFileDialog(&widget, AudioPlayerWidget::tr("Load audio file"), QString(), filter);
     dialog->setFileMode(QFileDialog::ExistingFiles);
     const bool isAccepted = dialog->exec() == QDialog::Accepted;
     if (!dialog) {

@@ -1,4 +1,4 @@
-#include "ui/player/Controls.h"
+#include "ui/player/Internals.h"
 #include "ui/player/SelectionSteps.h"
 #include "ui/player/TimeText.h"
 
@@ -78,10 +78,10 @@ void AudioPlayerWidget::OnBtnIncSelectionEndClicked()
 
 void AudioPlayerWidget::OnSelectionStartEditingFinished()
 {
-    const double start = ConvertFromDisplayTimeFormat(m_controls->edSelectionStart->text());
+    const double start = ConvertFromDisplayTimeFormat(m_internals->controls.edSelectionStart->text());
     if (!LiesInFile(start, GetAudioDuration())) {
-        const QSignalBlocker blocker(m_controls->edSelectionStart);
-        m_controls->edSelectionStart->setText(
+        const QSignalBlocker blocker(m_internals->controls.edSelectionStart);
+        m_internals->controls.edSelectionStart->setText(
             ConvertToDisplayTimeFormat(m_waveformWidget->GetSelectionStartTime()));
         return;
     }
@@ -93,10 +93,11 @@ void AudioPlayerWidget::OnSelectionStartEditingFinished()
 
 void AudioPlayerWidget::OnSelectionEndEditingFinished()
 {
-    const double end = ConvertFromDisplayTimeFormat(m_controls->edSelectionEnd->text());
+    const double end = ConvertFromDisplayTimeFormat(m_internals->controls.edSelectionEnd->text());
     if (!LiesInFile(end, GetAudioDuration())) {
-        const QSignalBlocker blocker(m_controls->edSelectionEnd);
-        m_controls->edSelectionEnd->setText(ConvertToDisplayTimeFormat(m_waveformWidget->GetSelectionEndTime()));
+        const QSignalBlocker blocker(m_internals->controls.edSelectionEnd);
+        m_internals->controls.edSelectionEnd->setText(
+            ConvertToDisplayTimeFormat(m_waveformWidget->GetSelectionEndTime()));
         return;
     }
     if (m_waveformWidget->GetSelectionStartTime() > end) {
@@ -115,10 +116,10 @@ void AudioPlayerWidget::OnWaveformSelectionChanged(const std::pair<double, doubl
         m_audioPlayer->ClearSelection();
     }
     {
-        const QSignalBlocker startBlocker(m_controls->edSelectionStart);
-        const QSignalBlocker endBlocker(m_controls->edSelectionEnd);
-        m_controls->edSelectionStart->setText(ConvertToDisplayTimeFormat(start));
-        m_controls->edSelectionEnd->setText(ConvertToDisplayTimeFormat(end));
+        const QSignalBlocker startBlocker(m_internals->controls.edSelectionStart);
+        const QSignalBlocker endBlocker(m_internals->controls.edSelectionEnd);
+        m_internals->controls.edSelectionStart->setText(ConvertToDisplayTimeFormat(start));
+        m_internals->controls.edSelectionEnd->setText(ConvertToDisplayTimeFormat(end));
     }
     Q_EMIT WaveFormSelectionChanged(selection);
 }

@@ -1,4 +1,4 @@
-#include "ui/player/Controls.h"
+#include "ui/player/Internals.h"
 #include "ui/player/TimeText.h"
 
 #include <vantorAudioEngine/AudioPlayer.h>
@@ -18,29 +18,29 @@ namespace vantoraudio::vantorAudioEngine::UI {
 void AudioPlayerWidget::OnBtnPlayPauseClicked()
 {
     m_audioPlayer->PauseResume();
-    ShowPlayIcon(m_controls->btnPlayPause->isChecked());
+    m_internals->ShowPlayIcon(m_internals->controls.btnPlayPause->isChecked());
 }
 
 void AudioPlayerWidget::OnAudioStateChanged(QMediaPlayer::PlaybackState state)
 {
-    ShowAsPlaying(state == QMediaPlayer::PlayingState);
+    m_internals->ShowAsPlaying(state == QMediaPlayer::PlayingState);
 }
 
-void AudioPlayerWidget::ShowAsPlaying(bool isPlaying)
+void AudioPlayerWidget::Internals::ShowAsPlaying(bool isPlaying)
 {
-    const QSignalBlocker blocker(m_controls->btnPlayPause);
-    m_controls->btnPlayPause->setChecked(isPlaying);
+    const QSignalBlocker blocker(controls.btnPlayPause);
+    controls.btnPlayPause->setChecked(isPlaying);
     ShowPlayIcon(isPlaying);
 }
 
-void AudioPlayerWidget::ShowPlayIcon(bool isPlaying)
+void AudioPlayerWidget::Internals::ShowPlayIcon(bool isPlaying)
 {
-    m_controls->btnPlayPause->setIcon(isPlaying ? m_pauseIcon : m_playIcon);
+    controls.btnPlayPause->setIcon(isPlaying ? widget.m_pauseIcon : widget.m_playIcon);
 }
 
 void AudioPlayerWidget::OnBtnStopClicked()
 {
-    ShowAsPlaying(false);
+    m_internals->ShowAsPlaying(false);
     double position = 0.0;
     if (m_hasSelection) {
         position = m_waveformWidget->GetSelectionStartTime();
@@ -48,14 +48,14 @@ void AudioPlayerWidget::OnBtnStopClicked()
         m_audioPlayer->SetSelection(position, m_waveformWidget->GetSelectionEndTime());
     } else {
         m_audioPlayer->stop();
-        m_audioPlayer->SetSelection(0.0, File().GetDuration());
+        m_audioPlayer->SetSelection(0.0, m_internals->loaded.File().GetDuration());
     }
     m_waveformWidget->SetAudioPosition(position);
 }
 
 void AudioPlayerWidget::StopPlayback()
 {
-    ShowAsPlaying(false);
+    m_internals->ShowAsPlaying(false);
     m_audioPlayer->stop();
     m_audioPlayer->SetAudioOutputDevice(m_audioOutputDevice);
     m_waveformWidget->SetAudioPosition(0.0);
@@ -63,17 +63,17 @@ void AudioPlayerWidget::StopPlayback()
 
 void AudioPlayerWidget::OnBtnLoopClicked()
 {
-    m_audioPlayer->LoopPlayback(m_controls->btnLoop->isChecked());
+    m_audioPlayer->LoopPlayback(m_internals->controls.btnLoop->isChecked());
 }
 
 void AudioPlayerWidget::OnBtnMuteClicked()
 {
-    const bool isMuted = m_controls->btnMute->isChecked();
+    const bool isMuted = m_internals->controls.btnMute->isChecked();
     if (m_audioPlayer->IsMuted() == isMuted) {
         return;
     }
     m_audioPlayer->SetMuted(isMuted);
-    ShowMuteIcon(isMuted);
+    m_internals->ShowMuteIcon(isMuted);
     Q_EMIT AudioPlayBackMuteChanged(isMuted);
 }
 
@@ -83,13 +83,13 @@ void AudioPlayerWidget::SetAudioPlayBackMute(bool mute)
         return;
     }
     m_audioPlayer->SetMuted(mute);
-    m_controls->btnMute->setChecked(mute);
-    ShowMuteIcon(mute);
+    m_internals->controls.btnMute->setChecked(mute);
+    m_internals->ShowMuteIcon(mute);
 }
 
-void AudioPlayerWidget::ShowMuteIcon(bool isMuted)
+void AudioPlayerWidget::Internals::ShowMuteIcon(bool isMuted)
 {
-    m_controls->btnMute->setIcon(isMuted ? m_muteIcon : m_unmuteIcon);
+    controls.btnMute->setIcon(isMuted ? widget.m_muteIcon : widget.m_unmuteIcon);
 }
 
 void AudioPlayerWidget::OnHSliderVolumeValueChanged(int volume)
@@ -109,8 +109,8 @@ void AudioPlayerWidget::SetAudioPlayBackVolume(int volume)
     m_audioPlayer->SetVolume(volume);
     // The slider ends at 99 and the player truncates what it holds: what comes back from either is not always what
     // was set here, and would pass for a move of the user.
-    const QSignalBlocker blocker(m_controls->hSliderVolume);
-    m_controls->hSliderVolume->setValue(volume);
+    const QSignalBlocker blocker(m_internals->controls.hSliderVolume);
+    m_internals->controls.hSliderVolume->setValue(volume);
 }
 
 void AudioPlayerWidget::SetAudioOutputDevice(const QAudioDevice& device)
@@ -125,21 +125,22 @@ void AudioPlayerWidget::OnAudioPositionChanged(qint64 milliseconds)
 {
     const double seconds = static_cast<double>(milliseconds) / 1000.0;
     {
-        const QSignalBlocker blocker(m_controls->edCurrentPosition);
-        m_controls->edCurrentPosition->setText(ConvertToDisplayTimeFormat(seconds));
+        const QSignalBlocker blocker(m_internals->controls.edCurrentPosition);
+        m_internals->controls.edCurrentPosition->setText(ConvertToDisplayTimeFormat(seconds));
     }
     m_waveformWidget->SetAudioPosition(seconds);
-    CorrectLateReport(milliseconds);
+    m_internals->CorrectLateReport(milliseconds);
     Q_EMIT AudioPositionChanged(seconds);
 }
 
 /** At the end of a selection the player goes back to the start and pauses while it reports the end, so that the
  *  report of the end comes here behind that of the start. */
-void AudioPlayerWidget::CorrectLateReport(qint64 milliseconds)
+void AudioPlayerWidget::Internals::CorrectLateReport(qint64 milliseconds)
 {
-    if (m_audioPlayer->playbackState() == QMediaPlayer::PausedState && m_audioPlayer->position() != milliseconds) {
-        const auto showPosition = [this] { OnAudioPositionChanged(m_audioPlayer->position()); };
-        QMetaObject::invokeMethod(this, showPosition, Qt::QueuedConnection);
+    if (widget.m_audioPlayer->playbackState() == QMediaPlayer::PausedState &&
+        widget.m_audioPlayer->position() != milliseconds) {
+        const auto showPosition = [this] { widget.OnAudioPositionChanged(widget.m_audioPlayer->position()); };
+        QMetaObject::invokeMethod(&widget, showPosition, Qt::QueuedConnection);
     }
 }
 
@@ -151,7 +152,7 @@ void AudioPlayerWidget::UpdateAudioPosition(double seconds)
 
 void AudioPlayerWidget::OnCurrentPositionEditingFinished()
 {
-    const double time = ConvertFromDisplayTimeFormat(m_controls->edCurrentPosition->text());
+    const double time = ConvertFromDisplayTimeFormat(m_internals->controls.edCurrentPosition->text());
     if (0.0 <= time && time <= GetAudioDuration()) {
         m_waveformWidget->SetSelectionStartTime(0.0);
         m_waveformWidget->SetSelectionEndTime(0.0);
@@ -160,8 +161,9 @@ void AudioPlayerWidget::OnCurrentPositionEditingFinished()
         Q_EMIT AudioPositionChanged(time);
     }
     // Also after an entry outside the file, which so snaps back.
-    const QSignalBlocker blocker(m_controls->edCurrentPosition);
-    m_controls->edCurrentPosition->setText(ConvertToDisplayTimeFormat(m_waveformWidget->GetAudioPosition()));
+    const QSignalBlocker blocker(m_internals->controls.edCurrentPosition);
+    m_internals->controls.edCurrentPosition->setText(
+        ConvertToDisplayTimeFormat(m_waveformWidget->GetAudioPosition()));
 }
 
 void AudioPlayerWidget::OnWaveformAudioPositionChanged(double seconds)
@@ -170,11 +172,11 @@ void AudioPlayerWidget::OnWaveformAudioPositionChanged(double seconds)
     m_audioPlayer->ClearSelection();
     m_audioPlayer->setPosition(MillisecondsOf(seconds));
     {
-        const QSignalBlocker startBlocker(m_controls->edSelectionStart);
-        const QSignalBlocker endBlocker(m_controls->edSelectionEnd);
+        const QSignalBlocker startBlocker(m_internals->controls.edSelectionStart);
+        const QSignalBlocker endBlocker(m_internals->controls.edSelectionEnd);
         // The comma is meant, as in the other reset texts; the mask of these fields shows its own point.
-        m_controls->edSelectionStart->setText(u"00:00:00,000"_s);
-        m_controls->edSelectionEnd->setText(u"00:00:00,000"_s);
+        m_internals->controls.edSelectionStart->setText(u"00:00:00,000"_s);
+        m_internals->controls.edSelectionEnd->setText(u"00:00:00,000"_s);
     }
     Q_EMIT WaveFormSelectionChanged({0.0, 0.0});
 }
@@ -185,7 +187,7 @@ void AudioPlayerWidget::keyPressEvent(QKeyEvent* event)
         SetSelectedSnippet({0.0, GetAudioDuration()});
     } else if (event->key() == Qt::Key_Space) {
         m_audioPlayer->PauseResume();
-        ShowPlayIcon(m_controls->btnPlayPause->isChecked());
+        m_internals->ShowPlayIcon(m_internals->controls.btnPlayPause->isChecked());
     } else {
         event->ignore();
     }

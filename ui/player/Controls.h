@@ -1,7 +1,5 @@
 #pragma once
 
-#include <vantorAudioEngine/AudioPlayerWidget.h>
-
 class QComboBox;
 class QFrame;
 class QHBoxLayout;
@@ -15,7 +13,7 @@ namespace vantoraudio::vantorAudioEngine::UI {
 
 /** The children that the player widget works with. They belong to their parents and bear these names as object
  *  names, by which style sheets of host programs address them. */
-struct AudioPlayerWidget::Controls
+struct Controls
 {
     QVBoxLayout* mainLayout = nullptr;
 

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "ui/player/Background.h"
-#include "ui/player/Controls.h"
+#include "ui/player/Internals.h"
 
 #include <vantorAudioEngine/AudioPlayerWidget.h>
 
@@ -13,17 +12,14 @@ namespace vantoraudio::vantorAudioEngine::UI {
 class AudioPlayerWidgetTestAccess
 {
 public:
-    static const AudioPlayerWidget::Controls& Controls(const AudioPlayerWidget& widget)
-    {
-        return *widget.m_controls;
-    }
-    static WavFile& File(AudioPlayerWidget& widget) { return widget.File(); }
+    static const auto& Controls(const AudioPlayerWidget& widget) { return widget.m_internals->controls; }
+    static WavFile& File(AudioPlayerWidget& widget) { return widget.m_internals->loaded.File(); }
     static AudioPlayer& Player(AudioPlayerWidget& widget) { return *widget.m_audioPlayer; }
     static BGFXWaveformWidget& Waveform(AudioPlayerWidget& widget) { return *widget.m_waveformWidget; }
     /** No report of progress gets old, however slow this machine is. Not while a task runs. */
     static void StopClock(AudioPlayerWidget& widget)
     {
-        widget.Progress().m_clock = [] { return qint64(0); };
+        widget.m_internals->loaded.Progress().m_clock = [] { return qint64(0); };
     }
     static bool HasSelection(const AudioPlayerWidget& widget) { return widget.m_hasSelection; }
     static QString FilteredFilePath(const AudioPlayerWidget& widget) { return widget.m_filteredFilePath; }

@@ -2,7 +2,7 @@
 #include "tests/support/WavBytes.h"
 #include "tests/support/WavFileTestAccess.h"
 #include "tests/ui/player/BlockedPool.h"
-#include "ui/player/FileTasks.h"
+#include "ui/player/LoadedFile.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>

@@ -1,9 +1,16 @@
 #pragma once
 
-#include "ui/player/WorkingFile.h"
+#include "ui/player/FileLoad.h"
+#include "ui/player/ProgressQueue.h"
+#include "ui/player/SelectionSteps.h"
+
+#include <vantorAudioEngine/WavFile.h>
 
 #include <QtConcurrent/QtConcurrentRun>
+#include <QtCore/QCoreApplication>
 #include <QtCore/QFuture>
+#include <QtCore/QFutureWatcher>
+#include <QtCore/QObject>
 #include <QtCore/QThread>
 #include <QtCore/QThreadPool>
 
@@ -14,6 +21,34 @@
 #include <vector>
 
 namespace vantoraudio::vantorAudioEngine::UI {
+
+/**
+ * A file with the progress of its tasks on the way to the GUI thread. Tasks share it with the player, so that a
+ * player which is destroyed without waiting for them takes nothing away from them.
+ */
+class WorkingFile : public QObject
+{
+    Q_OBJECT
+
+public:
+    /** What stands in one line with the reports of progress. */
+    enum Note
+    {
+        NewSamples,
+        ReadingEnded,
+        SnippetEnded,
+        ChannelFilterEnded
+    };
+
+    /** The last owner may be on any thread; the file goes where it lives. */
+    static std::shared_ptr<WorkingFile> Create();
+
+    WavFile file;
+    ProgressQueue progress;
+
+private:
+    WorkingFile();
+};
 
 /**
  * Tasks of one kind on a file, in the background, that can be stopped at any time. Used on one thread.
@@ -92,5 +127,48 @@ private:
     AbortFunction m_abort;
     std::vector<Task> m_tasks;
 };
+
+/** The file that a player has loaded, where it came from, and what runs on it in the background. GUI thread. */
+class LoadedFile
+{
+public:
+    using Result = WavFile::AudioEngineReturnValue;
+
+    LoadedFile() = default;
+    /** Stops the tasks without waiting for them. */
+    ~LoadedFile();
+    Q_DISABLE_COPY_MOVE(LoadedFile)
+
+    [[nodiscard]] WavFile& File() const { return m_file->file; }
+    [[nodiscard]] ProgressQueue& Progress() const { return m_file->progress; }
+
+    /** Stops what was read before. The end is told by the note ReadingEnded, that of samples by NewSamples. */
+    [[nodiscard]] QFuture<void> Read(double startTime, double endTime, int stepSize);
+    /** Nothing is heard of former samples any more. */
+    void StopReading();
+    /** When it is stopped nothing is left of it. */
+    [[nodiscard]] QFuture<Result> WriteSnippet(const QString& path, const Selection& range);
+    /** When it is stopped or fails nothing new is left of it. */
+    [[nodiscard]] QFuture<Result> FilterInto(const QString& path);
+
+    FileTasks<void> samples{&WavFile::AbortRead};
+    FileTasks<Result> snippet{&WavFile::AbortWrite};
+    FileTasks<Result> channelFilter{&WavFile::AbortChannelFilter};
+
+    /** Where LoadFile() made it; otherwise empty. */
+    WorkingCopy copy;
+
+private:
+    std::shared_ptr<WorkingFile> m_file = WorkingFile::Create();
+};
+
+/** Makes the watcher tell nothing more of its future, also not what is on its way already: a late report would be
+ *  taken for one of the next future, whose result the slot would then wait for. */
+template<typename Result>
+void Forget(QFutureWatcher<Result>& watcher)
+{
+    watcher.setFuture(QFuture<Result>());
+    QCoreApplication::removePostedEvents(&watcher, QEvent::FutureCallOut);
+}
 
 } // namespace vantoraudio::vantorAudioEngine::UI

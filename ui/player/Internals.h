@@ -1,0 +1,76 @@
+#pragma once
+
+#include "ui/player/Controls.h"
+#include "ui/player/FileLoad.h"
+#include "ui/player/LoadedFile.h"
+
+#include <vantorAudioEngine/AudioPlayerWidget.h>
+
+class QLayout;
+
+namespace vantoraudio::vantorAudioEngine::UI {
+
+/** What the player widget has and does behind its public face. */
+struct AudioPlayerWidget::Internals
+{
+    using Result = WavFile::AudioEngineReturnValue;
+    using Problem = AudioEngine::AudioFileInfo::Problem;
+
+    explicit Internals(AudioPlayerWidget& owner) : widget(owner) {}
+
+    // Layout
+    void LoadIcons();
+    void SetupWaveform();
+    QLayout* SetupVolumeControls(QWidget* parent);
+    QLayout* SetupTransportControls(QWidget* parent);
+    QLayout* SetupLoadAndChannelControls(QWidget* parent);
+    QLayout* SetupSelectionControls(QWidget* parent);
+    QFrame* SetupSelectionStart(QWidget* parent);
+    QFrame* SetupSelectionEnd(QWidget* parent);
+    void SetupAccessibleNames();
+    QLineEdit* CreateTimeField(QWidget* parent, const char* name, const QSize& size, const QString& text);
+
+    // Loading
+    [[nodiscard]] QString WorkingPathOf(const QString& path) const;
+    [[nodiscard]] Result Decode(const QString& path, const QString& workingPath) const;
+    void OpenWorkingFile(Result resultSoFar, const QString& workingPath);
+    [[nodiscard]] QString DropLoad();
+    void DropLoadAndTell();
+    void OnLoadEnded();
+    void ShowCopy(const QString& path, const WorkingCopy& copy);
+    void OpenCopy(const QString& path, const WorkingCopy& copy);
+    void FailLoad(const QString& path, Problem problem, Result code);
+    [[nodiscard]] QString AskForFile();
+    void ShowLoadedFile(const QString& workingPath);
+    void ShowWaveform(double duration);
+
+    // Transport
+    void ShowPlayIcon(bool isPlaying);
+    void ShowMuteIcon(bool isMuted);
+    void ShowAsPlaying(bool isPlaying);
+    void CorrectLateReport(qint64 milliseconds);
+
+    // Channels and tasks
+    void FillChannelSelector();
+    void OnNote(int note);
+    [[nodiscard]] QString FilteredPathOf(WavFile::ChannelFormat channel) const;
+    void PlayFilteredFile();
+    void GoBackToPreviousChannel();
+    void DropFiltering();
+
+    AudioPlayerWidget& widget;
+    Controls controls;
+    LoadedFile loaded;
+    /** Null when nothing is being loaded in the background. */
+    std::unique_ptr<FileLoad> loading;
+    bool decodesToFloat = false;
+    bool loadsInBackground = false;
+    /** Counts what ends a load: the next load and every closing. */
+    int loadCount = 0;
+    /** Counts what ends a filtering: the next filtering and every closing. */
+    int filteringCount = 0;
+    /** The latest filtering is the way back from one that failed. */
+    bool isGoingBack = false;
+};
+
+} // namespace vantoraudio::vantorAudioEngine::UI
