@@ -15,8 +15,6 @@
 #include <QtWidgets/QFileDialog>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QMenuBar>
-#include <QtWidgets/QPushButton>
-#include <QtWidgets/QSlider>
 #include <QtWidgets/QStatusBar>
 #include <QtWidgets/QStyle>
 #include <QtWidgets/QVBoxLayout>
@@ -139,7 +137,7 @@ void PlayerWindow::SaveState() const
 {
     QSettings settings;
     settings.setValue(u"geometry"_s, saveGeometry());
-    settings.setValue(u"volume"_s, m_player->findChild<QSlider*>(u"hSliderVolume"_s)->value());
+    settings.setValue(u"volume"_s, m_player->GetAudioPlayBackVolume());
     m_appearance.Save();
 }
 
@@ -236,15 +234,12 @@ void PlayerWindow::CheckPicture()
 
 void PlayerWindow::Play()
 {
-    auto* button = m_player->findChild<QPushButton*>(u"btnPlayPause"_s);
-    if (!button->isChecked()) {
-        button->click();
-    }
+    m_player->Play();
 }
 
 void PlayerWindow::ShowRange(double start, double end)
 {
-    Q_EMIT m_player->SceneRectChangeRequested(QRectF(start, 0.0, end - start, 1.0));
+    m_player->ShowRange(start, end);
 }
 
 void PlayerWindow::SelectRange(double start, double end)

@@ -99,8 +99,9 @@ public:
      *  is of an unfinished snippet or channel file is removed. The view and the player stay as they are. */
     void Close();
 
-    /** Converts another file in place, as WavFile::Convert() does with an empty output path, what it throws
-     *  included; true on success. What is loaded here is untouched. Blocks until done. */
+    /** For the program; nothing in here calls it. Converts another file in place, as WavFile::Convert() does with
+     * an empty output path, what it throws included; true on success. What is loaded here is untouched. Blocks
+     * until done. */
     bool Convert(const QString& path, const QAudioFormat& format);
 
     /** 0 without a file. */
@@ -136,6 +137,10 @@ public:
      *  after ProgressChanged(0, 0, 1, "Updated"), when they are shown; at once with Close(). */
     [[nodiscard]] bool IsReadingSamples() const;
 
+    /** Shows the audio between two times, in either order, brought into the file's length. SceneRectChanged()
+     * tells of it. Times that are not finite are ignored. */
+    void ShowRange(double start, double end);
+
     /** Seconds of silence shown behind the audio. */
     [[nodiscard]] double GetDelay() const;
     void SetDelay(double delay);
@@ -149,12 +154,12 @@ public:
     void SetScrollBackToZoomOut(bool scrollBackToZoomOut);
 
     [[nodiscard]] WavFile::ChannelFormat GetSelectedChannel() const;
-    /** Chooses the channel that is played, as the channel box does. Does nothing when the file does not offer it.
-     */
+    /** Chooses the channel that is played, as the channel box does. Does nothing when the file does not offer it,
+     *  or after Close(). */
     void SetSelectedChannel(WavFile::ChannelFormat channel);
 
     /** Start and end; (0, 0) without a selection. A new selection is cut to BGFXWaveformWidget::MAX_SNIPPET_LENGTH
-     *  and to the visible range. */
+     *  and to the visible range; one that is not finite is ignored. */
     [[nodiscard]] std::pair<double, double> GetSelectedSnippet() const;
     void SetSelectedSnippet(std::pair<double, double> snippet);
     /** Writes the selection of the selected channel to a new file, in the background. Ends with
@@ -164,6 +169,11 @@ public:
      *  that. Does nothing when none is being written. */
     void CancelSnippet();
 
+    /** Plays from the current position; does nothing without a file, or while it plays. */
+    void Play();
+    /** Stays where it is; does nothing while it does not play. */
+    void Pause();
+    [[nodiscard]] bool IsPlaying() const;
     /** Stops and goes back to the start. */
     void StopPlayback();
     void UpdateAudioPosition(double seconds);
@@ -171,8 +181,11 @@ public:
     void SetAudioOutputDevice(const QAudioDevice& device);
     /** Percent. No signal tells of it. */
     void SetAudioPlayBackVolume(int volume);
+    /** Percent, from 0 to 100; 100 at first. */
+    [[nodiscard]] int GetAudioPlayBackVolume() const;
     /** No signal tells of it. */
     void SetAudioPlayBackMute(bool mute);
+    [[nodiscard]] bool GetAudioPlayBackMute() const;
 
     // Colours and marker of the waveform, see BGFXWaveformWidget.
     void SetAudioPositionIcon(const QString& fileName);
@@ -201,14 +214,6 @@ Q_SIGNALS:
     /** A file was loaded; `fileName` is the full path of its working copy. */
     void AudioFileChanged(const QString& fileName);
 
-    // Of LoadFile(), with the path that it was given.
-    void LoadStarted(const QString& path);
-    void LoadFinished(const QString& path);
-    /** `sentence` tells the user the reason and names the file. */
-    void LoadFailed(const QString& path, vantoraudio::AudioEngine::AudioFileInfo::Problem problem,
-                    const QString& sentence);
-    void LoadCancelled(const QString& path);
-
     /** The playback position in seconds. */
     void AudioPositionChanged(double position);
     /** A task went on: `progress` lies between `min` and `max`. Comes for every report of every task, in order,
@@ -223,9 +228,18 @@ Q_SIGNALS:
     void SettingsButtonClicked();
     /** The visible range: x and width in seconds, height half the amplitude range. */
     void SceneRectChanged(const QRectF& sceneRect);
-    /** Emit this to show another range. */
+    /** Emit this to show another range, or connect it to the SceneRectChanged() of another view. Nothing in here
+     *  emits it. */
     void SceneRectChangeRequested(const QRectF& sceneRect);
     void BusyChanged(bool state);
+
+    // Of LoadFile(), with the path that it was given.
+    void LoadStarted(const QString& path);
+    void LoadFinished(const QString& path);
+    /** `sentence` tells the user the reason and names the file. */
+    void LoadFailed(const QString& path, vantoraudio::AudioEngine::AudioFileInfo::Problem problem,
+                    const QString& sentence);
+    void LoadCancelled(const QString& path);
 
 protected:
     /** The platform's key for selecting everything selects all that is visible, Space plays and pauses; every

@@ -11,6 +11,7 @@
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
 #include <QtCore/QPointer>
+#include <QtCore/QSignalBlocker>
 #include <QtGui/QRegularExpressionValidator>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QFrame>
@@ -18,6 +19,7 @@
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPushButton>
 
+#include <cmath>
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
@@ -165,6 +167,7 @@ void AudioPlayerWidget::Reset()
     }
     EnableAudioControls(false);
     m_waveformWidget->Reset();
+    const QSignalBlocker blocker(m_internals->controls.edTotalDuration);
     // With a comma, although times are shown with a point: hosts tell an empty player by this text.
     m_internals->controls.edTotalDuration->setText(u"00:00:00,000"_s);
 }
@@ -251,6 +254,13 @@ bool AudioPlayerWidget::IsReadingSamples() const
 {
     return m_samplesWatcher.isRunning() || m_internals->loaded.Progress().Holds(WorkingFile::NewSamples) ||
            m_internals->loaded.Progress().Holds(WorkingFile::ReadingEnded);
+}
+
+void AudioPlayerWidget::ShowRange(double start, double end)
+{
+    if (std::isfinite(start) && std::isfinite(end)) {
+        m_waveformWidget->OnSceneRectChangeRequested(QRectF(QPointF(start, 0.0), QPointF(end, 1.0)));
+    }
 }
 
 double AudioPlayerWidget::GetDelay() const

@@ -54,8 +54,12 @@ void AudioPlayerWidget::OnCmbboxChannelSelectorCurrentIndexChanged(int /*index*/
     const auto channel =
         m_internals->controls.cmbboxChannelSelector->currentData().value<WavFile::ChannelFormat>();
     m_previousChannel = m_internals->loaded.File().GetSelectedChannel();
+    if (channel == m_previousChannel) {
+        return;
+    }
     // Of a closed file only a header would be written, which the next filtering would take for the channel.
-    if (channel == m_previousChannel || !m_internals->loaded.File().isOpen()) {
+    if (!m_internals->loaded.File().isOpen()) {
+        m_internals->ShowChannel(m_previousChannel);
         return;
     }
     m_internals->loaded.samples.Stop();
@@ -65,6 +69,13 @@ void AudioPlayerWidget::OnCmbboxChannelSelectorCurrentIndexChanged(int /*index*/
     m_filteredFilePath = m_internals->FilteredPathOf(channel);
     m_channelFilterWatcher.setFuture(m_internals->loaded.FilterInto(m_filteredFilePath));
     SetBusy(true);
+}
+
+void AudioPlayerWidget::Internals::ShowChannel(WavFile::ChannelFormat channel)
+{
+    QComboBox* selector = controls.cmbboxChannelSelector;
+    const QSignalBlocker blocker(selector);
+    selector->setCurrentIndex(selector->findData(QVariant::fromValue(channel), Qt::UserRole, Qt::MatchExactly));
 }
 
 /** Only the latest filtering counts, and only while its file is open. */

@@ -95,6 +95,7 @@ QLineEdit* CreateTotalField(QWidget* parent)
     field->setFixedSize(80, 20);
     field->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     field->setReadOnly(true);
+    const QSignalBlocker blocker(field);
     field->setText(u"00:00:00,000"_s);
     return field;
 }

@@ -10,6 +10,8 @@
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QLineEdit>
 
+#include <cmath>
+
 namespace vantoraudio::vantorAudioEngine::UI {
 namespace {
 
@@ -35,7 +37,9 @@ std::pair<double, double> AudioPlayerWidget::GetSelectedSnippet() const
 
 void AudioPlayerWidget::SetSelectedSnippet(std::pair<double, double> snippet)
 {
-    m_waveformWidget->SetSelectedSnippet(snippet);
+    if (std::isfinite(snippet.first) && std::isfinite(snippet.second)) {
+        m_waveformWidget->SetSelectedSnippet(snippet);
+    }
 }
 
 QString AudioPlayerWidget::ConvertToDisplayTimeFormat(double seconds)

@@ -15,6 +15,26 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace vantoraudio::vantorAudioEngine::UI {
 
+void AudioPlayerWidget::Play()
+{
+    const bool hasFile = m_internals->controls.btnPlayPause->isEnabled();
+    if (hasFile && !IsPlaying()) {
+        m_audioPlayer->play();
+    }
+}
+
+void AudioPlayerWidget::Pause()
+{
+    if (IsPlaying()) {
+        m_audioPlayer->pause();
+    }
+}
+
+bool AudioPlayerWidget::IsPlaying() const
+{
+    return m_audioPlayer->playbackState() == QMediaPlayer::PlayingState;
+}
+
 void AudioPlayerWidget::OnBtnPlayPauseClicked()
 {
     m_audioPlayer->PauseResume();
@@ -83,8 +103,14 @@ void AudioPlayerWidget::SetAudioPlayBackMute(bool mute)
         return;
     }
     m_audioPlayer->SetMuted(mute);
+    const QSignalBlocker blocker(m_internals->controls.btnMute);
     m_internals->controls.btnMute->setChecked(mute);
     m_internals->ShowMuteIcon(mute);
+}
+
+bool AudioPlayerWidget::GetAudioPlayBackMute() const
+{
+    return m_audioPlayer->IsMuted();
 }
 
 void AudioPlayerWidget::Internals::ShowMuteIcon(bool isMuted)
@@ -98,6 +124,7 @@ void AudioPlayerWidget::OnHSliderVolumeValueChanged(int volume)
         return;
     }
     m_audioPlayer->SetVolume(volume);
+    m_internals->volume = volume;
     Q_EMIT AudioPlayBackVolumeChanged(volume);
 }
 
@@ -107,10 +134,18 @@ void AudioPlayerWidget::SetAudioPlayBackVolume(int volume)
         return;
     }
     m_audioPlayer->SetVolume(volume);
+    m_internals->volume = volume;
     // The slider ends at 99 and the player truncates what it holds: what comes back from either is not always what
     // was set here, and would pass for a move of the user.
     const QSignalBlocker blocker(m_internals->controls.hSliderVolume);
     m_internals->controls.hSliderVolume->setValue(volume);
+}
+
+int AudioPlayerWidget::GetAudioPlayBackVolume() const
+{
+    // The player truncates what it holds.
+    const int truncated = m_audioPlayer->Volume();
+    return m_internals->volume == truncated + 1 ? m_internals->volume : truncated;
 }
 
 void AudioPlayerWidget::SetAudioOutputDevice(const QAudioDevice& device)

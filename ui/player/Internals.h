@@ -52,6 +52,7 @@ struct AudioPlayerWidget::Internals
 
     // Channels and tasks
     void FillChannelSelector();
+    void ShowChannel(WavFile::ChannelFormat channel);
     void OnNote(int note);
     [[nodiscard]] QString FilteredPathOf(WavFile::ChannelFormat channel) const;
     void PlayFilteredFile();
@@ -63,6 +64,8 @@ struct AudioPlayerWidget::Internals
     LoadedFile loaded;
     /** Null when nothing is being loaded in the background. */
     std::unique_ptr<FileLoad> loading;
+    /** The volume that was set last, which the player may read back as one percent less. */
+    int volume = 100;
     bool decodesToFloat = false;
     bool loadsInBackground = false;
     /** Counts what ends a load: the next load and every closing. */

@@ -25,6 +25,8 @@ private Q_SLOTS:
     void theHostHearsOfEveryBlockThatIsRead();
     void theHostHearsOfTheVisibleRange();
     void theHostSetsTheVisibleRange();
+    void theHostShowsARange_data();
+    void theHostShowsARange();
     void theHostHearsOfAFinishedSnippet();
     void theChannelBoxStartsAFiltering();
     void theSettingsIconIsTheProgramsToBring();
@@ -107,6 +109,28 @@ void PlayerConnectionsTest::theHostSetsTheVisibleRange()
     Q_EMIT Shown().SceneRectChangeRequested(QRectF(0.5, 0.0, 1.0, 1.0));
     QCOMPARE(Diagram().GetSceneRect().left(), 0.5);
     QCOMPARE(Diagram().GetSceneRect().right(), 1.5);
+}
+
+void PlayerConnectionsTest::theHostShowsARange_data()
+{
+    QTest::addColumn<double>("start");
+    QTest::addColumn<double>("end");
+    QTest::addColumn<double>("left");
+    QTest::addColumn<double>("right");
+    QTest::newRow("within the file") << 0.5 << 1.5 << 0.5 << 1.5;
+    QTest::newRow("in the other order") << 1.5 << 0.5 << 0.5 << 1.5;
+    QTest::newRow("beyond the file") << 1.0 << 5.0 << 1.0 << 2.0;
+    QTest::newRow("start is no number") << qQNaN() << 1.5 << 0.0 << 2.0;
+    QTest::newRow("end is endless") << 0.5 << qInf() << 0.0 << 2.0;
+}
+
+void PlayerConnectionsTest::theHostShowsARange()
+{
+    QFETCH(double, start);
+    QFETCH(double, end);
+    Shown().ShowRange(start, end);
+    QTEST(Diagram().GetSceneRect().left(), "left");
+    QTEST(Diagram().GetSceneRect().right(), "right");
 }
 
 void PlayerConnectionsTest::theHostHearsOfAFinishedSnippet()

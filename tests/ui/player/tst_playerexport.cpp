@@ -70,6 +70,7 @@ private Q_SLOTS:
 
     void choosesOnlyWhatTheFileOffers();
     void withoutAFileNoChannelIsFiltered();
+    void withoutAFileTheChannelBoxFallsBack();
     void filtersIntoAFileBesideTheWorkingCopy();
     void bothChannelsPlayTheWorkingCopyItself();
     void aFilteringEndsTheReadingOfSamples();
@@ -419,6 +420,21 @@ void PlayerExportTest::withoutAFileNoChannelIsFiltered()
     setup.player->SetSelectedChannel(WavFile::ChannelLeft);
     QVERIFY(setup.IsIdle());
     QCOMPARE(TemporaryFiles::Read(setup.Left()).size(), 16044);
+}
+
+void PlayerExportTest::withoutAFileTheChannelBoxFallsBack()
+{
+    ExportSetup setup;
+    const auto* box = setup.Controls().cmbboxChannelSelector;
+    setup.player->Close();
+    for (const WavFile::ChannelFormat channel : {WavFile::ChannelLeft, WavFile::ChannelRight}) {
+        setup.player->SetSelectedChannel(channel);
+        QCOMPARE(box->currentData().value<WavFile::ChannelFormat>(), WavFile::ChannelLeftRight);
+        QCOMPARE(setup.player->GetSelectedChannel(), WavFile::ChannelLeftRight);
+    }
+    QVERIFY(setup.busy.isEmpty());
+    QVERIFY(setup.player->errors.isEmpty());
+    QVERIFY(!QFile::exists(setup.Left()) && !QFile::exists(setup.Right()));
 }
 
 void PlayerExportTest::choosesOnlyWhatTheFileOffers()

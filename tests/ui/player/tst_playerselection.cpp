@@ -55,6 +55,8 @@ private Q_SLOTS:
     void aTextThatIsNoTimeCountsAsTheStartOfTheFile_data();
     void aTextThatIsNoTimeCountsAsTheStartOfTheFile();
 
+    void aSelectionThatIsNotFiniteIsIgnored_data();
+    void aSelectionThatIsNotFiniteIsIgnored();
     void aSelectionReachesThePlayerThenTheFieldsThenTheHost();
     void changingTheFieldsByCodeIsSilent();
     void aSelectionShorterThanTenMicrosecondsIsNone_data();
@@ -251,6 +253,28 @@ void PlayerSelectionTest::aTextThatIsNoTimeCountsAsTheStartOfTheFile()
     TypeTime(*field, u"garbage"_s);
     QTEST(Shown().GetSelectedSnippet(), "after");
     QTEST(Range(Access::FromText(FieldTexts()[0]), Access::FromText(FieldTexts()[1])), "after");
+}
+
+void PlayerSelectionTest::aSelectionThatIsNotFiniteIsIgnored_data()
+{
+    QTest::addColumn<double>("start");
+    QTest::addColumn<double>("end");
+    QTest::newRow("start is no number") << qQNaN() << 3.0;
+    QTest::newRow("end is no number") << 1.0 << qQNaN();
+    QTest::newRow("from the beginning of time") << -qInf() << 3.0;
+    QTest::newRow("to the end of time") << 1.0 << qInf();
+}
+
+void PlayerSelectionTest::aSelectionThatIsNotFiniteIsIgnored()
+{
+    QFETCH(double, start);
+    QFETCH(double, end);
+    m_loaded->widget.SetSelectedSnippet({4.0, 5.0});
+    const QSignalSpy told(&m_loaded->widget, &Widget::WaveFormSelectionChanged);
+    m_loaded->widget.SetSelectedSnippet({start, end});
+    QVERIFY(told.isEmpty());
+    QCOMPARE(m_loaded->widget.GetSelectedSnippet(), Range(4.0, 5.0));
+    QCOMPARE(RangeOf(m_loaded->Player()), Range(4.0, 5.0));
 }
 
 void PlayerSelectionTest::aSelectionReachesThePlayerThenTheFieldsThenTheHost()

@@ -71,6 +71,8 @@ private Q_SLOTS:
     void cleanup();
 
     void aClickPlaysAndAnotherOnePauses();
+    void theProgramPlaysAndPauses();
+    void playingNeedsAFile();
     void theButtonMirrorsThePlayer();
     void theClickedButtonShowsItsIconBeforeThePlayerFollows();
     void theButtonShowsTheIconsOfTheHost();
@@ -90,12 +92,17 @@ private Q_SLOTS:
     void aMuteButtonThatAgreesWithThePlayerDoesNothing();
     void settingTheMuteMovesTheButtonAndEmitsNothing();
     void settingTheMuteThatIsDoesNothing();
+    void settingTheMuteIsSilentForTheButton();
+    void tellsWhetherItIsMuted();
 
     void theSliderSetsTheVolume();
     void aSliderThatAgreesWithThePlayerDoesNothing();
     void settingTheVolumeMovesTheSliderAndEmitsNothing_data();
     void settingTheVolumeMovesTheSliderAndEmitsNothing();
     void settingTheVolumeThatIsDoesNothing();
+    void tellsTheVolumeThatWasSet_data();
+    void tellsTheVolumeThatWasSet();
+    void tellsTheVolumeOfTheSlider();
 
     void anotherDeviceStopsAndPlaysTheWholeFile();
     void anUnknownDeviceIsKeptButNotPlayedTo();
@@ -176,6 +183,35 @@ void PlayerTransportTest::aClickPlaysAndAnotherOnePauses()
     QCOMPARE(Player().playbackState(), QMediaPlayer::PausedState);
     QVERIFY(!button.isChecked());
     QVERIFY(Shows(button, u"PlayerPlay"_s));
+}
+
+void PlayerTransportTest::theProgramPlaysAndPauses()
+{
+    QPushButton& button = *Controls().btnPlayPause;
+    QVERIFY(!Shown().IsPlaying());
+    Shown().Pause();
+    QCOMPARE(Player().playbackState(), QMediaPlayer::StoppedState);
+    for (int i = 0; i < 2; ++i) {
+        Shown().Play();
+        QVERIFY(Shown().IsPlaying());
+        QVERIFY(button.isChecked());
+        QVERIFY(Shows(button, u"PlayerPause"_s));
+    }
+    for (int i = 0; i < 2; ++i) {
+        Shown().Pause();
+        QVERIFY(!Shown().IsPlaying());
+        QCOMPARE(Player().playbackState(), QMediaPlayer::PausedState);
+        QVERIFY(!button.isChecked());
+        QVERIFY(Shows(button, u"PlayerPlay"_s));
+    }
+}
+
+void PlayerTransportTest::playingNeedsAFile()
+{
+    Shown().Reset();
+    Shown().Play();
+    QVERIFY(!Shown().IsPlaying());
+    QCOMPARE(Player().playbackState(), QMediaPlayer::StoppedState);
 }
 
 void PlayerTransportTest::theButtonMirrorsThePlayer()
@@ -372,6 +408,25 @@ void PlayerTransportTest::settingTheMuteThatIsDoesNothing()
     QVERIFY(Shows(*Controls().btnMute, u"Unmute"_s));
 }
 
+void PlayerTransportTest::settingTheMuteIsSilentForTheButton()
+{
+    const QSignalSpy toggled(Controls().btnMute, &QPushButton::toggled);
+    Shown().SetAudioPlayBackMute(true);
+    QVERIFY(Controls().btnMute->isChecked());
+    QVERIFY(Shows(*Controls().btnMute, u"Mute"_s));
+    QVERIFY(toggled.isEmpty());
+    QVERIFY(!Controls().btnMute->signalsBlocked());
+}
+
+void PlayerTransportTest::tellsWhetherItIsMuted()
+{
+    QVERIFY(!Shown().GetAudioPlayBackMute());
+    Shown().SetAudioPlayBackMute(true);
+    QVERIFY(Shown().GetAudioPlayBackMute());
+    Click(Controls().btnMute);
+    QVERIFY(!Shown().GetAudioPlayBackMute());
+}
+
 void PlayerTransportTest::theSliderSetsTheVolume()
 {
     const QSignalSpy told(&Shown(), &Widget::AudioPlayBackVolumeChanged);
@@ -433,6 +488,37 @@ void PlayerTransportTest::settingTheVolumeThatIsDoesNothing()
     QCOMPARE(Controls().hSliderVolume->value(), 99);
     QCOMPARE(Player().Volume(), 40);
     QCOMPARE(told.size(), 0);
+}
+
+void PlayerTransportTest::tellsTheVolumeThatWasSet_data()
+{
+    QTest::addColumn<int>("volume");
+    QTest::addColumn<int>("told");
+    QTest::newRow("silent") << 0 << 0;
+    QTest::newRow("one that the player reads back as less") << 57 << 57;
+    QTest::newRow("full") << 100 << 100;
+    QTest::newRow("below all") << -20 << 0;
+    QTest::newRow("above all") << 150 << 100;
+}
+
+void PlayerTransportTest::tellsTheVolumeThatWasSet()
+{
+    QFETCH(int, volume);
+    QFETCH(int, told);
+    QCOMPARE(Shown().GetAudioPlayBackVolume(), 100);
+    Shown().SetAudioPlayBackVolume(volume);
+    QCOMPARE(Shown().GetAudioPlayBackVolume(), told);
+    // Set again, as a program does that keeps it from one start to the next.
+    Shown().SetAudioPlayBackVolume(Shown().GetAudioPlayBackVolume());
+    QCOMPARE(Shown().GetAudioPlayBackVolume(), told);
+}
+
+void PlayerTransportTest::tellsTheVolumeOfTheSlider()
+{
+    Controls().hSliderVolume->setValue(29);
+    QCOMPARE(Shown().GetAudioPlayBackVolume(), 29);
+    Player().SetVolume(70);
+    QVERIFY(Shown().GetAudioPlayBackVolume() >= 69 && Shown().GetAudioPlayBackVolume() <= 70);
 }
 
 void PlayerTransportTest::anotherDeviceStopsAndPlaysTheWholeFile()
