@@ -1,0 +1,214 @@
+#include "tests/support/SoundServer.h"
+#include "tests/support/Tone.h"
+#include "tests/ui/player/LoadedPlayer.h"
+
+#include <QtGui/QWheelEvent>
+#include <QtTest/QSignalSpy>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QPushButton>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace vantoraudio::vantorAudioEngine::UI;
+using Widget = AudioPlayerWidget;
+using Access = AudioPlayerWidgetTestAccess;
+
+namespace {
+
+using SetIcon = void (Widget::*)(const QIcon&);
+using SetColor = void (Widget::*)(const QColor&);
+using SetViewColor = void (BGFXWaveformWidget::*)(const QColor&);
+
+QIcon SomeIcon()
+{
+    QPixmap pixmap(16, 16);
+    pixmap.fill(Qt::magenta);
+    return QIcon(pixmap);
+}
+
+bool IsSomeIcon(const QPushButton& button)
+{
+    const auto picture = [](const QIcon& icon) { return icon.pixmap(16, 16).toImage(); };
+    return picture(button.icon()) == picture(SomeIcon());
+}
+
+/** A player that shows a wave, a position and a selection. */
+class ShownPlayer
+{
+public:
+    ShownPlayer()
+    {
+        const QString path = m_files.Path(u"tone.wav"_s);
+        QVERIFY(WriteToneFile(path, {.seconds = 1.0}));
+        widget.SetWritableDirectoryPath(m_copies.Path(QString()));
+        widget.SetEditMode(true);
+        widget.resize(1000, 400);
+        widget.SetAudioFile(path);
+        QVERIFY(QTest::qWaitFor([this] { return !widget.IsReadingSamples(); }));
+        widget.SetSelectedSnippet({0.25, 0.5});
+    }
+
+    BGFXWaveformWidget& View() { return Access::Waveform(widget); }
+    QImage Picture() { return View().grab().toImage(); }
+
+    Widget widget;
+
+private:
+    TemporaryFiles m_files;
+    TemporaryFiles m_copies;
+};
+
+} // namespace
+
+/** What a program sets passes on to the buttons and to the waveform. */
+class PlayerAppearanceTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void anIconShowsOnItsButton_data();
+    void anIconShowsOnItsButton();
+    void aColorIsThatOfTheWaveform_data();
+    void aColorIsThatOfTheWaveform();
+    void thePositionIconIsThatOfTheWaveform();
+    void theWheelTurnsTheWayItIsTold_data();
+    void theWheelTurnsTheWayItIsTold();
+    void theDelayIsThatOfTheWaveform();
+    void theEditModeIsThatOfTheWaveform();
+};
+
+void PlayerAppearanceTest::anIconShowsOnItsButton_data()
+{
+    QTest::addColumn<SetIcon>("set");
+    QTest::addColumn<QStringList>("buttons");
+    QTest::addColumn<bool>("showsChecked");
+    QTest::addColumn<bool>("showsUnchecked");
+    const auto row = [](const char* name, SetIcon set, const QStringList& buttons, bool checked, bool unchecked) {
+        QTest::newRow(name) << set << buttons << checked << unchecked;
+    };
+    row("play", &Widget::SetIconPlay, {u"btnPlayPause"_s}, false, true);
+    row("pause", &Widget::SetIconPause, {u"btnPlayPause"_s}, true, false);
+    row("stop", &Widget::SetIconStop, {u"btnStop"_s}, true, true);
+    row("loop", &Widget::SetIconLoop, {u"btnLoop"_s}, true, true);
+    row("settings", &Widget::SetIconSettings, {u"btnSettings"_s}, true, true);
+    row("mute", &Widget::SetIconMute, {u"btnMute"_s}, true, false);
+    row("unmute", &Widget::SetIconUnmute, {u"btnMute"_s}, false, true);
+    row("load", &Widget::SetIconLoad, {u"btnLoadFile"_s}, true, true);
+    row("increment", &Widget::SetIconIncrement, {u"btnIncSelectionStart"_s, u"btnIncSelectionEnd"_s}, true, true);
+    row("decrement", &Widget::SetIconDecrement, {u"btnDecSelectionStart"_s, u"btnDecSelectionEnd"_s}, true, true);
+}
+
+void PlayerAppearanceTest::anIconShowsOnItsButton()
+{
+    QFETCH(SetIcon, set);
+    QFETCH(QStringList, buttons);
+    QFETCH(bool, showsChecked);
+    QFETCH(bool, showsUnchecked);
+    for (const bool isChecked : {false, true}) {
+        Widget widget;
+        for (QPushButton* button : widget.findChildren<QPushButton*>()) {
+            button->setChecked(isChecked);
+        }
+        (widget.*set)(SomeIcon());
+        for (const QPushButton* button : widget.findChildren<QPushButton*>()) {
+            const bool isItsButton = buttons.contains(button->objectName());
+            QVERIFY2(IsSomeIcon(*button) == (isItsButton && (isChecked ? showsChecked : showsUnchecked)),
+                     qPrintable(button->objectName()));
+        }
+    }
+}
+
+void PlayerAppearanceTest::aColorIsThatOfTheWaveform_data()
+{
+    QTest::addColumn<SetColor>("set");
+    QTest::addColumn<SetViewColor>("setOfView");
+    using View = BGFXWaveformWidget;
+    const auto row = [](const char* name, SetColor set, SetViewColor setOfView) {
+        QTest::newRow(name) << set << setOfView;
+    };
+    row("marker", &Widget::SetAudioPositionMarkerColor, &View::SetAudioPositionMarkerColor);
+    row("selection", &Widget::SetAudioSelectionColor, &View::SetAudioSelectionColor);
+    row("background", &Widget::SetBackgroundColor, &View::SetBackgroundColor);
+    row("frame", &Widget::SetFrameColor, &View::SetFrameColor);
+    row("grid", &Widget::SetGridColor, &View::SetGridColor);
+    row("scale", &Widget::SetScaleColor, &View::SetScaleColor);
+    row("waveform", &Widget::SetWaveformColor, &View::SetWaveformColor);
+}
+
+void PlayerAppearanceTest::aColorIsThatOfTheWaveform()
+{
+    QFETCH(SetColor, set);
+    QFETCH(SetViewColor, setOfView);
+    ShownPlayer plain;
+    ShownPlayer direct;
+    ShownPlayer shown;
+    (direct.View().*setOfView)(Qt::magenta);
+    (shown.widget.*set)(Qt::magenta);
+    QCOMPARE(shown.Picture(), direct.Picture());
+    QVERIFY(shown.Picture() != plain.Picture());
+}
+
+void PlayerAppearanceTest::thePositionIconIsThatOfTheWaveform()
+{
+    ShownPlayer plain;
+    ShownPlayer direct;
+    ShownPlayer shown;
+    const QString icon = u":/Resources/vantoraudioPlayerStop_day.svg"_s;
+    direct.View().SetAudioPositionIcon(icon);
+    shown.widget.SetAudioPositionIcon(icon);
+    QCOMPARE(shown.Picture(), direct.Picture());
+    QVERIFY(shown.Picture() != plain.Picture());
+}
+
+void PlayerAppearanceTest::theWheelTurnsTheWayItIsTold_data()
+{
+    QTest::addColumn<bool>("backZoomsOut");
+    QTest::newRow("back zooms out") << true;
+    QTest::newRow("back zooms in") << false;
+}
+
+void PlayerAppearanceTest::theWheelTurnsTheWayItIsTold()
+{
+    QFETCH(bool, backZoomsOut);
+    ShownPlayer player;
+    player.widget.SetScrollBackToZoomOut(backZoomsOut);
+    player.widget.ShowRange(0.25, 0.75);
+    QSignalSpy ranges(&player.widget, &Widget::SceneRectChanged);
+    auto* diagram = player.widget.findChild<QWidget*>(u"BGFXWaveformDiagramWidget"_s);
+    const QPoint middle = diagram->rect().center();
+    QWheelEvent back(middle, diagram->mapToGlobal(middle), QPoint(), QPoint(0, -120), Qt::NoButton,
+                     Qt::ControlModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(diagram, &back);
+    QVERIFY(!ranges.isEmpty());
+    QCOMPARE(ranges.last()[0].toRectF().width() > 0.5, backZoomsOut);
+}
+
+void PlayerAppearanceTest::theDelayIsThatOfTheWaveform()
+{
+    ShownPlayer player;
+    player.widget.SetDelay(1.5);
+    QCOMPARE(player.View().GetDelay(), 1.5);
+    player.View().SetDelay(0.5);
+    QCOMPARE(player.widget.GetDelay(), 0.5);
+}
+
+void PlayerAppearanceTest::theEditModeIsThatOfTheWaveform()
+{
+    Widget widget;
+    QVERIFY(!Access::Waveform(widget).GetEditMode());
+    widget.SetEditMode(true);
+    QVERIFY(Access::Waveform(widget).GetEditMode());
+    QVERIFY(!Access::Controls(widget).frmEditingControls->isHidden());
+    widget.SetEditMode(false);
+    QVERIFY(!Access::Waveform(widget).GetEditMode());
+    QVERIFY(Access::Controls(widget).frmEditingControls->isHidden());
+}
+
+int main(int argc, char* argv[])
+{
+    const SoundServer server({QStringLiteral("one")});
+    QApplication application(argc, argv);
+    PlayerAppearanceTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_playerappearance.moc"
