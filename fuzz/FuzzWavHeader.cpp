@@ -18,7 +18,7 @@ void Require(bool isTrue)
     }
 }
 
-/** Whatever the bytes are, the header ends within them and tells of audio that can be decoded. */
+/** Whatever the bytes are, the header ends within them and describes audio that can be decoded. */
 void CheckHeader(const WavHeader& header, qint64 fileSize)
 {
     Require(header.dataOffset >= 0 && header.dataOffset <= fileSize);

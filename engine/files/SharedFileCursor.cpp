@@ -21,7 +21,7 @@ qint64 SharedFileCursor::BytesLeft() const
 bool SharedFileCursor::Read(qint64 size, QByteArray& block)
 {
     const QMutexLocker lock(&m_deviceLock);
-    // The file is asked for its size only when the block would have to grow.
+    // Asking the file for its size takes time, so it is asked only when the block would have to grow.
     if (size > block.capacity()) {
         size = qMin(size, BytesLeftLocked());
         block.reserve(size);

@@ -7,17 +7,17 @@
 namespace vantoraudio::AudioEngine {
 
 /**
- * One task's own place in a file that other tasks read through the same QFile.
+ * A task's own place in a file that other tasks read through the same QFile.
  *
- * The file's own position is moved only under the device lock, for one block at a time, so no task disturbs
- * another's place. After a lone task the file stands where its cursor stands. File and lock must outlive the
- * cursor, and nobody may open or close the file meanwhile. A cursor itself belongs to one thread.
+ * The position of the file is moved only under the device lock, for one block at a time, so no task disturbs
+ * another one. After a single task the file stands where the cursor stands. File and lock must outlive the cursor,
+ * and nobody may open or close the file meanwhile. A cursor belongs to one thread.
  */
 class SharedFileCursor
 {
 public:
-    /** Moves the file to `position`, in bytes; that may lie behind its end. On a closed file or at a negative
-     *  position the cursor stands at 0 and reads nothing. */
+    /** Moves the file to `position`, in bytes, which may lie behind its end. In a closed file, or for a negative
+     *  position, the cursor stands at 0 and reads nothing. */
     SharedFileCursor(QFile& file, QMutex& deviceLock, qint64 position);
 
     /** In bytes from the start of the file. */
@@ -27,13 +27,13 @@ public:
     qint64 BytesLeft() const;
 
     /**
-     * Reads up to `size` bytes into `block` and moves behind them. `block` takes the size of what arrived and
-     * never grows beyond what the file still holds; its memory is used again from call to call. False, and an
-     * empty block, at the end of the file or after a failure.
+     * Reads up to `size` bytes into `block` and moves behind them. `block` gets the size of what arrived and never
+     * grows beyond what the file still holds; its memory is used again from call to call. False, and an empty
+     * block, at the end of the file or after a failure.
      */
     bool Read(qint64 size, QByteArray& block);
 
-    /** Goes to another place; a negative one, or one in a file that cannot be read, changes nothing. */
+    /** Goes to another place. A negative one, or one in a file that cannot be read, changes nothing. */
     void MoveTo(qint64 position);
 
 private:

@@ -28,7 +28,7 @@ int TargetFrameCount(int frames, int rate, int targetRate)
     return frames < 1 || rate < 1 ? 0 : MultiplyWrapping(frames, targetRate) / rate;
 }
 
-/** A value between two samples: never outside the range of their type, so that the conversion is safe. */
+/** A value between two samples. It never leaves the range of their type, so the conversion is safe. */
 template<typename Sample>
 Sample Between(Sample first, Sample second, double fraction)
 {
@@ -40,7 +40,7 @@ struct Positions
 {
     static constexpr int Most = 256;
 
-    /** Apart from what uses them, and kept apart from each other, so that the compiler makes vectors of them. */
+    /** Found before they are used, and in two arrays, so that the compiler can vectorise the loop. */
     void Find(int first, std::size_t count, int frames, int targetFrames)
     {
         for (std::size_t i = 0; i < count; ++i) {
@@ -54,7 +54,7 @@ struct Positions
     std::array<double, Most> fractions{};
 };
 
-/** Inlined where the channel count is known. */
+/** The compiler inlines it where the channel count is a constant. */
 template<typename Sample>
 inline Sample* InterpolateFrames(const Sample* samples, int channels, const Positions& positions,
                                  std::size_t count, Sample* out)

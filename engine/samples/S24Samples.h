@@ -21,7 +21,8 @@ namespace vantoraudio::AudioEngine {
     return static_cast<float>(S24InS32(bytes) >> 8) / 8388607.0F;
 }
 
-/** Every sample of `block` as a little-endian 32-bit one of the same loudness; a sample cut off is dropped. */
+/** Every sample of `block` as a little-endian 32-bit one of the same loudness. An incomplete last one is dropped.
+ */
 [[nodiscard]] QByteArray WidenS24Block(QByteArrayView block);
 
 } // namespace vantoraudio::AudioEngine

@@ -8,12 +8,12 @@ namespace vantoraudio::AudioEngine {
 
 namespace {
 
-// 16 and 24 bits are divided by their largest positive value and 32 bits multiplied by 2^-31, so only the former
-// reach slightly below -1. Views and stored lists depend on these very values.
+// 16 and 24 bits are divided by their largest positive value, and 32 bits are multiplied by 2^-31. So only the
+// first two reach slightly below -1. Views and stored lists depend on exactly these values.
 constexpr float largestS16 = 32767.0F;
 constexpr float s32Scale = 4.656612873077393e-10F;
 
-// Each coding has its own way to the average. Within their usual range both give the same.
+// Each coding averages in its own way. For values in the usual range both ways give the same.
 float AverageInDouble(float left, float right)
 {
     return static_cast<float>(static_cast<double>(left + right) * 0.5);

@@ -8,12 +8,12 @@
 #include <QtCore/QList>
 
 /**
- * Decoding blocks of interleaved little-endian samples for display: one float for every `step` frames, counted
- * from the block's first frame; the frames between are not looked at.
+ * Decodes blocks of interleaved little-endian samples for display: one float for every `step` frames, beginning
+ * with the first frame of the block. The frames between them are ignored.
  *
- * A channel count of 1 means mono, where `channel` is ignored; otherwise the frame's first sample is the left one
- * and the second the right one, and every channel but ChannelLeft and ChannelRight gives their average. A frame
- * that is not complete at the end of a block is dropped. A step below 1 counts as 1. Nothing is clipped.
+ * A channel count of 1 means mono, where `channel` is ignored. Otherwise the first sample of a frame is the left
+ * one and the second the right one, and every channel but ChannelLeft and ChannelRight gives their average. An
+ * incomplete frame at the end of a block is dropped. A step below 1 counts as 1. Nothing is clipped.
  */
 namespace vantoraudio::AudioEngine {
 

@@ -10,7 +10,8 @@ namespace vantoraudio::AudioEngine {
 
 namespace {
 
-/** Halved before they are added, so that the sum fits; the rounding that comes with it is part of the format. */
+/** Both are halved before they are added, so that the sum fits. Programs rely on the rounding that follows from
+ * it. */
 template<typename Integer>
 Integer AverageOfIntegers(Integer left, Integer right)
 {
@@ -31,7 +32,7 @@ struct IntegerCoding
     static Sample Average(Sample left, Sample right) { return AverageOfIntegers(left, right); }
 };
 
-/** Floats travel as bits, so that a single channel keeps whatever its samples hold. */
+/** Floats are copied as bits, so that a single channel keeps whatever its samples hold. */
 struct FloatCoding
 {
     using Sample = quint32;

@@ -14,8 +14,8 @@ namespace vantoraudio::AudioEngine {
  * coding.
  *
  * A channel count of 1 means mono, where `channel` is ignored and every sample is kept as it is. Any other count
- * means stereo, left before right: ChannelLeft and ChannelRight keep that sample as it is, every other value makes
- * the average of both. A frame that is not complete at the end of a block is dropped.
+ * means stereo, left before right: ChannelLeft and ChannelRight keep that sample as it is, every other value gives
+ * the average of both. An incomplete frame at the end of a block is dropped.
  *
  * The average of integers is left / 2 + right / 2, each truncated toward zero before they are added: -3 and -3
  * give -2.

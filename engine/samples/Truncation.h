@@ -5,13 +5,13 @@
 #include <limits>
 
 /**
- * The library counts frames, bytes and milliseconds in 32-bit integers at many places and lets them wrap on
- * purpose. These functions give those conversions and products one defined meaning.
+ * In many places the library counts frames, bytes and milliseconds in 32-bit integers and lets them wrap around on
+ * purpose. These functions give such conversions and products one defined meaning.
  */
 namespace vantoraudio::AudioEngine {
 
-/** Truncates toward zero; a value that no Integer can hold becomes the nearest one that it can, and
- *  not-a-number becomes 0. */
+/** Truncates toward zero. A value that Integer cannot hold becomes the nearest one that it can, and not-a-number
+ *  becomes 0. */
 template<typename Integer>
 [[nodiscard]] inline Integer TruncateTo(double value) noexcept
 {
@@ -47,7 +47,7 @@ template<typename Integer>
     return static_cast<std::int32_t>(value);
 }
 
-/** The product's lowest 32 bits, as two's complement: offsets past 2 GiB wrap around. */
+/** The lowest 32 bits of the product, as two's complement: offsets beyond 2 GiB wrap around. */
 [[nodiscard]] constexpr std::int32_t MultiplyWrapping(std::int32_t a, std::int32_t b) noexcept
 {
     return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) * static_cast<std::uint32_t>(b));

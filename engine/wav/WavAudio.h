@@ -41,7 +41,7 @@ struct WavAudio
     bool allowsLargeFiles;
 };
 
-/** Under the lock of the file, as a task does that starts. */
+/** Takes it under the lock of the file. */
 inline WavAudio TakeWavAudio(const WavFile& file, QMutex& mutex)
 {
     const QMutexLocker lock(&mutex);

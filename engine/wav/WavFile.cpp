@@ -14,7 +14,7 @@ using namespace vantoraudio::AudioEngine;
 
 namespace {
 
-/** Done when the library is loaded, so that the type is known by its name before anyone uses the class. */
+/** Called when the library is loaded, so that the type is known by its name before anyone uses the class. */
 void RegisterMetaTypes()
 {
     qRegisterMetaType<WavFile::ChannelFormat>("WavFile::ChannelFormat");
@@ -26,13 +26,13 @@ Q_CONSTRUCTOR_FUNCTION(RegisterMetaTypes)
 
 WavFile::WavFile(QObject* parent) : QFile(parent)
 {
-    // Zero in every version of Qt, whatever a fresh QAudioFormat says.
+    // A fresh QAudioFormat has one channel in some versions of Qt.
     m_fileFormat.setChannelCount(0);
 }
 
 WavFile::~WavFile() = default;
 
-// The flag of channel filtering, the sample size, SetLargeFiles() and all of the QFile are left out on purpose.
+// It leaves out the flag of channel filtering, the sample size, SetLargeFiles() and all of the QFile on purpose.
 WavFile& WavFile::operator=(const WavFile& other)
 {
     if (this == &other) {
@@ -70,7 +70,7 @@ WavFile::AudioEngineReturnValue WavFile::Open(const QString& fileName)
     if (frameSize < 1) {
         return Success;
     }
-    // At a rate of 0 the duration becomes infinite, or not-a-number without data: ordinary values for callers.
+    // A rate of 0 makes the duration infinite, or not-a-number without data. Callers expect these values.
     static_assert(std::numeric_limits<double>::is_iec559);
     m_duration = double(m_dataLength) / (double(frameSize) * double(m_fileFormat.sampleRate()));
     return Success;

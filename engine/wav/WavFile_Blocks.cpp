@@ -16,7 +16,7 @@ QList<float> Decoded(SampleCoding coding, const QByteArray& block, int step, con
     return values;
 }
 
-/** A short write goes unnoticed here, as it does for every QIODevice that nobody asks. */
+/** A short write is not noticed here; the error state of `destination` tells. */
 void Write(SampleCoding coding, const QByteArray& block, WavFile& destination, const QAudioFormat& format,
            WavFile::ChannelFormat channel)
 {

@@ -55,8 +55,8 @@ private:
     bool ConvertBlocks(WavWriter& output);
 };
 
-/** The header states the size that the length of the source gives. It stays so when the resampler delivers some
- *  frames more or fewer. */
+/** The header states the size that follows from the length of the source, even when the resampler delivers some
+ * frames more or fewer. */
 bool Conversion::WriteTo(WavWriter& output, const QString& path)
 {
     const ByteCounting counting = source.Counting();
@@ -65,12 +65,12 @@ bool Conversion::WriteTo(WavWriter& output, const QString& path)
     return output.Open(path, target, dataSize, source.allowsLargeFiles) && ConvertBlocks(output);
 }
 
-/** Converts into a file beside the one at `path`, which then takes its place; the source ends up closed. Until
- *  that last step nothing happens to the old file, and a failure leaves no other file behind. */
+/** Converts into a new file beside the one at `path`, which it replaces at the end; the source is closed then.
+ * Until that last step nothing happens to the old file, and a failure leaves no other file behind. */
 bool Conversion::WriteOver(const QString& path)
 {
     const QFileInfo replaced(QFileInfo(path).canonicalFilePath());
-    // Reserves a name, and removes what has it unless that was renamed.
+    // Reserves a name. Unless the file was renamed, it is removed at the end.
     QTemporaryFile place(replaced.path() + QStringLiteral("/.vantorAudioEngine-XXXXXX"));
     if (!IsRegularFile(path) || !place.open()) {
         return false;
@@ -104,11 +104,12 @@ bool Conversion::ConvertBlocks(WavWriter& output)
             return false;
         }
     }
-    // What is left of the file now could not be read, and without it the result would not be whole.
+    // A rest of the file that could not be read would be missing in the result.
     if (cursor.BytesLeft() > 0 || !append(resampler.Drain())) {
         return false;
     }
-    // A pass may yield nothing yet, but all of them together are a failure then, in FFmpeg's words for it.
+    // One pass may yield nothing. When all of them do, it is a failure, and FFmpeg's function for the size of a
+    // buffer without frames fails as well.
     if (isEmpty) {
         std::fputs("Could not get sample buffer size\n", stderr);
     }

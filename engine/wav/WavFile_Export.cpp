@@ -17,7 +17,7 @@ namespace {
 
 constexpr qint64 framesPerBlock = 200;
 
-/** One channel in the coding of the source, but for 24 bits, which the library does not write. */
+/** One channel in the coding of the source, or Float for 24 bits, which the library does not write. */
 QAudioFormat OutputFormat(const StoredFormat& source)
 {
     QAudioFormat output = source.audio;
@@ -37,8 +37,8 @@ struct ChannelCopy
     const WavAudio& audio;
     const bool& abortFlag;
     QString progressText;
-    /** Positions in the source, in bytes. Whole blocks are copied, so audio behind the end may come along: the
-     *  header's size does not tell of it, on purpose. */
+    /** Positions in the source, in bytes. Whole blocks are copied, so some audio behind the end may be copied,
+     * too. The size in the header does not count it, on purpose. */
     qint64 start = 0;
     qint64 end = 0;
 
@@ -56,7 +56,7 @@ bool ChannelCopy::WriteTo(const QString& path, qint64 statedSize) const
            output.Finish();
 }
 
-/** False when the output could not be filled; an abort and the end of the source are no failures. */
+/** False when the output could not be filled. An abort and the end of the source are no failures. */
 bool ChannelCopy::CopyInto(WavWriter& output) const
 {
     const SampleCoding coding = audio.format.Coding();
@@ -118,7 +118,7 @@ WavFile::AudioEngineReturnValue WavFile::CreateSnippet(const QString& outPath, d
     }
     const WavAudio audio = TakeWavAudio(*this, m_mutex);
     StoreAbortFlag(m_mutex, m_abortWrite, false);
-    // Whole milliseconds, so the size stated may differ from what the frame positions span. A snippet without a
+    // Counted in whole milliseconds, so the stated size may differ from the size of the range. A snippet without a
     // frame states -1.
     const double milliseconds = std::round((end - start) * 1000.0);
     const qint64 frames =

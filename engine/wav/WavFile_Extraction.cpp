@@ -11,14 +11,14 @@ namespace {
 /** How many values a block of an extraction yields. */
 constexpr qint64 valuesPerBlock = 200;
 
-/** Memory for so many values is taken at once; the length of a file is no reason to take more than that. */
+/** Memory for this many values at most is reserved in advance, however long the file is. */
 constexpr qint64 mostReservedValues = qint64(1) << 30;
 
 /** From one wanted frame to the next one, in bytes. */
 qint64 BytesPerValue(const StoredFormat& format, int step)
 {
-    // More than any file holds; what a refused header left behind may multiply to far more, or to less than
-    // nothing.
+    // More than any file holds. What a refused header left behind may multiply to far more, or to a negative
+    // number.
     constexpr qint64 most = qint64(1) << 40;
     return qBound(qint64(0), qint64(step) * format.FrameSize(), most);
 }
@@ -80,7 +80,7 @@ void WavFile::ReadData(double startTime, double endTime, int stepSize)
         return true;
     };
     if (WalkBlocks(cursor, range, {report, isAborted, take}) == WalkResult::FileEnded) {
-        // The block that cannot be read is reported, too.
+        // The block that cannot be read is also reported.
         report(ProgressAt(cursor.Position(), range.end));
     }
     if (!isAborted()) {

@@ -12,12 +12,10 @@ namespace {
 
 using Result = WavFile::AudioEngineReturnValue;
 
-constexpr quint16 pcmTag = 0x0001;
-constexpr quint16 floatTag = 0x0003;
 constexpr quint16 extensibleTag = 0xFFFE;
 
 constexpr qint64 chunkHeaderSize = 8;
-/** What every "fmt " body holds whatever its tag. */
+/** Size of what every "fmt " body holds, whatever its tag is. */
 constexpr qint64 commonFormatSize = 16;
 constexpr quint16 subFormatExtensionSize = 22;
 
@@ -30,9 +28,8 @@ Number NumberAt(const char* bytes)
 using ChunkHeader = std::array<char, chunkHeaderSize>;
 
 /**
- * Goes from chunk to chunk, starting where the device stands, and leaves the device where the walk ended. It looks
- * through a window and passes over zeros in one go: those of an interrupted recording are millions of empty
- * chunks.
+ * Goes from chunk to chunk, starting where the device stands, and leaves the device where the walk ended. It reads
+ * ahead and skips zeros all at once: those of an interrupted recording look like millions of empty chunks.
  */
 class ChunkWalk
 {
@@ -42,15 +39,15 @@ public:
     Q_DISABLE_COPY_MOVE(ChunkWalk)
 
     /** The next chunk that is not nameless and empty. False at the end of the device. A last piece of fewer than 8
-     * bytes is filled up with zeros: a name that is not all there is no name, and skipping such a chunk always
-     * meets the end. */
+     * bytes is filled up with zeros: an incomplete name matches no name, and skipping such a chunk always reaches
+     * the end. */
     bool Peek(ChunkHeader& header);
 
     /** False when fewer than `size` bytes were left; the walk then stands at the end. */
     bool Skip(qint64 size);
 
 private:
-    /** What can be seen from here on; at least a header where there is one. */
+    /** What was read ahead from here on; at least a chunk header where there is one. */
     QByteArrayView View();
     void PassOverZeros();
     bool IsInWindow() const;
@@ -158,7 +155,7 @@ private:
     WavKinds m_kinds;
 
     bool m_isRf64 = false;
-    /** What RF64 states of its data apart from the "data" chunk. */
+    /** The size of the data by RF64's "ds64" chunk. */
     qint64 m_largeDataSize = 0;
     quint32 m_formatChunkSize = 0;
     quint16 m_tag = 0;
@@ -171,7 +168,7 @@ private:
 
 Result HeaderReader::Read()
 {
-    // The order decides which failure is reported and what is stored by then.
+    // The order decides which failure is reported and what has been stored by then.
     constexpr std::array steps{
         &HeaderReader::CheckRiff,
         &HeaderReader::ReadSizeChunk,
@@ -242,7 +239,7 @@ HeaderReader::Outcome HeaderReader::ReadFormatChunk()
 {
     std::array<char, chunkHeaderSize + commonFormatSize> bytes{};
     if (!ReadWhole(bytes)) {
-        // A file without a complete "fmt " chunk is let pass on purpose; it simply has no audio.
+        // A file without a complete "fmt " chunk is accepted on purpose; it simply has no audio.
         m_header.dataOffset = m_device.pos();
         return WavFile::Success;
     }
@@ -329,13 +326,13 @@ std::optional<QAudioFormat::SampleFormat> HeaderReader::SampleFormat() const
         return IntegerFormat();
     }
     if (m_tag == floatTag || m_subFormat == floatSubFormat) {
-        // Whatever the bits say: a float file of 16 or 24 bits is accepted on purpose.
+        // A float file that states 16 or 24 bits is accepted on purpose.
         return QAudioFormat::Float;
     }
     return {};
 }
 
-/** 24 bits have no name of their own there and are told apart by the sample size. */
+/** Qt has no name for 24 bits; the sample size tells them from 32. */
 QAudioFormat::SampleFormat HeaderReader::IntegerFormat() const
 {
     return m_bits == 16 ? QAudioFormat::Int16 : QAudioFormat::Int32;
@@ -360,7 +357,7 @@ HeaderReader::Outcome HeaderReader::ReadDataChunk()
 
 /**
  * Stops before the next chunk of that name, or at the end of the device when there is none. Chunks are skipped by
- * their exact size: the pad byte behind one of odd size is not known here, on purpose.
+ * their exact size, without the pad byte behind an odd one, on purpose.
  */
 HeaderReader::Outcome HeaderReader::FindChunk(QByteArrayView name)
 {
@@ -373,7 +370,7 @@ HeaderReader::Outcome HeaderReader::FindChunk(QByteArrayView name)
     return {};
 }
 
-/** Passes over `size` bytes without reading them, or up to the end of the device. */
+/** Skips `size` bytes, or all up to the end of the device. */
 HeaderReader::Outcome HeaderReader::Skip(qint64 size)
 {
     if (size > 0 && m_device.skip(size) != size) {

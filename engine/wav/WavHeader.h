@@ -8,10 +8,10 @@
 #include <QtCore/QIODevice>
 #include <QtMultimedia/QAudioFormat>
 
-/** The RIFF/WAVE file format: reading and composing headers, and what follows from a format for data sizes. */
+/** The RIFF/WAVE file format: reading and composing headers, and computing data sizes from a format. */
 namespace vantoraudio::AudioEngine {
 
-/** What the header of a WAV file tells of its audio. */
+/** What the header of a WAV file says about its audio. */
 struct WavHeader
 {
     QAudioFormat format;
@@ -23,7 +23,11 @@ struct WavHeader
     qint64 dataLength = 0;
 };
 
-/** Of the body of RF64's "ds64" chunk, which a table may follow, in bytes. */
+/** Format tags of the "fmt " chunk. */
+inline constexpr quint16 pcmTag = 1;
+inline constexpr quint16 floatTag = 3;
+
+/** Size of the body of RF64's "ds64" chunk in bytes. A table may follow it. */
 inline constexpr quint32 sizeChunkSize = 28;
 /** In a 32-bit size field of an RF64 file: the "ds64" chunk states the size. */
 inline constexpr quint32 sizeStatedElsewhere = 0xFFFFFFFF;
@@ -39,7 +43,7 @@ enum class WavKinds
 /**
  * Reads the header at the start of `device`, which must be open and random-access.
  *
- * What was understood before a failing check stays in `header`, all other fields keep their former values, and the
+ * What was read before a failing check stays in `header`, all other fields keep their former values, and the
  * device stays where reading stopped. A device that ends before its "fmt " chunk is complete gives Success, with
  * the data offset at its end and the rest as before. No size that the file states makes this allocate memory.
  */
@@ -55,23 +59,25 @@ inline constexpr int writtenHeaderSize = 44;
  */
 [[nodiscard]] QByteArray ComposeWavHeader(const QAudioFormat& format, int dataSize);
 
-/** Size of a header with 64-bit sizes, and of one with the room for them, in bytes. */
+/** Size of a header with 64-bit sizes, and of one with room for them, in bytes. */
 inline constexpr int largeHeaderSize = 80;
 
 /**
- * The header before `dataSize` bytes of samples, however many: those 44 bytes as long as its 32-bit size fields
- * can state that size (just below 4 GiB), and beyond that the 80 bytes of an RF64 file. A negative size has no
- * meaning and is stated by its lowest 32 bits, as above. Empty for a format without encoding, as above.
+ * The header before any number of sample bytes: the same 44 bytes as long as their 32-bit fields can state the
+ * size (just below 4 GiB), and beyond that the 80 bytes of an RF64 file. A negative size has no meaning; its
+ * lowest 32 bits are written. Empty for a format without encoding, as above.
  */
 [[nodiscard]] QByteArray ComposeLargeWavHeader(const QAudioFormat& format, qint64 dataSize);
 
 /**
- * The same in 80 bytes always, for who learns the size only when the samples are written: a file that its size
- * fields can state is RIFF, and an empty "JUNK" chunk keeps the room of RF64's "ds64" chunk.
+ * The same, but always 80 bytes long, for files whose size is known only when the samples are written. As long as
+ * 32-bit fields can state the size, it is a RIFF header, and a "JUNK" chunk of zeros keeps room for RF64's "ds64"
+ * chunk.
  */
 [[nodiscard]] QByteArray ComposeWavHeaderWithRoom(const QAudioFormat& format, qint64 dataSize);
 
-/** How many bytes `bytes` of audio in the format `from` become in the format `to`; -1 when that cannot be told. */
+/** How many bytes `bytes` of audio in the format `from` become in the format `to`; -1 when it cannot be computed.
+ */
 [[nodiscard]] qint64 CalculateAudioDataSize(qint64 bytes, const QAudioFormat& from, const QAudioFormat& to,
                                             ByteCounting counting);
 
@@ -79,7 +85,7 @@ inline constexpr int largeHeaderSize = 80;
  */
 [[nodiscard]] qint64 BytesToSamples(qint64 bytes, int a, int b);
 
-/** samples * a * b; -1 when any of them is below 1, so also for no samples at all. */
+/** samples * a * b; -1 when any of them is below 1, also for no samples at all. */
 [[nodiscard]] qint64 SamplesToBytes(qint64 samples, int a, int b, ByteCounting counting);
 
 } // namespace vantoraudio::AudioEngine

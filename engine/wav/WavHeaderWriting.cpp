@@ -11,8 +11,6 @@ namespace vantoraudio::AudioEngine {
 
 namespace {
 
-constexpr quint16 pcmTag = 1;
-constexpr quint16 floatTag = 3;
 constexpr quint32 formatChunkSize = 16;
 
 template<typename Number>
@@ -29,7 +27,7 @@ struct Encoding
     int bits;
 };
 
-/** Int32 is always written with 32 bits, also when it was read from 24: the library writes no 24-bit data. */
+/** Int32 is always written with 32 bits, even when it was read from 24: the library writes no 24-bit data. */
 std::optional<Encoding> EncodingOf(QAudioFormat::SampleFormat sampleFormat)
 {
     switch (sampleFormat) {
@@ -73,14 +71,15 @@ QByteArray ComposeFileHead(const char* name, quint32 statedFileSize)
     return head;
 }
 
-/** Whether the size of all that follows the first 8 bytes of a file can be stated by a 32-bit field. */
+/** Whether a 32-bit field can state the size of all that follows the first 8 bytes of a file. */
 bool FitsSizeField(qint64 dataSize, int headerSize)
 {
     constexpr qint64 highest = std::numeric_limits<quint32>::max();
     return dataSize <= highest - (headerSize - 8);
 }
 
-/** Sizes that a 32-bit field cannot state. They are counted without a sign: no overflow near the largest one. */
+/** Sizes that a 32-bit field cannot state. They have no sign, so that they do not overflow near the largest one.
+ */
 QByteArray ComposeSizeChunk(const QAudioFormat& format, Encoding encoding, quint64 dataSize)
 {
     const qint64 frameSize = qint64(format.channelCount()) * (encoding.bits / 8);
@@ -154,7 +153,7 @@ qint64 BytesToSamples(qint64 bytes, int a, int b)
     return a < 1 || b < 1 || bytes < 0 ? -1 : bytes / (qint64(a) * b);
 }
 
-// No samples give -1, unlike no bytes above: callers tell an empty result by it.
+// No samples give -1, unlike no bytes above: callers recognise an empty result by it.
 qint64 SamplesToBytes(qint64 samples, int a, int b, ByteCounting counting)
 {
     if (a < 1 || b < 1 || samples < 1) {

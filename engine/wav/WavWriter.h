@@ -7,7 +7,7 @@
 
 namespace vantoraudio::AudioEngine {
 
-/** A WAV file that the library writes: its header first, which stays as it is, and then its samples. */
+/** A WAV file that the library writes: first the header, which is never changed afterwards, then the samples. */
 class WavWriter
 {
 public:
@@ -27,7 +27,7 @@ public:
 
     /** False when not all of it arrived in the file. Closes it. */
     [[nodiscard]] bool Finish();
-    /** The same, and it outlasts a power failure, too. */
+    /** The same, and what was written survives a power failure. */
     [[nodiscard]] bool FinishOnDisk();
 
 private:

@@ -7,7 +7,7 @@
 #include <csignal>
 #include <fcntl.h>
 
-/** A file whose readers have to wait, as on a disk that does not answer. Not every file system knows how. */
+/** A file whose readers have to wait, as on a disk that does not answer. Not every file system can do it. */
 class HeldFile
 {
 public:

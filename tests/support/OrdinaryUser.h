@@ -4,14 +4,14 @@
 
 #include <unistd.h>
 
-/** No permission stops the superuser, so for this object's life the test is somebody else, also for those who ask
- *  beforehand what is permitted. */
+/** Permissions do not stop the superuser. So the test is somebody else while this object lives, also for those who
+ * ask beforehand what is permitted. */
 class OrdinaryUser
 {
 public:
     OrdinaryUser() : m_former(::geteuid())
     {
-        // The saved user stays, which permits the way back.
+        // The saved user stays, so that there is a way back.
         m_isOrdinary = m_former != 0 || ::setresuid(nobody, nobody, m_former) == 0;
     }
     ~OrdinaryUser() { static_cast<void>(::setresuid(m_former, m_former, m_former)); }

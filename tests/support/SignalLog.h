@@ -6,7 +6,8 @@
 
 #include <mutex>
 
-/** Writes down a WavFile's signals, one line each, on the threads that emit them. Read it when these are over. */
+/** Writes down a WavFile's signals, one line each, on the threads that emit them. Read it when these have ended.
+ */
 class SignalLog : public QStringList
 {
 public:
@@ -29,6 +30,6 @@ private:
         append(line);
     }
 
-    /** Not Qt's, whose waiting the thread sanitizer does not see. */
+    /** Not a QMutex, which the thread sanitizer does not see. */
     std::mutex m_mutex;
 };

@@ -6,7 +6,7 @@
 
 #include <cmath>
 
-/** Audio whose one-channel exports are told sample by sample, by arithmetic of its own. */
+/** Audio that also computes its one-channel exports, sample by sample and by arithmetic of its own. */
 namespace WavTest {
 
 enum Coding
@@ -23,7 +23,7 @@ struct TestAudio
     quint16 channels = 1;
     quint32 rate = 8000;
     int frames = 0;
-    /** Bytes behind the audio, of chunks that a reader of whole blocks may come upon. */
+    /** Bytes behind the audio, which a reader of whole blocks may meet. */
     QByteArray trailer = {};
     qint64 statedDataSize = realSize;
 

@@ -6,7 +6,7 @@
 
 #include <initializer_list>
 
-/** Builds WAV files byte by byte for tests, sound ones and broken ones. It shares no code with the library. */
+/** Builds WAV files byte by byte for tests, good ones and broken ones. It shares no code with the library. */
 namespace WavTest {
 
 template<typename Number>
@@ -64,7 +64,7 @@ inline QByteArray FloatGuid()
     return QByteArray::fromHex("0300000000001000800000aa00389b71");
 }
 
-/** What follows the first 16 bytes of an extensible "fmt " chunk: 24 bytes, whatever size it states. */
+/** What follows the first 16 bytes of an extensible "fmt " chunk: 24 bytes, whatever size is stated. */
 inline QByteArray Extension(const QByteArray& guid, quint16 statedSize = 22, quint16 validBits = 16)
 {
     return LittleEndian(statedSize) + LittleEndian(validBits) + LittleEndian(quint32(3)) + guid;

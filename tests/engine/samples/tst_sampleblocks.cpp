@@ -1,4 +1,5 @@
 #include "engine/samples/SampleBlocks.h"
+#include "tests/support/AudioFormat.h"
 #include "tests/support/WavBytes.h"
 #include "tests/support/WavFileTestAccess.h"
 
@@ -15,15 +16,6 @@ using namespace vantoraudio::AudioEngine;
 namespace {
 
 using Values = QList<float>;
-
-QAudioFormat Format(QAudioFormat::SampleFormat sampleFormat, int channelCount)
-{
-    QAudioFormat format;
-    format.setSampleFormat(sampleFormat);
-    format.setChannelCount(channelCount);
-    format.setSampleRate(48000);
-    return format;
-}
 
 /** Compares bit by bit, not-a-number included. */
 bool AreSame(const Values& a, const Values& b)

@@ -1,4 +1,5 @@
 #include "engine/samples/SampleEncoding.h"
+#include "tests/support/AudioFormat.h"
 #include "tests/support/TemporaryFiles.h"
 #include "tests/support/WavBytes.h"
 #include "tests/support/WavFileTestAccess.h"
@@ -20,15 +21,6 @@ constexpr int anyOther[] = {WavFile::ChannelNone, WavFile::ChannelMono, WavFile:
 
 constexpr qint64 highestS32 = std::numeric_limits<qint32>::max();
 constexpr qint64 lowestS32 = std::numeric_limits<qint32>::min();
-
-QAudioFormat Format(QAudioFormat::SampleFormat sampleFormat, int channels)
-{
-    QAudioFormat format;
-    format.setSampleRate(8000);
-    format.setChannelCount(channels);
-    format.setSampleFormat(sampleFormat);
-    return format;
-}
 
 float FromBits(quint32 bits)
 {

@@ -1,3 +1,4 @@
+#include "tests/support/AudioFormat.h"
 #include "tests/support/AudioPrograms.h"
 #include "tests/support/BrokenReading.h"
 #include "tests/support/FileSizeLimit.h"
@@ -23,15 +24,6 @@ using namespace WavTest;
 namespace {
 
 const QByteArray noFrames = "Could not get sample buffer size\n";
-
-QAudioFormat Format(QAudioFormat::SampleFormat sampleFormat, int channels, int rate)
-{
-    QAudioFormat format;
-    format.setSampleFormat(sampleFormat);
-    format.setChannelCount(channels);
-    format.setSampleRate(rate);
-    return format;
-}
 
 /** A 16-bit file with a tone of 1000 Hz on the left and one of 3000 Hz on the right. */
 WavBytes Tones(int frames, int channels, int rate)
@@ -397,7 +389,7 @@ void TestConvert::widensTwentyFourBits_data()
     }
 }
 
-/** 24-bit samples are counted as the 32-bit ones that the resampler gets, in the header too. */
+/** 24-bit samples are counted as the 32-bit ones that the resampler gets, also in the header. */
 void TestConvert::widensTwentyFourBits()
 {
     QFETCH(const int, channels);
@@ -761,7 +753,7 @@ void TestConvert::keepsTheSourceThatCannotBeReadToItsEnd()
         QVERIFY(!file.Convert(target, outPath));
         QVERIFY(TemporaryFiles::Read(file.fileName()) == source);
     }
-    // What was converted until then stays where it is nobody's only copy.
+    // What was converted until then stays, except in place.
     QCOMPARE(Names(), QStringList({u"out.wav"_s, u"source.wav"_s}));
 }
 

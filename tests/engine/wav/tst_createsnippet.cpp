@@ -206,8 +206,8 @@ void TestCreateSnippet::copiesAWholeLastBlockBehindTheAudio()
              audio.Exported(audio.ExportedData(0, 250, WavFile::ChannelNone) + QByteArray(300, '\x01'), 31 * 16));
 }
 
-/** A time before the audio leads into the header, whose bytes are taken for samples; before the file, to nothing.
- */
+/** A time before the audio leads into the header, whose bytes are taken for samples. A time before the file leads
+ *  nowhere. */
 void TestCreateSnippet::startsBeforeTheAudioForANegativeTime()
 {
     const TestAudio audio = Mono(1600);
@@ -285,7 +285,7 @@ void TestCreateSnippet::endsWithSuccessForAClosedFile()
     QCOMPARE(setup.Result(), audio.Exported({}, 800));
 }
 
-/** What the two headers left behind makes blocks of 200 frames that are larger than any memory. */
+/** By what the two headers left behind, a block of 200 frames is larger than any memory. */
 void TestCreateSnippet::copiesNothingAfterARefusedHeader()
 {
     const TemporaryFiles files;

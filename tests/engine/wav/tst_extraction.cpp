@@ -46,7 +46,7 @@ QString Updating(int progress)
     return u"%1 of 0..100 Updating..."_s.arg(progress);
 }
 
-/** Audio whose frames are wanted one by one from far apart; what lies between them is no silence. */
+/** Audio of which only some frames are wanted, far apart. What lies between them is not silent. */
 struct DistantFrames
 {
     int tag = 1;
@@ -70,7 +70,7 @@ struct DistantFrames
                             : value / (bits == 16 ? 32767.0F : 8388607.0F);
     }
 
-    /** `rest` bytes follow the last wanted frame; with a negative number that many of its own are missing. */
+    /** `rest` bytes follow the last wanted frame; when it is negative, so many bytes of that frame are missing. */
     QByteArray File(qint64 rest) const
     {
         QByteArray data((count - 1) * Distance() + FrameSize() + qMax(qint64(0), rest), '\x11');
@@ -441,7 +441,7 @@ void TestExtraction::endsWithAFileBetweenDistantFrames()
         for (int i = 0; i < audio.count; ++i) {
             QCOMPARE(wav.file.GetSamples().at(i), audio.Value(i, 0));
         }
-        // At the end of the file one more block is begun, which is empty.
+        // One more block begins at the end of the file. It is empty.
         const qint64 end = audio.Position(3 * audio.count);
         QStringList reports;
         for (int block = 0; block < audio.count; block += 200) {
@@ -475,7 +475,7 @@ void TestExtraction::endsWithAFailureAmongDistantFrames()
         }
     });
     wav.file.ReadData(0, wav.file.GetDuration(), audio.step);
-    // What has been read ahead of the failure may count.
+    // What was read before the failure may count.
     QCOMPARE(wav.log.last(2), QStringList({u"NewData"_s, updated}));
     QVERIFY(wav.file.GetSamples().size() >= 200);
     QVERIFY(wav.file.GetSamples().size() < audio.count);

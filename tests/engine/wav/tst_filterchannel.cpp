@@ -100,9 +100,9 @@ void TestFilterChannel::writesFloatForATwentyFourBitFile()
     QCOMPARE(written.GetDataLength(), 1200);
 }
 
-/** 1001 / 44100 * 44100 is slightly less than 1001 in double precision, which leaves 1000 frames: five whole
- * blocks, so that nothing brings the last frame along. The size is truncated from the bytes and loses one of them
- * only. */
+/** 1001 / 44100 * 44100 is slightly less than 1001 in double precision, which leaves 1000 frames. These are five
+ * whole blocks, so the last frame is not copied. The size in the header is truncated from the bytes and loses only
+ * one of them. */
 void TestFilterChannel::losesTheLastFrameWhereTheDurationComesOutShort()
 {
     const TestAudio audio{.channels = 2, .rate = 44100, .frames = 1001};
@@ -113,7 +113,8 @@ void TestFilterChannel::losesTheLastFrameWhereTheDurationComesOutShort()
 
 void TestFilterChannel::keepsTheFrameThatOnlyTheHeaderLoses()
 {
-    // Here, too, the duration comes out short, but the only block is not full and brings the frame along.
+    // Here, too, the duration comes out short, but the only block is not full, so the last frame is copied with
+    // it.
     const TestAudio audio{.channels = 2, .rate = 44100, .frames = 15};
     ExportSetup setup(audio, WavFile::ChannelLeft);
     QCOMPARE(setup.file.FilterChannel(setup.out), WavFile::Success);
@@ -136,7 +137,7 @@ void TestFilterChannel::takesWideSamplesOfAnyStatedWidth_data()
 {
     QTest::addColumn<int>("bits");
     QTest::addColumn<int>("statedSize");
-    // The header takes the frames for as many as the stated width gives.
+    // The size in the header counts as many frames as follow from the stated width.
     QTest::addRow("16 bits") << 16 << 3200;
     QTest::addRow("32 bits") << 32 << 1600;
     QTest::addRow("24 bits") << 24 << 2133;

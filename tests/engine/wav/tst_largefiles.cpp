@@ -1,5 +1,6 @@
 #include "engine/wav/ByteCounting.h"
 #include "engine/wav/WavHeader.h"
+#include "tests/support/AudioFormat.h"
 #include "tests/support/OpenedWav.h"
 
 #include <QtCore/QBuffer>
@@ -40,15 +41,6 @@ WavBytes AsRf64(WavBytes wav, quint64 dataSize)
 WavBytes FloatBytes(quint16 channels, quint32 rate, const QByteArray& data = {})
 {
     return {.formatTag = 3, .channels = channels, .sampleRate = rate, .bits = 32, .data = data};
-}
-
-QAudioFormat Format(QAudioFormat::SampleFormat sampleFormat, int channelCount, int sampleRate)
-{
-    QAudioFormat format;
-    format.setSampleFormat(sampleFormat);
-    format.setChannelCount(channelCount);
-    format.setSampleRate(sampleRate);
-    return format;
 }
 
 /** The header that stands before a one-channel export, as RF64 where it states 4 GiB or more. */
@@ -339,7 +331,7 @@ void TestLargeFiles::readsRf64CutAtAnyPlaceWithoutHarm()
     const QByteArray whole = AsRf64({.data = PackS16({1, 2})}, 1ULL << 40).Build();
     for (qsizetype size = 0; size < 80; ++size) {
         const Reading reading(whole.left(size));
-        // As in every file, one without a whole "fmt " chunk is let pass; one to three letters are no name yet.
+        // As in every file, a missing "fmt " chunk is accepted; one to three letters are no name yet.
         const bool endsBeforeFormat = size == 48 || (size >= 52 && size < 72);
         QCOMPARE(reading.result, endsBeforeFormat ? WavFile::Success : WavFile::ErrorReadFile);
         QCOMPARE_LE(reading.position, size);
@@ -750,7 +742,7 @@ void TestLargeFiles::countsInSixtyFourBits()
     QCOMPARE(large.Multiply(smallest, -1), longest);
     QCOMPARE(large.Multiply(smallest, 2), smallest);
     QCOMPARE(large.PositionOf(1e6, 96000, 8, 80), qint64(768'000'000'080));
-    // Positions keep so much distance from the limits that any two can be subtracted.
+    // Any two positions can be subtracted without overflow.
     const double infinity = std::numeric_limits<double>::infinity();
     QCOMPARE_LT(large.PositionOf(infinity, 96000, 8, 80), longest / 2);
     QCOMPARE_GT(large.PositionOf(-infinity, 96000, 8, 80), smallest / 2);

@@ -1,7 +1,7 @@
 #include <QtCore/QMetaType>
 #include <QtTest/QtTest>
 
-/** Knows nothing of the class: whoever loads the library finds its type by name. */
+/** Does not know the class: whoever loads the library finds its type by name. */
 class TestMetaTypes : public QObject
 {
     Q_OBJECT

@@ -11,7 +11,7 @@
 using namespace Qt::Literals::StringLiterals;
 using namespace WavTest;
 
-/** Tasks that run on one and the same object give what each gives alone. */
+/** Tasks that run on the same object at once give what each of them gives alone. */
 class TestSimultaneousExports : public QObject
 {
     Q_OBJECT

@@ -1,3 +1,4 @@
+#include "tests/support/AudioFormat.h"
 #include "tests/support/ContextTranslator.h"
 #include "tests/support/TemporaryFiles.h"
 #include "tests/support/WavBytes.h"
@@ -77,15 +78,6 @@ struct Overridden : WavFile
 } // namespace
 
 namespace {
-
-QAudioFormat Format(QAudioFormat::SampleFormat sampleFormat, int channelCount, int sampleRate)
-{
-    QAudioFormat format;
-    format.setSampleFormat(sampleFormat);
-    format.setChannelCount(channelCount);
-    format.setSampleRate(sampleRate);
-    return format;
-}
 
 /** One second of 16-bit stereo at 48 kHz. */
 QByteArray OneSecond()
@@ -415,7 +407,7 @@ void TestWavFile::refusesWhatIsNoRegularFile_data()
     QTest::newRow("resource folder") << u":/"_s;
 #ifdef Q_OS_UNIX
     QTest::newRow("device without end") << u"/dev/zero"_s;
-    // Whoever opens it waits for somebody to write.
+    // Opening a pipe waits for somebody who writes.
     const QString pipe = m_files.Path(u"pipe.wav"_s);
     QCOMPARE(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
     QTest::newRow("pipe") << pipe;
@@ -572,7 +564,7 @@ void TestWavFile::setsOnlyTheMatchingAbortFlag()
     QVERIFY(access.IsReadAborted());
 }
 
-/** Whether `action`, started on another thread, is still not done after it had every chance to be. */
+/** Whether `action`, started on another thread, is not done after a time that is long enough for it. */
 template<typename Action>
 bool WaitsWhileLocked(QMutex& mutex, Action action)
 {

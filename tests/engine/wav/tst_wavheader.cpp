@@ -1,4 +1,5 @@
 #include "engine/wav/WavHeader.h"
+#include "tests/support/AudioFormat.h"
 #include "tests/support/WavBytes.h"
 #include "tests/support/WavFileTestAccess.h"
 
@@ -51,15 +52,6 @@ QByteArray Named(const char* name, qsizetype index)
 WavBytes Extensible(quint16 bits, const QByteArray& guid)
 {
     return {.formatTag = 0xFFFE, .bits = bits, .extension = Extension(guid), .data = QByteArray(24, 'x')};
-}
-
-QAudioFormat Format(QAudioFormat::SampleFormat sampleFormat, int channelCount, int sampleRate)
-{
-    QAudioFormat format;
-    format.setSampleFormat(sampleFormat);
-    format.setChannelCount(channelCount);
-    format.setSampleRate(sampleRate);
-    return format;
 }
 
 const QByteArray eightBytes = QByteArray(8, 'x');
@@ -224,7 +216,7 @@ void TestWavHeader::stopsAtBrokenFiles_data()
     add("another form", WavBytes{.form = "AVI "}.Build(), -1, 12, former);
     add("lower case form", WavBytes{.form = "wave"}.Build(), -1, 12, former);
 
-    // A stated size is passed over, never allocated; what the file lacks ends the reading at its end.
+    // A stated size is skipped, never allocated. Where the file is shorter, reading ends at its end.
     for (const quint32 size : {101U, 0x7FFFFFFFU, 0x80000000U, 0xFFFFFFF7U, 0xFFFFFFF8U, 0xFFFFFFFFU}) {
         const Chunk huge{"LIST", QByteArray(100, 'x'), size};
         add(Named("chunk before fmt that claims ", size), "RIFF1234WAVE" + huge.Build(), -3, 120, former);
@@ -355,7 +347,7 @@ void TestWavHeader::walksOverZerosEightByEight()
         WavHeader header;
         QCOMPARE(ReadWavHeader(device, header), WavFile::Success);
         QCOMPARE(header.dataOffset, 44 + zeros);
-        // Four more, and what follows them is taken for the size of a chunk.
+        // With four more zeros, what follows them is taken for the size of a chunk.
         QByteArray shifted = whole;
         QBuffer shiftedDevice(&shifted.insert(12, QByteArray(zeros + 4, '\0')));
         QVERIFY(shiftedDevice.open(QIODevice::ReadOnly));
@@ -456,7 +448,7 @@ void TestWavHeader::calculatesDataSizes_data()
     QTest::newRow("8-bit to 16-bit") << 1000 << Format(F::UInt8, 1, 8000) << Format(F::Int16, 1, 8000) << 2000;
     QTest::newRow("an incomplete frame does not count") << 15 << cd << cd << 12;
     QTest::newRow("10.88 frames become 10") << 40 << cd << Format(F::Int16, 2, 48000) << 40;
-    // By way of seconds, whose rounding shows.
+    // The way over seconds rounds.
     QTest::newRow("15 frames at the same rate become 14") << 60 << cd << cd << 56;
     QTest::newRow("3,381 frames become 3,679 and not 3,680") << 13524 << cd << Format(F::Int16, 2, 48000) << 14716;
     QTest::newRow("no bytes") << 0 << cd << cd << -1;

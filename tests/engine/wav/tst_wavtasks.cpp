@@ -32,7 +32,7 @@ struct Task
     void (WavFile::*abort)() = nullptr;
     bool& (WavFileTestAccess::*abortFlag)() = nullptr;
     QString text;
-    /** Its last report, always or when it was aborted. */
+    /** The last report of an extraction, or of an export that was aborted. */
     QString lastReport;
     bool isExtraction = false;
 };
@@ -59,7 +59,7 @@ public:
         });
     }
 
-    /** What the task has left behind when it has passed over so many frames, of an extraction without an end. */
+    /** What the task has left: its samples or its file. */
     QByteArray Left() const
     {
         const QList<float> samples = file.GetSamples();
