@@ -51,7 +51,7 @@ bool MayBlock(const QString& path)
     return info.exists() && !info.isFile() && !info.isDir();
 }
 
-/** An open device to read the file from, or null where the base class can read it by its URL as well as it gets.
+/** An open device to read the file from, or null where the base class can read it by its URL.
  */
 std::unique_ptr<QIODevice> DeviceFor(const QString& path, const QUrl& url)
 {
@@ -159,7 +159,7 @@ void AudioPlayer::WhenLoaded(std::function<void()> request)
 
 void AudioPlayer::FollowRequests()
 {
-    // Whoever hears of what happens may load another file, or delete the player.
+    // A receiver of the signals may load another file or delete the player.
     const QPointer<AudioPlayer> self(this);
     while (self && !m_whenLoaded.empty() && mediaStatus() != LoadingMedia) {
         const auto request = std::move(m_whenLoaded.front());
@@ -295,8 +295,8 @@ void AudioPlayer::OnMediaStatusChanged(QMediaPlayer::MediaStatus mediaStatus)
 }
 
 // Qt's FFmpeg backend reports the last position, the stopped state and the end of the media in one go. A player
-// that is restarted in the midst of that is stopped again by the rest, reports the end again without having played
-// anything, and so on.
+// that is restarted in the middle of that is stopped again by the rest, reports the end again without having
+// played anything, and so on.
 void AudioPlayer::RestartAfterReport()
 {
     const auto restart = [this] {
@@ -320,7 +320,7 @@ void AudioPlayer::PauseAtEndOfMedia()
     setPosition(PositionAt(m_selectionStart));
     pause();
     if (QtDefects::ReportsTheEndTwice()) {
-        // An output that joins the player anew has nothing to report.
+        // An output that is set again has nothing to report.
         QAudioOutput* const output = audioOutput();
         setAudioOutput(nullptr);
         setAudioOutput(output);

@@ -139,7 +139,7 @@ void PlayAnew(QMediaPlayer& player)
     const qint64 position = player.position();
     const QUrl source = player.source();
     player.pause();
-    // Whoever heard of the pause may have done something else.
+    // A receiver of the pause may have done something else.
     if (player.playbackState() == QMediaPlayer::PausedState && player.source() == source) {
         player.setPosition(position);
         player.play();

@@ -115,7 +115,7 @@ void SoundServerSinks::Connect()
     }
     m_context = pa_context_new(pa_threaded_mainloop_get_api(m_loop), "output devices");
     pa_context_set_state_callback(m_context, Callbacks::OnState, this);
-    // Never starts a server: whoever plays does that. A refusal is told to the callback as well.
+    // Never starts a server: whoever plays does that. The callback is told of a refusal too.
     pa_context_connect(m_context, nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr);
 }
 

@@ -7,8 +7,8 @@ namespace vantoraudio::AudioEngine {
  * within the next moment, its application object's destructor waits for that moment to pass.
  *
  * Up to Qt 6.7 the connection to PulseAudio is freed at the program's end without stopping the thread that
- * receives the server's answers. About one program in a hundred that ends right after its last sound crashes of
- * it.
+ * receives the server's answers. About one program in a hundred that ends right after its last sound crashes
+ * because of it.
  */
 void LetSoundSettleBeforeTheEnd();
 

@@ -22,9 +22,9 @@ struct SampleBuffer
  * The bytes of the buffer's samples at `targetRate`; sample type and channel count stay. Exists for quint8,
  * qint16, qint32 and float.
  *
- * A buffer that has the target rate already is copied. Any other becomes frames * targetRate / sampleRate frames,
- * where the product is the lowest 32 bits: below 1, and for rates and channel counts below 1, nothing is left.
- * Integers are truncated toward zero.
+ * A buffer that already has the target rate is copied. Any other becomes frames * targetRate / sampleRate frames,
+ * where only the lowest 32 bits of the product count. The result is empty when that is below 1, and for rates and
+ * channel counts below 1. Integers are truncated toward zero.
  */
 template<typename Sample>
 [[nodiscard]] QByteArray ResampleLinearly(const SampleBuffer<Sample>& buffer, int targetRate);

@@ -50,7 +50,7 @@ public:
     QString FailureText() const;
 
 Q_SIGNALS:
-    // Also of files that the user opens with the player's own button.
+    // Also for files that the user opens with the player's own button.
     void Opened();
     void OpenFailed();
     void OpenCancelled();

@@ -11,7 +11,7 @@ class QTemporaryDir;
 class WorkingFolder
 {
 public:
-    /** Also clears away what programs left behind that ended without doing so. */
+    /** Also removes what crashed programs left behind. */
     WorkingFolder();
     ~WorkingFolder();
 

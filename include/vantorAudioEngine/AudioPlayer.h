@@ -29,9 +29,9 @@ class StandstillWatch;
  * that no position can hold become the nearest position, not-a-number becomes 0.
  *
  * Later versions of Qt (6.8 for one) load a source in the background: until mediaStatus() is LoadedMedia,
- * playbackState() stays stopped, and position() and duration() are 0. What is asked of this class meanwhile
- * happens in its order once the source is there; a second PauseResume() does not take back the first. Seeks that
- * reach the base class through a QMediaPlayer are lost then.
+ * playbackState() stays stopped, and position() and duration() are 0. What is asked of this class until then
+ * happens in the same order once the source is there; a second PauseResume() does not take back the first. Seeks
+ * that reach the base class through a QMediaPlayer are lost then.
  *
  * Nothing here reports failures: listen to errorOccurred() of the base class. While the machine has no output
  * device at all, a player that has a source runs without an audio output, so that play() is safe then; playback
@@ -57,7 +57,7 @@ public:
     explicit AudioPlayer(QObject* parent = nullptr);
     ~AudioPlayer() override;
 
-    /** Takes filePath as the source, loading it anew also if it is the current one, and selects the whole file:
+    /** Takes filePath as the source, loading it again if it is the current one, and selects the whole file:
      *  0 to duration (seconds, stored unchecked). Playback stops. A file that cannot be opened is reported by
      *  errorOccurred(); source() and the selection are the new ones then, too. */
     void SetAudio(const QString& filePath, double duration);

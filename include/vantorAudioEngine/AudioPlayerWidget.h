@@ -34,7 +34,7 @@ class BGFXWaveformWidget;
  *     player->LoadFile(path);
  *
  * The widget never works on the caller's file. It copies WAV files into the writable directory, decodes everything
- * else into it, and reads, plays and edits that working copy, which bears the caller's file name.
+ * else into it, and reads, plays and edits that working copy, which has the caller's file name.
  *
  * LoadFile() works in the background, takes every file that FFmpeg reads, and goes by what is in a file. Its
  * working copies lie in hidden folders, where they meet no other file; each is removed when another file is loaded
@@ -42,14 +42,14 @@ class BGFXWaveformWidget;
  *
  * SetAudioFile() goes by the file's name and returns when it is done. Its working copies lie in the writable
  * directory itself. A copy that is there already is used as it is, stale or not: remove it to have the file read
- * anew. Nothing is ever deleted there but a file that could not be decoded and a channel file that could not be
+ * again. Nothing is ever deleted there but a file that could not be decoded and a channel file that could not be
  * finished.
  *
  * Every failed step ends in ErrorHandler(), which does nothing: derive and override it to tell the user.
  *
  * Times are seconds from the start of the file. GUI thread only. Reading samples, writing a snippet and filtering
  * a channel run on QThreadPool::globalInstance(), LoadFile() on threads of its own. SetAudioFile() decodes with an
- * event loop of its own: the program stays alive meanwhile and may load another file, reset, close or destroy the
+ * event loop of its own: the program keeps running and may load another file, reset, close or destroy the
  * widget.
  */
 class VANTORAUDIOENGINE_EXPORT AudioPlayerWidget : public QWidget
@@ -58,7 +58,7 @@ class VANTORAUDIOENGINE_EXPORT AudioPlayerWidget : public QWidget
 
 public:
     explicit AudioPlayerWidget(QWidget* parent = nullptr);
-    /** Does not wait: tasks in the background are told to end and left to it. After a Close() ahead of it nothing
+    /** Does not wait: tasks in the background are told to end and left alone. After a Close() before it nothing
      *  is written any more, unless a SetAudioFile() is still decoding: that goes on to its end. */
     ~AudioPlayerWidget() override;
 
@@ -66,8 +66,8 @@ public:
      * Loads a file, unless its working copy is loaded already; an empty path unloads. Ends with
      * AudioFileChanged(), or with ErrorHandler(): ErrorWriteHeader when the file cannot be copied into the
      * writable directory, otherwise what Decoder::Convert() and WavFile::Open() give. After ErrorWriteHeader the
-     * former file is still loaded, after every other failure none. A load that another one, Reset(), Close() or
-     * the destructor overtakes ends silently.
+     * former file is still loaded, after every other failure none. A load that is overtaken by another one,
+     * Reset(), Close() or the destructor ends silently.
      *
      * Only names that end in exactly ".wav" and have no other dot are WAV files; everything else, take.WAV and
      * a.b.wav too, is decoded to 96 kHz.
@@ -82,7 +82,7 @@ public:
      *
      * LoadStarted() comes first, before this returns, then ProgressChanged(permille, 0, 1000, "Loading...") now
      * and then. In the end exactly one of these comes, unless the widget is destroyed before:
-     * - LoadFinished(), after AudioFileChanged(). The former file passes through Reset() ahead of it. A file that
+     * - LoadFinished(), after AudioFileChanged(). The former file passes through Reset() before that. A file that
      *   is loaded already, and has the size and time that it had then, stays without AudioFileChanged().
      * - LoadFailed(), after ErrorHandler() with the code of ImportResult::Code().
      * - LoadCancelled(), when CancelLoad(), the next LoadFile(), SetAudioFile(), Reset() or Close() overtakes it.
@@ -217,7 +217,7 @@ Q_SIGNALS:
     /** The playback position in seconds. */
     void AudioPositionChanged(double position);
     /** A task went on: `progress` lies between `min` and `max`. Comes for every report of every task, in order,
-     * and ahead of what tells of the task's end. Only of what the program has not listened to for 250 ms some
+     * and before what tells of the task's end. Only of what the program has not listened to for 250 ms some
      * reports are left out, never the first or the last of a task. */
     void ProgressChanged(int progress, int min, int max, QString text);
     void CreateSnippetFinished(const QString& filePath);

@@ -15,7 +15,7 @@ namespace vantoraudio::AudioEngine {
  * Lists the machine's audio output devices, for a host that lets its user choose one and hands the choice to
  * AudioPlayer::SetAudioOutputDevice().
  *
- * Every call asks anew; nothing fails: an empty list means that no device fits. Use it on
+ * Every call asks again; nothing fails: an empty list means that no device fits. Use it on
  * the GUI thread.
  */
 class VANTORAUDIOENGINE_EXPORT HardwareManager : public QObject
@@ -43,6 +43,7 @@ Q_SIGNALS:
 private:
     friend class HardwareManagerTestAccess;
 
+    // Only the assignment uses these: the class lists devices and opens none.
     QAudioDevice m_inputDevice;
     QAudioInput m_audioInput;
     QAudioDevice m_outputDevice;

@@ -38,7 +38,7 @@ bool ProvideWorkingCopy(const QString& path, const QString& workingPath)
     if (!AudioEngine::IsRegularFile(path) || !QFile::copy(path, workingPath)) {
         return false;
     }
-    // The copy of a read-only file is read-only as well, and could not be decoded over.
+    // The copy of a read-only file is also read-only and could not be overwritten.
     QFile::setPermissions(workingPath, QFile::permissions(workingPath) | QFile::WriteOwner);
     return true;
 }
@@ -161,8 +161,8 @@ void AudioPlayerWidget::Reset()
     StopPlayback();
     Close();
     if (!self || m_internals->loaded.File().isOpen()) {
-        // When the program heard of the end of the busy time it destroyed this widget, or loaded another file,
-        // which is to be seen.
+        // The signal that the busy time is over made the program destroy this widget, or load another file, which
+        // must stay visible.
         return;
     }
     EnableAudioControls(false);

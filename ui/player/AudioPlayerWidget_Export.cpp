@@ -107,7 +107,7 @@ void AudioPlayerWidget::OnChannelSelectionFinished(int index)
     const QPointer<AudioPlayerWidget> self(this);
     SetBusy(false);
     if (!self || filtering != m_internals->filteringCount) {
-        // Upon that signal the program destroyed this widget, or chose another channel or file.
+        // The signal made the program destroy this widget, or choose another channel or file.
         return;
     }
     if (result == WavFile::Success && QFile::exists(m_filteredFilePath)) {
@@ -132,7 +132,7 @@ void AudioPlayerWidget::Internals::PlayFilteredFile()
     }
 }
 
-/** Filters for the previous channel, which is chosen as a user would choose it. When that fails as well, the box
+/** Filters for the previous channel, which is chosen as a user would choose it. When that fails too, the box
  *  stays where it is: going back from there would never end. */
 void AudioPlayerWidget::Internals::GoBackToPreviousChannel()
 {
@@ -172,7 +172,7 @@ void AudioPlayerWidget::CancelSnippet()
 
 void AudioPlayerWidget::OnSnippetCreateFinished(int index)
 {
-    // All of it ahead of the signal, upon which a program may start its next snippet.
+    // All of this before the signal: a program may start its next snippet from there.
     const Result result = m_snippetWatcher.resultAt(index);
     const QString path = m_snippetFilePath;
     const bool isWritten = result == WavFile::Success && QFile::exists(path);

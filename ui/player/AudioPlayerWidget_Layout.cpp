@@ -115,7 +115,7 @@ void AudioPlayerWidget::SetupUi()
     m_hasSelection = false;
     m_busy = false;
     m_internals->LoadIcons();
-    // The point before the milliseconds stands for any character, so that a comma may be written as well.
+    // The point before the milliseconds stands for any character, so a comma is accepted too.
     m_timeValidator = std::make_unique<QRegularExpressionValidator>(
         QRegularExpression(uR"((2[0-3]|[01][0-9]):[0-5][0-9]:[0-5][0-9].\d{3})"_s));
     m_internals->controls.mainLayout = CreateLayoutOn<QVBoxLayout>(this, "mainLayout", {0, 0, 0, 6});
@@ -137,7 +137,7 @@ void AudioPlayerWidget::Internals::LoadIcons()
     widget.m_pauseIcon = LoadIcon("PlayerPause"_L1);
     widget.m_stopIcon = LoadIcon("PlayerStop"_L1);
     widget.m_loopIcon = LoadIcon("PlayerLoop"_L1);
-    // Not one of ours: what the settings button stands for is the program's, which brings the picture along.
+    // This library has no such picture: the program decides what the settings button does, and brings its icon.
     widget.m_settingsIcon = LoadIcon("Preferences"_L1);
     widget.m_muteIcon = LoadIcon("Mute"_L1);
     widget.m_unmuteIcon = LoadIcon("Unmute"_L1);
@@ -189,7 +189,7 @@ QLayout* AudioPlayerWidget::Internals::SetupVolumeControls(QWidget* parent)
     slider->setObjectName("hSliderVolume"_L1);
     slider->setFixedSize(80, 20);
     {
-        // The default range ends at 99, where the full volume of a new player so is shown: hosts count on it.
+        // The default range ends at 99, so the full volume of a new player shows as 99. Hosts rely on that.
         const QSignalBlocker blocker(slider);
         slider->setValue(widget.m_audioPlayer->Volume());
     }
@@ -200,7 +200,7 @@ QLayout* AudioPlayerWidget::Internals::SetupVolumeControls(QWidget* parent)
 
 QLayout* AudioPlayerWidget::Internals::SetupTransportControls(QWidget* parent)
 {
-    // The name lacks a letter; style sheets of host programs know it so.
+    // The name lacks a letter: style sheets of host programs use it like this.
     auto* layout = CreateLayout<QHBoxLayout>("playerContolsHLayout", {});
     controls.btnStop = CreateButton(parent, "btnStop", {28, 22}, widget.m_stopIcon);
     controls.btnPlayPause = CreateButton(parent, "btnPlayPause", {28, 22}, widget.m_playIcon);
@@ -332,7 +332,7 @@ void AudioPlayerWidget::SetupHintSection()
     m_internals->controls.mainLayout->addWidget(frame);
 }
 
-/** Most controls bear a picture only: what screen readers call them. */
+/** What screen readers call the controls. Most of them show only a picture. */
 void AudioPlayerWidget::Internals::SetupAccessibleNames()
 {
     widget.m_waveformWidget->setAccessibleName(AudioPlayerWidget::tr("Waveform"));
@@ -385,7 +385,7 @@ void AudioPlayerWidget::ConnectSignals()
     connect(&m_internals->loaded.Progress(), &ProgressQueue::Reported, this, &Widget::OnProgressChanged);
     connect(&m_internals->loaded.Progress(), &ProgressQueue::Reached, this,
             [this](int note) { m_internals->OnNote(note); });
-    // The end of a task stands in line behind its reports.
+    // The end of a task waits in line behind its reports.
     connect(&m_snippetWatcher, &QFutureWatcherBase::resultReadyAt, this,
             [this] { m_internals->loaded.Progress().Leave(WorkingFile::SnippetEnded); });
     connect(&m_channelFilterWatcher, &QFutureWatcherBase::resultReadyAt, this,

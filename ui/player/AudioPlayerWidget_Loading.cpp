@@ -28,7 +28,7 @@ void AudioPlayerWidget::LoadFile(const QString& path)
     const QPointer<AudioPlayerWidget> self(this);
     m_internals->DropLoadAndTell();
     if (!self || load != m_internals->loadCount) {
-        // Upon that signal the program destroyed this widget, or loaded another file.
+        // The signal made the program destroy this widget or load another file.
         return;
     }
     m_internals->loading = std::make_unique<FileLoad>(path, m_writableDirectoryPath, m_internals->loaded.copy);
@@ -56,7 +56,7 @@ void AudioPlayerWidget::Internals::DropLoadAndTell()
     }
 }
 
-/** The path of the load that is given up, which is heard of no more; empty without one. */
+/** Gives up the load, silently, and returns its path; empty without a load. */
 QString AudioPlayerWidget::Internals::DropLoad()
 {
     const std::unique_ptr<FileLoad> load = std::move(loading);
@@ -98,7 +98,7 @@ void AudioPlayerWidget::Internals::ShowCopy(const QString& path, const WorkingCo
     const int closing = loadCount + 1;
     widget.Reset();
     if (self && loadCount != closing) {
-        // When the program heard of the end of the busy time it cancelled, closed or loaded another file.
+        // The signal that the busy time is over made the program cancel, close or load another file.
         Q_EMIT widget.LoadCancelled(path);
     } else if (self) {
         OpenCopy(path, copy);
@@ -161,8 +161,7 @@ QString AudioPlayerWidget::Internals::AskForFile()
 {
     const QString filter = loadsInBackground ? GetLoadableFiles()
                                              : QString(AudioPlayerWidget::tr("Audio files") + u" (*.wav *.mp3)"_s);
-    // Not on the stack, as QFileDialog's own functions have it: this widget may be destroyed meanwhile, and takes
-    // its dialog along.
+    // On the heap: this widget may be destroyed while the dialog is open, and destroys its child then.
     const QPointer<QFileDialog> dialog =
         new QFileDialog(&widget, AudioPlayerWidget::tr("Load audio file"), QString(), filter);
     dialog->setFileMode(QFileDialog::ExistingFiles);

@@ -192,10 +192,10 @@ void AudioPlayerWidget::OnCurrentPositionEditingFinished()
         m_waveformWidget->SetSelectionStartTime(0.0);
         m_waveformWidget->SetSelectionEndTime(0.0);
         m_waveformWidget->SetAudioPosition(time);
-        // The player stays where it is: the host hears of the place and decides whether playback follows.
+        // The player stays where it is: the host is told the time and decides whether playback follows.
         Q_EMIT AudioPositionChanged(time);
     }
-    // Also after an entry outside the file, which so snaps back.
+    // In every case: an entry outside the file snaps back.
     const QSignalBlocker blocker(m_internals->controls.edCurrentPosition);
     m_internals->controls.edCurrentPosition->setText(
         ConvertToDisplayTimeFormat(m_waveformWidget->GetAudioPosition()));

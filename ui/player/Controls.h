@@ -11,7 +11,7 @@ class QVBoxLayout;
 
 namespace vantoraudio::vantorAudioEngine::UI {
 
-/** The children that the player widget works with. They belong to their parents and bear these names as object
+/** The children that the player widget works with. They belong to their parents. These are also their object
  *  names, by which style sheets of host programs address them. */
 struct Controls
 {

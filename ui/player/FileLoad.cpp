@@ -78,7 +78,7 @@ std::shared_ptr<QTemporaryDir> MakeFolder(const QString& directory)
     return {folder.release(), &RemoveInBackground};
 }
 
-/** Also that the file holds all that its header promises: of others only what is there is to be shown. */
+/** A file that is shorter than its header says is imported instead, so that only what is there is shown. */
 bool IsSoundWavFile(const QString& path)
 {
     WavFile file;

@@ -25,8 +25,8 @@ struct FileState
 };
 
 /**
- * A file that WavFile opens, in a folder of its own. So it can bear the name of its source, and never meets
- * another file of that name. Whoever holds it last has the folder removed, without waiting for that.
+ * A file that WavFile opens, in a folder of its own. So it can have the name of its source and never meets
+ * another file of that name. The folder is removed when nobody holds it any more, without waiting for that.
  */
 struct WorkingCopy
 {

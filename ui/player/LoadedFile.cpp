@@ -52,7 +52,7 @@ void LoadedFile::StopReading()
     Progress().Forget(WorkingFile::ReadingEnded);
 }
 
-// The header of an output states its full size, so that one which ended half-way would pass for whole.
+// The header of an output states its full size, so a file that ends half-way would look complete.
 
 QFuture<LoadedFile::Result> LoadedFile::WriteSnippet(const QString& path, const Selection& range)
 {
@@ -73,7 +73,7 @@ QFuture<LoadedFile::Result> LoadedFile::FilterInto(const QString& path)
     return channelFilter.Start(m_file, [path](WorkingFile& working, const std::atomic<bool>& isStopped) {
         const bool isNew = !QFile::exists(path);
         const Result result = working.file.FilterChannel(path);
-        // Also after a failure: the next filtering would take what is left for the channel.
+        // After a failure too: the next filtering would take what is left for the channel.
         if (isNew && (isStopped || result != WavFile::Success) && QFile::exists(path)) {
             QFile::remove(path);
         }

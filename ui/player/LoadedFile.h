@@ -144,11 +144,11 @@ public:
 
     /** Stops what was read before. The end is told by the note ReadingEnded, that of samples by NewSamples. */
     [[nodiscard]] QFuture<void> Read(double startTime, double endTime, int stepSize);
-    /** Nothing is heard of former samples any more. */
+    /** Also drops the news of samples that were read. */
     void StopReading();
-    /** When it is stopped nothing is left of it. */
+    /** Nothing is left of a stopped one. */
     [[nodiscard]] QFuture<Result> WriteSnippet(const QString& path, const Selection& range);
-    /** When it is stopped or fails nothing new is left of it. */
+    /** Nothing new is left of one that is stopped or fails. */
     [[nodiscard]] QFuture<Result> FilterInto(const QString& path);
 
     FileTasks<void> samples{&WavFile::AbortRead};

@@ -56,7 +56,7 @@ void ProgressQueue::Leave(int note)
     Wake();
 }
 
-/** A task reports again, so that its former report is not its last one. */
+/** Called before each report of a task: the former report is not the last one any more. */
 void ProgressQueue::Count(Reports& reports)
 {
     if (reports.last > reports.first && reports.last >= m_front) {
@@ -113,7 +113,7 @@ void ProgressQueue::PassOnForAWhile()
     const QPointer<ProgressQueue> self(this);
     const qint64 start = m_clock();
     while (const std::optional<Item> item = TakeNext()) {
-        // Ahead of the rest, which is heard also in an event loop that the receiver may run.
+        // A receiver may run an event loop, which is to hear the rest.
         Wake();
         PassOn(*item);
         if (!self || m_clock() - start >= timeSlice) {

@@ -16,8 +16,8 @@ namespace vantoraudio::vantorAudioEngine::UI {
  * Brings what tasks report of their progress to the thread of this object: every report, unchanged and in order,
  * in batches that leave that thread time for other work.
  *
- * Notes stand in the same line as the reports, so that what they tell of is heard behind all that was reported
- * before it.
+ * Notes stand in the same line as the reports, so that they are heard after everything that was reported before
+ * them.
  *
  * What has waited for longer than `patience` may be left out, so that a program that does not listen is not
  * buried: all but the notes and the first and the last report of each task.
@@ -31,12 +31,12 @@ public:
     using Clock = std::function<qint64()>;
 
     static constexpr qint64 patience = 250;
-    /** For so long, in milliseconds, reports are passed on in one go. */
+    /** Milliseconds that may be spent on reports in one round of the event loop. */
     static constexpr qint64 timeSlice = 5;
 
     explicit ProgressQueue(Clock clock = &SteadyTime);
 
-    /** What its thread reports while it lives belongs to one task. */
+    /** While it exists, the reports of its thread belong to one task. */
     class Task
     {
     public:
@@ -48,15 +48,15 @@ public:
         ProgressQueue& m_queue;
     };
 
-    // Any thread. What is heard of them comes from the event loop, also on the thread of this object.
+    // Any thread. The signals always come from the event loop.
     void Report(int progress, int min, int max, const QString& text);
     void Leave(int note);
 
     // The thread of this object.
-    /** Such notes as wait are not heard of. */
+    /** Drops the notes of this kind that wait. */
     void Forget(int note);
     [[nodiscard]] bool Holds(int note) const;
-    /** Passes on all that waits, however long that takes. The queue may be destroyed by what hears of it. */
+    /** Passes on all that waits, however long that takes. A receiver may destroy the queue. */
     void PassOnAll();
 
 Q_SIGNALS:

@@ -5,7 +5,6 @@
 #include "tests/ui/player/LongFile.h"
 #include "tests/ui/player/PlayerSetup.h"
 
-#include <QtCore/QElapsedTimer>
 #include <QtCore/QPointer>
 #include <QtCore/QTimer>
 #include <QtWidgets/QApplication>
@@ -50,7 +49,6 @@ class PlayerLifeTest : public QObject
 private Q_SLOTS:
     void initTestCase();
     void cleanup();
-    void cleanupTestCase();
 
     void aThousandLoadsLeaveTheMemoryAsItWas();
     void canBeStoppedInEveryState_data();
@@ -66,13 +64,12 @@ private:
     void Leave(Stop stop, PlayerSetup& setup);
 
     TemporaryFiles m_files;
-    qint64 m_longestStop = 0;
 };
 
 void PlayerLifeTest::initTestCase()
 {
     const QString tone = m_files.Path(u"tone.wav"_s);
-    QVERIFY(AudioPrograms::MakeTone(tone, 44100, 2, 30.0));
+    QVERIFY(AudioPrograms::MakeTone(tone, 44100, 2, 10.0));
     QVERIFY(AudioPrograms::Encode(u"mp3"_s, tone, m_files.Path(u"tone.mp3"_s)));
 }
 
@@ -80,11 +77,6 @@ void PlayerLifeTest::cleanup()
 {
     QThreadPool::globalInstance()->waitForDone();
     QCoreApplication::processEvents();
-}
-
-void PlayerLifeTest::cleanupTestCase()
-{
-    qInfo("The longest stop took %.1f ms.", static_cast<double>(m_longestStop) / 1e6);
 }
 
 void PlayerLifeTest::aThousandLoadsLeaveTheMemoryAsItWas()
@@ -224,8 +216,6 @@ bool PlayerLifeTest::IsAtWork(State state, PlayerSetup& setup)
 
 void PlayerLifeTest::Leave(Stop stop, PlayerSetup& setup)
 {
-    QElapsedTimer timer;
-    timer.start();
     switch (stop) {
     case Closing:
         setup.player->Close();
@@ -240,9 +230,6 @@ void PlayerLifeTest::Leave(Stop stop, PlayerSetup& setup)
         setup.player.reset();
         break;
     }
-    const qint64 taken = timer.nsecsElapsed();
-    m_longestStop = qMax(m_longestStop, taken);
-    QVERIFY2(taken < 2'000'000'000, qPrintable(QString::number(taken)));
 }
 
 void PlayerLifeTest::aRemovedChannelFileIsWrittenAnewAfterAReload()
