@@ -4,9 +4,9 @@
 #include <QtCore/QVersionNumber>
 
 /**
- * The defects of Qt that this library works round, with the versions in which each was seen and in which it was
- * looked for in vain: Qt 6.4.2 of Debian 12 and 6.8.2 of Debian 13, FFmpeg backend, PulseAudio 16 and 17. Of the
- * versions between them nothing was seen; Qt's sources say that its player and decoder were written anew for 6.5.
+ * The defects of Qt that this library works around, with the versions in which each was seen and in which it was
+ * looked for but not found: Qt 6.4.2 of Debian 12 and 6.8.2 of Debian 13, FFmpeg backend, PulseAudio 16 and 17.
+ * The versions between them were not tried. By Qt's sources, its player and decoder were rewritten for 6.5.
  *
  * The library's workarounds ask here. In plain Qt, tst_qtdefects shows what shows reliably, and the program
  * rare_qt_defects beside it counts the rest. To drop an old Qt: delete the functions that tell of nothing newer,
@@ -20,9 +20,9 @@ inline bool IsBefore(int major, int minor)
     return QLibraryInfo::version() < QVersionNumber(major, minor);
 }
 
-/** By default the GStreamer backend is taken, which plays and decodes nothing, or crashes, without plug-ins that
- * Qt does not bring. It is the program that chooses the other one, by the environment variable QT_MEDIA_BACKEND.
- * Seen in 6.4.2; 6.8.2 has no other backend than FFmpeg's. */
+/** The default is the GStreamer backend, which plays and decodes nothing, or crashes, without plug-ins that Qt
+ * does not bring. The program chooses the other one, by the environment variable QT_MEDIA_BACKEND. Seen
+ * in 6.4.2; 6.8.2 has no other backend than FFmpeg's. */
 inline bool PrefersABackendWithoutPlugins()
 {
 #ifdef Q_OS_LINUX

@@ -11,7 +11,7 @@ namespace vantoraudio::AudioEngine {
 template<typename Value>
 [[nodiscard]] inline Value LoadShared(const Value& value) noexcept
 {
-    // An atomic reference to a constant is not to be had yet; a load changes nothing.
+    // C++20 has no atomic reference to a constant. Loading changes nothing.
     return std::atomic_ref<Value>(const_cast<Value&>(value)).load(std::memory_order_relaxed);
 }
 

@@ -155,7 +155,7 @@ qint64 AudioFileInfo::GetImportedSize(const ImportOptions& options) const
     format.setChannelCount(qMin(m_facts->channelCount, 2));
     format.setSampleFormat(FirstSampleFormat(options, format, m_facts->length));
     const double size = m_facts->length.DataSize(format);
-    // Also keeps what damaged files state from overflowing.
+    // Damaged files may state durations that no integer holds.
     constexpr double most = 9.0e18;
     return size > 0.0 ? static_cast<qint64>(qMin(size, most)) + largeHeaderSize : 0;
 }

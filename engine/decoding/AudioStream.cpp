@@ -102,8 +102,7 @@ std::tuple<bool, bool, int> RankOf(const AVStream& stream)
             (stream.disposition & AV_DISPOSITION_DEFAULT) != 0, stream.codecpar->ch_layout.nb_channels};
 }
 
-/** The one that the ffmpeg program takes, which is not always that of av_find_best_stream(). Null without audio.
- */
+/** The one that the ffmpeg program takes; av_find_best_stream() sometimes takes another. Null without audio. */
 AVStream* ChosenStream(const AVFormatContext& format)
 {
     AVStream* chosen = nullptr;
@@ -253,7 +252,7 @@ bool AudioStream::OpenDecoder()
         m_problem = Problem::Damaged;
         return false;
     }
-    // Without it, what encoders add at the edges could not be cut off.
+    // The decoder needs it to cut off what encoders add at both ends.
     m_codec->pkt_timebase = m_stream->time_base;
     // As many threads as there are processors, where the decoder can use them.
     m_codec->thread_count = 0;
@@ -298,7 +297,7 @@ bool AudioStream::Feed()
         return true;
     }
     if (status < 0) {
-        // Whatever stopped the demuxer, ffmpeg takes it for the end.
+        // ffmpeg takes every error of the demuxer for the end.
         m_damagedPackets += status == AVERROR_EOF ? 0 : 1;
         avcodec_send_packet(m_codec.get(), nullptr);
         return true;
@@ -340,7 +339,8 @@ bool AudioStream::IsInTag() const
     return m_packet->pos >= 0 && m_packet->pos < m_tagEnd;
 }
 
-/** Tells what could not be read to its end, or gave nothing although it stated a length or had packets. */
+/** Sets the problem of a stream that could not be read to its end, or that gave nothing although it stated a
+ * length or had packets. */
 void AudioStream::OnReadingEnded(int error)
 {
     if (IsCancelled(m_isCancelled)) {
@@ -360,13 +360,13 @@ bool AudioStream::IsCutOff() const
     return IsDurationCertain() && m_decodedSeconds < 0.98 * Duration() - 1.0;
 }
 
-/** Some demuxers pass over what is damaged without a word, and only the times tell. */
+/** Some demuxers skip what is damaged without a word, and only the times show it. */
 void AudioStream::NoteGap(const AVFrame& frame)
 {
     const AVRational timeBase = m_stream->time_base;
     const double length = double(frame.nb_samples) / frame.sample_rate / av_q2d(timeBase);
     const double time = frame.pts == AV_NOPTS_VALUE ? m_nextTime : double(frame.pts);
-    // Not a number where no time is known, which no comparison takes for a gap.
+    // Not a number where no time is known; no comparison takes that for a gap.
     const double gap = time - m_nextTime;
     m_longestFrame = std::max(m_longestFrame, length);
     // One packet without audio is no loss: it may be the table of contents of a file that was joined on.

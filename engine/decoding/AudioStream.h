@@ -12,8 +12,8 @@
 namespace vantoraudio::AudioEngine {
 
 /**
- * The audio stream of a file, opened with FFmpeg and read frame by frame: exactly those that ffmpeg decodes. Used
- * on one thread at a time.
+ * The audio stream of a file, opened with FFmpeg. It is read frame by frame and gives exactly the frames that
+ * ffmpeg decodes. Used on one thread at a time.
  */
 class AudioStream
 {
@@ -38,11 +38,11 @@ public:
     /** Whether the duration is more than a guess from the file's size. */
     bool IsDurationCertain() const;
 
-    /** For a look into the file without decoding: some files say only in their packets that they are encrypted. No
-     *  frames are to be read after this. */
+    /** For those who only look into the file: some files say only in their packets that they are encrypted. Frames
+     *  cannot be read after this. */
     void CheckFirstPacket();
 
-    /** Makes ready for reading frames. False, with a problem, when there is no decoder. */
+    /** Prepares for reading frames. False, with a problem, when there is no decoder. */
     bool OpenDecoder();
 
     /** The next frame with samples; false at the end, or with a problem. Damaged packets are passed over. */
@@ -79,7 +79,7 @@ private:
     double m_nextTime = std::numeric_limits<double>::quiet_NaN();
     /** In the stream's time base. */
     double m_longestFrame = 0.0;
-    /** How much of the time to come is known to hold no audio, in the stream's time base. */
+    /** How much of the next gap in the time is known to hold no audio, in the stream's time base. */
     double m_emptyTime = 0.0;
     /** Where the latest tag among the packets ends in the file. */
     qint64 m_tagEnd = 0;

@@ -30,7 +30,7 @@ std::optional<int> TargetRate(int sampleRate)
     return sampleRate < 1 ? std::nullopt : std::optional(sampleRate);
 }
 
-/** Handles events until the import has ended. The end of the application ends it, too. */
+/** Handles events until the import has ended. The end of the application ends the import too. */
 ImportResult ResultOf(QFuture<ImportResult> future)
 {
     QEventLoop loop;
@@ -94,7 +94,7 @@ int Decoder::WriteHeader(QFile& file, int dataSize, int sampleRate, int channelC
     format.setSampleRate(sampleRate);
     format.setChannelCount(channelCount);
     QByteArray header = ComposeWavHeader(format, dataSize);
-    // WavFile counts a second in bits, which leave 32 bits earlier than its bytes do.
+    // ComposeWavHeader() counts it in bits, which overflow 32 bits earlier than bytes do.
     const quint32 byteRate = quint32(sampleRate) * quint32(channelCount) * quint32(sizeof(float));
     qToLittleEndian(byteRate, header.data() + byteRatePosition);
     return file.seek(0) && file.write(header) == header.size() && file.flush() ? 1 : 0;

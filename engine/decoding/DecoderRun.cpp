@@ -17,7 +17,8 @@ using namespace vantoraudio::AudioEngine;
 
 namespace {
 
-/** Decoded buffers are short and dear to write one by one; much longer blocks would keep the decoder waiting. */
+/** Decoded buffers are short and expensive to write one by one; much longer blocks would keep the decoder waiting.
+ */
 constexpr qsizetype writtenBlockSize = 1 << 16;
 
 template<typename Sample>
@@ -61,7 +62,7 @@ bool CanBeRead(const QString& path)
     return IsRegularFile(path) && QFile(path).open(QIODevice::ReadOnly);
 }
 
-/** A file of which nothing is ever heard is given up within two seconds, two attempts included. */
+/** A file that never gives a sound is given up within two seconds, both attempts included. */
 SilenceLimits LimitsFor(const DecoderSource& source)
 {
     SilenceLimits limits;
@@ -107,7 +108,7 @@ WavFile::AudioEngineReturnValue Decoder::Run::Decode(const QString& inPath)
     if (!m_result) {
         m_loop.exec();
     }
-    // An event loop without a result was ended from outside, together with the application.
+    // Without a result, the event loop was ended from outside, together with the application.
     return m_result.value_or(WavFile::ErrorInvalidFormat);
 }
 
@@ -123,7 +124,7 @@ void Decoder::Run::Start()
     m_source->Start();
 }
 
-/** Begins anew where that may help, since no decoder begins in the middle. */
+/** Begins again from the start where that may help: no decoder can begin in the middle. */
 void Decoder::Run::OnSilence()
 {
     const bool isWorthATry = m_source->MayStandStill() && !std::exchange(m_isSecondTry, true);

@@ -10,7 +10,7 @@ namespace vantoraudio::AudioEngine {
 /**
  * Where a decoding gets its buffers from: Qt's decoder, or what a test puts in its place.
  *
- * Belongs to one thread, whose event loop must run. Any signal may come within Start() already.
+ * Belongs to one thread, whose event loop must run. Signals may come while Start() still runs.
  */
 class DecoderSource : public QObject
 {

@@ -14,10 +14,11 @@ namespace {
 
 /** Of decoded samples that go to the other thread together, and of what is written at once; in bytes. */
 constexpr qint64 batchSize = qint64(256) * 1024;
-/** A batch must not become so much by resampling that nothing is heard of it for long. */
+/** Smaller batches where the rate rises steeply: each of them becomes much audio, and progress is told in between.
+ */
 constexpr qint64 leastBatchSize = 4096;
 
-/** Without a frame the import would end as if the file did. */
+/** A frame that cannot be made must not look like the end of the file. */
 FramePointer NewFrame()
 {
     FramePointer frame(av_frame_alloc());
@@ -90,7 +91,7 @@ Import::Problem Import::CheckAhead()
     m_length = {m_stream.Duration(), m_stream.IsDurationCertain()};
     m_batchSize = qBound(leastBatchSize, batchSize * source.sample_rate / sampleRate, batchSize);
     format.setSampleFormat(FirstSampleFormat(m_options, format, m_length));
-    // Nothing is refused by a guess.
+    // A guess refuses nothing.
     const double size = m_length.isCertain ? m_length.DataSize(format) : 0.0;
     const Problem problem = ProblemOfSize(size, m_options, m_output.Path());
     if (problem == Problem::None && !m_output.Open()) {
@@ -111,7 +112,7 @@ Import::Problem Import::Transfer()
         }
         return m_writingProblem == Problem::None && FinishWriting() ? Problem::None : m_writingProblem;
     } catch (const std::exception&) {
-        // There was no memory or no thread for it.
+        // There was no memory, or no second thread.
         return Problem::CannotBeWritten;
     }
 }
@@ -119,7 +120,7 @@ Import::Problem Import::Transfer()
 void Import::DecodeAndWrite()
 {
     std::thread writer([this] { Write(); });
-    // Also when decoding ends for want of memory.
+    // Also where decoding ends because memory has run out.
     const auto end = qScopeGuard([&] {
         m_queue.Close();
         writer.join();
@@ -127,7 +128,8 @@ void Import::DecodeAndWrite()
     Decode();
 }
 
-/** Once cancelled it stays so, whatever is answered later: a part of the audio must not pass for all of it. */
+/** Once cancelled, an import stays cancelled, whatever is answered later: a part of the audio must not pass for
+ * all of it. */
 bool Import::IsCancelled()
 {
     if (m_goesOn && !m_goesOn(m_progress)) {

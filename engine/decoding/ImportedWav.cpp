@@ -64,7 +64,7 @@ void ImportedWav::Start(const ImportOptions& options, const QAudioFormat& format
     m_isFloatGiven = format.sampleFormat() == QAudioFormat::Float;
     m_mayBecomeInt16 = options.sampleFormat == ImportOptions::Automatic;
     m_mayBeLarge = options.mayBeLarge;
-    // What a source states of its length may be far from the truth; its size bounds that.
+    // A source may state a length that is far too short; a small one cannot be long.
     const bool isShort = length.isCertain && length.DataSize(format) < double(m_limits.shortFileBytes) &&
                          QFileInfo(m_sourcePath).size() < m_limits.shortSourceBytes;
     m_hasRoom = options.mayBeLarge && !isShort;

@@ -37,8 +37,8 @@ struct ImportLimits
     qint64 mostFloatBytes = (qint64(2) << 30) - 256;
     /** Of a file without 64-bit sizes. */
     qint64 mostPlainBytes = (qint64(4) << 30) - 256;
-    /** Of files that come near no limit, as is certain, and of their sources: they get the shortest header. All
-     *  others get one with room for 64-bit sizes. */
+    /** Of files that certainly stay below every limit, and of their sources: they get the shortest header. All
+     * other files get a header with room for 64-bit sizes. */
     qint64 shortFileBytes = qint64(64) << 20;
     qint64 shortSourceBytes = qint64(16) << 20;
 };
@@ -47,8 +47,8 @@ struct ImportLimits
 AudioFileInfo::Problem ProblemOfSize(double bytes, const ImportOptions& options, const QString& path);
 
 /**
- * The WAV file that an import writes. It grows out of sight; its header tells its true length in the end. With
- * ImportOptions::Automatic floats that reach 2 GiB become 16-bit integers on the spot. Used on one thread.
+ * The WAV file that an import writes. It grows out of sight, and its header gets the true length at the end. With
+ * ImportOptions::Automatic, floats that reach 2 GiB are turned into 16-bit integers in place. Used on one thread.
  */
 class ImportedWav
 {
@@ -72,7 +72,7 @@ public:
 
     /** `format` is the format of what will be appended. */
     void Start(const ImportOptions& options, const QAudioFormat& format, const ImportLength& length);
-    /** Appends samples, all of those in the vessel. False with a problem. */
+    /** Appends samples. False with a problem. */
     [[nodiscard]] bool Append(const QByteArray& samples);
     /** Completes the header and gives the file its name. */
     [[nodiscard]] bool Finish();

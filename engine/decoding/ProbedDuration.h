@@ -23,8 +23,8 @@ inline std::int64_t Milliseconds(const StreamDuration& stream)
 }
 
 /**
- * Milliseconds from a container's duration in microseconds; where that gives less than one, the longer of it and
- * the stream's own duration. The product wraps at 64 bits, which makes 0 of FFmpeg's mark for "unknown".
+ * Milliseconds from a container's duration in microseconds. Where that is less than one, the longer of it and the
+ * stream's own duration. The product wraps at 64 bits, which turns FFmpeg's mark for "unknown" into 0.
  */
 inline int DurationInMilliseconds(std::int64_t containerMicroseconds, const StreamDuration& stream)
 {

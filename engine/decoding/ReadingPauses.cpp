@@ -12,7 +12,7 @@ constexpr int readTogether = 8;
 /** Part of a nap may be over when the reader begins to wait. */
 constexpr auto nap = 5ms;
 constexpr auto step = 20us;
-/** On a busy machine buffers are late for other reasons, too, and then no pause is of use. */
+/** On a busy machine buffers are late for other reasons too, and then no pause helps. */
 constexpr std::chrono::microseconds longest = 1ms;
 /** So many buffers' pauses cost about as much as a nap. */
 constexpr int worthANap = 1000;

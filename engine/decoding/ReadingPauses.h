@@ -5,16 +5,18 @@
 namespace vantoraudio::AudioEngine {
 
 /**
- * Lets a decoder catch up that naps whenever it is asked for a buffer and has none.
+ * Gives a decoder time to catch up. Qt 6.4's sleeps for 10 ms whenever it is asked for a buffer and has none
+ * ready.
  *
- * Qt 6.4's keeps nine buffers ready and naps for 10 ms, so a reader that is a little faster than the decoder waits
- * most of the time. One that rests after every eight buffers hardly meets a nap. How long the rest must be differs
- * from file to file, and most need none: it begins with nothing, grows at each nap and shrinks without.
+ * It keeps nine buffers ready, so a reader that is a little faster than the decoder waits most of the time. A
+ * reader that rests after every eight buffers seldom meets such a nap. How long it must rest differs from file to
+ * file, and most files need no rest: the pause begins at 0, grows with each nap and shrinks when there are none.
  */
 class ReadingPauses
 {
 public:
-    /** To be told how long each buffer was waited for. Gives how long to rest before it is read. */
+    /** To be called for each buffer, with the time that it was waited for. Returns how long to rest before it is
+     *  read. */
     std::chrono::microseconds OnBuffer(std::chrono::nanoseconds wait);
 
 private:

@@ -7,8 +7,8 @@
 
 namespace vantoraudio::AudioEngine {
 
-/** How long a decoder may be silent, counted in ticks of the event loop's time: a loop that stood still, because
- * the program was busy itself, counts one tick only. */
+/** How long a decoder may be silent, counted in ticks of the event loop: while the program itself is busy and the
+ *  loop stands still, only one tick is counted. */
 struct SilenceLimits
 {
     std::chrono::milliseconds tick{100};
@@ -19,8 +19,8 @@ struct SilenceLimits
 /**
  * Tells when a decoder has been silent for too long.
  *
- * Before its first sound the shorter limit holds, so that a decoder that will never say a word is soon found out;
- * between two sounds the longer one.
+ * The shorter limit holds before the first sound, so that a decoder that will never say a word is found soon. The
+ * longer one holds between two sounds.
  *
  * Belongs to one thread, whose event loop must run.
  */

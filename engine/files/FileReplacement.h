@@ -9,8 +9,8 @@ namespace vantoraudio::AudioEngine {
 /** Whether both names lead to the same existing file, through links and relative paths too. */
 [[nodiscard]] bool IsSameFile(const QString& a, const QString& b);
 
-/** Hands everything written to `file` to the disk, so that it outlasts a power failure too. False when some of it
- *  could not be stored. */
+/** Writes everything that `file` holds back to the disk, so that it survives a power failure. False when some of
+ * it could not be stored. */
 [[nodiscard]] bool FlushToDisk(QFile& file);
 
 /**

@@ -34,7 +34,7 @@ bool IsPipe(const QString& path)
     return std::filesystem::is_fifo(QFileInfo(path).filesystemFilePath(), error);
 }
 
-/** Appending nothing leaves a file as it is; one that comes into being by it has a new file's permissions. */
+/** Appending nothing leaves a file as it is. A file that is created by it has a new file's permissions. */
 bool OpensForWriting(const QString& path)
 {
     return !IsPipe(path) &&
@@ -47,7 +47,8 @@ bool CanBeWritten(const QString& path)
     return OpensForWriting(path) && (!isNew || QFile::remove(path));
 }
 
-/** Some file systems write out at once all of what replaces a file, however empty that is; so none is replaced. */
+/** Some file systems flush a file to the disk when it replaces another one, even an empty one. So none is
+ * replaced. */
 bool MoveToEmptyFile(const QString& from, const QString& to)
 {
     QFile::setPermissions(from, QFile::permissions(to));
@@ -72,13 +73,14 @@ PendingFile::PendingFile(const QString& path, const QString& sourcePath)
 
 bool PendingFile::Open()
 {
-    // Overwritten byte by byte, the only copy of the audio could end as neither the old nor the new file.
+    // If the only copy of the audio were overwritten byte by byte, it could end as neither the old nor the new
+    // file.
     return CanBeWritten(m_path) && (OpenBeside() || (!ReplacesSource() && OpenElsewhere()));
 }
 
 bool PendingFile::Commit(const CancelCheck& isCancelled)
 {
-    // The only copy of someone's audio makes way for nothing that a power failure could take.
+    // A power failure must not take both the only copy of someone's audio and what replaces it.
     const bool isWhole = ReplacesSource() ? FlushToDisk(m_file) : m_file.flush();
     return isWhole && (m_isBeside ? MoveOver() : CopyOver(isCancelled));
 }
@@ -117,7 +119,7 @@ bool PendingFile::MoveOver()
     const QString name = m_file.fileName();
     m_file.close();
     const bool isNew = !QFileInfo::exists(m_path);
-    // A temporary file's own permissions are for its owner alone: it takes those of what stands there.
+    // Only its owner may read a temporary file, so it gets the permissions of the file that it replaces.
     const bool isMoved = !name.isEmpty() && OpensForWriting(m_path) &&
                          (isNew ? MoveToEmptyFile(name, m_path) : ReplaceFile(name, m_path));
     m_file.setAutoRemove(!isMoved);

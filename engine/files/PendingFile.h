@@ -8,8 +8,8 @@
 namespace vantoraudio::AudioEngine {
 
 /**
- * A file that grows out of sight and takes its name only when it is whole: nobody sees a part of it, and what
- * stood under the name can be read until then. Unless committed, the destructor drops what was written.
+ * A file that grows out of sight and gets its name only when it is whole: nobody sees a part of it, and the former
+ * file of that name can be read until then. The destructor removes what was written but not committed.
  */
 class PendingFile
 {

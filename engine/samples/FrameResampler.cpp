@@ -25,7 +25,7 @@ AVChannelLayout LayoutOf(const AVFrame& frame)
 {
     AVChannelLayout layout = {};
     const AVChannelOrder order = frame.ch_layout.order;
-    // The other orders own memory; what resampling needs of them is their count.
+    // The other orders own memory, and resampling needs only their channel count.
     if (order == AV_CHANNEL_ORDER_NATIVE) {
         layout = frame.ch_layout;
     } else {
@@ -39,7 +39,7 @@ bool IsEqual(const AVChannelLayout& a, const AVChannelLayout& b)
     return av_channel_layout_compare(&a, &b) == 0;
 }
 
-/** For channels whose places nobody knows: each is heard on all sides alike. */
+/** For channels without known places: each is heard equally on every side. */
 bool SetAverage(SwrContext* resampler, int inputs, int outputs)
 {
     // More than FFmpeg's own tables have room for.
@@ -50,7 +50,7 @@ bool SetAverage(SwrContext* resampler, int inputs, int outputs)
     return swr_set_matrix(resampler, matrix.data(), inputs) >= 0;
 }
 
-/** Damaged streams hold numbers that are none; no file is to hold them. */
+/** Damaged streams hold infinities and values that are not numbers. They must not reach a file. */
 void SilenceWhatIsNoNumber(char* bytes, qsizetype size)
 {
     constexpr quint32 exponent = 0x7F800000;

@@ -110,7 +110,7 @@ bool PcmResampler::Data::SetUp()
     if (!isAllocated) {
         return false;
     }
-    // Where it has nothing to resample, FFmpeg may let a missing sample format pass.
+    // FFmpeg may accept a missing sample format where it has nothing to resample.
     const bool hasFormats =
         m_source.sampleFormat != AV_SAMPLE_FMT_NONE && m_target.sampleFormat != AV_SAMPLE_FMT_NONE;
     return (hasFormats && swr_init(m_context.get()) >= 0) ||
@@ -119,8 +119,8 @@ bool PcmResampler::Data::SetUp()
 
 bool PcmResampler::Data::AllocateSamples(int blockFrames)
 {
-    // The source's samples are handed over where they lie. This buffer only tells whether a block can exist at
-    // all: a source without a frame ends here.
+    // The source's samples are passed on where they lie. This buffer only shows whether a block can exist at all:
+    // a source without frames fails here.
     SampleArray sourceSamples;
     if (sourceSamples.Allocate(m_source, blockFrames) < 0) {
         return Complain("Could not allocate source samples\n");
@@ -169,7 +169,7 @@ std::optional<QByteArrayView> PcmResampler::Data::Convert(const uint8_t** source
         Complain("Error while converting\n");
         return {};
     }
-    // No frames yet is no failure, but FFmpeg would take it as one below.
+    // No frames yet is no failure, but av_samples_get_buffer_size() would call it one.
     if (count == 0) {
         return QByteArrayView();
     }

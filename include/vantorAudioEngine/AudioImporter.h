@@ -44,8 +44,7 @@ struct ImportResult
     /** 1 or 2. */
     int channelCount = 0;
     QAudioFormat::SampleFormat sampleFormat = QAudioFormat::Unknown;
-    /** How many packets or stretches of the source were damaged. Nothing stands in their place; all else was
-     * imported.
+    /** How many packets or stretches of the source were damaged. They are left out, everything else was imported.
      */
     qint64 damagedPackets = 0;
 
@@ -63,7 +62,8 @@ struct ImportResult
  * until then, and after a failure. Both paths may name the same file. Where only the file but not its folder may
  * be written, its bytes are overwritten at the end; a failure or a cancellation at that point leaves it empty.
  *
- * Needs no event loop, no media backend and no environment variable. Any thread; imports do not meet.
+ * Needs no event loop, no media backend and no environment variable. Any thread; imports do not disturb each
+ * other.
  *
  * FFmpeg writes warnings about damaged files to the standard error stream. How much it writes is one setting for
  * the whole process, so it is left alone here: a program that wants less calls av_log_set_level() or

@@ -12,20 +12,21 @@ struct AVFormatContext;
 
 /**
  * Turns audio files of any kind that the platform's media framework decodes (MP3 above all) into WAV files, and
- * tells how long such files last. All of it is static; nothing is kept between the calls.
+ * tells how long such files last. Nothing is kept between the calls.
  *
  * With a Qt older than 6.5 on Linux the program chooses the framework's FFmpeg backend before it makes its
  * application object, by the environment variable QT_MEDIA_BACKEND; the other one decodes nothing without further
  * plug-ins.
  *
  * Threads: any thread of a program that has its QCoreApplication. Calls on several threads do not disturb each
- * other. A call keeps its thread busy, but for the events that it handles.
+ * other. A call keeps its thread busy, except for the events that it handles.
  */
 class VANTORAUDIOENGINE_EXPORT Decoder : public QObject
 {
     Q_OBJECT
 
 public:
+    /** The library itself never makes one: all of it is static. */
     Decoder();
     ~Decoder() override;
 
