@@ -6,24 +6,24 @@ namespace vantoraudio::AudioEngine {
 
 bool FrameQueue::Push(FrameBatch batch)
 {
-    QMutexLocker lock(&m_mutex);
+    std::unique_lock lock(m_mutex);
     while (!m_isClosed && !m_batches.empty() && m_bytes + batch.bytes > mostBytes) {
-        m_changed.wait(&m_mutex);
+        m_changed.wait(lock);
     }
     if (m_isClosed) {
         return false;
     }
     m_bytes += batch.bytes;
     m_batches.push_back(std::move(batch));
-    m_changed.wakeAll();
+    m_changed.notify_all();
     return true;
 }
 
 FrameBatch FrameQueue::Pop()
 {
-    QMutexLocker lock(&m_mutex);
+    std::unique_lock lock(m_mutex);
     while (!m_isClosed && m_batches.empty()) {
-        m_changed.wait(&m_mutex);
+        m_changed.wait(lock);
     }
     if (m_batches.empty()) {
         return {};
@@ -31,15 +31,15 @@ FrameBatch FrameQueue::Pop()
     FrameBatch batch = std::move(m_batches.front());
     m_batches.pop_front();
     m_bytes -= batch.bytes;
-    m_changed.wakeAll();
+    m_changed.notify_all();
     return batch;
 }
 
 void FrameQueue::Close()
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard lock(m_mutex);
     m_isClosed = true;
-    m_changed.wakeAll();
+    m_changed.notify_all();
 }
 
 } // namespace vantoraudio::AudioEngine

@@ -2,10 +2,11 @@
 
 #include "engine/samples/FFmpegPointers.h"
 
-#include <QtCore/QMutex>
-#include <QtCore/QWaitCondition>
+#include <QtCore/QtGlobal>
 
+#include <condition_variable>
 #include <deque>
+#include <mutex>
 #include <vector>
 
 namespace vantoraudio::AudioEngine {
@@ -33,8 +34,8 @@ private:
     /** A batch that is larger by itself goes alone. */
     static constexpr qint64 mostBytes = qint64(1) << 20;
 
-    QMutex m_mutex;
-    QWaitCondition m_changed;
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
     std::deque<FrameBatch> m_batches;
     qint64 m_bytes = 0;
     bool m_isClosed = false;

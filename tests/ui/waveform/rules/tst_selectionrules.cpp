@@ -100,6 +100,13 @@ private Q_SLOTS:
         QTEST(limited.second, "end");
     }
 
+    void putsZeroInPlaceOfWhatIsNoTime()
+    {
+        QCOMPARE(Finite({1.5, 2.5}), SelectionTimes(1.5, 2.5));
+        QCOMPARE(Finite({notANumber, 2.5}), SelectionTimes(0.0, 2.5));
+        QCOMPARE(Finite({-infinity, infinity}), SelectionTimes(0.0, 0.0));
+    }
+
     void takesSnippetsWithinAMillisecondForTheSame()
     {
         QVERIFY(IsSameSelection({1.0, 2.0}, {1.0009, 1.9991}));
