@@ -2,7 +2,7 @@
 # Counts the instructions of the library's hot paths, which unlike times are the same at every run, and fails when one
 # has grown by more than a tenth over benchmarks/instruction-counts.txt.
 #
-#   benchmarks/check-counts.sh [--update]     --update writes the counts down anew
+#   benchmarks/check-counts.sh [--update]     --update writes the counts down again
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

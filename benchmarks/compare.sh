@@ -123,6 +123,6 @@ against_cat "1 h opened and shown, from a ready copy" hour.wav 3 150 \
   "$session" "$programs/vantoraudio-window" open hour.wav
 
 echo
-echo "While an hour is exported the window is deaf for $(inner "$session" "$programs/vantoraudio-window" gap hour.wav \
+echo "While an hour is exported the window is frozen for $(inner "$session" "$programs/vantoraudio-window" gap hour.wav \
   ours.wav) ms at most; 50 ms are allowed."
 "$session" "$programs/vantoraudio-frame" 2>/dev/null

@@ -3,7 +3,7 @@
  *
  *   vantoraudio-window open WAV      from SetAudioFile() on a working copy that is there to the complete picture
  *   vantoraudio-window load FILE DIR from LoadFile() to the complete picture, and the longest time between two
- * ticks vantoraudio-window gap WAV OUT   the longest time that the window is deaf while most of the file is
+ * ticks vantoraudio-window gap WAV OUT   the longest time that the window is frozen while most of the file is
  * exported
  */
 #include <vantorAudioEngine/AudioPlayerWidget.h>

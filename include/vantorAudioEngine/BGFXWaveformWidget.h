@@ -63,7 +63,7 @@ public:
      * a duration that is not above 0 (or not a number) the view stays empty, though GetSamples() is emitted.
      *
      * The spelling is what embedding programs call. GetSamples() comes before the delay becomes 0, so its step
-     * size still reckons with the delay of before. Answered from within the signal, the samples stand at their
+     * size still counts the delay of before. Answered from within the signal, the samples stand at their
      * times; answered after this call, they are drawn with the step size for the new length alone and stand at
      * wrong times where the two differ. SetDelay(0.0) ahead of this call avoids that.
      */

@@ -8,7 +8,7 @@
 namespace vantoraudio::bgfx {
 
 /** Which pixel column an x of the scene lies in. Those who choose vertices and those who draw them both ask here,
- * so that they never differ. */
+ * so they never differ. */
 class PixelColumns
 {
 public:

@@ -21,7 +21,7 @@ public:
     ~SoundRecording();
     Q_DISABLE_COPY_MOVE(SoundRecording)
 
-    /** Forgets what was heard so far. Every judgement is false or 0 until enough is heard anew. */
+    /** Forgets what was heard so far. Every judgement is false or 0 until enough is heard again. */
     void Clear();
 
     bool HasEnough() const;

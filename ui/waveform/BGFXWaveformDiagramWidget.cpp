@@ -42,7 +42,7 @@ void BGFXWaveformDiagramWidget::SetDuration(double duration)
     m_duration = duration;
     ShowEverything();
     m_stepSize = StepSizeFor(GetTotalLength());
-    // The step size reckons with the silence that is visible, too; samples exist only for the audio.
+    // The step size counts the visible silence, too; samples exist only for the audio.
     Q_EMIT GetSamples(0.0, duration, m_stepSize);
 }
 
@@ -153,7 +153,7 @@ void BGFXWaveformDiagramWidget::RequestSamplesIfNeeded()
     if (!request) {
         return;
     }
-    // Remembered also when it is not sent: samples still on their way are then drawn from this start time on.
+    // It is remembered even if it is not sent: samples still on their way are then drawn from this start time on.
     m_stepSize = StepSizeFor(request->end - request->start);
     m_requestedStart = request->start;
     if (request->isSent) {

@@ -14,9 +14,9 @@ WindowPoint Between(const WindowPoint& start, const WindowPoint& end, double t)
 
 /**
  * Moves a line by a hair across its direction. A line right on the border between two pixels belongs to either by
- * OpenGL's rules, and on the picture's left edge some drivers drop it; so it falls to the pixel behind the border
- * everywhere, as the Software device has it. Along its direction it stays, lest its end comes to lie inside a
- * pixel's diamond, whose pixel OpenGL would leave out.
+ * OpenGL's rules, and on the picture's left edge some drivers drop it; so it goes to the pixel behind the border
+ * everywhere, as the Software device has it. It is not moved along its direction: its end could then lie inside a
+ * pixel's diamond, and OpenGL leaves that pixel out.
  */
 void MoveOffTheBorder(WindowPoint& start, WindowPoint& end)
 {

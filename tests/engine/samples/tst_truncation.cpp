@@ -78,7 +78,7 @@ private Q_SLOTS:
         QTest::newRow("small") << 6 << -7 << -42;
         QTest::newRow("2 GiB turns negative") << 4 << 536870912 << -2147483647 - 1;
         QTest::newRow("4 GiB turns zero") << 4 << 1073741824 << 0;
-        QTest::newRow("4 GiB and a little starts anew") << 4 << 1073741834 << 40;
+        QTest::newRow("4 GiB and a little starts again") << 4 << 1073741834 << 40;
         QTest::newRow("largest squared") << 2147483647 << 2147483647 << 1;
         QTest::newRow("smallest negated") << -2147483647 - 1 << -1 << -2147483647 - 1;
     }

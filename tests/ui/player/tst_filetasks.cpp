@@ -150,7 +150,7 @@ void FileTasksTest::stopsATaskThatClearsItsAbortFlagWhenItStarts()
     const QFuture<int> future = tasks.Start(m_file, [&hasBegun](WorkingFile& working, const Flag& isStopped) {
         hasBegun.release();
         WaitForAbort(working.file);
-        // Cleared once more, the flag is set anew by a stop that does not give up.
+        // When the flag is cleared again, it is set again by a stop that does not give up.
         WaitForAbort(working.file);
         return isStopped ? 42 : 0;
     });

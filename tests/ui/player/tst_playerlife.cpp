@@ -114,7 +114,7 @@ void PlayerLifeTest::canBeStoppedInEveryState_data()
                                                  {Extracting, "reading"},  {Filtering, "filtering"},
                                                  {Exporting, "exporting"}, {Playing, "playing"}};
     const std::pair<Stop, const char*> stops[]{
-        {Closing, "closed"}, {Resetting, "reset"}, {Reloading, "loaded anew"}, {Destroying, "destroyed"}};
+        {Closing, "closed"}, {Resetting, "reset"}, {Reloading, "loaded again"}, {Destroying, "destroyed"}};
     for (const auto& [state, stateName] : states) {
         for (const auto& [stop, stopName] : stops) {
             QTest::addRow("%s, then %s", stateName, stopName) << state << stop << false;

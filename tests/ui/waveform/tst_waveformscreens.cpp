@@ -71,7 +71,7 @@ struct Window
         view.windowHandle()->resize(size);
     }
 
-    /** What was painted last, in device pixels. Looking at it draws nothing anew. */
+    /** What was painted last, in device pixels. Looking at it draws nothing. */
     QImage Shown() const { return *static_cast<const QImage*>(view.backingStore()->paintDevice()); }
 
     /** Where the position line, 132 pixels into the diagram, crosses the device row 30 pixels below the view's

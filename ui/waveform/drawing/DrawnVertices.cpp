@@ -46,7 +46,7 @@ public:
     [[nodiscard]] std::vector<Pos2f> Take() { return std::move(m_chosen); }
 
 private:
-    /** Searched for around where the column before suggests it: columns differ by a vertex or two. */
+    /** The search begins where the column before suggests: columns differ by a vertex or two. */
     [[nodiscard]] std::size_t EndOfColumn(std::size_t first, std::size_t last) const
     {
         const auto columnOf = [&](std::size_t i) { return std::floor(m_columns.At(m_strip.TimeAt(i))); };

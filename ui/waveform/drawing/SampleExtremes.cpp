@@ -67,8 +67,7 @@ std::size_t Find(float level, std::span<const float> samples, std::size_t first)
     return first;
 }
 
-/** Of at least one sample. Where the extremes stand is not looked for yet: positions are that of the first sample.
- */
+/** Of at least one sample. The positions are not looked for yet: both are that of the first sample. */
 Extremes RoughExtremesOf(std::span<const float> samples, std::size_t first, std::size_t last)
 {
     const Levels levels = LevelsOf(samples.subspan(first, last - first));
@@ -134,7 +133,7 @@ Extremes SampleExtremes::Within(std::span<const float> samples, std::size_t firs
     if (rest < last) {
         Add(found, RoughExtremesOf(samples, rest, last));
     }
-    // Seldom in the parts of blocks at the ends, so that these are seldom searched.
+    // They are seldom in the partial blocks at the ends, so those are seldom searched.
     if (found.lowest == first || found.lowest == rest) {
         found.lowest = Find(found.low, samples, found.lowest);
     }

@@ -18,7 +18,7 @@ double WaveformGeometry::SetSamples(const QList<float>& samples, double delay, c
 {
     const auto sampleCount = static_cast<std::size_t>(samples.size());
     const std::int32_t count = VertexCount(sampleCount, delay, spacing.sampleRate);
-    // First what may run out of memory: the strip and its extremes belong together.
+    // What may run out of memory comes first: the strip and its extremes belong together.
     SampleExtremes extremes(samples);
     m_strip = WaveformStrip(samples, count, spacing);
     m_extremes = std::move(extremes);

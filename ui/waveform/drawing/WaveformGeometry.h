@@ -28,8 +28,8 @@ struct StripView
  * The waveform's line strip: its samples and what the drawing device holds of it. GUI thread only.
  *
  * The device gets only the vertices that show in the picture, a few for each pixel column, and reads them where
- * they lie, without a copy. A frame so costs about the same whatever it shows, and nothing but drawing when it
- * shows the same as the one before.
+ * they lie, without a copy. So a frame costs about the same whatever it shows, and only the
+ * drawing when it shows the same as the one before.
  */
 class WaveformGeometry
 {

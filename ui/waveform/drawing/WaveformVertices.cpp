@@ -25,7 +25,7 @@ double AmplitudeExtent(float peak)
 std::int32_t VertexCount(std::size_t sampleCount, double delay, int sampleRate)
 {
     // One vertex per sample of silence, even where the audio's own vertices stand for many samples each: the
-    // silence is then deliberately longer than the delay, and the requests for samples reckon with that end.
+    // silence is then deliberately longer than the delay, and the requests for samples count on that end.
     const auto silent = static_cast<std::size_t>(std::max(0, TruncateToInt32(sampleRate * delay)));
     constexpr std::size_t most = std::numeric_limits<std::int32_t>::max();
     return static_cast<std::int32_t>(std::min(sampleCount + silent, most));

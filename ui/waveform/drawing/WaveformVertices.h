@@ -80,7 +80,7 @@ struct VertexRange
  * The vertices between two times, edges included, and one more on both sides: lines lead there from the edges.
  * `left` and `right` come in either order.
  *
- * They are searched for rather than reckoned from the spacing: x is rounded to single precision, which late in a
+ * They are searched for, not computed from the spacing: x is rounded to single precision, which late in a
  * long file is many vertices off.
  */
 [[nodiscard]] VertexRange VisibleVertices(const WaveformStrip& strip, float left, float right);
