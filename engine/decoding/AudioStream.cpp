@@ -237,7 +237,8 @@ bool AudioStream::IsDurationCertain() const
 void AudioStream::CheckFirstPacket()
 {
     constexpr int mostPackets = 100;
-    bool isFound = m_problem != Problem::None;
+    // Only MP4 tells it in its packets. In other files the first packet of audio may lie far away.
+    bool isFound = m_problem != Problem::None || !QByteArrayView(m_format->iformat->name).startsWith("mov");
     for (int i = 0; !isFound && i < mostPackets && av_read_frame(m_format.get(), m_packet.get()) == 0; ++i) {
         isFound = m_packet->stream_index == m_stream->index;
         m_problem = isFound && IsEncrypted(*m_packet) ? Problem::Protected : Problem::None;
@@ -329,7 +330,9 @@ void AudioStream::NoteTimeWithoutAudio()
     const AVPacket& packet = *m_packet;
     m_emptyTime += double(PaddingOf(packet)) / m_stream->codecpar->sample_rate / av_q2d(m_stream->time_base);
     if (IsMpegAudio(m_stream->codecpar->codec_id)) {
-        m_tagEnd = std::max(m_tagEnd, packet.pos + TagSize(packet));
+        if (const qint64 size = TagSize(packet); size > 0) {
+            m_tagEnd = std::max(m_tagEnd, packet.pos + size);
+        }
         m_emptyTime += IsInTag() ? double(packet.duration) : 0.0;
     }
 }

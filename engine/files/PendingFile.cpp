@@ -67,7 +67,7 @@ bool CopyRest(QFile& from, QFile& to, const CancelCheck& isCancelled)
 } // namespace
 
 PendingFile::PendingFile(const QString& path, const QString& sourcePath)
-    : m_path(WithoutLinks(path)), m_sourcePath(sourcePath)
+    : m_path(WithoutLinks(path)), m_sourcePath(sourcePath.isEmpty() ? QString() : WithoutLinks(sourcePath))
 {
 }
 
@@ -129,8 +129,12 @@ bool PendingFile::MoveOver()
 bool PendingFile::CopyOver(const CancelCheck& isCancelled)
 {
     QFile target(m_path);
-    const bool isCopied = m_file.seek(0) && target.open(QIODevice::WriteOnly | QIODevice::Unbuffered) &&
-                          CopyRest(m_file, target, isCancelled);
+    // Opening it empties the former file, so that comes last.
+    if (IsCancelled(isCancelled) || !m_file.seek(0) ||
+        !target.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
+        return false;
+    }
+    const bool isCopied = CopyRest(m_file, target, isCancelled);
     if (!isCopied && !IsFolderPipeOrDevice(m_path)) {
         target.resize(0);
     }

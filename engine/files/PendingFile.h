@@ -31,7 +31,7 @@ public:
     /**
      * Puts the file under its name: in one step where its folder may be written, else (and for devices) by copying
      * its bytes. Only the copying can be cancelled, after each megabyte. False leaves the former file as it was,
-     * or empty when the copying failed or was cancelled.
+     * or empty when the copying had begun.
      */
     [[nodiscard]] bool Commit(const CancelCheck& isCancelled = {});
 

@@ -17,7 +17,7 @@ namespace vantoraudio::AudioEngine {
 namespace {
 
 constexpr int mostChannels = 64;
-/** How many samples of a channel go in or come out at once, at most, about. */
+/** About the most samples of a channel that go in or come out at once. */
 constexpr qint64 framesAtOnce = 1 << 16;
 
 /** Streams that do not name their channels have the usual ones. */

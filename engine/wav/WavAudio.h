@@ -41,6 +41,15 @@ struct WavAudio
     bool allowsLargeFiles;
 };
 
+/** For a task that starts now: clears its abort flag under the same lock, so that an abort that the task does not
+ *  notice came before everything that it knows. */
+inline WavAudio StartTask(const WavFile& file, QMutex& mutex, bool& abortFlag)
+{
+    const QMutexLocker lock(&mutex);
+    StoreShared(abortFlag, false);
+    return WavAudio(file);
+}
+
 /** Takes it under the lock of the file. */
 inline WavAudio TakeWavAudio(const WavFile& file, QMutex& mutex)
 {

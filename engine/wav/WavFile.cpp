@@ -54,12 +54,19 @@ WavFile::AudioEngineReturnValue WavFile::Open(const QString& fileName)
 {
     close();
     setFileName(fileName);
-    if (IsFolderPipeOrDevice(fileName)) {
+    const bool isFolder = QFileInfo(fileName).isDir();
+    if (!isFolder && IsFolderPipeOrDevice(fileName)) {
         setErrorString(tr("Not a regular file"));
         return ErrorOpenFile;
     }
     if (!open(QIODevice::ReadOnly)) {
         close();
+        return ErrorOpenFile;
+    }
+    if (isFolder) {
+        // Folders of resources can be opened.
+        close();
+        setErrorString(tr("Not a regular file"));
         return ErrorOpenFile;
     }
     const AudioEngineReturnValue result = ReadHeader();

@@ -116,8 +116,7 @@ WavFile::AudioEngineReturnValue WavFile::CreateSnippet(const QString& outPath, d
     if (IsSameFile(fileName(), outPath)) {
         return ErrorCreateSnippet;
     }
-    const WavAudio audio = TakeWavAudio(*this, m_mutex);
-    StoreAbortFlag(m_mutex, m_abortWrite, false);
+    const WavAudio audio = StartTask(*this, m_mutex, m_abortWrite);
     // Counted in whole milliseconds, so the stated size may differ from the size of the range. A snippet without a
     // frame states -1.
     const double milliseconds = std::round((end - start) * 1000.0);

@@ -58,8 +58,7 @@ private:
 
 void WavFile::ReadData(double startTime, double endTime, int stepSize)
 {
-    const WavAudio audio = TakeWavAudio(*this, m_mutex);
-    StoreAbortFlag(m_mutex, m_abortRead, false);
+    const WavAudio audio = StartTask(*this, m_mutex, m_abortRead);
     const BlockPick pick{qMax(1, stepSize), audio.channel};
     const qint64 bytesPerValue = BytesPerValue(audio.format, pick.step);
     const BlockRange range{.end = audio.PositionOf(endTime),

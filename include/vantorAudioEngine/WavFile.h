@@ -73,7 +73,7 @@ public:
     /**
      * Copies what is known of the audio: format, offset, length, duration, samples, selected channel and the abort
      * flags of reading and writing. The file itself (name, open state, position), the sample size, the abort flag
-     * of channel filtering and SetLargeFiles() stay the target's own.
+     * of channel filtering and SetLargeFiles() stay the target's own. The library itself never calls it.
      */
     WavFile& operator=(const WavFile& other);
 
@@ -144,7 +144,7 @@ public:
      *
      * An empty `outPath`, or one that leads to this very file, converts in place: only when the result is complete
      * and stored, this object is closed and the result takes the place of the file. Otherwise the object stays
-     * open, behind what was read.
+     * open, behind what was read; it is closed also when only that last step fails.
      *
      * True when everything was converted and written. False leaves an `outPath` as far as it was written, and this
      * file as it was: when it is not open, when the target's rate or channel count is below 1 or its sample format

@@ -2,6 +2,8 @@
 
 #include "render/bgfx/DrawingDevice.h"
 
+#include <algorithm>
+
 namespace vantoraudio::vantor3D {
 
 ProgramFactory& ProgramFactory::Get()
@@ -16,12 +18,13 @@ std::optional<bgfx::ProgramHandle> ProgramFactory::CreateProgram(std::string_vie
     if (bgfx::DrawingDevice::Get().Kind() == bgfx::device::Kind::None) {
         return std::nullopt;
     }
-    for (std::uint16_t i = 0; i < bgfx::Programs.size(); ++i) {
-        if (bgfx::Programs[i].vertexShader == vertexShader && bgfx::Programs[i].fragmentShader == fragmentShader) {
-            return bgfx::ProgramHandle{i};
-        }
+    const auto* found = std::ranges::find_if(bgfx::Programs, [&](const bgfx::Program& program) {
+        return program.vertexShader == vertexShader && program.fragmentShader == fragmentShader;
+    });
+    if (found == bgfx::Programs.end()) {
+        return std::nullopt;
     }
-    return std::nullopt;
+    return bgfx::ProgramHandle{static_cast<std::uint16_t>(found - bgfx::Programs.begin())};
 }
 
 } // namespace vantoraudio::vantor3D

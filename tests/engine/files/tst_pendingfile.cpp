@@ -206,6 +206,20 @@ private Q_SLOTS:
         QCOMPARE(TemporaryFiles::Read(path), QByteArray());
     }
 
+    void keepsTheFormerFileWhenItIsCancelledBeforeItCopies()
+    {
+        const TemporaryFiles files;
+        const QString path = files.Write(u"out"_s, "old");
+        bool isCommitted = true;
+        AsOrdinaryUserOfAClosedFolder(path, [&] {
+            PendingFile pending(path);
+            QVERIFY(pending.Open());
+            isCommitted = pending.Commit([] { return true; });
+        });
+        QVERIFY(!isCommitted);
+        QCOMPARE(TemporaryFiles::Read(path), QByteArray("old"));
+    }
+
     void removesTheFormerFile()
     {
         const TemporaryFiles files;
