@@ -96,7 +96,8 @@ public:
     /** Unloads: stops playback, Close(), and an empty view. */
     void Reset();
     /** Cancels LoadFile(), stops the tasks in the background, waits for their end and closes the file. What there
-     *  is of an unfinished snippet or channel file is removed. The view and the player stay as they are. */
+     *  is of an unfinished snippet or channel file is removed. The view and the player stay as they are. While it
+     *  is busy, the reports of progress that still wait and BusyChanged(false) come before this returns. */
     void Close();
 
     /** For the program; nothing in here calls it. Converts another file in place, as WavFile::Convert() does with
@@ -138,7 +139,7 @@ public:
     [[nodiscard]] bool IsReadingSamples() const;
 
     /** Shows the audio between two times, in either order, brought into the file's length. SceneRectChanged()
-     * tells of it. Times that are not finite are ignored. */
+     *  tells of it. Times that are not finite are ignored, and so is a range that has no length in the file. */
     void ShowRange(double start, double end);
 
     /** Seconds of silence shown behind the audio. */
@@ -165,8 +166,9 @@ public:
     /** Writes the selection of the selected channel to a new file, in the background. Ends with
      *  CreateSnippetFinished() or ErrorHandler(). Dropped without a word while samples are being read. */
     void CreateSnippet(const QString& filePath);
-    /** Stops the snippet that is being written and removes what there is of it; BusyChanged() is all that tells of
-     *  that. Does nothing when none is being written. */
+    /** Stops the snippet that is being written and removes what there is of it. The reports of progress that still
+     *  wait and BusyChanged() come before this returns; nothing else tells of it. Does nothing when none is being
+     *  written. */
     void CancelSnippet();
 
     /** Plays from the current position; does nothing without a file, or while it plays. */

@@ -67,6 +67,8 @@ void DrawingDevice::Adopt(std::unique_ptr<device::Device> device)
     m_device = std::move(device);
     m_isLost = false;
     const bool needsHook = m_device && QCoreApplication::instance();
+    // First the former one: removing it removes all that are equal.
+    exitHook.reset();
     exitHook = needsHook ? std::make_unique<ExitHook>() : nullptr;
 }
 

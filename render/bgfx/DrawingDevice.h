@@ -40,7 +40,7 @@ public:
     bool DrawInto(QImage& picture);
 
 Q_SIGNALS:
-    /** The device is about to go; it still works. */
+    /** The device is about to go. It still works, unless it was lost. */
     void AboutToShutDown();
 
 private:

@@ -108,7 +108,8 @@ void setViewClear(ViewId id, std::uint16_t flags, std::uint32_t rgba, float dept
 /** These two hold for the next submit(). */
 void setVertexBuffer(std::uint8_t stream, DynamicVertexBufferHandle handle);
 void setState(std::uint64_t state, std::uint32_t rgba = 0);
-/** Adds a draw to a view of the frame. The buffer must stay until the frame is presented. */
+/** Adds a draw to a view of the frame. The bytes that the buffer refers to must stay until the frame is
+ *  presented. */
 void submit(ViewId id, ProgramHandle program, std::uint32_t depth = 0, std::uint8_t flags = BGFX_DISCARD_ALL);
 
 } // namespace vantoraudio::bgfx

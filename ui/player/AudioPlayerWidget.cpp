@@ -19,6 +19,7 @@
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPushButton>
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -159,7 +160,9 @@ void AudioPlayerWidget::Reset()
 {
     const QPointer<AudioPlayerWidget> self(this);
     StopPlayback();
-    Close();
+    if (self) {
+        Close();
+    }
     if (!self || m_internals->loaded.File().isOpen()) {
         // The signal that the busy time is over made the program destroy this widget, or load another file, which
         // must stay visible.
@@ -186,10 +189,7 @@ void AudioPlayerWidget::Close()
         Forget(m_snippetWatcher);
     }
     const QPointer<AudioPlayerWidget> self(this);
-    if (m_busy) {
-        m_internals->loaded.Progress().PassOnAll();
-    }
-    if (self && m_busy) {
+    if (m_busy && m_internals->TellAllReports()) {
         SetBusy(false);
     }
     if (self && !loadingPath.isEmpty()) {
@@ -258,8 +258,14 @@ bool AudioPlayerWidget::IsReadingSamples() const
 
 void AudioPlayerWidget::ShowRange(double start, double end)
 {
-    if (std::isfinite(start) && std::isfinite(end)) {
-        m_waveformWidget->OnSceneRectChangeRequested(QRectF(QPointF(start, 0.0), QPointF(end, 1.0)));
+    if (!std::isfinite(start) || !std::isfinite(end)) {
+        return;
+    }
+    const double length = GetAudioDuration() + GetDelay();
+    const double left = std::max(0.0, std::min(start, end));
+    const double right = std::min(length, std::max(start, end));
+    if (left < right) {
+        m_waveformWidget->OnSceneRectChangeRequested(QRectF(left, 0.0, right - left, 1.0));
     }
 }
 
@@ -339,6 +345,7 @@ void AudioPlayerWidget::EnableAudioControls(bool canPlay)
 void AudioPlayerWidget::SetBusy(bool busy)
 {
     m_busy = busy;
+    ++m_internals->busyCount;
     m_waveformWidget->setEnabled(!busy);
     m_internals->controls.btnLoadFile->setEnabled(!busy);
     m_internals->controls.frmSelectionStart->setEnabled(!busy);

@@ -137,8 +137,11 @@ void AudioPlayerWidget::Internals::PlayFilteredFile()
 void AudioPlayerWidget::Internals::GoBackToPreviousChannel()
 {
     if (!isGoingBack) {
+        const QPointer<AudioPlayerWidget> self(&widget);
         widget.SetSelectedChannel(widget.m_previousChannel);
-        isGoingBack = true;
+        if (self) {
+            isGoingBack = true;
+        }
     }
 }
 
@@ -163,11 +166,25 @@ void AudioPlayerWidget::CancelSnippet()
     }
     m_internals->loaded.snippet.Stop();
     Forget(m_snippetWatcher);
-    const QPointer<AudioPlayerWidget> self(this);
-    m_internals->loaded.Progress().PassOnAll();
-    if (self) {
+    if (m_internals->TellAllReports()) {
         SetBusy(m_channelFilterWatcher.isRunning());
     }
+}
+
+bool AudioPlayerWidget::Internals::TellAllReports()
+{
+    if (isTellingAll) {
+        return false;
+    }
+    const QPointer<AudioPlayerWidget> self(&widget);
+    const int countBefore = busyCount;
+    isTellingAll = true;
+    loaded.Progress().PassOnAll();
+    if (!self) {
+        return false;
+    }
+    isTellingAll = false;
+    return busyCount == countBefore;
 }
 
 void AudioPlayerWidget::OnSnippetCreateFinished(int index)

@@ -17,7 +17,7 @@ namespace vantoraudio::vantorAudioEngine::UI {
 
 void AudioPlayerWidget::Play()
 {
-    const bool hasFile = m_internals->controls.btnPlayPause->isEnabled();
+    const bool hasFile = m_internals->controls.btnPlayPause->isEnabledTo(this);
     if (hasFile && !IsPlaying()) {
         m_audioPlayer->play();
     }
@@ -134,7 +134,7 @@ void AudioPlayerWidget::SetAudioPlayBackVolume(int volume)
         return;
     }
     m_audioPlayer->SetVolume(volume);
-    m_internals->volume = volume;
+    m_internals->volume = qBound(0, volume, 100);
     // The slider ends at 99 and the player truncates what it holds: what comes back from either is not always what
     // was set here, and would pass for a move of the user.
     const QSignalBlocker blocker(m_internals->controls.hSliderVolume);

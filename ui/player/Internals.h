@@ -51,6 +51,9 @@ struct AudioPlayerWidget::Internals
     void CorrectLateReport(qint64 milliseconds);
 
     // Channels and tasks
+    /** Passes on what was reported before a busy time ends. False: it is not the caller's to end any more, because
+     * a slot ended it, started another or destroyed the widget, or because an outer call does so. */
+    [[nodiscard]] bool TellAllReports();
     void FillChannelSelector();
     void ShowChannel(WavFile::ChannelFormat channel);
     void OnNote(int note);
@@ -68,6 +71,9 @@ struct AudioPlayerWidget::Internals
     int volume = 100;
     bool decodesToFloat = false;
     bool loadsInBackground = false;
+    /** Counts how often a busy time began or ended. */
+    int busyCount = 0;
+    bool isTellingAll = false;
     /** Counts what ends a load: the next load and every closing. */
     int loadCount = 0;
     /** Counts what ends a filtering: the next filtering and every closing. */

@@ -48,7 +48,7 @@ public:
         ProgressQueue& m_queue;
     };
 
-    // Any thread. The signals always come from the event loop.
+    // Any thread. The signals come from the event loop, or from PassOnAll().
     void Report(int progress, int min, int max, const QString& text);
     void Leave(int note);
 

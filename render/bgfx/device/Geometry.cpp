@@ -38,7 +38,9 @@ WindowPoint WindowVertices::At(std::size_t vertex) const
         return double(matrix[i]) * double(position[0]) + double(matrix[i + 4]) * double(position[1]) +
                double(matrix[i + 8]) * double(position[2]) + double(matrix[i + 12]);
     };
-    return {m_columns.OfNormalised(row(0)), m_bottom + (row(1) + 1.0) * 0.5 * m_height};
+    const bool isUpright = matrix[4] == 0.0F && matrix[8] == 0.0F;
+    return {isUpright ? m_columns.At(position[0]) : m_columns.OfNormalised(row(0)),
+            m_bottom + (row(1) + 1.0) * 0.5 * m_height};
 }
 
 std::array<std::uint8_t, 4> WindowVertices::ColorAt(std::size_t vertex) const

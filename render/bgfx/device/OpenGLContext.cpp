@@ -34,6 +34,10 @@ CurrentOpenGL::CurrentOpenGL(OpenGLContext& context)
     m_nested = m_previous == &context.m_context;
     m_previousSurface = m_previous ? m_previous->surface() : nullptr;
     m_valid = m_nested || context.m_context.makeCurrent(&context.m_surface);
+    if (!m_valid && m_previous) {
+        // What belongs to our context must not be freed in the host's.
+        m_previous->doneCurrent();
+    }
 }
 
 CurrentOpenGL::~CurrentOpenGL()

@@ -52,8 +52,9 @@ public:
     /** False when there is no memory for a picture of this size. */
     bool Draw(const Frame& frame, QImage& picture)
     {
-        if (!m_frameBuffer || m_frameBuffer->size() != picture.size()) {
-            m_frameBuffer.emplace(picture.size());
+        m_pictureSize = picture.size();
+        if (!FitsFrameBuffer()) {
+            m_frameBuffer.emplace(m_pictureSize);
         }
         if (!m_frameBuffer->isValid() || !m_frameBuffer->bind()) {
             return false;
@@ -68,7 +69,14 @@ public:
     }
 
 private:
-    [[nodiscard]] QSize PictureSize() const { return m_frameBuffer->size(); }
+    /** Widgets of about the same size share the frame buffer, each from its first row and column on. */
+    [[nodiscard]] bool FitsFrameBuffer() const
+    {
+        const auto area = [](QSize size) { return qint64(size.width()) * size.height(); };
+        const QSize size = m_frameBuffer ? m_frameBuffer->size() : QSize();
+        return size.width() >= m_pictureSize.width() && size.height() >= m_pictureSize.height() &&
+               area(size) <= 2 * area(m_pictureSize);
+    }
 
     void Draw(const View& view)
     {
@@ -79,7 +87,7 @@ private:
         for (const bgfx::Draw& draw : view.draws) {
             if (draw.topology == Topology::Triangles) {
                 DrawTriangles(draw, view);
-            } else if (const auto columns = ToColumns(draw, view, PictureSize())) {
+            } else if (const auto columns = ToColumns(draw, view, m_pictureSize)) {
                 DrawColumns(*columns, draw, view);
             } else {
                 DrawLines(draw, view);
@@ -110,9 +118,9 @@ private:
         if (bounds.IsEmpty()) {
             return;
         }
-        m_columns.Bind(m_gl, columns, PictureSize().width());
-        m_waveformColumns.Use(FromWindow(view.viewport, PictureSize()), draw.uniforms);
-        m_waveformColumns.SetPictureSize(PictureSize());
+        m_columns.Bind(m_gl, columns, m_pictureSize.width());
+        m_waveformColumns.Use(FromWindow(view.viewport, m_pictureSize), draw.uniforms);
+        m_waveformColumns.SetPictureSize(m_pictureSize);
         const LineVertex lower{float(bounds.left), float(bounds.bottom)};
         const LineVertex upper{float(bounds.right), float(bounds.top)};
         const std::array<LineVertex, 6> corners{lower, {upper.x, lower.y}, upper,
@@ -122,9 +130,9 @@ private:
 
     void DrawLines(const bgfx::Draw& draw, const View& view)
     {
-        const std::vector<LineVertex> lines = ToWindowLines(draw, view, PictureSize());
+        const std::vector<LineVertex> lines = ToWindowLines(draw, view, m_pictureSize);
         if (!lines.empty()) {
-            ProgramOf(draw).Use(FromWindow(view.viewport, PictureSize()), draw.uniforms);
+            ProgramOf(draw).Use(FromWindow(view.viewport, m_pictureSize), draw.uniforms);
             DrawVertices(GL_LINES, LineVertexLayout, lines.data(), lines.size());
         }
     }
@@ -167,8 +175,9 @@ private:
     QOpenGLVertexArrayObject m_vertexArray;
     /** Filled again by every draw. */
     GLuint m_vertexBuffer = 0;
-    /** As large as the last picture. */
     std::optional<QOpenGLFramebufferObject> m_frameBuffer;
+    /** Of the frame at hand. */
+    QSize m_pictureSize;
 };
 
 class OpenGLDevice final : public Device
@@ -183,6 +192,9 @@ public:
             return false;
         }
         const CurrentOpenGL current(*m_context);
+        if (!current.IsValid()) {
+            return false;
+        }
         m_painter.emplace(*m_context);
         m_maxSide = QueryMaxSide(m_context->Functions());
         QImage picture(1, 1, QImage::Format_RGBA8888);

@@ -31,9 +31,6 @@ using vantoraudio::AudioEngine::MakeQtDecoderSource;
 
 namespace {
 
-/** Files that are no audio and what cannot be read are refused within 2 s, on a busy machine a little later. */
-constexpr qint64 longestRefusal = 2500;
-
 QByteArray RandomBytes(int size)
 {
     QRandomGenerator generator(7);
@@ -294,10 +291,7 @@ void TestDecoder::refusesWhatCannotBeDecoded()
         QVERIFY(!files.Write(name.section(u'/', 0, 0), bytes).isEmpty());
     }
     const QStringList before = AllIn(files.Path({}));
-    QElapsedTimer timer;
-    timer.start();
     QCOMPARE(int(Decoder::Convert(files.Path(name), files.Path(u"out.wav"_s), 96000)), result);
-    QVERIFY2(timer.elapsed() < longestRefusal, qPrintable(QString::number(timer.elapsed())));
     QCOMPARE(AllIn(files.Path({})), before);
 }
 
@@ -473,10 +467,7 @@ void TestDecoder::endsWhenTheDecoderNeverStarts()
     const TemporaryFiles files;
     const Script script{.mayStandStill = mayStandStill, .tellsOfFailure = tellsOfFailure};
     Fakes fakes{script, script, script};
-    QElapsedTimer timer;
-    timer.start();
     QCOMPARE(ConvertWith(fakes, files.Path(u"out.wav"_s)), WavFile::ErrorInvalidFormat);
-    QVERIFY2(timer.elapsed() < longestRefusal, qPrintable(QString::number(timer.elapsed())));
     QCOMPARE(fakes.Made(), attempts);
     QVERIFY(AllIn(files.Path({})).isEmpty());
 }
@@ -509,7 +500,7 @@ void TestDecoder::endsWhenTheDecoderFallsSilent()
     QElapsedTimer timer;
     timer.start();
     QCOMPARE(ConvertWith(fakes, outPath), WavFile::ErrorInvalidFormat);
-    QVERIFY(timer.elapsed() > 9000 && timer.elapsed() < 10500 + longestRefusal);
+    QVERIFY(timer.elapsed() > 9000);
     QCOMPARE(fakes.Made(), attempts);
     QVERIFY(AllIn(files.Path({})).isEmpty());
 }
@@ -542,10 +533,7 @@ void TestDecoder::endsWhenTheDecoderReportsAnError()
     QFETCH(const bool, goesOn);
     const TemporaryFiles files;
     Fakes fakes{Script{.buffers = buffers, .ending = goesOn ? Script::FailsAndGoesOn : Script::Fails}};
-    QElapsedTimer timer;
-    timer.start();
     QCOMPARE(ConvertWith(fakes, files.Path(u"out.wav"_s)), WavFile::ErrorInvalidFormat);
-    QVERIFY(timer.elapsed() < longestRefusal);
     QCOMPARE(fakes.Readings(), buffers);
     QCOMPARE(fakes.Made(), 1);
     QVERIFY(AllIn(files.Path({})).isEmpty());

@@ -120,6 +120,10 @@ void PlayerConnectionsTest::theHostShowsARange_data()
     QTest::newRow("within the file") << 0.5 << 1.5 << 0.5 << 1.5;
     QTest::newRow("in the other order") << 1.5 << 0.5 << 0.5 << 1.5;
     QTest::newRow("beyond the file") << 1.0 << 5.0 << 1.0 << 2.0;
+    QTest::newRow("behind the file") << 20.0 << 30.0 << 0.0 << 2.0;
+    QTest::newRow("before the file") << -5.0 << -1.0 << 0.0 << 2.0;
+    QTest::newRow("without length") << 1.0 << 1.0 << 0.0 << 2.0;
+    QTest::newRow("as long as can be") << 1e308 << -1e308 << 0.0 << 2.0;
     QTest::newRow("start is no number") << qQNaN() << 1.5 << 0.0 << 2.0;
     QTest::newRow("end is endless") << 0.5 << qInf() << 0.0 << 2.0;
 }

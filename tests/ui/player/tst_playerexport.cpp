@@ -5,8 +5,10 @@
 
 #include <QtWidgets/QApplication>
 
+#include <algorithm>
 #include <functional>
 #include <optional>
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace WavTest;
@@ -64,6 +66,8 @@ private Q_SLOTS:
     void tellsOfEveryBlockAheadOfTheEnd();
     void aStopTellsOfItsProgressAheadOfTheEnd_data();
     void aStopTellsOfItsProgressAheadOfTheEnd();
+    void closingFromEveryReportGoesNoDeeper();
+    void aFilteringThatAReportStartsStaysBusy();
     void theLastProgressOfALongExportArrives();
     void withoutAFileASnippetFailsAndOverwritesNothing();
     void closingDropsAFilteringThatIsDoneButNotASnippet();
@@ -359,6 +363,50 @@ void PlayerExportTest::aStopTellsOfItsProgressAheadOfTheEnd()
     stop(*setup.player);
     QCoreApplication::processEvents();
     QCOMPARE(told, QStringList({u"0 Creating snippet..."_s, u"0 "_s, u"idle"_s}));
+}
+
+void PlayerExportTest::closingFromEveryReportGoesNoDeeper()
+{
+    ExportSetup setup(TestAudio{.coding = S16, .channels = 2, .rate = 8000, .frames = 800000});
+    setup.player->SetSelectedSnippet({0.0, 100.0});
+    QCoreApplication::processEvents();
+    setup.player->CreateSnippet(setup.Snippet());
+    ExportSetup::EndTasks();
+    int reports = 0;
+    int depth = 0;
+    int deepest = 0;
+    connect(setup.player.get(), &AudioPlayerWidget::ProgressChanged, this, [&] {
+        ++reports;
+        deepest = std::max(deepest, ++depth);
+        setup.player->Close();
+        --depth;
+    });
+    setup.player->Close();
+    QVERIFY(reports > 100);
+    QCOMPARE(deepest, 1);
+    QVERIFY(!setup.player->IsBusy());
+}
+
+void PlayerExportTest::aFilteringThatAReportStartsStaysBusy()
+{
+    ExportSetup setup;
+    const QString other = setup.originals.Write(u"other.wav"_s, stereo.File());
+    setup.player->SetSelectedSnippet({0.0, 1.0});
+    QCoreApplication::processEvents();
+    setup.player->CreateSnippet(setup.Snippet());
+    ExportSetup::EndTasks();
+    const BlockedPool pool;
+    bool hasStarted = false;
+    connect(setup.player.get(), &AudioPlayerWidget::ProgressChanged, this, [&] {
+        if (!std::exchange(hasStarted, true)) {
+            setup.player->SetAudioFile(other);
+            setup.player->SetSelectedChannel(WavFile::ChannelLeft);
+        }
+    });
+    setup.player->Close();
+    QVERIFY(hasStarted);
+    QVERIFY(setup.player->IsBusy());
+    QCOMPARE(setup.busy.last(), QVariantList{true});
 }
 
 void PlayerExportTest::theLastProgressOfALongExportArrives()

@@ -499,6 +499,7 @@ void PlayerTransportTest::tellsTheVolumeThatWasSet_data()
     QTest::newRow("full") << 100 << 100;
     QTest::newRow("below all") << -20 << 0;
     QTest::newRow("above all") << 150 << 100;
+    QTest::newRow("just above all") << 101 << 100;
 }
 
 void PlayerTransportTest::tellsTheVolumeThatWasSet()

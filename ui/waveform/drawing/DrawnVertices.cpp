@@ -17,10 +17,10 @@ struct Sample
     float level = 0.0F;
 };
 
-class Selection
+class VertexChoice
 {
 public:
-    Selection(const WaveformStrip& strip, const SampleExtremes& extremes, const PixelColumns& columns)
+    VertexChoice(const WaveformStrip& strip, const SampleExtremes& extremes, const PixelColumns& columns)
         : m_strip(strip), m_extremes(extremes), m_columns(columns)
     {
         m_chosen.reserve((static_cast<std::size_t>(columns.Width()) + 2) * MostVerticesPerColumn);
@@ -102,14 +102,14 @@ std::vector<Pos2f> DrawnVertices(const WaveformStrip& strip, const SampleExtreme
     const std::size_t end = range.first + range.count;
     // Silence has no samples to search, but so few vertices that they are always drawn.
     const std::size_t endOfSamples = std::clamp(strip.SampleCount(), range.first, end);
-    Selection selection(strip, extremes, columns);
+    VertexChoice choice(strip, extremes, columns);
     if (range.count <= MostVerticesPerColumn * static_cast<std::size_t>(columns.Width())) {
-        selection.AddAll(range.first, end);
+        choice.AddAll(range.first, end);
     } else {
-        selection.AddByColumns(range.first, endOfSamples);
-        selection.AddAll(endOfSamples, end);
+        choice.AddByColumns(range.first, endOfSamples);
+        choice.AddAll(endOfSamples, end);
     }
-    return selection.Take();
+    return choice.Take();
 }
 
 } // namespace vantoraudio::vantorAudioEngine::UI
