@@ -7,6 +7,8 @@ set -uo pipefail
 
 seconds=$1
 shift
-timeout --kill-after=5 "$seconds" "$@" && exit 0
-echo "SECOND TRY of $(basename "$1"): the first one ended with $?"
+timeout --kill-after=5 "$seconds" "$@"
+result=$?
+[ "$result" -ne 0 ] || exit 0
+echo "SECOND TRY of $(basename "$1"): the first one ended with $result"
 exec "$@"

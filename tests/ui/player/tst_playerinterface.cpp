@@ -92,7 +92,8 @@ QMetaMethod MethodOf(const QString& signature)
 
 const TestAudio stereo{.coding = S16, .channels = 2, .rate = 8000, .frames = 8000};
 
-/** Writes down what a player tells, but how often it tells the same thing in a row. */
+/** Writes down what a player tells, but not how often it tells the same thing in a row, nor positions: when the
+ * media framework reports them differs from version to version. */
 class SignalLog : public QStringList
 {
 public:
@@ -102,7 +103,6 @@ public:
             QObject::connect(&player, signal, &m_context, [this, what] { Write(QLatin1StringView(what)); });
         };
         write(&Widget::AudioFileChanged, "file");
-        write(&Widget::AudioPositionChanged, "position");
         write(&Widget::CreateSnippetFinished, "snippet");
         write(&Widget::WaveFormSelectionChanged, "selection");
         write(&Widget::SceneRectChanged, "range");
@@ -207,7 +207,7 @@ void PlayerInterfaceTest::tellsOfAnotherFileInOrder()
     QCoreApplication::processEvents();
     const SignalLog log(*setup.player);
     QVERIFY(setup.Load(u"two.wav"_s, stereo.File()));
-    QCOMPARE(log, QStringList({u"position"_s, u"selection"_s, u"file"_s, u"Updating..."_s, u"Updated"_s}));
+    QCOMPARE(log, QStringList({u"selection"_s, u"file"_s, u"Updating..."_s, u"Updated"_s}));
 }
 
 void PlayerInterfaceTest::tellsOfAChannelInOrder()
