@@ -1,8 +1,5 @@
 #include "render/bgfx/DrawingDevice.h"
 
-#include "render/bgfx/device/OpenGLDevice.h"
-#include "render/bgfx/device/SoftwareDevice.h"
-
 #include <QtCore/QCoreApplication>
 
 #include <utility>

@@ -1,9 +1,9 @@
 #include "render/vantor3DQt/BGFXRenderer.h"
 
 #include "render/bgfx/DrawingDevice.h"
+#include "render/bgfx/Pixels.h"
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 namespace vantoraudio::vantor3DQt {
@@ -20,11 +20,6 @@ void Append(std::vector<ColorVertex>& vertices, const vantor3D::Line& line)
     for (const auto& point : {line.start, line.end}) {
         vertices.push_back({point[0], point[1], point[2], color});
     }
-}
-
-bool IsFinite(const ColorVertex& vertex)
-{
-    return std::isfinite(vertex.x) && std::isfinite(vertex.y) && std::isfinite(vertex.z);
 }
 
 } // namespace
@@ -62,7 +57,7 @@ void BGFXRenderer::DrawTriangles(const BGFXViewContext& view, std::span<const Co
                                  std::span<const std::uint16_t> indices, std::uint64_t state)
 {
     const auto isDrawable = [&](std::uint16_t index) {
-        return index < vertices.size() && IsFinite(vertices[index]);
+        return index < vertices.size() && bgfx::AreFinite(vertices[index].x, vertices[index].y, vertices[index].z);
     };
     std::vector<ColorVertex> corners;
     for (std::size_t i = 0; i + 2 < indices.size(); i += 3) {

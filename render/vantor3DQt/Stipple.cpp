@@ -1,5 +1,7 @@
 #include "render/vantor3DQt/Stipple.h"
 
+#include "render/bgfx/Pixels.h"
+
 #include <algorithm>
 #include <cmath>
 #include <optional>
@@ -73,8 +75,8 @@ bool IsOn(std::uint16_t pattern, double cell)
 
 bool IsFinite(const Line& line)
 {
-    const auto finite = [](float value) { return std::isfinite(value); };
-    return std::ranges::all_of(line.start, finite) && std::ranges::all_of(line.end, finite);
+    const auto& [start, end, color] = line;
+    return bgfx::AreFinite(start[0], start[1], start[2], end[0], end[1], end[2]);
 }
 
 } // namespace
@@ -88,7 +90,7 @@ std::vector<Line> CutDashes(const Line& line, const LineStipple& stipple, const 
     const Point end = ToPixels(view, line.end);
     const std::optional<Part> visible = VisiblePart(start, end, view.viewport);
     const double length = std::max(std::fabs(end.x - start.x), std::fabs(end.y - start.y));
-    if (!visible || !std::isfinite(length)) {
+    if (!visible || !bgfx::AreFinite(length)) {
         return {};
     }
 

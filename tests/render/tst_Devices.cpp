@@ -1,3 +1,4 @@
+#include "render/bgfx/device/OpenGLContext.h"
 #include "tests/render/Drawing.h"
 
 #include <QtGui/QOffscreenSurface>
@@ -12,6 +13,17 @@
 #include <random>
 
 using namespace drawing;
+
+namespace vantoraudio::bgfx::device {
+
+class OpenGLContextTestAccess
+{
+public:
+    /** From then on the context cannot be made current, as after a driver's loss. */
+    static void LoseSurface(OpenGLContext& context) { context.m_surface.destroy(); }
+};
+
+} // namespace vantoraudio::bgfx::device
 
 namespace {
 
@@ -173,6 +185,7 @@ private Q_SLOTS:
     void agreeToWithinAPixel_data();
     void agreeToWithinAPixel();
     void leavesTheHostsContextCurrent();
+    void keepsTheHostsContextOutOfALossOfItsOwn();
 
 private:
     static void AddDevices()
@@ -490,6 +503,26 @@ void tst_Devices::leavesTheHostsContextCurrent()
         context.makeCurrent(&surface);
     }
     QCOMPARE(QOpenGLContext::currentContext(), &context);
+}
+
+void tst_Devices::keepsTheHostsContextOutOfALossOfItsOwn()
+{
+    QOffscreenSurface surface;
+    surface.create();
+    QOpenGLContext host;
+    if (!host.create() || !host.makeCurrent(&surface))
+        QSKIP("OpenGL cannot be had here");
+    const auto ours = bgfx::device::OpenGLContext::Make();
+    QVERIFY(ours);
+    bgfx::device::OpenGLContextTestAccess::LoseSurface(*ours);
+    {
+        const bgfx::device::CurrentOpenGL current(*ours);
+        QVERIFY(!current.IsValid());
+        // Both contexts count their objects from 1: what is deleted now would be the host's.
+        QCOMPARE(QOpenGLContext::currentContext(), nullptr);
+    }
+    QCOMPARE(QOpenGLContext::currentContext(), &host);
+    QCOMPARE(host.surface(), &surface);
 }
 
 QTEST_MAIN(tst_Devices)

@@ -5,6 +5,7 @@
 #include <QtGui/QImage>
 
 #include <cstdint>
+#include <memory>
 
 /**
  * The seam between what records a frame and what draws it. A device gets a recorded frame and a target, nothing
@@ -33,5 +34,16 @@ public:
      * picture is as it was then, and the device is not asked again. */
     virtual bool Draw(const Frame& frame, QImage& picture) = 0;
 };
+
+/** Null where no usable OpenGL context can be made (no such platform, too old, no application object) or none that
+ *  can build the programs and draw a picture. */
+std::unique_ptr<Device> MakeOpenGLDevice();
+
+/**
+ * Draws with the processor, pixel for pixel by OpenGL's rules of coverage: pixel centres, line ends half open, no
+ * smoothing. Transforms are affine: w is taken as 1. Vertices that are not finite are skipped with the lines and
+ * triangles that they belong to.
+ */
+std::unique_ptr<Device> MakeSoftwareDevice();
 
 } // namespace vantoraudio::bgfx::device

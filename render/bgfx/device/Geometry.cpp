@@ -1,15 +1,9 @@
 #include "render/bgfx/device/Geometry.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstring>
 
 namespace vantoraudio::bgfx::device {
-
-bool IsFinite(const WindowPoint& point)
-{
-    return std::isfinite(point.x) && std::isfinite(point.y);
-}
 
 PixelBox ClipToPicture(const QRect& viewport, QSize picture)
 {

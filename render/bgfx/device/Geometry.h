@@ -1,7 +1,7 @@
 #pragma once
 
 #include "render/bgfx/Frame.h"
-#include "render/bgfx/PixelColumns.h"
+#include "render/bgfx/Pixels.h"
 
 #include <QtCore/QSize>
 
@@ -18,7 +18,10 @@ struct WindowPoint
     double y = 0.0;
 };
 
-[[nodiscard]] bool IsFinite(const WindowPoint& point);
+[[nodiscard]] inline bool IsFinite(const WindowPoint& point)
+{
+    return AreFinite(point.x, point.y);
+}
 
 /** A rectangle of whole pixels, upper bounds exclusive, y from the bottom. */
 struct PixelBox

@@ -25,6 +25,7 @@ public:
 
 private:
     friend class CurrentOpenGL;
+    friend class OpenGLContextTestAccess;
 
     OpenGLContext() = default;
     bool Create();

@@ -1,5 +1,4 @@
-#include "render/bgfx/device/OpenGLDevice.h"
-
+#include "render/bgfx/device/Device.h"
 #include "render/bgfx/device/OpenGLColumns.h"
 #include "render/bgfx/device/OpenGLContext.h"
 #include "render/bgfx/device/OpenGLProgram.h"

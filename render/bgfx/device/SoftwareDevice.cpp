@@ -1,6 +1,5 @@
-#include "render/bgfx/device/SoftwareDevice.h"
-
 #include "render/bgfx/device/Canvas.h"
+#include "render/bgfx/device/Device.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #include "render/bgfx/device/StripColumns.h"
 
-#include "render/bgfx/Rounding.h"
+#include "render/bgfx/Pixels.h"
 
 #include <algorithm>
 #include <cmath>

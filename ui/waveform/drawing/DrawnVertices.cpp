@@ -1,7 +1,5 @@
 #include "ui/waveform/drawing/DrawnVertices.h"
 
-#include "ui/waveform/drawing/PartitionPoint.h"
-
 #include <algorithm>
 #include <cmath>
 

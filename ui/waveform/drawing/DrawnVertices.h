@@ -1,6 +1,6 @@
 #pragma once
 
-#include "render/bgfx/PixelColumns.h"
+#include "render/bgfx/Pixels.h"
 #include "ui/waveform/drawing/SampleExtremes.h"
 #include "ui/waveform/drawing/WaveformVertices.h"
 

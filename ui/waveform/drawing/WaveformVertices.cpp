@@ -1,7 +1,6 @@
 #include "ui/waveform/drawing/WaveformVertices.h"
 
 #include "engine/samples/Truncation.h"
-#include "ui/waveform/drawing/PartitionPoint.h"
 
 #include <algorithm>
 #include <cmath>
