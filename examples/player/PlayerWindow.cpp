@@ -1,6 +1,5 @@
 #include "PlayerWindow.h"
 
-#include "DeviceMenu.h"
 #include "Failures.h"
 #include "HostPlayer.h"
 #include "SettingsDialog.h"
@@ -14,15 +13,14 @@
 #include <QtGui/QDropEvent>
 #include <QtWidgets/QFileDialog>
 #include <QtWidgets/QLabel>
-#include <QtWidgets/QMenuBar>
 #include <QtWidgets/QStatusBar>
-#include <QtWidgets/QStyle>
 #include <QtWidgets/QVBoxLayout>
 
 #include <chrono>
 
 using namespace std::chrono_literals;
 using namespace Qt::Literals::StringLiterals;
+using Interaction = vantoraudio::vantorAudioEngine::UI::BGFXWaveformWidget::Interaction;
 
 namespace {
 
@@ -56,10 +54,15 @@ void PlayerWindow::BuildView()
     // The time fields are narrow for some systems' fonts.
     m_player->setStyleSheet(u"#edCurrentPosition, #edTotalDuration { font-size: 8pt }"_s);
     m_player->SetEditMode(true);
+    m_player->SetInteractions(Interaction::SelectBeyondView | Interaction::MoveFromInside |
+                              Interaction::ExtendWithShift | Interaction::LeftButtonOnly |
+                              Interaction::ForgetCleared);
+    m_player->SetTypedPositionSeeks(true);
+    m_player->SetEditedPositionStays(true);
     m_player->SetLoadInBackground(true);
     m_player->SetWritableDirectoryPath(m_workingFolder.Path());
     m_player->SetHint(tr("Wheel: scroll   Ctrl + wheel: zoom   Double click: whole file   Drag: select   "
-                         "Space: play and pause"));
+                         "Space: play and pause   F1: all keys"));
 
     m_failure = new QLabel(this);
     m_failure->setObjectName("failure"_L1);
@@ -82,20 +85,6 @@ void PlayerWindow::BuildView()
     statusBar()->addPermanentWidget(m_progress);
 }
 
-void PlayerWindow::BuildMenus()
-{
-    QMenu* fileMenu = menuBar()->addMenu(tr("&File"));
-    fileMenu->addAction(style()->standardIcon(QStyle::SP_DialogOpenButton), tr("&Open…"), QKeySequence::Open, this,
-                        &PlayerWindow::AskForFile);
-    BuildExport(fileMenu);
-    fileMenu->addAction(tr("S&ettings…"), this, &PlayerWindow::AskForSettings);
-    fileMenu->addAction(tr("&Quit"), QKeySequence::Quit, this, &QWidget::close);
-
-    auto* devices = new DeviceMenu(this);
-    connect(devices, &DeviceMenu::DeviceChosen, m_player, &HostPlayer::SetAudioOutputDevice);
-    menuBar()->addMenu(devices);
-}
-
 void PlayerWindow::ConnectPlayer()
 {
     connect(m_player, &HostPlayer::AudioFileChanged, this, &PlayerWindow::OnFileLoaded);
@@ -104,6 +93,7 @@ void PlayerWindow::ConnectPlayer()
     connect(m_player, &HostPlayer::BusyChanged, this, &PlayerWindow::OnBusyChanged);
     connect(m_player, &HostPlayer::AudioPositionChanged, this, &PlayerWindow::PositionChanged);
     connect(m_player, &HostPlayer::WaveFormSelectionChanged, this, &PlayerWindow::ShowWhatCanBeExported);
+    connect(m_player, &HostPlayer::ContextMenuRequested, this, &PlayerWindow::ShowContextMenu);
     connect(m_player, &HostPlayer::SettingsButtonClicked, this, &PlayerWindow::AskForSettings);
     connect(m_player, &HostPlayer::CreateSnippetFinished, this,
             [this](const QString& path) { EndExport(tr("Saved “%1”.").arg(QDir::toNativeSeparators(path))); });

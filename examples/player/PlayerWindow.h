@@ -5,6 +5,7 @@
 #include "WorkingFolder.h"
 
 #include <vantorAudioEngine/AudioFileInfo.h>
+#include <vantorAudioEngine/AudioPlayerActions.h>
 
 #include <QtCore/QTimer>
 #include <QtWidgets/QMainWindow>
@@ -67,6 +68,9 @@ private:
     void BuildView();
     void BuildMenus();
     void BuildExport(QMenu* fileMenu);
+    void BuildPlayerMenus();
+    void ShowShortcuts();
+    void ShowContextMenu(const QPoint& globalPosition);
     void ConnectPlayer();
     void RestoreState();
     void SaveState() const;
@@ -109,6 +113,7 @@ private:
     QString m_snippetPath;
     bool m_isSnippetWaiting = false;
 
+    vantoraudio::vantorAudioEngine::UI::AudioPlayerActions* m_actions = nullptr;
     QMenu* m_exportMenu = nullptr;
     QAction* m_selectionAction = nullptr;
     QAction* m_leftAction = nullptr;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <vantorAudioEngine/AudioFileInfo.h>
+#include <vantorAudioEngine/BGFXWaveformWidget.h>
 #include <vantorAudioEngine/Export.h>
 #include <vantorAudioEngine/WavFile.h>
 
@@ -21,8 +22,6 @@ class AudioPlayer;
 class QRegularExpressionValidator;
 
 namespace vantoraudio::vantorAudioEngine::UI {
-
-class BGFXWaveformWidget;
 
 /**
  * Loads one audio file, shows its waveform, plays it, and lets the user choose a channel and a stretch of time,
@@ -142,6 +141,9 @@ public:
      *  tells of it. Times that are not finite are ignored, and so is a range that has no length in the file. */
     void ShowRange(double start, double end);
 
+    /** The first and the last time that show, in seconds. */
+    [[nodiscard]] std::pair<double, double> GetVisibleRange() const;
+
     /** Seconds of silence shown behind the audio. */
     [[nodiscard]] double GetDelay() const;
     void SetDelay(double delay);
@@ -154,6 +156,15 @@ public:
     /** With true, as at first, turning the wheel back (toward the user) while Control is held zooms out. */
     void SetScrollBackToZoomOut(bool scrollBackToZoomOut);
 
+    // What follows is off at first.
+    /** What the mouse may do in the view, see BGFXWaveformWidget. */
+    void SetInteractions(BGFXWaveformWidget::Interactions interactions);
+    /** A position typed into its field moves the player, too; otherwise only AudioPositionChanged() tells of it.
+     */
+    void SetTypedPositionSeeks(bool seeks);
+    /** While the user types into the position field or has text selected there, playing does not write it over. */
+    void SetEditedPositionStays(bool stays);
+
     [[nodiscard]] WavFile::ChannelFormat GetSelectedChannel() const;
     /** Chooses the channel that is played, as the channel box does. Does nothing when the file does not offer it,
      *  or after Close(). */
@@ -163,6 +174,8 @@ public:
      *  and to the visible range; one that is not finite is ignored. */
     [[nodiscard]] std::pair<double, double> GetSelectedSnippet() const;
     void SetSelectedSnippet(std::pair<double, double> snippet);
+    /** The position stays. WaveFormSelectionChanged((0, 0)) tells of it; does nothing without a selection. */
+    void ClearSelection();
     /** Writes the selection of the selected channel to a new file, in the background. Ends with
      *  CreateSnippetFinished() or ErrorHandler(). Dropped without a word while samples are being read. */
     void CreateSnippet(const QString& filePath);
@@ -179,6 +192,12 @@ public:
     /** Stops and goes back to the start. */
     void StopPlayback();
     void UpdateAudioPosition(double seconds);
+    /** The player's position in seconds; 0 without a file. */
+    [[nodiscard]] double GetAudioPosition() const;
+    /** Whether the selection, or the whole file, is played again and again; off at first. LoopChanged() tells of a
+     *  change, whoever makes it. */
+    void SetLoop(bool loop);
+    [[nodiscard]] bool GetLoop() const;
     /** Stops playback; it goes on, when the user wants it, on this device. */
     void SetAudioOutputDevice(const QAudioDevice& device);
     /** Percent. No signal tells of it. */
@@ -243,6 +262,10 @@ Q_SIGNALS:
                     const QString& sentence);
     void LoadCancelled(const QString& path);
 
+    /** See BGFXWaveformWidget::ContextMenuRequested(). */
+    void ContextMenuRequested(const QPoint& globalPosition, double time);
+    void LoopChanged(bool loop);
+
 protected:
     /** The platform's key for selecting everything selects all that is visible, Space plays and pauses; every
      * other key goes on to the parent. */
@@ -280,6 +303,7 @@ private Q_SLOTS:
     void OnSnippetCreateFinished(int index);
 
 private:
+    friend class AudioPlayerActions;
     friend class AudioPlayerWidgetTestAccess;
 
     struct Internals;

@@ -98,6 +98,13 @@ public:
     [[nodiscard]] double GetSelectionStartTime() const;
     [[nodiscard]] double GetSelectionEndTime() const;
 
+    /** Clears the selection; the position stays. SelectionChanged((0, 0)) tells of it. Does nothing without one.
+     */
+    void ClearSelection();
+
+    /** The first and the last time that show. */
+    [[nodiscard]] std::pair<double, double> GetVisibleRange() const;
+
     /** Seconds of silence shown behind the audio. Makes everything visible again. The samples at hand get their
      *  silence with the next UpdateAudioSampleBuffer(). A negative delay takes its length off the end of what can
      *  be shown; one that is not finite leaves nothing to show until another is set. */
@@ -107,6 +114,28 @@ public:
     /** Whether the mouse may make and change a selection; off at first. */
     void SetEditMode(bool isEditing);
     [[nodiscard]] bool GetEditMode() const;
+    /** Ways of working with the mouse that programs can switch on; none is on at first. */
+    enum class Interaction
+    {
+        /** Selections are limited by the file instead of the visible range, so that they survive zooming in. A
+         * drag past the border scrolls on. A selection that is moved stops at the file's edges. */
+        SelectBeyondView = 1,
+        /** A drag that begins anywhere inside the selection moves it. A click there still clears it. */
+        MoveFromInside = 2,
+        /** Shift and a click move the nearer end of the selection to the pointer; without a selection they select
+         *  from the position to the pointer. */
+        ExtendWithShift = 4,
+        /** The other buttons do nothing but ask for a menu: ContextMenuRequested(). */
+        LeftButtonOnly = 8,
+        /** A selection that was cleared leaves no times behind: a single end set later begins an empty one. */
+        ForgetCleared = 16
+    };
+    Q_DECLARE_FLAGS(Interactions, Interaction)
+    /** Holds from the next event on; a drag that is under way may end differently. Has an effect in edit mode
+     * only, but for LeftButtonOnly. */
+    void SetInteractions(Interactions interactions);
+    [[nodiscard]] Interactions GetInteractions() const;
+
     /** With true, as at first, turning the wheel back (toward the user) while Control is held zooms out. */
     void SetScrollBackToZoomOut(bool scrollBackToZoomOut);
 
@@ -140,6 +169,9 @@ Q_SIGNALS:
     void AudioPositionChanged(double position);
     /** The visible range: x and width in seconds, height half the amplitude range. */
     void SceneRectChanged(const QRectF& sceneRect);
+    /** The user asks for a menu at a point of the screen; `time` is what is shown there. Needs LeftButtonOnly and
+     * a file. */
+    void ContextMenuRequested(const QPoint& globalPosition, double time);
 
 public Q_SLOTS:
     /** Shows the range of another view: left and right of `rect`, in either order, brought into the file's length.
@@ -174,5 +206,7 @@ private:
     QSvgRenderer* m_positionIcon;
     QScrollBar* m_scrollBar;
 };
+
+Q_DECLARE_OPERATORS_FOR_FLAGS(BGFXWaveformWidget::Interactions)
 
 } // namespace vantoraudio::vantorAudioEngine::UI

@@ -19,6 +19,7 @@
 #include <QtCore/QThreadPool>
 #include <QtCore/QTimer>
 #include <QtGui/QAction>
+#include <QtGui/QContextMenuEvent>
 #include <QtGui/QDropEvent>
 #include <QtGui/QImage>
 #include <QtTest/QSignalSpy>
@@ -100,6 +101,16 @@ bool OpenCompletely(PlayerWindow& window, const QString& path)
     const WindowLog log(window);
     window.OpenFile(path);
     return log.HasEnded() && log.isOpened && log.HasCompleted();
+}
+
+/** Keys reach an active window only; without a window manager one request for that can get lost. */
+bool Activate(PlayerWindow& window)
+{
+    window.show();
+    return QTest::qWaitFor([&] {
+        window.activateWindow();
+        return window.isActiveWindow();
+    });
 }
 
 BGFXWaveformWidget* WaveformOf(PlayerWindow& window)
@@ -685,6 +696,62 @@ private Q_SLOTS:
         PlayerWindow again;
         QCOMPARE(again.size(), QSize(913, 517));
         QCOMPARE(ChildNamed<QSlider>(again, u"hSliderVolume"_s)->value(), 41);
+    }
+
+    void everyKeyIsListedInHelp()
+    {
+        PlayerWindow window;
+        QVERIFY(Activate(window));
+        QStringList listed;
+        const auto look = [&] {
+            auto* dialog = QApplication::activeModalWidget();
+            QVERIFY(dialog);
+            QCOMPARE(dialog->objectName(), u"keys"_s);
+            for (const QLabel* label : dialog->findChildren<QLabel*>()) {
+                listed.append(label->text());
+            }
+            QTest::keyClick(dialog, Qt::Key_Escape);
+        };
+        QTimer::singleShot(0, &window, look);
+        QTest::keyClick(&window, Qt::Key_F1);
+        for (const QString& text : {u"Space"_s, u"Play or pause"_s, u"["_s, u"Zoom to the selection"_s}) {
+            QVERIFY2(listed.contains(text), qPrintable(text));
+        }
+    }
+
+    void aRightClickOpensAMenuAndLeavesTheSelection()
+    {
+        PlayerWindow window;
+        window.show();
+        QVERIFY(OpenCompletely(window, Recording));
+        window.SelectRange(1.0, 2.0);
+        QStringList offered;
+        const auto look = [&] {
+            auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+            QVERIFY(menu);
+            for (const QAction* action : menu->actions()) {
+                offered.append(action->text());
+            }
+            menu->close();
+        };
+        QTimer::singleShot(0, &window, look);
+        const QPoint middle = DiagramOf(window)->rect().center();
+        QTest::mouseClick(DiagramOf(window), Qt::RightButton, {}, middle);
+        QContextMenuEvent event(QContextMenuEvent::Mouse, middle, DiagramOf(window)->mapToGlobal(middle));
+        QApplication::sendEvent(DiagramOf(window), &event);
+        QVERIFY(offered.contains(u"Play or pause"_s));
+        QCOMPARE(PlayerOf(window)->GetSelectedSnippet(), (std::pair<double, double>(1.0, 2.0)));
+    }
+
+    void aSelectionSurvivesZoomingIn()
+    {
+        PlayerWindow window;
+        QVERIFY(Activate(window));
+        QVERIFY(OpenCompletely(window, Recording));
+        window.SelectRange(1.0, 4.0);
+        window.ShowRange(0.5, 1.5);
+        QTest::keyClick(&window, Qt::Key_Right, Qt::ControlModifier);
+        QCOMPARE(PlayerOf(window)->GetSelectedSnippet(), (std::pair<double, double>(1.01, 4.0)));
     }
 
     void theSettingsButtonOpensColoursAndScrollDirection()

@@ -256,6 +256,11 @@ bool AudioPlayerWidget::IsReadingSamples() const
            m_internals->loaded.Progress().Holds(WorkingFile::ReadingEnded);
 }
 
+std::pair<double, double> AudioPlayerWidget::GetVisibleRange() const
+{
+    return m_waveformWidget->GetVisibleRange();
+}
+
 void AudioPlayerWidget::ShowRange(double start, double end)
 {
     if (!std::isfinite(start) || !std::isfinite(end)) {

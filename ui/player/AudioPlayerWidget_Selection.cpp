@@ -42,6 +42,11 @@ void AudioPlayerWidget::SetSelectedSnippet(std::pair<double, double> snippet)
     }
 }
 
+void AudioPlayerWidget::ClearSelection()
+{
+    m_waveformWidget->ClearSelection();
+}
+
 QString AudioPlayerWidget::ConvertToDisplayTimeFormat(double seconds)
 {
     return TimeText(seconds);

@@ -83,7 +83,22 @@ void AudioPlayerWidget::StopPlayback()
 
 void AudioPlayerWidget::OnBtnLoopClicked()
 {
-    m_audioPlayer->LoopPlayback(m_internals->controls.btnLoop->isChecked());
+    const bool loop = m_internals->controls.btnLoop->isChecked();
+    m_audioPlayer->LoopPlayback(loop);
+    Q_EMIT LoopChanged(loop);
+}
+
+void AudioPlayerWidget::SetLoop(bool loop)
+{
+    if (GetLoop() != loop) {
+        m_internals->controls.btnLoop->setChecked(loop);
+        OnBtnLoopClicked();
+    }
+}
+
+bool AudioPlayerWidget::GetLoop() const
+{
+    return m_internals->controls.btnLoop->isChecked();
 }
 
 void AudioPlayerWidget::OnBtnMuteClicked()
@@ -159,13 +174,19 @@ void AudioPlayerWidget::SetAudioOutputDevice(const QAudioDevice& device)
 void AudioPlayerWidget::OnAudioPositionChanged(qint64 milliseconds)
 {
     const double seconds = static_cast<double>(milliseconds) / 1000.0;
-    {
+    if (!m_internals->IsPositionEdited()) {
         const QSignalBlocker blocker(m_internals->controls.edCurrentPosition);
         m_internals->controls.edCurrentPosition->setText(ConvertToDisplayTimeFormat(seconds));
     }
     m_waveformWidget->SetAudioPosition(seconds);
     m_internals->CorrectLateReport(milliseconds);
     Q_EMIT AudioPositionChanged(seconds);
+}
+
+bool AudioPlayerWidget::Internals::IsPositionEdited() const
+{
+    const QLineEdit& field = *controls.edCurrentPosition;
+    return editedPositionStays && field.hasFocus() && (field.isModified() || field.hasSelectedText());
 }
 
 /** At the end of a selection the player goes back to the start and pauses while it reports the end, so that the
@@ -185,6 +206,11 @@ void AudioPlayerWidget::UpdateAudioPosition(double seconds)
     m_waveformWidget->SetAudioPosition(seconds);
 }
 
+double AudioPlayerWidget::GetAudioPosition() const
+{
+    return static_cast<double>(m_audioPlayer->position()) / 1000.0;
+}
+
 void AudioPlayerWidget::OnCurrentPositionEditingFinished()
 {
     const double time = ConvertFromDisplayTimeFormat(m_internals->controls.edCurrentPosition->text());
@@ -192,7 +218,10 @@ void AudioPlayerWidget::OnCurrentPositionEditingFinished()
         m_waveformWidget->SetSelectionStartTime(0.0);
         m_waveformWidget->SetSelectionEndTime(0.0);
         m_waveformWidget->SetAudioPosition(time);
-        // The player stays where it is: the host is told the time and decides whether playback follows.
+        if (m_internals->typedPositionSeeks) {
+            m_audioPlayer->setPosition(MillisecondsOf(time));
+        }
+        // Otherwise the player stays where it is: the host is told the time and decides whether playback follows.
         Q_EMIT AudioPositionChanged(time);
     }
     // In every case: an entry outside the file snaps back.
@@ -226,6 +255,21 @@ void AudioPlayerWidget::keyPressEvent(QKeyEvent* event)
     } else {
         event->ignore();
     }
+}
+
+void AudioPlayerWidget::SetInteractions(BGFXWaveformWidget::Interactions interactions)
+{
+    m_waveformWidget->SetInteractions(interactions);
+}
+
+void AudioPlayerWidget::SetTypedPositionSeeks(bool seeks)
+{
+    m_internals->typedPositionSeeks = seeks;
+}
+
+void AudioPlayerWidget::SetEditedPositionStays(bool stays)
+{
+    m_internals->editedPositionStays = stays;
 }
 
 void AudioPlayerWidget::SetScrollBackToZoomOut(bool scrollBackToZoomOut)

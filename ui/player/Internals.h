@@ -48,6 +48,7 @@ struct AudioPlayerWidget::Internals
     void ShowPlayIcon(bool isPlaying);
     void ShowMuteIcon(bool isMuted);
     void ShowAsPlaying(bool isPlaying);
+    [[nodiscard]] bool IsPositionEdited() const;
     void CorrectLateReport(qint64 milliseconds);
 
     // Channels and tasks
@@ -71,6 +72,8 @@ struct AudioPlayerWidget::Internals
     int volume = 100;
     bool decodesToFloat = false;
     bool loadsInBackground = false;
+    bool typedPositionSeeks = false;
+    bool editedPositionStays = false;
     /** Counts how often a busy time began or ended. */
     int busyCount = 0;
     bool isTellingAll = false;

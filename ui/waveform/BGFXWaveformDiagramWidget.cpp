@@ -2,8 +2,6 @@
 
 #include "ui/waveform/rules/ViewNavigation.h"
 
-#include <vantorAudioEngine/BGFXWaveformWidget.h>
-
 #include <QtCore/QMutexLocker>
 
 namespace vantoraudio::vantorAudioEngine::UI {
@@ -26,6 +24,7 @@ void BGFXWaveformDiagramWidget::Reset()
     m_requestedStart = 0.0;
     m_audioPosition = 0.0;
     m_grab = {};
+    m_borderScroll.stop();
     m_selection.isPresent = false;
     m_selectionAtGrab = {0.0, 0.0};
     Q_EMIT SelectionChanged({0.0, 0.0});
@@ -80,9 +79,19 @@ void BGFXWaveformDiagramWidget::SetSelectedSnippet(std::pair<double, double> sni
     Changed();
 }
 
+void BGFXWaveformDiagramWidget::ClearSelection()
+{
+    if (m_selection.isPresent) {
+        m_selection.isPresent = false;
+        Q_EMIT SelectionChanged({0.0, 0.0});
+        Changed();
+    }
+}
+
 void BGFXWaveformDiagramWidget::SetSelectionStartTime(double start)
 {
-    Select(Ordered(ClampTime(start, 0.0, m_duration), m_selection.times.second));
+    const double time = ClampTime(start, 0.0, m_duration);
+    Select(Ordered(time, TimesToPairWith(time).second));
     m_audioPosition = m_selection.times.first;
     Q_EMIT SelectionChanged(m_selection.times);
     Q_EMIT Update();
@@ -91,7 +100,8 @@ void BGFXWaveformDiagramWidget::SetSelectionStartTime(double start)
 void BGFXWaveformDiagramWidget::SetSelectionEndTime(double end)
 {
     // Unlike the start, the end leaves the position alone: playback goes on where it is.
-    Select(Ordered(m_selection.times.first, ClampTime(end, 0.0, m_duration)));
+    const double time = ClampTime(end, 0.0, m_duration);
+    Select(Ordered(TimesToPairWith(time).first, time));
     Q_EMIT SelectionChanged(m_selection.times);
     Q_EMIT Update();
 }
@@ -176,8 +186,21 @@ void BGFXWaveformDiagramWidget::SceneRectMoved()
 
 void BGFXWaveformDiagramWidget::Select(const SelectionTimes& candidate)
 {
-    m_selection.times = Finite(LimitSelection(candidate, View(), BGFXWaveformWidget::MAX_SNIPPET_LENGTH));
+    m_selection.times =
+        Finite(LimitSelection(candidate, SelectionBounds(), BGFXWaveformWidget::MAX_SNIPPET_LENGTH));
     m_selection.isPresent = true;
+}
+
+SelectionTimes BGFXWaveformDiagramWidget::TimesToPairWith(double time) const
+{
+    const bool forgets = !m_selection.isPresent && Allows(BGFXWaveformWidget::Interaction::ForgetCleared);
+    return forgets ? SelectionTimes{time, time} : m_selection.times;
+}
+
+ViewRange BGFXWaveformDiagramWidget::SelectionBounds() const
+{
+    return Allows(BGFXWaveformWidget::Interaction::SelectBeyondView) ? ViewRange{.left = 0.0, .width = m_duration}
+                                                                     : View();
 }
 
 } // namespace vantoraudio::vantorAudioEngine::UI

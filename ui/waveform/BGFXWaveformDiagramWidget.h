@@ -8,6 +8,9 @@
 #include "ui/waveform/rules/SampleRequest.h"
 #include "ui/waveform/rules/SelectionRules.h"
 
+#include <vantorAudioEngine/BGFXWaveformWidget.h>
+
+#include <QtCore/QBasicTimer>
 #include <QtCore/QList>
 #include <QtCore/QMutex>
 #include <QtCore/QPoint>
@@ -56,6 +59,7 @@ public:
     [[nodiscard]] double GetAudioPosition() const { return m_audioPosition; }
 
     void SetSelectedSnippet(std::pair<double, double> snippet);
+    void ClearSelection();
     void SetSelectionStartTime(double start);
     void SetSelectionEndTime(double end);
     /** 0.0 without a selection. */
@@ -64,6 +68,8 @@ public:
 
     void SetEditMode(bool isEditing) { m_isEditing = isEditing; }
     [[nodiscard]] bool GetEditMode() const { return m_isEditing; }
+    void SetInteractions(BGFXWaveformWidget::Interactions interactions) { m_interactions = interactions; }
+    [[nodiscard]] BGFXWaveformWidget::Interactions GetInteractions() const { return m_interactions; }
     void SetScrollBackToZoomOut(bool scrollBackToZoomOut) { m_scrollBackToZoomOut = scrollBackToZoomOut; }
 
     [[nodiscard]] QRectF GetSceneRect() const { return m_sceneRect; }
@@ -91,6 +97,7 @@ Q_SIGNALS:
     void GetSamples(double startTime, double endTime, int stepSize);
     void SelectionChanged(std::pair<double, double> selectedSnippet);
     void AudioPositionChanged(double position);
+    void ContextMenuRequested(const QPoint& globalPosition, double time);
 
 public Q_SLOTS:
     /** The drawing device shuts down; the next frame creates what it needs again. */
@@ -105,6 +112,9 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    /** A drag past the border scrolls. */
+    void timerEvent(QTimerEvent* event) override;
 
 private:
     friend class WaveformTestAccess;
@@ -116,6 +126,16 @@ private:
         bool isPresent = false;
     };
 
+    [[nodiscard]] bool Allows(BGFXWaveformWidget::Interaction interaction) const
+    {
+        return m_interactions.testFlag(interaction);
+    }
+    /** What selections are limited to. */
+    [[nodiscard]] ViewRange SelectionBounds() const;
+    /** The times of the selection; for a single end without one the time itself, where the old times are to be
+     *  forgotten. */
+    [[nodiscard]] SelectionTimes TimesToPairWith(double time) const;
+    [[nodiscard]] bool IsForOthers(const QMouseEvent& event) const;
     [[nodiscard]] bool HasAudio() const { return m_duration > 0.0; }
     [[nodiscard]] ViewRange View() const { return HorizontalRange(m_sceneRect); }
     [[nodiscard]] double TimeAt(double x) const { return TimeAtPixel(View(), x, width()); }
@@ -127,7 +147,10 @@ private:
     void Select(const SelectionTimes& candidate);
 
     void HoverAt(int x);
+    [[nodiscard]] double DragTimeAt(int x) const;
     void DragTo(const QPoint& position);
+    void ScrollWhileDraggedTo(const QPoint& position);
+    void ExtendTo(double time);
     void DragSelectionTo(const SelectionTimes& candidate);
     void DragBodyTo(double middle);
     void ClickAt(double x);
@@ -153,6 +176,13 @@ private:
     double m_audioPosition = 0.0;
     Selection m_selection;
     SelectionTimes m_selectionAtGrab{0.0, 0.0};
+    BGFXWaveformWidget::Interactions m_interactions;
+    double m_pressTime = 0.0;
+    /** From the middle of a grabbed selection to where it was grabbed, in seconds. */
+    double m_grabOffset = 0.0;
+    /** Where a drag has left the widget to. */
+    QPoint m_dragPosition;
+    QBasicTimer m_borderScroll;
     bool m_isEditing = false;
     Grab m_grab;
     bool m_scrollBackToZoomOut = true;

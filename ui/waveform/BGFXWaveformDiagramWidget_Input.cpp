@@ -8,6 +8,10 @@
 namespace vantoraudio::vantorAudioEngine::UI {
 namespace {
 
+using Interaction = BGFXWaveformWidget::Interaction;
+
+constexpr int BorderScrollInterval = 30;
+
 QPoint PixelOf(const QMouseEvent& event)
 {
     return event.position().toPoint();
@@ -32,7 +36,17 @@ WheelTurn TurnOf(const QWheelEvent& event)
 
 void BGFXWaveformDiagramWidget::mousePressEvent(QMouseEvent* event)
 {
-    if (HasAudio() && !m_grab.Any()) {
+    if (IsForOthers(*event)) {
+        event->ignore();
+        return;
+    }
+    if (!HasAudio()) {
+        return;
+    }
+    const bool clicksInSelection = Allows(Interaction::MoveFromInside);
+    m_pressTime = TimeAt(PixelOf(*event).x());
+    m_grabOffset = clicksInSelection ? m_pressTime - MiddleOf(m_selection.times) : 0.0;
+    if (!m_grab.Any() || clicksInSelection) {
         m_pressPosition = PixelOf(*event);
     }
 }
@@ -42,7 +56,9 @@ void BGFXWaveformDiagramWidget::mouseMoveEvent(QMouseEvent* event)
     if (event == nullptr || !HasAudio() || !m_isEditing) {
         return;
     }
-    if (event->buttons() == Qt::LeftButton) {
+    if (event->buttons() == Qt::LeftButton ||
+        (Allows(Interaction::LeftButtonOnly) && event->buttons().testFlag(Qt::LeftButton))) {
+        ScrollWhileDraggedTo(PixelOf(*event));
         DragTo(PixelOf(*event));
     } else {
         HoverAt(PixelOf(*event).x());
@@ -52,7 +68,12 @@ void BGFXWaveformDiagramWidget::mouseMoveEvent(QMouseEvent* event)
 
 void BGFXWaveformDiagramWidget::mouseReleaseEvent(QMouseEvent* event)
 {
+    if (IsForOthers(*event)) {
+        event->ignore();
+        return;
+    }
     m_grab = {};
+    m_borderScroll.stop();
     setCursor(Qt::ArrowCursor);
     if (!HasAudio()) {
         return;
@@ -62,13 +83,19 @@ void BGFXWaveformDiagramWidget::mouseReleaseEvent(QMouseEvent* event)
         m_audioPosition = GetSelectionStartTime();
         Q_EMIT SelectionChanged({GetSelectionStartTime(), GetSelectionEndTime()});
         Changed();
+    } else if (m_isEditing && Allows(Interaction::ExtendWithShift) && event->modifiers() == Qt::ShiftModifier) {
+        ExtendTo(TimeAt(event->position().x()));
     } else {
         ClickAt(event->position().x());
     }
 }
 
-void BGFXWaveformDiagramWidget::mouseDoubleClickEvent(QMouseEvent* /*event*/)
+void BGFXWaveformDiagramWidget::mouseDoubleClickEvent(QMouseEvent* event)
 {
+    if (IsForOthers(*event)) {
+        event->ignore();
+        return;
+    }
     if (!HasAudio()) {
         return;
     }
@@ -97,30 +124,80 @@ void BGFXWaveformDiagramWidget::wheelEvent(QWheelEvent* event)
     event->accept();
 }
 
+void BGFXWaveformDiagramWidget::contextMenuEvent(QContextMenuEvent* event)
+{
+    if (!Allows(Interaction::LeftButtonOnly) || !HasAudio()) {
+        event->ignore();
+        return;
+    }
+    event->accept();
+    Q_EMIT ContextMenuRequested(event->globalPos(), TimeAt(event->x()));
+}
+
+void BGFXWaveformDiagramWidget::timerEvent(QTimerEvent* event)
+{
+    if (event->timerId() != m_borderScroll.timerId()) {
+        BGFXOffscreenWidget::timerEvent(event);
+        return;
+    }
+    const double left = ScrolledByDrag(View(), m_dragPosition.x(), width(), GetTotalLength());
+    if (left == m_sceneRect.left()) {
+        m_borderScroll.stop();
+        return;
+    }
+    ScrollTo(left);
+    DragTo(m_dragPosition);
+}
+
+bool BGFXWaveformDiagramWidget::IsForOthers(const QMouseEvent& event) const
+{
+    return Allows(Interaction::LeftButtonOnly) && event.button() != Qt::LeftButton;
+}
+
 void BGFXWaveformDiagramWidget::HoverAt(int x)
 {
     m_grab = {};
     if (!m_selection.isPresent) {
         return;
     }
-    m_grab = GrabAt(x, View(), width(), m_selection.times);
+    m_grab = GrabAt(x, View(), width(), m_selection.times, Allows(Interaction::MoveFromInside));
     setCursor(CursorFor(m_grab));
     if (m_grab.AnyEdge()) {
         m_selectionAtGrab = m_selection.times;
     }
 }
 
+/** Where the view scrolls on, an edge that is dragged stays at its border. */
+double BGFXWaveformDiagramWidget::DragTimeAt(int x) const
+{
+    const double time = TimeAt(x);
+    return Allows(Interaction::SelectBeyondView) ? ClampTime(time, View().left, View().Right()) : time;
+}
+
+void BGFXWaveformDiagramWidget::ScrollWhileDraggedTo(const QPoint& position)
+{
+    m_dragPosition = position;
+    const bool isOutside = position.x() < 0 || position.x() >= width();
+    if (!isOutside || !Allows(Interaction::SelectBeyondView)) {
+        m_borderScroll.stop();
+    } else if (!m_borderScroll.isActive()) {
+        m_borderScroll.start(BorderScrollInterval, this);
+    }
+}
+
 void BGFXWaveformDiagramWidget::DragTo(const QPoint& position)
 {
-    const double time = TimeAt(position.x());
+    const double time = DragTimeAt(position.x());
     if (m_grab.startEdge) {
         DragSelectionTo(Ordered(time, m_selectionAtGrab.second));
     } else if (m_grab.endEdge) {
         DragSelectionTo(Ordered(time, m_selectionAtGrab.first));
     } else if (m_grab.body) {
-        DragBodyTo(time);
+        DragBodyTo(time - m_grabOffset);
     } else if (position != m_pressPosition) {
-        DragSelectionTo(Ordered(TimeAt(m_pressPosition.x()), time));
+        // The view may have scrolled since the press.
+        const double start = Allows(Interaction::SelectBeyondView) ? m_pressTime : TimeAt(m_pressPosition.x());
+        DragSelectionTo(Ordered(start, time));
     }
 }
 
@@ -134,10 +211,21 @@ void BGFXWaveformDiagramWidget::DragSelectionTo(const SelectionTimes& candidate)
 /** A selection moved as a whole keeps its length, so neither the limit nor the visible range may cut it. */
 void BGFXWaveformDiagramWidget::DragBodyTo(double middle)
 {
-    m_selection = {.times = Finite(MovedTo(m_selection.times, middle)), .isPresent = true};
+    SelectionTimes moved = MovedTo(m_selection.times, middle);
+    if (Allows(Interaction::SelectBeyondView)) {
+        moved = MovedInto(moved, SelectionBounds());
+    }
+    m_selection = {.times = Finite(moved), .isPresent = true};
     m_audioPosition = m_selection.times.first;
     Q_EMIT SelectionChanged(m_selection.times);
     Changed();
+}
+
+void BGFXWaveformDiagramWidget::ExtendTo(double time)
+{
+    const SelectionTimes& times = m_selection.times;
+    const double farEnd = time < MiddleOf(times) ? times.second : times.first;
+    SetSelectedSnippet({m_selection.isPresent ? farEnd : m_audioPosition, time});
 }
 
 void BGFXWaveformDiagramWidget::ClickAt(double x)

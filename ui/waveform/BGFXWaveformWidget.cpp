@@ -77,6 +77,7 @@ void BGFXWaveformWidget::ConnectSignals()
     connect(m_diagram, &Diagram::GetSamples, this, &BGFXWaveformWidget::OnGetSamples);
     connect(m_diagram, &Diagram::SelectionChanged, this, &BGFXWaveformWidget::OnSelectionChanged);
     connect(m_diagram, &Diagram::AudioPositionChanged, this, &BGFXWaveformWidget::OnAudioPositionChanged);
+    connect(m_diagram, &Diagram::ContextMenuRequested, this, &BGFXWaveformWidget::ContextMenuRequested);
     connect(m_scrollBar, &QScrollBar::valueChanged, m_diagram,
             [this](int value) { m_diagram->ScrollTo(value / 1000.0); });
 }
@@ -125,6 +126,17 @@ std::pair<double, double> BGFXWaveformWidget::GetSelectedSnippet() const
     return {GetSelectionStartTime(), GetSelectionEndTime()};
 }
 
+void BGFXWaveformWidget::ClearSelection()
+{
+    m_diagram->ClearSelection();
+}
+
+std::pair<double, double> BGFXWaveformWidget::GetVisibleRange() const
+{
+    const QRectF rect = m_diagram->GetSceneRect();
+    return {rect.left(), rect.right()};
+}
+
 void BGFXWaveformWidget::SetSelectionStartTime(double start)
 {
     m_diagram->SetSelectionStartTime(start);
@@ -164,6 +176,16 @@ void BGFXWaveformWidget::SetEditMode(bool isEditing)
 bool BGFXWaveformWidget::GetEditMode() const
 {
     return m_diagram->GetEditMode();
+}
+
+void BGFXWaveformWidget::SetInteractions(Interactions interactions)
+{
+    m_diagram->SetInteractions(interactions);
+}
+
+BGFXWaveformWidget::Interactions BGFXWaveformWidget::GetInteractions() const
+{
+    return m_diagram->GetInteractions();
 }
 
 void BGFXWaveformWidget::SetScrollBackToZoomOut(bool scrollBackToZoomOut)

@@ -1,6 +1,7 @@
 #include <vantorAudioEngine/AudioFileInfo.h>
 #include <vantorAudioEngine/AudioImporter.h>
 #include <vantorAudioEngine/AudioPlayer.h>
+#include <vantorAudioEngine/AudioPlayerActions.h>
 #include <vantorAudioEngine/AudioPlayerWidget.h>
 #include <vantorAudioEngine/BGFXWaveformWidget.h>
 #include <vantorAudioEngine/Decoder.h>
@@ -73,6 +74,8 @@ void UseTheWidgets()
     AudioPlayerWidget widget;
     widget.SetDelay(0.5);
     Check(widget.GetDelay() == 0.5, "AudioPlayerWidget");
+    const auto* actions = new AudioPlayerActions(&widget);
+    Check(actions->All(AudioPlayerActions::Playback).size() == 10, "AudioPlayerActions");
 }
 
 } // namespace

@@ -115,6 +115,8 @@ private Q_SLOTS:
 
     void aTypedPositionMovesTheMarkerButNotThePlayer();
     void aTypedPositionClearsTheSelection();
+    void aTypedPositionMovesThePlayerWhereTheHostWantsIt();
+    void anEditedPositionIsNotWrittenOverWhereTheHostWantsIt();
     void aTypedPositionCountsWhenTheFieldIsLeft();
     void theEndOfTheFileMayBeTyped();
     void aPositionBeyondTheDurationSnapsBack();
@@ -627,6 +629,43 @@ void PlayerTransportTest::aTypedPositionClearsTheSelection()
     QCOMPARE(Controls().edSelectionEnd->text(), u"00:00:00.000"_s);
     QCOMPARE(Marker(), 5.25);
     QCOMPARE(PositionText(), u"00:00:05.250"_s);
+}
+
+void PlayerTransportTest::aTypedPositionMovesThePlayerWhereTheHostWantsIt()
+{
+    Shown().SetTypedPositionSeeks(true);
+    Shown().SetSelectedSnippet({2.0, 15.0});
+    TypeTime(*Controls().edCurrentPosition, u"000005250"_s);
+    QCOMPARE(Player().position(), 5250);
+    QCOMPARE(Marker(), 5.25);
+    QCOMPARE(PositionText(), u"00:00:05.250"_s);
+    QCOMPARE(RangeOf(Player()), Range(0.0, 20.0));
+}
+
+void PlayerTransportTest::anEditedPositionIsNotWrittenOverWhereTheHostWantsIt()
+{
+    QLineEdit& field = *Controls().edCurrentPosition;
+    field.setFocus();
+    QTRY_VERIFY(field.hasFocus());
+    OverwriteTime(field, u"000005250"_s);
+    Player().setPosition(1000);
+    QCOMPARE(field.text(), u"00:00:01.000"_s);
+
+    Shown().SetEditedPositionStays(true);
+    OverwriteTime(field, u"000005250"_s);
+    Player().setPosition(2000);
+    QCOMPARE(field.text(), u"00:00:05.250"_s);
+    QTest::keyClick(&field, Qt::Key_Return);
+    QCOMPARE(Marker(), 5.25);
+    Player().setPosition(3000);
+    QCOMPARE(field.text(), u"00:00:03.000"_s);
+
+    field.selectAll();
+    Player().setPosition(4000);
+    QCOMPARE(field.selectedText(), u"00:00:03.000"_s);
+    field.deselect();
+    Player().setPosition(5000);
+    QCOMPARE(field.text(), u"00:00:05.000"_s);
 }
 
 void PlayerTransportTest::aTypedPositionCountsWhenTheFieldIsLeft()

@@ -34,6 +34,7 @@ public:
     static bool HasSelection(const Diagram& diagram) { return diagram.m_selection.isPresent; }
     static SelectionTimes SelectionAtGrab(const Diagram& diagram) { return diagram.m_selectionAtGrab; }
     static Grab& GrabOf(Diagram& diagram) { return diagram.m_grab; }
+    static bool IsBorderScrolling(const Diagram& diagram) { return diagram.m_borderScroll.isActive(); }
     static bool ScrollBackToZoomOut(const Diagram& diagram) { return diagram.m_scrollBackToZoomOut; }
     static double AmplitudeExtentOf(const Diagram& diagram) { return diagram.m_amplitudeExtent; }
     static QMutex& BufferLock(Diagram& diagram) { return diagram.m_bufferLock; }

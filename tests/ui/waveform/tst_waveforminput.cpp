@@ -1,5 +1,5 @@
+#include "InputBench.h"
 #include "PaintCounter.h"
-#include "SignalRecorder.h"
 #include "WaveformTestAccess.h"
 
 #include <QtGui/QWheelEvent>
@@ -9,6 +9,7 @@
 #include <limits>
 
 using namespace vantoraudio::vantorAudioEngine::UI;
+using namespace vantoraudio::vantorAudioEngine::UI::testing;
 using namespace Qt::Literals::StringLiterals;
 using Access = WaveformTestAccess;
 using Pair = std::pair<double, double>;
@@ -36,64 +37,6 @@ bool Turn(QWidget& widget, const Wheel& wheel)
     QApplication::sendEvent(&widget, &event);
     return event.isAccepted();
 }
-
-void Press(QWidget& widget, int x, int y = 50)
-{
-    QTest::mousePress(&widget, Qt::LeftButton, {}, {x, y});
-}
-
-void Release(QWidget& widget, int x, int y = 50)
-{
-    QTest::mouseRelease(&widget, Qt::LeftButton, {}, {x, y});
-}
-
-void Move(QWidget& widget, int x, int y = 50)
-{
-    QTest::mouseMove(&widget, {x, y});
-}
-
-void SendMouse(QWidget& widget, QEvent::Type type, const QPointF& position, Qt::MouseButtons buttons)
-{
-    const Qt::MouseButton button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
-    QMouseEvent event(type, position, widget.mapToGlobal(position), button, buttons, Qt::NoModifier);
-    QApplication::sendEvent(&widget, &event);
-}
-
-/** QTest would move the real pointer for a move without a button. */
-void Hover(QWidget& widget, int x)
-{
-    SendMouse(widget, QEvent::MouseMove, QPointF(x, 50.0), Qt::NoButton);
-}
-
-/** 100 seconds at 1000 Hz on 1000 pixels, in edit mode: the middle of pixel x is at x ÷ 10 + 0.05 seconds. */
-struct Bench
-{
-    explicit Bench(double duration = 100.0)
-    {
-        diagram.resize(1000, 100);
-        QAudioFormat format;
-        format.setSampleRate(1000);
-        diagram.SetAudioFormat(format);
-        diagram.SetDuration(duration);
-        diagram.SetEditMode(true);
-        recorder.Take();
-    }
-
-    void SelectAndHover(double start, double end, int x)
-    {
-        diagram.SetSelectedSnippet({start, end});
-        Hover(diagram, x);
-        recorder.Take();
-    }
-
-    [[nodiscard]] Pair Selection() const
-    {
-        return {diagram.GetSelectionStartTime(), diagram.GetSelectionEndTime()};
-    }
-
-    BGFXWaveformDiagramWidget diagram;
-    SignalRecorder recorder{diagram};
-};
 
 } // namespace
 

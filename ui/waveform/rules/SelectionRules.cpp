@@ -11,14 +11,22 @@ constexpr double SameTime = 0.001;
 
 } // namespace
 
-Grab GrabAt(double pointerX, const ViewRange& view, int widgetWidth, const SelectionTimes& selection)
+Grab GrabAt(double pointerX, const ViewRange& view, int widgetWidth, const SelectionTimes& selection,
+            bool bodyAnywhere)
 {
     const auto isNear = [&](double time) {
         return std::abs(PixelAtTime(view, time, widgetWidth) - pointerX) <= GrabDistance;
     };
     Grab grab = {.startEdge = isNear(selection.first), .endEdge = isNear(selection.second), .body = false};
-    grab.body = !grab.AnyEdge() && isNear(selection.first + std::abs(selection.second - selection.first) * 0.5);
+    const bool isInside = PixelAtTime(view, selection.first, widgetWidth) < pointerX &&
+                          pointerX < PixelAtTime(view, selection.second, widgetWidth);
+    grab.body = !grab.AnyEdge() && (isNear(MiddleOf(selection)) || (bodyAnywhere && isInside));
     return grab;
+}
+
+double MiddleOf(const SelectionTimes& selection)
+{
+    return selection.first + std::abs(selection.second - selection.first) * 0.5;
 }
 
 SelectionTimes Ordered(double a, double b)
@@ -32,10 +40,18 @@ SelectionTimes MovedTo(const SelectionTimes& selection, double middle)
     return Ordered(middle - half, middle + half);
 }
 
-SelectionTimes LimitSelection(const SelectionTimes& candidate, const ViewRange& view, double longest)
+SelectionTimes MovedInto(const SelectionTimes& selection, const ViewRange& bounds)
+{
+    const double length = selection.second - selection.first;
+    const double start = ClampTime(selection.first, bounds.left, std::max(bounds.left, bounds.Right() - length));
+    return {start, std::min(start + length, bounds.Right())};
+}
+
+SelectionTimes LimitSelection(const SelectionTimes& candidate, const ViewRange& bounds, double longest)
 {
     const double end = std::min(candidate.first + longest, candidate.second);
-    return Ordered(ClampTime(candidate.first, view.left, view.Right()), ClampTime(end, view.left, view.Right()));
+    return Ordered(ClampTime(candidate.first, bounds.left, bounds.Right()),
+                   ClampTime(end, bounds.left, bounds.Right()));
 }
 
 SelectionTimes Finite(const SelectionTimes& times)

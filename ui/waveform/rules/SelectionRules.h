@@ -22,18 +22,25 @@ struct Grab
     friend bool operator==(const Grab&, const Grab&) = default;
 };
 
-/** Edges are grabbed within 5 pixels; the body only where no edge is, within 5 pixels of its middle. */
-[[nodiscard]] Grab GrabAt(double pointerX, const ViewRange& view, int widgetWidth,
-                          const SelectionTimes& selection);
+/** Edges are grabbed within 5 pixels; the body only where no edge is, within 5 pixels of its middle, or anywhere
+ *  inside the selection. */
+[[nodiscard]] Grab GrabAt(double pointerX, const ViewRange& view, int widgetWidth, const SelectionTimes& selection,
+                          bool bodyAnywhere = false);
 
 /** The earlier time first. */
 [[nodiscard]] SelectionTimes Ordered(double a, double b);
 
+[[nodiscard]] double MiddleOf(const SelectionTimes& selection);
+
 /** The selection moved, in its length, so that its middle is at `middle`. */
 [[nodiscard]] SelectionTimes MovedTo(const SelectionTimes& selection, double middle);
 
-/** The candidate cut to `longest` seconds, then to the visible range. */
-[[nodiscard]] SelectionTimes LimitSelection(const SelectionTimes& candidate, const ViewRange& view,
+/** The selection moved, in its length, so that it lies within `bounds`; one that is longer begins where they do.
+ */
+[[nodiscard]] SelectionTimes MovedInto(const SelectionTimes& selection, const ViewRange& bounds);
+
+/** The candidate cut to `longest` seconds, then to `bounds`. */
+[[nodiscard]] SelectionTimes LimitSelection(const SelectionTimes& candidate, const ViewRange& bounds,
                                             double longest);
 
 /** The times with 0 in place of those that are infinite or not-a-number, as a view of no sensible length makes

@@ -27,6 +27,14 @@ double PannedLeft(const ViewRange& view, const WheelTurn& turn, double totalLeng
     return std::max(0.0, left);
 }
 
+double ScrolledByDrag(const ViewRange& view, int x, int widgetWidth, double totalLength)
+{
+    const double outside = x < 0 ? -double(x) : double(x) - widgetWidth + 1.0;
+    const double share = std::clamp(outside / std::max(1, widgetWidth), 0.01, 0.1);
+    const double left = view.left + (x < 0 ? -share : share) * view.width;
+    return std::max(0.0, std::min(left, totalLength - view.width));
+}
+
 float ZoomFactor(const WheelTurn& turn, bool inverted, bool scrollBackToZoomOut)
 {
     const double notches = Notches(turn.y, turn.inPixels);

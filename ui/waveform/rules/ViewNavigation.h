@@ -19,6 +19,11 @@ struct WheelTurn
  *  before 0, and not past the point where the view ends with the audio. */
 [[nodiscard]] double PannedLeft(const ViewRange& view, const WheelTurn& turn, double totalLength);
 
+/** The left edge after a step of scrolling while a drag holds the pointer at column `x` outside a widget of this
+ *  width: the farther away, the faster, from a hundredth to a tenth of the view; never out of 0 to `totalLength`.
+ */
+[[nodiscard]] double ScrolledByDrag(const ViewRange& view, int x, int widgetWidth, double totalLength);
+
 /**
  * The factor by which the view's width changes. Turning forward (away from the user) zooms in when exactly one of
  * `inverted` (the system's reversed scrolling) and `scrollBackToZoomOut` holds.

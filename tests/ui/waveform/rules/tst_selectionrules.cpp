@@ -73,6 +73,36 @@ private Q_SLOTS:
         QCOMPARE(MovedTo({14.0, 10.0}, 1.0), SelectionTimes(-1.0, 3.0));
     }
 
+    void grabsAnywhereInsideWhenAsked_data()
+    {
+        QTest::addColumn<double>("pointer");
+        QTest::addColumn<bool>("start");
+        QTest::addColumn<bool>("body");
+        QTest::newRow("inside, off the middle") << 250.0 << false << true;
+        QTest::newRow("six pixels right of the start") << 206.0 << false << true;
+        QTest::newRow("five pixels right of it") << 205.0 << true << false;
+        QTest::newRow("outside") << 194.0 << false << false;
+        QTest::newRow("behind the end") << 406.0 << false << false;
+    }
+
+    void grabsAnywhereInsideWhenAsked()
+    {
+        QFETCH(const double, pointer);
+        const Grab grab = GrabAt(pointer, {.left = 10.0, .width = 100.0}, 1000, {30.0, 50.0}, true);
+        QTEST(grab.startEdge, "start");
+        QTEST(grab.body, "body");
+        QVERIFY(!grab.endEdge);
+    }
+
+    void movesIntoBounds()
+    {
+        const ViewRange bounds{.left = 0.0, .width = 100.0};
+        QCOMPARE(MovedInto({-5.0, 15.0}, bounds), SelectionTimes(0.0, 20.0));
+        QCOMPARE(MovedInto({90.0, 110.0}, bounds), SelectionTimes(80.0, 100.0));
+        QCOMPARE(MovedInto({30.0, 50.0}, bounds), SelectionTimes(30.0, 50.0));
+        QCOMPARE(MovedInto({-5.0, 150.0}, bounds), SelectionTimes(0.0, 100.0));
+    }
+
     void limitsASnippet_data()
     {
         QTest::addColumn<double>("a");

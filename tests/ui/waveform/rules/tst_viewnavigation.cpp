@@ -118,6 +118,31 @@ private Q_SLOTS:
         QCOMPARE(!ZoomedAround({.left = 0.0, .width = width}, 0.0, factor, total), isRefused);
     }
 
+    void scrollsTheFasterTheFartherADragIsOutside_data()
+    {
+        QTest::addColumn<int>("x");
+        QTest::addColumn<double>("left");
+        QTest::newRow("one pixel right: a hundredth") << 1000 << 40.2;
+        QTest::newRow("50 pixels right") << 1049 << 41.0;
+        QTest::newRow("far right: a tenth") << 5000 << 42.0;
+        QTest::newRow("one pixel left") << -1 << 39.8;
+        QTest::newRow("far left") << -5000 << 38.0;
+    }
+
+    void scrollsTheFasterTheFartherADragIsOutside()
+    {
+        QFETCH(const int, x);
+        QTEST(ScrolledByDrag({.left = 40.0, .width = 20.0}, x, 1000, 100.0), "left");
+    }
+
+    void aDragScrollsNoFartherThanTheFile()
+    {
+        QCOMPARE(ScrolledByDrag({.left = 79.0, .width = 20.0}, 5000, 1000, 100.0), 80.0);
+        QCOMPARE(ScrolledByDrag({.left = 1.0, .width = 20.0}, -5000, 1000, 100.0), 0.0);
+        QCOMPARE(ScrolledByDrag({.left = 0.0, .width = 20.0}, 5000, 1000, 10.0), 0.0);
+        QCOMPARE(ScrolledByDrag({.left = 0.0, .width = 20.0}, 1, 0, 100.0), 2.0);
+    }
+
     void turnsThePageAfterThePosition_data()
     {
         QTest::addColumn<double>("position");

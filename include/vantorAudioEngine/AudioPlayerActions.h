@@ -1,0 +1,93 @@
+#pragma once
+
+#include <vantorAudioEngine/Export.h>
+
+#include <QtCore/QList>
+#include <QtCore/QObject>
+
+#include <memory>
+
+class QAction;
+
+namespace vantoraudio::vantorAudioEngine::UI {
+
+class AudioPlayerWidget;
+
+/**
+ * Ready-made actions for a player, with texts, icons and shortcuts, for the menus and tool bars of a program:
+ *
+ *     auto* actions = new AudioPlayerActions(player);
+ *     menuBar()->addMenu(tr("&Playback"))->addActions(actions->All(AudioPlayerActions::Playback));
+ *
+ * The shortcuts work in the player's whole window, from here on and without any menu; a program that wants other
+ * keys changes the actions. Text fields keep the keys that they need, and so do sliders and boxes of the player
+ * while they have the focus. Without a file the actions do nothing.
+ *
+ * GUI thread only. The actions belong to this object, and it belongs to the player.
+ */
+class VANTORAUDIOENGINE_EXPORT AudioPlayerActions : public QObject
+{
+    Q_OBJECT
+
+public:
+    enum Command
+    {
+        // Playback
+        PlayPause,
+        Stop,
+        SeekBack,
+        SeekForward,
+        SeekFarBack,
+        SeekFarForward,
+        GoToStart,
+        GoToEnd,
+        Loop,
+        Mute,
+        // View
+        ZoomIn,
+        ZoomOut,
+        ShowAll,
+        ShowSelection,
+        // Selection
+        StartHere,
+        EndHere,
+        MoveStartBack,
+        MoveStartForward,
+        MoveEndBack,
+        MoveEndForward,
+        ClearSelection
+    };
+    Q_ENUM(Command)
+
+    enum Group
+    {
+        Playback,
+        View,
+        Selection
+    };
+    Q_ENUM(Group)
+
+    explicit AudioPlayerActions(AudioPlayerWidget* player);
+    ~AudioPlayerActions() override;
+
+    [[nodiscard]] QAction* Get(Command command) const;
+    /** In the order of the commands. */
+    [[nodiscard]] QList<QAction*> All(Group group) const;
+
+protected:
+    /** Leaves arrows, Home and End to the player's own sliders and boxes. */
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    struct Internals;
+
+    void Do(Command command);
+    void SeekTo(double position);
+    void Zoom(double factor);
+    void Select(double start, double end);
+    void MoveEdges(double startStep, double endStep);
+
+    std::unique_ptr<Internals> m_internals;
+};
+
+} // namespace vantoraudio::vantorAudioEngine::UI

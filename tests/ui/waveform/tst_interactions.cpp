@@ -1,0 +1,240 @@
+#include "InputBench.h"
+#include "WaveformTestAccess.h"
+
+#include <QtGui/QContextMenuEvent>
+
+using namespace vantoraudio::vantorAudioEngine::UI;
+using namespace vantoraudio::vantorAudioEngine::UI::testing;
+using namespace Qt::Literals::StringLiterals;
+using Access = WaveformTestAccess;
+using Interaction = BGFXWaveformWidget::Interaction;
+using Pair = std::pair<double, double>;
+
+namespace {
+
+struct FreeBench : Bench
+{
+    explicit FreeBench(BGFXWaveformWidget::Interactions interactions) { diagram.SetInteractions(interactions); }
+
+    void Click(int x, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
+    {
+        QTest::mouseClick(&diagram, Qt::LeftButton, modifiers, {x, 50});
+    }
+};
+
+/** What a mouse button does from press to release. */
+void ClickWith(QWidget& widget, Qt::MouseButton button, int x)
+{
+    QTest::mouseClick(&widget, button, {}, {x, 50});
+}
+
+bool AskForMenu(QWidget& widget, const QPoint& position)
+{
+    QContextMenuEvent event(QContextMenuEvent::Mouse, position, widget.mapToGlobal(position));
+    QApplication::sendEvent(&widget, &event);
+    return event.isAccepted();
+}
+
+} // namespace
+
+class TestInteractions : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void cleanup()
+    {
+        QWidget other;
+        Release(other, 1, 1);
+    }
+
+    void areOffAtFirst()
+    {
+        BGFXWaveformWidget widget;
+        QCOMPARE(widget.GetInteractions(), BGFXWaveformWidget::Interactions());
+        widget.SetInteractions(Interaction::ExtendWithShift | Interaction::LeftButtonOnly);
+        QCOMPARE(widget.GetInteractions(), Interaction::ExtendWithShift | Interaction::LeftButtonOnly);
+        QCOMPARE(Access::DiagramOf(widget).GetInteractions(), widget.GetInteractions());
+    }
+
+    void aSelectionSurvivesZoomingInAndMovingOneEdge()
+    {
+        FreeBench bench(Interaction::SelectBeyondView);
+        bench.diagram.SetSelectedSnippet({10.0, 90.0});
+        bench.diagram.SetSceneRange(0.0, 20.0);
+        Hover(bench.diagram, 500);
+        Press(bench.diagram, 500);
+        Move(bench.diagram, 600);
+        Release(bench.diagram, 600);
+        QCOMPARE(bench.Selection(), Pair(12.01, 90.0));
+        bench.diagram.SetSelectionStartTime(5.0);
+        QCOMPARE(bench.Selection(), Pair(5.0, 90.0));
+        bench.diagram.SetSelectionEndTime(200.0);
+        QCOMPARE(bench.Selection(), Pair(5.0, 100.0));
+    }
+
+    void withoutThemMovingOneEdgeCutsTheOtherToTheView()
+    {
+        Bench bench;
+        bench.diagram.SetSelectedSnippet({10.0, 90.0});
+        bench.diagram.SetSceneRange(0.0, 20.0);
+        bench.diagram.SetSelectionStartTime(5.0);
+        QCOMPARE(bench.Selection(), Pair(5.0, 20.0));
+    }
+
+    void aDragPastTheBorderScrollsOnToTheEndOfTheFile()
+    {
+        FreeBench bench(Interaction::SelectBeyondView);
+        bench.diagram.SetSceneRange(40.0, 60.0);
+        Press(bench.diagram, 500);
+        Move(bench.diagram, 3000);
+        QCOMPARE(bench.Selection(), Pair(50.01, 60.0));
+        QTRY_COMPARE(bench.diagram.GetSceneRect().right(), 100.0);
+        QTRY_COMPARE(bench.Selection(), Pair(50.01, 100.0));
+        bench.recorder.Take();
+        Move(bench.diagram, -3000);
+        QTRY_COMPARE(bench.diagram.GetSceneRect().left(), 0.0);
+        QTRY_COMPARE(bench.Selection(), Pair(0.0, 50.01));
+        Release(bench.diagram, -3000);
+        QCOMPARE(bench.Selection(), Pair(0.0, 50.01));
+    }
+
+    void scrollingEndsWithTheDrag()
+    {
+        FreeBench bench(Interaction::SelectBeyondView);
+        bench.diagram.SetSceneRange(0.0, 1.0);
+        Press(bench.diagram, 500);
+        Move(bench.diagram, 1001);
+        QTRY_VERIFY(bench.diagram.GetSceneRect().left() > 0.0);
+        Release(bench.diagram, 1001);
+        QVERIFY(!Access::IsBorderScrolling(bench.diagram));
+        Press(bench.diagram, 500);
+        Move(bench.diagram, 1001);
+        QVERIFY(Access::IsBorderScrolling(bench.diagram));
+        Move(bench.diagram, 800);
+        QVERIFY(!Access::IsBorderScrolling(bench.diagram));
+        Move(bench.diagram, 1001);
+        bench.diagram.Reset();
+        QVERIFY(!Access::IsBorderScrolling(bench.diagram));
+    }
+
+    void aMovedSelectionStopsAtTheEdgesOfTheFile()
+    {
+        FreeBench bench(Interaction::SelectBeyondView);
+        bench.SelectAndHover(20.0, 40.0, 300);
+        Press(bench.diagram, 300);
+        Move(bench.diagram, 10);
+        QCOMPARE(bench.Selection(), Pair(0.0, 20.0));
+        Move(bench.diagram, 995);
+        QCOMPARE(bench.Selection(), Pair(80.0, 100.0));
+    }
+
+    void aMoveBeginsAnywhereInTheSelectionWithoutAJump()
+    {
+        FreeBench bench(Interaction::MoveFromInside);
+        bench.SelectAndHover(20.0, 40.0, 250);
+        QCOMPARE(bench.diagram.cursor().shape(), Qt::SizeAllCursor);
+        Press(bench.diagram, 250);
+        Move(bench.diagram, 350);
+        Release(bench.diagram, 350);
+        QVERIFY(qAbs(bench.Selection().first - 30.0) < 1e-9);
+        QVERIFY(qAbs(bench.Selection().second - 50.0) < 1e-9);
+    }
+
+    void aClickInsideTheSelectionStillClearsIt()
+    {
+        FreeBench bench(Interaction::MoveFromInside);
+        bench.SelectAndHover(20.0, 40.0, 250);
+        bench.Click(250);
+        QCOMPARE(bench.recorder.Take(), (QStringList{u"AudioPositionChanged(25.05)"_s, u"Update"_s}));
+        QVERIFY(!Access::HasSelection(bench.diagram));
+    }
+
+    void shiftAndAClickMoveTheNearerEnd_data()
+    {
+        QTest::addColumn<int>("x");
+        QTest::addColumn<Pair>("selection");
+        QTest::newRow("before the start") << 100 << Pair(10.05, 40.0);
+        QTest::newRow("inside, nearer to the start") << 250 << Pair(25.05, 40.0);
+        QTest::newRow("inside, nearer to the end") << 350 << Pair(20.0, 35.05);
+        QTest::newRow("behind the end") << 800 << Pair(20.0, 80.05);
+    }
+
+    void shiftAndAClickMoveTheNearerEnd()
+    {
+        QFETCH(const int, x);
+        FreeBench bench(Interaction::ExtendWithShift);
+        bench.diagram.SetSelectedSnippet({20.0, 40.0});
+        bench.Click(x, Qt::ShiftModifier);
+        QTEST(bench.Selection(), "selection");
+    }
+
+    void shiftAndAClickSelectFromThePosition()
+    {
+        FreeBench bench(Interaction::ExtendWithShift);
+        bench.diagram.SetAudioPosition(30.0, false);
+        bench.Click(100, Qt::ShiftModifier);
+        QCOMPARE(bench.Selection(), Pair(10.05, 30.0));
+        bench.diagram.SetEditMode(false);
+        bench.Click(500, Qt::ShiftModifier);
+        QVERIFY(!Access::HasSelection(bench.diagram));
+    }
+
+    void otherButtonsDoNothing()
+    {
+        for (const Qt::MouseButton button : {Qt::RightButton, Qt::MiddleButton}) {
+            FreeBench bench(Interaction::LeftButtonOnly);
+            bench.diagram.SetSelectedSnippet({20.0, 40.0});
+            bench.recorder.Take();
+            ClickWith(bench.diagram, button, 700);
+            QTest::mouseDClick(&bench.diagram, button, {}, {700, 50});
+            QCOMPARE(bench.recorder.Take(), QStringList{});
+            QCOMPARE(bench.Selection(), Pair(20.0, 40.0));
+        }
+    }
+
+    void anotherButtonDoesNotEndADrag()
+    {
+        FreeBench bench(Interaction::LeftButtonOnly);
+        Press(bench.diagram, 100);
+        SendMouse(bench.diagram, QEvent::MouseMove, {300.0, 50.0}, Qt::LeftButton | Qt::RightButton);
+        QCOMPARE(bench.Selection(), Pair(10.05, 30.05));
+        QTest::mouseRelease(&bench.diagram, Qt::RightButton, {}, {350, 50});
+        Move(bench.diagram, 400);
+        QCOMPARE(bench.Selection(), Pair(10.05, 40.05));
+    }
+
+    void aMenuIsAskedForWithTheTimeUnderThePointer()
+    {
+        BGFXWaveformWidget widget;
+        widget.resize(600, 200);
+        auto& diagram = Access::DiagramOf(widget);
+        diagram.resize(500, 100);
+        QSignalSpy asked(&widget, &BGFXWaveformWidget::ContextMenuRequested);
+        QAudioFormat format;
+        format.setSampleRate(1000);
+        QVERIFY(!AskForMenu(diagram, {250, 20}));
+        widget.SetInteractions(Interaction::LeftButtonOnly);
+        QVERIFY(!AskForMenu(diagram, {250, 20}));
+        widget.Initilize(format, 50.0);
+        QVERIFY(AskForMenu(diagram, {250, 20}));
+        QCOMPARE(asked.size(), 1);
+        QCOMPARE(asked[0][0].toPoint(), diagram.mapToGlobal(QPoint(250, 20)));
+        QCOMPARE(asked[0][1].toDouble(), 25.05);
+    }
+
+    void aClearedSelectionIsForgotten()
+    {
+        FreeBench bench(Interaction::ForgetCleared);
+        bench.diagram.SetSelectedSnippet({10.0, 20.0});
+        bench.Click(500);
+        bench.recorder.Take();
+        bench.diagram.SetSelectionStartTime(15.0);
+        QCOMPARE(bench.recorder.Take(), (QStringList{u"SelectionChanged(15, 15)"_s, u"Update"_s}));
+        bench.diagram.SetSelectionEndTime(30.0);
+        QCOMPARE(bench.Selection(), Pair(15.0, 30.0));
+    }
+};
+
+QTEST_MAIN(TestInteractions)
+#include "tst_interactions.moc"

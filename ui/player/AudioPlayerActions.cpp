@@ -1,0 +1,242 @@
+#include <vantorAudioEngine/AudioPlayerActions.h>
+#include <vantorAudioEngine/AudioPlayerWidget.h>
+#include <vantorAudioEngine/BGFXWaveformWidget.h>
+
+#include <QtCore/QMetaEnum>
+#include <QtGui/QAction>
+#include <QtGui/QKeyEvent>
+#include <QtWidgets/QAbstractSlider>
+#include <QtWidgets/QComboBox>
+
+#include <algorithm>
+#include <array>
+
+namespace vantoraudio::vantorAudioEngine::UI {
+namespace {
+
+using Actions = AudioPlayerActions;
+
+constexpr double ShortSeek = 1.0;
+constexpr double LongSeek = 5.0;
+constexpr double EdgeStep = 0.01;
+/** Views are not zoomed in farther than the wheel zooms. */
+constexpr double FinestScale = 0.01;
+
+struct Entry
+{
+    Actions::Command command;
+    Actions::Group group;
+    const char* text;
+    QKeyCombination key;
+    const char* icon = nullptr;
+    bool isSwitch = false;
+};
+
+constexpr std::array Entries{
+    Entry{Actions::PlayPause, Actions::Playback, QT_TRANSLATE_NOOP("AudioPlayerActions", "Play or pause"),
+          Qt::Key_Space, "PlayerPlay"},
+    Entry{Actions::Stop, Actions::Playback, QT_TRANSLATE_NOOP("AudioPlayerActions", "Stop"),
+          QKeyCombination(Qt::ControlModifier, Qt::Key_Period), "PlayerStop"},
+    Entry{Actions::SeekBack, Actions::Playback, QT_TRANSLATE_NOOP("AudioPlayerActions", "One second back"),
+          Qt::Key_Left},
+    Entry{Actions::SeekForward, Actions::Playback, QT_TRANSLATE_NOOP("AudioPlayerActions", "One second forward"),
+          Qt::Key_Right},
+    Entry{Actions::SeekFarBack, Actions::Playback, QT_TRANSLATE_NOOP("AudioPlayerActions", "Five seconds back"),
+          QKeyCombination(Qt::ShiftModifier, Qt::Key_Left)},
+    Entry{Actions::SeekFarForward, Actions::Playback,
+          QT_TRANSLATE_NOOP("AudioPlayerActions", "Five seconds forward"),
+          QKeyCombination(Qt::ShiftModifier, Qt::Key_Right)},
+    Entry{Actions::GoToStart, Actions::Playback, QT_TRANSLATE_NOOP("AudioPlayerActions", "Go to the start"),
+          Qt::Key_Home},
+    Entry{Actions::GoToEnd, Actions::Playback, QT_TRANSLATE_NOOP("AudioPlayerActions", "Go to the end"),
+          Qt::Key_End},
+    Entry{Actions::Loop, Actions::Playback, QT_TRANSLATE_NOOP("AudioPlayerActions", "Loop"), Qt::Key_L,
+          "PlayerLoop", true},
+    Entry{Actions::Mute, Actions::Playback, QT_TRANSLATE_NOOP("AudioPlayerActions", "Mute"), Qt::Key_M, "Mute",
+          true},
+    Entry{Actions::ZoomIn, Actions::View, QT_TRANSLATE_NOOP("AudioPlayerActions", "Zoom in"), Qt::Key_Plus},
+    Entry{Actions::ZoomOut, Actions::View, QT_TRANSLATE_NOOP("AudioPlayerActions", "Zoom out"), Qt::Key_Minus},
+    Entry{Actions::ShowAll, Actions::View, QT_TRANSLATE_NOOP("AudioPlayerActions", "Show all"), Qt::Key_0},
+    Entry{Actions::ShowSelection, Actions::View, QT_TRANSLATE_NOOP("AudioPlayerActions", "Zoom to the selection"),
+          Qt::Key_Z},
+    Entry{Actions::StartHere, Actions::Selection,
+          QT_TRANSLATE_NOOP("AudioPlayerActions", "Start the selection at the position"), Qt::Key_BracketLeft},
+    Entry{Actions::EndHere, Actions::Selection,
+          QT_TRANSLATE_NOOP("AudioPlayerActions", "End the selection at the position"), Qt::Key_BracketRight},
+    Entry{Actions::MoveStartBack, Actions::Selection,
+          QT_TRANSLATE_NOOP("AudioPlayerActions", "Move the start back"),
+          QKeyCombination(Qt::ControlModifier, Qt::Key_Left)},
+    Entry{Actions::MoveStartForward, Actions::Selection,
+          QT_TRANSLATE_NOOP("AudioPlayerActions", "Move the start forward"),
+          QKeyCombination(Qt::ControlModifier, Qt::Key_Right)},
+    Entry{Actions::MoveEndBack, Actions::Selection, QT_TRANSLATE_NOOP("AudioPlayerActions", "Move the end back"),
+          QKeyCombination(Qt::ControlModifier | Qt::ShiftModifier, Qt::Key_Left)},
+    Entry{Actions::MoveEndForward, Actions::Selection,
+          QT_TRANSLATE_NOOP("AudioPlayerActions", "Move the end forward"),
+          QKeyCombination(Qt::ControlModifier | Qt::ShiftModifier, Qt::Key_Right)},
+    Entry{Actions::ClearSelection, Actions::Selection,
+          QT_TRANSLATE_NOOP("AudioPlayerActions", "Clear the selection"), Qt::Key_Escape},
+};
+
+bool MovesWithinAControl(int key)
+{
+    return key == Qt::Key_Left || key == Qt::Key_Right || key == Qt::Key_Home || key == Qt::Key_End;
+}
+
+} // namespace
+
+struct AudioPlayerActions::Internals
+{
+    AudioPlayerWidget& player;
+    /** By the number of their commands. */
+    std::array<QAction*, Entries.size()> actions{};
+};
+
+AudioPlayerActions::AudioPlayerActions(AudioPlayerWidget* player)
+    : QObject(player), m_internals(new Internals{*player})
+{
+    for (const Entry& entry : Entries) {
+        auto* action = new QAction(tr(entry.text), this);
+        action->setObjectName(QString::fromLatin1(QMetaEnum::fromType<Command>().valueToKey(entry.command)));
+        action->setShortcut(entry.key);
+        action->setCheckable(entry.isSwitch);
+        if (entry.icon) {
+            action->setIcon(
+                QIcon(QStringLiteral(":/Resources/vantoraudio%1_day.svg").arg(QLatin1String(entry.icon))));
+        }
+        connect(action, &QAction::triggered, this, [this, command = entry.command] { Do(command); });
+        player->addAction(action);
+        m_internals->actions[entry.command] = action;
+    }
+    connect(player, &AudioPlayerWidget::LoopChanged, Get(Loop), &QAction::setChecked);
+    connect(player, &AudioPlayerWidget::AudioPlayBackMuteChanged, Get(Mute), &QAction::setChecked);
+    for (QWidget* control : player->findChildren<QWidget*>()) {
+        if (qobject_cast<QAbstractSlider*>(control) || qobject_cast<QComboBox*>(control)) {
+            control->installEventFilter(this);
+        }
+    }
+}
+
+AudioPlayerActions::~AudioPlayerActions() = default;
+
+QAction* AudioPlayerActions::Get(Command command) const
+{
+    return m_internals->actions[command];
+}
+
+QList<QAction*> AudioPlayerActions::All(Group group) const
+{
+    QList<QAction*> actions;
+    for (const Entry& entry : Entries) {
+        if (entry.group == group) {
+            actions.append(Get(entry.command));
+        }
+    }
+    return actions;
+}
+
+bool AudioPlayerActions::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::ShortcutOverride) {
+        const auto* keyEvent = static_cast<QKeyEvent*>(event);
+        if (keyEvent->modifiers() == Qt::NoModifier && MovesWithinAControl(keyEvent->key())) {
+            event->accept();
+            return true;
+        }
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+void AudioPlayerActions::Do(Command command)
+{
+    AudioPlayerWidget& player = m_internals->player;
+    const double position = player.GetAudioPosition();
+    const double duration = player.GetAudioDuration();
+    const auto [start, end] = player.GetSelectedSnippet();
+    const bool hasSelection = start < end;
+    switch (command) {
+    case PlayPause:
+        return player.IsPlaying() ? player.Pause() : player.Play();
+    case Stop:
+        return player.OnBtnStopClicked();
+    case SeekBack:
+        return SeekTo(position - ShortSeek);
+    case SeekForward:
+        return SeekTo(position + ShortSeek);
+    case SeekFarBack:
+        return SeekTo(position - LongSeek);
+    case SeekFarForward:
+        return SeekTo(position + LongSeek);
+    case GoToStart:
+        return SeekTo(0.0);
+    case GoToEnd:
+        return SeekTo(duration);
+    case Loop:
+        return player.SetLoop(Get(Loop)->isChecked());
+    case Mute:
+        return player.SetAudioPlayBackMute(Get(Mute)->isChecked());
+    case ZoomIn:
+        return Zoom(0.5);
+    case ZoomOut:
+        return Zoom(2.0);
+    case ShowAll:
+        return player.ShowRange(0.0, duration + player.GetDelay());
+    case ShowSelection:
+        return player.ShowRange(start, end);
+    case StartHere:
+        return Select(position, hasSelection && position < end ? end : duration);
+    case EndHere:
+        return Select(hasSelection && start < position ? start : 0.0, position);
+    case MoveStartBack:
+        return MoveEdges(-EdgeStep, 0.0);
+    case MoveStartForward:
+        return MoveEdges(EdgeStep, 0.0);
+    case MoveEndBack:
+        return MoveEdges(0.0, -EdgeStep);
+    case MoveEndForward:
+        return MoveEdges(0.0, EdgeStep);
+    case ClearSelection:
+        return player.ClearSelection();
+    }
+}
+
+void AudioPlayerActions::SeekTo(double position)
+{
+    AudioPlayerWidget& player = m_internals->player;
+    if (player.GetAudioDuration() > 0.0) {
+        player.UpdateAudioPosition(std::clamp(position, 0.0, player.GetAudioDuration()));
+    }
+}
+
+/** Around the position if it shows, otherwise around the middle of the view. */
+void AudioPlayerActions::Zoom(double factor)
+{
+    AudioPlayerWidget& player = m_internals->player;
+    const auto [left, right] = player.GetVisibleRange();
+    const double position = player.GetAudioPosition();
+    const double anchor = left <= position && position <= right ? position : left + (right - left) / 2.0;
+    const double newLeft = std::max(0.0, anchor - (anchor - left) * factor);
+    const double newRight =
+        std::min(player.GetAudioDuration() + player.GetDelay(), anchor + (right - anchor) * factor);
+    if (factor > 1.0 || BGFXWaveformWidget::CalculateScale(newRight - newLeft) > FinestScale) {
+        player.ShowRange(newLeft, newRight);
+    }
+}
+
+void AudioPlayerActions::Select(double start, double end)
+{
+    if (start < end) {
+        m_internals->player.SetSelectedSnippet({start, end});
+    }
+}
+
+void AudioPlayerActions::MoveEdges(double startStep, double endStep)
+{
+    const AudioPlayerWidget& player = m_internals->player;
+    const auto [start, end] = player.GetSelectedSnippet();
+    if (start < end) {
+        Select(std::max(0.0, start + startStep), std::min(player.GetAudioDuration(), end + endStep));
+    }
+}
+
+} // namespace vantoraudio::vantorAudioEngine::UI
