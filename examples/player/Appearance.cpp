@@ -117,6 +117,12 @@ void Appearance::ApplyTo(Player& player) const
 {
     ApplyTheme(theme);
     player.SetScrollBackToZoomOut(scrollBackToZoomOut);
+    ApplyColorsTo(player);
+}
+
+void Appearance::ApplyColorsTo(Player& player) const
+{
+    player.SetNightIcons(IsDark());
     for (std::size_t i = 0; i < roleCount; ++i) {
         (player.*roles[i].apply)(ColorOf(i));
     }

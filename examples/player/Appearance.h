@@ -44,4 +44,6 @@ struct Appearance
     bool IsDark() const;
     QColor ColorOf(std::size_t role) const;
     void ApplyTo(Player& player) const;
+    /** All but the theme: what follows a palette that changes while the program runs. */
+    void ApplyColorsTo(Player& player) const;
 };

@@ -13,6 +13,7 @@
 #include <QtGui/QDropEvent>
 #include <QtWidgets/QFileDialog>
 #include <QtWidgets/QLabel>
+#include <QtWidgets/QLineEdit>
 #include <QtWidgets/QStatusBar>
 #include <QtWidgets/QVBoxLayout>
 
@@ -51,8 +52,13 @@ PlayerWindow::~PlayerWindow()
 void PlayerWindow::BuildView()
 {
     m_player = new HostPlayer(this);
-    // The time fields are narrow for some systems' fonts.
-    m_player->setStyleSheet(u"#edCurrentPosition, #edTotalDuration { font-size: 8pt }"_s);
+    // These fields are narrow for some systems' fonts. Not by a style sheet: under one, the palette is frozen.
+    for (const auto& name : {u"edCurrentPosition"_s, u"edTotalDuration"_s}) {
+        auto* field = m_player->findChild<QLineEdit*>(name);
+        QFont small = field->font();
+        small.setPointSize(8);
+        field->setFont(small);
+    }
     m_player->SetEditMode(true);
     m_player->SetInteractions(Interaction::SelectBeyondView | Interaction::MoveFromInside |
                               Interaction::ExtendWithShift | Interaction::LeftButtonOnly |
@@ -305,4 +311,15 @@ void PlayerWindow::SetAppearance(const Appearance& appearance)
 {
     m_appearance = appearance;
     m_appearance.ApplyTo(*m_player);
+    m_actions->SetNightIcons(m_appearance.IsDark());
+}
+
+void PlayerWindow::changeEvent(QEvent* event)
+{
+    QMainWindow::changeEvent(event);
+    // The system's palette became dark or light.
+    if (event->type() == QEvent::PaletteChange && m_actions) {
+        m_appearance.ApplyColorsTo(*m_player);
+        m_actions->SetNightIcons(m_appearance.IsDark());
+    }
 }

@@ -74,6 +74,9 @@ public:
     /** In the order of the commands. */
     [[nodiscard]] QList<QAction*> All(Group group) const;
 
+    /** Icons for dark windows, or (as at first) for light ones. */
+    void SetNightIcons(bool night);
+
 protected:
     /** Leaves arrows, Home and End to the player's own sliders and boxes. */
     bool eventFilter(QObject* watched, QEvent* event) override;

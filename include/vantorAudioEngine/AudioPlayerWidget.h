@@ -218,6 +218,9 @@ public:
     void SetScaleColor(const QColor& color);
     void SetWaveformColor(const QColor& color);
 
+    /** Replaces all icons by this library's own, for dark windows or (as at first) for light ones. The settings
+     * button gets `:/Resources/vantoraudioPreferences_night.svg` (or `_day.svg`), which the program embeds. */
+    void SetNightIcons(bool night);
     /** Play and pause share one button, which shows what a click does; so do mute and unmute, which show what is.
      */
     void SetIconPlay(const QIcon& icon);

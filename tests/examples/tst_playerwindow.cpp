@@ -29,6 +29,7 @@
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QDialogButtonBox>
 #include <QtWidgets/QLabel>
+#include <QtWidgets/QLineEdit>
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QProgressBar>
 #include <QtWidgets/QPushButton>
@@ -116,6 +117,46 @@ bool Activate(PlayerWindow& window)
 BGFXWaveformWidget* WaveformOf(PlayerWindow& window)
 {
     return window.findChild<BGFXWaveformWidget*>();
+}
+
+double Luminance(QRgb color)
+{
+    const auto linear = [](int component) {
+        const double value = component / 255.0;
+        return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(qRed(color)) + 0.7152 * linear(qGreen(color)) + 0.0722 * linear(qBlue(color));
+}
+
+/** Between the colour that covers most of a picture and the one that stands out most from it, as the Web Content
+ *  Accessibility Guidelines measure it. */
+double ContrastIn(const QImage& picture)
+{
+    QMap<QRgb, int> counts;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            ++counts[picture.pixel(x, y)];
+        }
+    }
+    const auto most = std::max_element(counts.cbegin(), counts.cend());
+    const double background = Luminance(most.key());
+    double contrast = 1.0;
+    for (auto color = counts.keyBegin(); color != counts.keyEnd(); ++color) {
+        const auto [darker, lighter] = std::minmax({background, Luminance(*color)});
+        contrast = std::max(contrast, (lighter + 0.05) / (darker + 0.05));
+    }
+    return contrast;
+}
+
+/** Where a control has its text or icon, without its border; empty for what shows neither. */
+QRect ContentOf(const QWidget& control)
+{
+    if (const auto* label = qobject_cast<const QLabel*>(&control)) {
+        return label->text().isEmpty() ? QRect() : control.rect();
+    }
+    const bool hasBorder = qobject_cast<const QPushButton*>(&control) ||
+                           qobject_cast<const QLineEdit*>(&control) || qobject_cast<const QComboBox*>(&control);
+    return hasBorder ? control.rect().adjusted(5, 4, -5, -4) : QRect();
 }
 
 QWidget* DiagramOf(PlayerWindow& window)
@@ -696,6 +737,47 @@ private Q_SLOTS:
         PlayerWindow again;
         QCOMPARE(again.size(), QSize(913, 517));
         QCOMPARE(ChildNamed<QSlider>(again, u"hSliderVolume"_s)->value(), 41);
+    }
+
+    void everythingIsReadable_data()
+    {
+        QTest::addColumn<int>("theme");
+        QTest::newRow("light") << int(Appearance::Theme::Light);
+        QTest::newRow("dark") << int(Appearance::Theme::Dark);
+    }
+
+    void everythingIsReadable()
+    {
+        QFETCH(const int, theme);
+        // First as at a start, then live: from the other theme to this one.
+        for (const bool isLive : {false, true}) {
+            Appearance appearance;
+            if (!isLive) {
+                appearance.theme = Appearance::Theme(theme);
+                appearance.Save();
+            }
+            PlayerWindow window;
+            window.show();
+            QVERIFY(OpenCompletely(window, Recording));
+            appearance.theme = Appearance::Theme(theme);
+            appearance.ApplyTo(*PlayerOf(window));
+            for (QWidget* control : PlayerOf(window)->findChildren<QWidget*>()) {
+                const QRect inside = ContentOf(*control);
+                if (control->isVisible() && control->isEnabled() && !inside.isEmpty()) {
+                    // A new palette reaches the controls by events.
+                    QTRY_VERIFY2(ContrastIn(control->grab(inside).toImage()) >= 4.5,
+                                 qPrintable(control->objectName()));
+                }
+            }
+            // The ruler above the diagram and the amplitudes beside it.
+            const QRect diagram = DiagramOf(window)->geometry();
+            for (const QRect& labels : {QRect(diagram.left(), 0, diagram.width(), diagram.top() - 8),
+                                        QRect(0, diagram.top(), diagram.left() - 2, diagram.height())}) {
+                QVERIFY(ContrastIn(WaveformOf(window)->grab(labels).toImage()) >= 4.5);
+            }
+            Appearance().ApplyTo(*PlayerOf(window));
+            Appearance().Save();
+        }
     }
 
     void everyKeyIsListedInHelp()

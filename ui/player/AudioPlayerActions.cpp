@@ -1,3 +1,5 @@
+#include "ui/player/LibraryIcon.h"
+
 #include <vantorAudioEngine/AudioPlayerActions.h>
 #include <vantorAudioEngine/AudioPlayerWidget.h>
 #include <vantorAudioEngine/BGFXWaveformWidget.h>
@@ -100,14 +102,11 @@ AudioPlayerActions::AudioPlayerActions(AudioPlayerWidget* player)
         action->setObjectName(QString::fromLatin1(QMetaEnum::fromType<Command>().valueToKey(entry.command)));
         action->setShortcut(entry.key);
         action->setCheckable(entry.isSwitch);
-        if (entry.icon) {
-            action->setIcon(
-                QIcon(QStringLiteral(":/Resources/vantoraudio%1_day.svg").arg(QLatin1String(entry.icon))));
-        }
         connect(action, &QAction::triggered, this, [this, command = entry.command] { Do(command); });
         player->addAction(action);
         m_internals->actions[entry.command] = action;
     }
+    SetNightIcons(false);
     connect(player, &AudioPlayerWidget::LoopChanged, Get(Loop), &QAction::setChecked);
     connect(player, &AudioPlayerWidget::AudioPlayBackMuteChanged, Get(Mute), &QAction::setChecked);
     for (QWidget* control : player->findChildren<QWidget*>()) {
@@ -133,6 +132,15 @@ QList<QAction*> AudioPlayerActions::All(Group group) const
         }
     }
     return actions;
+}
+
+void AudioPlayerActions::SetNightIcons(bool night)
+{
+    for (const Entry& entry : Entries) {
+        if (entry.icon) {
+            Get(entry.command)->setIcon(LibraryIcon(QLatin1StringView(entry.icon), night));
+        }
+    }
 }
 
 bool AudioPlayerActions::eventFilter(QObject* watched, QEvent* event)

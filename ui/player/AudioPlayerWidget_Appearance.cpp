@@ -1,9 +1,12 @@
 #include "ui/player/Internals.h"
+#include "ui/player/LibraryIcon.h"
 
 #include <vantorAudioEngine/AudioPlayerWidget.h>
 #include <vantorAudioEngine/BGFXWaveformWidget.h>
 
 #include <QtWidgets/QPushButton>
+
+using namespace Qt::Literals::StringLiterals;
 
 namespace vantoraudio::vantorAudioEngine::UI {
 
@@ -45,6 +48,21 @@ void AudioPlayerWidget::SetScaleColor(const QColor& color)
 void AudioPlayerWidget::SetWaveformColor(const QColor& color)
 {
     m_waveformWidget->SetWaveformColor(color);
+}
+
+void AudioPlayerWidget::SetNightIcons(bool night)
+{
+    const auto icon = [night](QLatin1StringView name) { return LibraryIcon(name, night); };
+    SetIconPlay(icon("PlayerPlay"_L1));
+    SetIconPause(icon("PlayerPause"_L1));
+    SetIconStop(icon("PlayerStop"_L1));
+    SetIconLoop(icon("PlayerLoop"_L1));
+    SetIconSettings(icon("Preferences"_L1));
+    SetIconMute(icon("Mute"_L1));
+    SetIconUnmute(icon("Unmute"_L1));
+    SetIconLoad(icon("LoadAudio"_L1));
+    SetIconIncrement(icon("DigitalPlus"_L1));
+    SetIconDecrement(icon("DigitalMinus"_L1));
 }
 
 void AudioPlayerWidget::SetIconPlay(const QIcon& icon)

@@ -1,4 +1,5 @@
 #include "ui/player/Internals.h"
+#include "ui/player/LibraryIcon.h"
 
 #include <vantorAudioEngine/AudioPlayer.h>
 #include <vantorAudioEngine/AudioPlayerWidget.h>
@@ -19,11 +20,6 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace vantoraudio::vantorAudioEngine::UI {
 namespace {
-
-QIcon LoadIcon(QLatin1StringView name)
-{
-    return QIcon(u":/Resources/vantoraudio"_s + name + u"_day.svg"_s);
-}
 
 template<typename Layout>
 Layout* CreateLayout(const char* name, const QMargins& margins)
@@ -132,15 +128,15 @@ void AudioPlayerWidget::SetupUi()
 
 void AudioPlayerWidget::Internals::LoadIcons()
 {
-    widget.m_loadIcon = LoadIcon("LoadAudio"_L1);
-    widget.m_playIcon = LoadIcon("PlayerPlay"_L1);
-    widget.m_pauseIcon = LoadIcon("PlayerPause"_L1);
-    widget.m_stopIcon = LoadIcon("PlayerStop"_L1);
-    widget.m_loopIcon = LoadIcon("PlayerLoop"_L1);
+    widget.m_loadIcon = LibraryIcon("LoadAudio"_L1);
+    widget.m_playIcon = LibraryIcon("PlayerPlay"_L1);
+    widget.m_pauseIcon = LibraryIcon("PlayerPause"_L1);
+    widget.m_stopIcon = LibraryIcon("PlayerStop"_L1);
+    widget.m_loopIcon = LibraryIcon("PlayerLoop"_L1);
     // This library has no such picture: the program decides what the settings button does, and brings its icon.
-    widget.m_settingsIcon = LoadIcon("Preferences"_L1);
-    widget.m_muteIcon = LoadIcon("Mute"_L1);
-    widget.m_unmuteIcon = LoadIcon("Unmute"_L1);
+    widget.m_settingsIcon = LibraryIcon("Preferences"_L1);
+    widget.m_muteIcon = LibraryIcon("Mute"_L1);
+    widget.m_unmuteIcon = LibraryIcon("Unmute"_L1);
 }
 
 void AudioPlayerWidget::Internals::SetupWaveform()
@@ -288,10 +284,10 @@ QFrame* AudioPlayerWidget::Internals::SetupSelectionStart(QWidget* parent)
     // A point here, where the other fields start with a comma.
     controls.edSelectionStart = CreateTimeField(frame, "edSelectionStart", {106, 22}, u"00:00:00.000"_s);
     controls.btnDecSelectionStart =
-        CreateStepButton(frame, "btnDecSelectionStart", LoadIcon("DigitalMinus"_L1),
+        CreateStepButton(frame, "btnDecSelectionStart", LibraryIcon("DigitalMinus"_L1),
                          AudioPlayerWidget::tr("Use CTRL / CMD for coarse decrements"));
     controls.btnIncSelectionStart =
-        CreateStepButton(frame, "btnIncSelectionStart", LoadIcon("DigitalPlus"_L1),
+        CreateStepButton(frame, "btnIncSelectionStart", LibraryIcon("DigitalPlus"_L1),
                          AudioPlayerWidget::tr("Use CTRL / CMD for coarse increments"));
     layout->addWidget(controls.edSelectionStart);
     layout->addWidget(controls.btnDecSelectionStart);
@@ -306,9 +302,9 @@ QFrame* AudioPlayerWidget::Internals::SetupSelectionEnd(QWidget* parent)
     QFrame* frame = CreateFrame(parent, "frmSelectionEnd");
     auto* layout = CreateLayoutOn<QHBoxLayout>(frame, "selectionEndHLayout", {});
     controls.edSelectionEnd = CreateTimeField(frame, "edSelectionEnd", {106, 22}, u"00:00:00.000"_s);
-    controls.btnDecSelectionEnd = CreateStepButton(frame, "btnDecSelectionEnd", LoadIcon("DigitalMinus"_L1),
+    controls.btnDecSelectionEnd = CreateStepButton(frame, "btnDecSelectionEnd", LibraryIcon("DigitalMinus"_L1),
                                                    AudioPlayerWidget::tr("Use CTRL / CMD for coarse decrements"));
-    controls.btnIncSelectionEnd = CreateStepButton(frame, "btnIncSelectionEnd", LoadIcon("DigitalPlus"_L1),
+    controls.btnIncSelectionEnd = CreateStepButton(frame, "btnIncSelectionEnd", LibraryIcon("DigitalPlus"_L1),
                                                    AudioPlayerWidget::tr("Use CTRL / CMD for coarse increments"));
     layout->addWidget(controls.edSelectionEnd);
     layout->addWidget(controls.btnDecSelectionEnd);
