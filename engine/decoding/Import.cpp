@@ -1,5 +1,7 @@
 #include "engine/decoding/Import.h"
 
+#include "engine/samples/ResamplerRates.h"
+
 #include <QtCore/QScopeGuard>
 
 #include <algorithm>
@@ -87,6 +89,9 @@ Import::Problem Import::CheckAhead()
     }
     const AVCodecParameters& source = *m_stream.Stream().codecpar;
     const int sampleRate = m_options.sampleRate > 0 ? m_options.sampleRate : source.sample_rate;
+    if (!CanBeResampled(source.sample_rate, sampleRate)) {
+        return Problem::UnsupportedRate;
+    }
     QAudioFormat format = OutputFormat(sampleRate, source.ch_layout.nb_channels);
     m_length = {m_stream.Duration(), m_stream.IsDurationCertain()};
     m_batchSize = qBound(leastBatchSize, batchSize * source.sample_rate / sampleRate, batchSize);

@@ -1,5 +1,7 @@
 #include "engine/samples/FrameResampler.h"
 
+#include "engine/samples/ResamplerRates.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstring>
@@ -107,7 +109,7 @@ bool FrameResampler::StartAgain(const AVFrame& frame)
         swr_alloc_set_opts2(&resampler, &m_target.layout, m_target.sampleFormat, m_target.sampleRate, &m_layout,
                             AVSampleFormat(m_sampleFormat), m_sampleRate, 0, nullptr);
     m_resampler.reset(resampler);
-    if (status < 0) {
+    if (status < 0 || !CanBeResampled(m_sampleRate, m_target.sampleRate)) {
         return false;
     }
     // FFmpeg does not know how to mix some layouts, such as ten channels without names.

@@ -1,6 +1,7 @@
 #include "engine/samples/PcmResampler.h"
 
 #include "engine/samples/FFmpegPointers.h"
+#include "engine/samples/ResamplerRates.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -113,7 +114,8 @@ bool PcmResampler::Data::SetUp()
     // FFmpeg may accept a missing sample format where it has nothing to resample.
     const bool hasFormats =
         m_source.sampleFormat != AV_SAMPLE_FMT_NONE && m_target.sampleFormat != AV_SAMPLE_FMT_NONE;
-    return (hasFormats && swr_init(m_context.get()) >= 0) ||
+    return (hasFormats && CanBeResampled(m_source.sampleRate, m_target.sampleRate) &&
+            swr_init(m_context.get()) >= 0) ||
            Complain("Failed to initialize the resampling context\n");
 }
 

@@ -75,6 +75,27 @@ private Q_SLOTS:
         QTEST(resampler.BlockFrames(), "blockFrames");
     }
 
+    void refusesRatesWhoseFilterWouldBeHuge_data()
+    {
+        QTest::addColumn<int>("sourceRate");
+        QTest::addColumn<int>("targetRate");
+        QTest::addColumn<bool>("isReady");
+        QTest::addRow("the usual ones") << 192000 << 8000 << true;
+        QTest::addRow("the highest to a low one") << 768000 << 8000 << true;
+        QTest::addRow("without a common divisor") << 768000 << 8001 << true;
+        QTest::addRow("a whole multiple") << 8000000 << 8000 << true;
+        QTest::addRow("gigabytes of filter") << 1860000001 << 192000 << false;
+        QTest::addRow("1000 times the rate") << 44100001 << 44100 << false;
+        QTest::addRow("more taps than an int counts") << 2147483647 << 1 << false;
+    }
+    void refusesRatesWhoseFilterWouldBeHuge()
+    {
+        QFETCH(const int, sourceRate);
+        QFETCH(const int, targetRate);
+        const PcmResampler resampler(Mono(sourceRate), Mono(targetRate), 1024);
+        QTEST(resampler.IsReady(), "isReady");
+    }
+
     void takesNoLargerBlocksThanAnnounced()
     {
         QCOMPARE(PcmResampler(Mono(44100), Mono(48000), 7).BlockFrames(), 7);

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <algorithm>
+#include <numeric>
+
+namespace vantoraudio::AudioEngine {
+
+/**
+ * Whether FFmpeg's resampler may be set up for two rates in Hz. Its filter grows with the ratio by which the rate
+ * falls: from 1.9 GHz to 192 kHz it takes gigabytes and most of a minute. Refused is what takes more than some 32
+ * MB, which no ratio below 200 does. Rates that are not above 0 are left to FFmpeg, which refuses them.
+ */
+[[nodiscard]] inline bool CanBeResampled(int sourceRate, int targetRate)
+{
+    if (sourceRate < 1 || targetRate < 1) {
+        return true;
+    }
+    constexpr double mostCoefficients = 1 << 23;
+    constexpr int mostPhases = 1024;
+    constexpr double tapsOfEqualRates = 32.0;
+    constexpr double passedPart = 0.97;
+    const double taps = tapsOfEqualRates * std::max(1.0, double(sourceRate) / (double(targetRate) * passedPart));
+    const int phases = std::min(mostPhases, targetRate / std::gcd(sourceRate, targetRate));
+    return taps * phases <= mostCoefficients;
+}
+
+} // namespace vantoraudio::AudioEngine
