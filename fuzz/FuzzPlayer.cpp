@@ -1,0 +1,364 @@
+#include "fuzz/WidgetFuzzing.h"
+
+#include <vantorAudioEngine/AudioPlayerWidget.h>
+
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QPointer>
+#include <QtCore/QThreadPool>
+#include <QtMultimedia/QMediaDevices>
+#include <QtWidgets/QAbstractButton>
+#include <QtWidgets/QComboBox>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QSlider>
+
+#include <cmath>
+#include <functional>
+
+using namespace vantoraudio::vantorAudioEngine::UI;
+using Fuzzing::Require;
+
+namespace {
+
+class FuzzedPlayer : public AudioPlayerWidget
+{
+public:
+    std::function<void()> onError;
+
+protected:
+    void ErrorHandler(WavFile::AudioEngineReturnValue error) override
+    {
+        Require(error <= WavFile::Success && error >= WavFile::ErrorChannelCount);
+        // A copy: the function may destroy this object.
+        const auto function = onError;
+        function();
+    }
+};
+
+/** Calls the widget in any order, and again from within its signals, which may also destroy it. */
+class PlayerDriver
+{
+public:
+    explicit PlayerDriver(Fuzzing::Input& input) : m_input(input)
+    {
+        constexpr std::size_t mostForCalls = 300;
+        const std::size_t forCalls = std::min(mostForCalls, input.remaining_bytes() / 2);
+        m_files.append(Fuzzing::Folder::Get().Write(QStringLiteral("in.wav"),
+                                                    input.Bytes(input.remaining_bytes() - forCalls)));
+        m_files.append(Fuzzing::Folder::Get().Write(QStringLiteral("in.mp3"),
+                                                    Fuzzing::Folder::Get().Read(QStringLiteral("in.wav"))));
+        m_files.append(Fuzzing::Folder::Get().Path(QStringLiteral("missing.wav")));
+        Require(QDir().mkpath(Fuzzing::Folder::Get().Path(QStringLiteral("copies"))));
+        Connect();
+    }
+    ~PlayerDriver()
+    {
+        delete m_player;
+        QThreadPool::globalInstance()->waitForDone();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    Q_DISABLE_COPY_MOVE(PlayerDriver)
+
+    void Run()
+    {
+        constexpr int mostCalls = 60;
+        for (int i = 0; i < mostCalls && m_player && m_input.remaining_bytes() > 0; ++i) {
+            Call();
+            CheckGetters();
+        }
+    }
+
+private:
+    /** How the widget is destroyed from within a signal. Those that its waveform or its player began still need
+     * it.
+     */
+    enum class Goes
+    {
+        AtOnce,
+        Later
+    };
+
+    void Connect()
+    {
+        m_player->SetWritableDirectoryPath(Fuzzing::Folder::Get().Path(QStringLiteral("copies")));
+        m_player->resize(500, 250);
+        m_player->onError = [this] { CallBack(Goes::AtOnce); };
+        const auto upon = [this](auto signal, Goes goes) {
+            QObject::connect(m_player, signal, m_player, [this, goes] { CallBack(goes); });
+        };
+        upon(&AudioPlayerWidget::AudioFileChanged, Goes::AtOnce);
+        upon(&AudioPlayerWidget::ProgressChanged, Goes::AtOnce);
+        upon(&AudioPlayerWidget::CreateSnippetFinished, Goes::AtOnce);
+        upon(&AudioPlayerWidget::BusyChanged, Goes::AtOnce);
+        upon(&AudioPlayerWidget::LoadStarted, Goes::AtOnce);
+        upon(&AudioPlayerWidget::LoadFinished, Goes::AtOnce);
+        upon(&AudioPlayerWidget::LoadFailed, Goes::AtOnce);
+        upon(&AudioPlayerWidget::LoadCancelled, Goes::AtOnce);
+        upon(&AudioPlayerWidget::AudioPositionChanged, Goes::Later);
+        upon(&AudioPlayerWidget::WaveFormSelectionChanged, Goes::Later);
+        upon(&AudioPlayerWidget::AudioPlayBackVolumeChanged, Goes::Later);
+        upon(&AudioPlayerWidget::AudioPlayBackMuteChanged, Goes::Later);
+        upon(&AudioPlayerWidget::SceneRectChanged, Goes::Later);
+    }
+
+    void Call()
+    {
+        switch (m_input.ConsumeIntegralInRange(0, 9)) {
+        case 0:
+        case 1:
+            Load();
+            break;
+        case 2:
+            Wait();
+            break;
+        case 3:
+            Play();
+            break;
+        case 4:
+            Export();
+            break;
+        case 5:
+            Look();
+            break;
+        case 6:
+            Select();
+            break;
+        case 7:
+            Use();
+            break;
+        case 8:
+            ChangeSettings();
+            break;
+        default:
+            QCoreApplication::processEvents();
+        }
+    }
+
+    void Load()
+    {
+        const QString path = m_files[m_input.ConsumeIntegralInRange<qsizetype>(0, m_files.size() - 1)];
+        switch (m_input.ConsumeIntegralInRange(0, 6)) {
+        case 0:
+            m_player->SetAudioFile(m_files.first());
+            break;
+        case 1:
+            m_player->Reset();
+            break;
+        case 2:
+            m_player->Close();
+            break;
+        case 3:
+            m_player->CancelLoad();
+            break;
+        default:
+            m_player->LoadFile(path);
+        }
+    }
+
+    /** Until nothing is at work. What calls back from a signal may wait for what begins behind it. */
+    void Wait()
+    {
+        if (m_depth > 0) {
+            return;
+        }
+        QElapsedTimer patience;
+        patience.start();
+        while (m_player && (m_player->IsLoading() || m_player->IsBusy() || m_player->IsReadingSamples())) {
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 20);
+            Require(patience.elapsed() < 15000);
+        }
+    }
+
+    void Play()
+    {
+        switch (m_input.ConsumeIntegralInRange(0, 4)) {
+        case 0:
+            m_player->Play();
+            break;
+        case 1:
+            m_player->Pause();
+            break;
+        case 2:
+            m_player->StopPlayback();
+            break;
+        case 3:
+            m_player->SetAudioOutputDevice(m_input.ConsumeBool() ? QAudioDevice()
+                                                                 : QMediaDevices::defaultAudioOutput());
+            break;
+        default:
+            m_player->UpdateAudioPosition(Number());
+        }
+    }
+
+    void Export()
+    {
+        constexpr std::array channels{WavFile::ChannelLeft, WavFile::ChannelRight, WavFile::ChannelLeftRight,
+                                      WavFile::ChannelMono, WavFile::ChannelNone};
+        switch (m_input.ConsumeIntegralInRange(0, 3)) {
+        case 0:
+            m_player->CancelSnippet();
+            break;
+        case 1:
+            m_player->SetSelectedChannel(m_input.PickValueInArray(channels));
+            break;
+        default:
+            m_player->CreateSnippet(
+                m_input.ConsumeBool() ? Fuzzing::Folder::Get().Path(QStringLiteral("snippet.wav")) : QString());
+        }
+    }
+
+    void Look()
+    {
+        switch (m_input.ConsumeIntegralInRange(0, 3)) {
+        case 0:
+            m_player->SetDelay(Number());
+            break;
+        case 1:
+            Q_EMIT m_player->SceneRectChangeRequested(QRectF(Number(), 0.0, Number(), 1.0));
+            break;
+        case 2:
+            m_player->grab();
+            break;
+        default:
+            m_player->ShowRange(Number(), Number());
+        }
+    }
+
+    void Select()
+    {
+        m_player->SetEditMode(m_input.ConsumeBool());
+        if (m_player) {
+            m_player->SetSelectedSnippet({Number(), Number()});
+        }
+    }
+
+    /** As the user does. The load button would open a dialog and wait. */
+    void Use()
+    {
+        switch (m_input.ConsumeIntegralInRange(0, 5)) {
+        case 0:
+            if (auto* button = AnyChild<QAbstractButton>(); button->objectName() != u"btnLoadFile") {
+                button->click();
+            }
+            break;
+        case 1:
+            Fuzzing::SendKey(m_input, *m_player);
+            break;
+        case 2:
+            Fuzzing::SendKey(m_input, *AnyChild<QLineEdit>());
+            break;
+        case 3:
+            AnyChild<QSlider>()->setValue(m_input.ConsumeIntegral<std::int8_t>());
+            break;
+        case 4:
+            AnyChild<QComboBox>()->setCurrentIndex(m_input.ConsumeIntegralInRange(-1, 3));
+            break;
+        default:
+            UseWaveform();
+        }
+    }
+
+    void UseWaveform()
+    {
+        auto* diagram = m_player->findChild<QWidget*>(QStringLiteral("BGFXWaveformDiagramWidget"));
+        Require(diagram != nullptr);
+        if (m_input.ConsumeBool()) {
+            Fuzzing::SendWheel(m_input, *diagram);
+        } else {
+            Fuzzing::SendMouse(m_input, *diagram);
+        }
+    }
+
+    void ChangeSettings()
+    {
+        switch (m_input.ConsumeIntegralInRange(0, 5)) {
+        case 0:
+            m_player->SetAudioPlayBackVolume(m_input.ConsumeIntegral<int>());
+            break;
+        case 1:
+            m_player->SetAudioPlayBackMute(m_input.ConsumeBool());
+            break;
+        case 2:
+            m_player->SetDecodeToFloat(m_input.ConsumeBool());
+            break;
+        case 3:
+            m_player->SetHint(m_input.ConsumeBool() ? QString() : QStringLiteral("hint"));
+            break;
+        case 4:
+            m_player->resize(m_input.ConsumeIntegralInRange(0, 600), m_input.ConsumeIntegralInRange(0, 300));
+            break;
+        default:
+            m_player->SetWaveformColor(Fuzzing::AnyColor(m_input));
+        }
+    }
+
+    void CallBack(Goes goes)
+    {
+        constexpr int deepest = 2;
+        if (m_depth >= deepest || !m_player || m_input.remaining_bytes() == 0 || !m_input.ConsumeBool()) {
+            return;
+        }
+        if (m_input.ConsumeIntegralInRange(0, 31) == 0) {
+            Destroy(m_depth == 0 ? goes : Goes::Later);
+            return;
+        }
+        ++m_depth;
+        Call();
+        --m_depth;
+    }
+
+    void Destroy(Goes goes)
+    {
+        if (goes == Goes::AtOnce) {
+            delete m_player;
+        } else {
+            m_player->deleteLater();
+        }
+    }
+
+    template<typename Child>
+    Child* AnyChild()
+    {
+        const QList<Child*> children = m_player->findChildren<Child*>();
+        Require(!children.isEmpty());
+        return children[m_input.ConsumeIntegralInRange<qsizetype>(0, children.size() - 1)];
+    }
+
+    /** A widget may tell again what it is told, and its sums may exceed what a number holds. */
+    double Number()
+    {
+        const double number = m_input.Number();
+        m_wasToldTimes = m_wasToldTimes && std::abs(number) < Fuzzing::beyondAllFiles;
+        return number;
+    }
+
+    void CheckGetters() const
+    {
+        if (!m_player) {
+            return;
+        }
+        const auto [start, end] = m_player->GetSelectedSnippet();
+        Require(std::isfinite(start) && std::isfinite(end));
+        Require(!m_wasToldTimes || std::isfinite(m_player->GetDelay()));
+        Require(m_player->GetAudioPlayBackVolume() >= 0 && m_player->GetAudioPlayBackVolume() <= 100);
+        // A WAV file of SetAudioFile() that states no rate is as long as its header says: without end.
+        Require(std::isfinite(m_player->GetAudioDuration()) || m_player->GetAudioFileFormat().sampleRate() == 0);
+    }
+
+    Fuzzing::Input& m_input;
+    QStringList m_files;
+    QPointer<FuzzedPlayer> m_player = new FuzzedPlayer;
+    bool m_wasToldTimes = true;
+    int m_depth = 0;
+};
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    Fuzzing::EnsureApplication();
+    const Fuzzing::TimeLimit limit;
+    Fuzzing::Input input(data, size);
+    PlayerDriver(input).Run();
+    Fuzzing::Folder::Get().Clear();
+    return 0;
+}
