@@ -8,6 +8,7 @@
 #include <QtCore/QSet>
 #include <QtTest/QtTest>
 
+#include <algorithm>
 #include <cmath>
 
 using namespace Qt::Literals::StringLiterals;
@@ -38,6 +39,9 @@ private Q_SLOTS:
     void readsNoMoreThanThereIs();
     void importsOrRefuses_data() { BrokenFiles::AddRows(); }
     void importsOrRefuses();
+    void changesTheRateOrRefuses_data() { BrokenFiles::AddRows(); }
+    void changesTheRateOrRefuses();
+    void refusesRatesTooFarApartAtOnce();
 
 private:
     TemporaryFiles m_files;
@@ -100,6 +104,47 @@ void BrokenFilesTest::importsOrRefuses()
     QVERIFY(std::isfinite(wav.GetDuration()));
     QCOMPARE(wav.GetDataLength(), result.frameCount * wav.GetFileFormat().bytesPerFrame());
     QCOMPARE(EntriesOf(results.Path(QString())), QStringList{u"imported.wav"_s});
+}
+
+/** By both roads. */
+void BrokenFilesTest::changesTheRateOrRefuses()
+{
+    QFETCH(const File, file);
+    const TemporaryFiles results;
+    const QString path = m_files.Write(file.name, file.bytes);
+    const QString imported = results.Path(u"imported.wav"_s);
+    const ImportResult result = AudioImporter::ImportNow(path, imported, {.sampleRate = 44100});
+    QCOMPARE(QFile::exists(imported), result.IsSuccess());
+    QVERIFY(!result.IsSuccess() || result.sampleRate == 44100);
+
+    WavFile wav;
+    wav.SetLargeFiles(true);
+    const bool isStereo = wav.Open(path) == WavFile::Success && wav.GetFileFormat().channelCount() == 2;
+    if (isStereo) {
+        QAudioFormat target;
+        target.setSampleRate(44100);
+        target.setChannelCount(1);
+        target.setSampleFormat(QAudioFormat::Float);
+        const QString converted = results.Path(u"converted.wav"_s);
+        WavFile written;
+        written.SetLargeFiles(true);
+        QVERIFY(!wav.Convert(target, converted) || written.Open(converted) == WavFile::Success);
+    }
+    QCOMPARE(TemporaryFiles::Read(path), file.bytes);
+}
+
+/** The filter between them would take gigabytes and most of a minute. */
+void BrokenFilesTest::refusesRatesTooFarApartAtOnce()
+{
+    const auto& files = BrokenFiles::All();
+    const auto file = std::ranges::find(files, "sample rate 1860000001", &File::row);
+    QVERIFY(file != files.end());
+    const TemporaryFiles results;
+    const ImportResult result = AudioImporter::ImportNow(m_files.Write(file->name, file->bytes),
+                                                         results.Path(u"imported.wav"_s), {.sampleRate = 192000});
+    QCOMPARE(result.problem, Problem::UnsupportedRate);
+    QCOMPARE(result.Code(), WavFile::ErrorInvalidFormat);
+    QCOMPARE(EntriesOf(results.Path(QString())), QStringList());
 }
 
 QTEST_GUILESS_MAIN(BrokenFilesTest)

@@ -204,7 +204,7 @@ void AddFormats(Table& table)
 void AddRates(Table& table)
 {
     const QByteArray file = Stereo().Build();
-    for (const quint32 rate : {1U, 2U, 100U, 384000U, 384001U, 768000U, 1860000000U, 0x7FFFFFFFU}) {
+    for (const quint32 rate : {1U, 2U, 100U, 384000U, 384001U, 768000U, 1860000001U, 0x7FFFFFFFU}) {
         // The header is not doubted; the player copies what it can open.
         table.Add("sample rate", rate, With(file, 24, LittleEndian(rate)), WavFile::Success).loaded =
             Audio::Readable;
