@@ -60,7 +60,7 @@ public:
 
     void Run()
     {
-        constexpr int mostCalls = 60;
+        constexpr int mostCalls = 40;
         for (int i = 0; i < mostCalls && m_player && m_input.remaining_bytes() > 0; ++i) {
             Call();
             CheckGetters();

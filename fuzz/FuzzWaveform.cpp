@@ -26,12 +26,12 @@ public:
                          [this](double) { CallBack(); });
         QObject::connect(m_widget.get(), &BGFXWaveformWidget::SceneRectChanged, m_widget.get(),
                          [this](const QRectF&) { CallBack(); });
-        m_widget->resize(300, 120);
+        m_widget->resize(160, 90);
     }
 
     void Run()
     {
-        constexpr int mostCalls = 200;
+        constexpr int mostCalls = 60;
         for (int i = 0; i < mostCalls && m_input.remaining_bytes() > 0; ++i) {
             Call();
             CheckGetters();
@@ -116,7 +116,7 @@ private:
             m_widget->findChild<QScrollBar*>()->setValue(m_input.ConsumeIntegral<int>());
             break;
         case 2:
-            m_widget->resize(m_input.ConsumeIntegralInRange(0, 400), m_input.ConsumeIntegralInRange(0, 200));
+            m_widget->resize(m_input.ConsumeIntegralInRange(0, 200), m_input.ConsumeIntegralInRange(0, 120));
             break;
         default:
             Fuzzing::SendMouse(m_input, *diagram);
@@ -156,11 +156,8 @@ private:
 
     QList<float> AnySamples()
     {
-        QList<float> samples(m_input.ConsumeIntegralInRange(0, 3000));
-        const auto loudest = static_cast<float>(Number());
-        for (qsizetype i = 0; i < samples.size(); ++i) {
-            samples[i] = i % 3 == 0 ? loudest : -0.5F;
-        }
+        QList<float> samples(m_input.ConsumeIntegralInRange(0, 500), static_cast<float>(Number()));
+        samples.append({-0.5F, 0.5F});
         return samples;
     }
 

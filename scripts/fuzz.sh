@@ -25,21 +25,23 @@ export TMPDIR
 trap 'rm -rf "$TMPDIR"' EXIT
 
 fuzz() {
-  local target=$1 seeds=wav longest=4096 time=$seconds
+  local target=$1 seeds=wav longest=4096 time=$seconds piece=64
   local leaks=none session=()
   case $target in
     timetext | timescale | wavheader) time=$(((seconds + 2) / 3)) ;;
-    import | probe) seeds=audio longest=16384 ;;
-    waveform) leaks=widgets ;;
-    player) leaks=widgets session=(scripts/private-session.sh) ;;
+    import | probe) seeds=audio longest=16384 piece=2048 ;;
+    convert) piece=2048 ;;
+    waveform) leaks=widgets longest=512 ;;
+    player) leaks=widgets longest=2048 piece=2048 session=(scripts/private-session.sh) ;;
   esac
   mkdir -p "$build/corpus/$target"
-  # An input that hangs is found by -timeout, one that is too slow by the fuzzer itself. No input is longer than
-  # 16 KiB: whatever asks for more than 64 MiB at once trusts a size that some header states.
   # What Qt and its plug-ins keep until the program ends.
   [ "$leaks" = none ] || export LSAN_OPTIONS="suppressions=$PWD/fuzz/lsan.supp:print_suppressions=0"
+  # An input that hangs is found by -timeout, one that is too slow by the fuzzer itself. No input is longer than
+  # 16 KiB: what asks for more than 64 MiB at once trusts a size that some header states. FFmpeg's demuxers do, up to
+  # 2 GiB, without using it; so with FFmpeg only the memory in use counts.
   "${session[@]}" "$build/fuzz/fuzz_$target" -max_total_time="$time" -max_len="$longest" -timeout=20 \
-    -malloc_limit_mb=64 -rss_limit_mb=1024 -print_final_stats=1 \
+    -malloc_limit_mb="$piece" -rss_limit_mb=1024 -print_final_stats=1 \
     -artifact_prefix="$build/findings/$target-" "$build/corpus/$target" "$build/seeds/$seeds" \
     >"$build/logs/$target" 2>&1 || {
     tail -n 60 "$build/logs/$target"
