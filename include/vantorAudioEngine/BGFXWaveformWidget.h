@@ -156,10 +156,33 @@ public:
     {
         None,
         OpenGL,
-        Software
+        Software,
+        Bgfx
     };
-    /** None before the first waveform was painted. */
+    /** None before the first waveform was painted. Bgfx also while it starts; the processor draws meanwhile. */
     [[nodiscard]] static DrawingDevice GetDrawingDevice();
+    /** The same for people, not translated, for example "bgfx (Vulkan)". Empty for None. */
+    [[nodiscard]] static QString GetDrawingDeviceName();
+
+    /**
+     * Draws all waveforms of this process with a bgfx that the program runs itself, instead of one that is started
+     * for them. `bgfxFunctions` is what the program's bgfx_get_interface() returns and `bgfxVersion` its
+     * BGFX_API_VERSION, which must be that of the library. The views from `firstView` on, `viewCount` of them and
+     * at least two, belong to the waveforms: each picture takes two in one frame of the program; where there are
+     * too few, pictures wait for a later frame.
+     *
+     * The program goes on calling bgfx's frame() and passes on what it returns to HostFrameEnded(), a few times at
+     * least after each change of a waveform: a picture takes three frames. Call these functions on the GUI thread,
+     * which must be the one that bgfx's init() was called on. False leaves everything as it was: the library was
+     * built without bgfx, the version is another, bgfx is not running, or it cannot read pictures back.
+     */
+    static bool UseHostRenderer(const void* bgfxFunctions, quint32 bgfxVersion, quint16 firstView,
+                                quint16 viewCount);
+    /** What the program's last call of bgfx's frame() returned. Does nothing without UseHostRenderer(). */
+    static void HostFrameEnded(quint32 frame);
+    /** Gives back all that was made in the program's bgfx, which the program may shut down then. The waveforms
+     * choose a device by themselves again. Does nothing without UseHostRenderer(). */
+    static void LeaveHostRenderer();
 
 Q_SIGNALS:
     /** Samples are needed from `startTime` to `endTime`, one per `stepSize` frames. */

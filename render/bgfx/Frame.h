@@ -34,6 +34,8 @@ struct UniformValue
 {
     std::string name;
     std::array<float, 4> value{};
+
+    friend bool operator==(const UniformValue&, const UniformValue&) = default;
 };
 
 enum class Topology : std::uint8_t

@@ -22,6 +22,8 @@ struct DynamicVertexBufferHandle
 struct ProgramHandle
 {
     std::uint16_t idx = kInvalidHandle;
+
+    friend bool operator==(ProgramHandle, ProgramHandle) = default;
 };
 struct UniformHandle
 {
@@ -77,6 +79,8 @@ struct VertexLayout
     {
         return static_cast<std::uint16_t>(ColorOffset() + (hasColor ? 4 : 0));
     }
+
+    friend bool operator==(const VertexLayout&, const VertexLayout&) = default;
 };
 
 /** Bytes of the application. It belongs to the call that it is passed to. */

@@ -2,6 +2,7 @@
 
 #include "render/bgfx/DrawingDevice.h"
 
+#include <QtGui/QBackingStore>
 #include <QtGui/QPainter>
 
 #include <algorithm>
@@ -34,6 +35,18 @@ BGFXOffscreenWidget::BGFXOffscreenWidget(QWidget* parent, Qt::WindowFlags flags)
 {
     connect(&bgfx::DrawingDevice::Get(), &bgfx::DrawingDevice::AboutToShutDown, this,
             &BGFXOffscreenWidget::OnDeviceShutdown);
+    connect(&bgfx::DrawingDevice::Get(), &bgfx::DrawingDevice::PictureArrived, this,
+            [this](const QImage* picture) {
+                if (picture == &m_picture) {
+                    update();
+                }
+            });
+    bgfx::DrawingDevice::Get().AddView();
+}
+
+BGFXOffscreenWidget::~BGFXOffscreenWidget()
+{
+    bgfx::DrawingDevice::Get().RemoveView();
 }
 
 QImage* BGFXOffscreenWidget::FrameBuffer()
@@ -43,11 +56,20 @@ QImage* BGFXOffscreenWidget::FrameBuffer()
     }
     // Asked for again each time: the scale also changes when a window moves to another screen.
     const QSize size = ViewportRect().size();
-    if (size != m_picture.size()) {
+    const bool isNew = size != m_picture.size();
+    m_renderer.SetMayLag(!isNew && IsPaintedOnScreen());
+    if (isNew) {
         m_picture = QImage(size, QImage::Format_RGBA8888);
         m_picture.fill(Qt::transparent);
     }
     return m_picture.isNull() ? nullptr : &m_picture;
+}
+
+bool BGFXOffscreenWidget::IsPaintedOnScreen() const
+{
+    QPoint offset;
+    QBackingStore* screen = backingStore();
+    return isVisible() && screen && redirected(&offset) == screen->paintDevice();
 }
 
 QRect BGFXOffscreenWidget::ViewportRect() const
@@ -91,6 +113,7 @@ void BGFXOffscreenWidget::showEvent(QShowEvent* event)
 void BGFXOffscreenWidget::hideEvent(QHideEvent* event)
 {
     QWidget::hideEvent(event);
+    bgfx::DrawingDevice::Get().Forget(&m_picture);
     m_picture = {};
 }
 

@@ -12,6 +12,9 @@ namespace vantoraudio::vantor3DQt {
  *
  * The frame buffer follows the widget's size and its screen's scale. It needs no window of the widget's own, so
  * docking, reparenting, hiding and showing lose nothing.
+ *
+ * On the screen a device may show the former frame for a moment; the widget is painted once more when the latest
+ * one is there. All other pictures, as those of grab(), and the first one of each size are never late.
  */
 class BGFXOffscreenWidget : public QWidget
 {
@@ -19,6 +22,7 @@ class BGFXOffscreenWidget : public QWidget
 
 public:
     explicit BGFXOffscreenWidget(QWidget* parent = nullptr, Qt::WindowFlags flags = {});
+    ~BGFXOffscreenWidget() override;
 
 Q_SIGNALS:
     /** The drawing device shuts down: drop what was created on it; the next frame creates it again. */
@@ -42,6 +46,7 @@ protected:
     void hideEvent(QHideEvent* event) override;
 
 private:
+    [[nodiscard]] bool IsPaintedOnScreen() const;
     void OnDeviceShutdown();
 
     BGFXRenderer m_renderer;

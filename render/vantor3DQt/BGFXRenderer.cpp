@@ -28,6 +28,11 @@ const std::uint64_t BGFXRenderer::STATE_LINES = bgfx::BGFX_STATE_PT_LINES | Draw
 const std::uint64_t BGFXRenderer::STATE_LINESTRIP = bgfx::BGFX_STATE_PT_LINESTRIP | DrawOver;
 const std::uint64_t BGFXRenderer::STATE_TRANSPARENT = DrawOver;
 
+BGFXRenderer::~BGFXRenderer()
+{
+    bgfx::DrawingDevice::Get().Forget(m_frameBuffer);
+}
+
 bool BGFXRenderer::StartFrame(QImage* frameBuffer)
 {
     // A frame that an exception ended would turn up in this one, and so would the views of another widget.
@@ -85,7 +90,7 @@ void BGFXRenderer::Submit(const BGFXViewContext& view, std::vector<ColorVertex> 
 
 void BGFXRenderer::PresentSubmittedFrame(bool)
 {
-    bgfx::DrawingDevice::Get().DrawInto(*m_frameBuffer);
+    bgfx::DrawingDevice::Get().DrawInto(*m_frameBuffer, m_mayLag);
     bgfx::ClearFrame();
     m_vertices.clear();
 }

@@ -19,6 +19,11 @@ namespace vantoraudio::vantor3DQt {
 class BGFXRenderer
 {
 public:
+    BGFXRenderer() = default;
+    ~BGFXRenderer();
+    BGFXRenderer(const BGFXRenderer&) = delete;
+    BGFXRenderer& operator=(const BGFXRenderer&) = delete;
+
     /** Lines, one device pixel wide. Colours with an alpha below 1 let shine through what is drawn already; this
      *  holds for all three states. */
     static const std::uint64_t STATE_LINES;
@@ -37,8 +42,10 @@ public:
     /** `indices` are three a triangle; triangles with an index or a position out of range are left out. */
     void DrawTriangles(const BGFXViewContext& view, std::span<const vantor3D::Vertex::Pos3fColorRGBA> vertices,
                        std::span<const std::uint16_t> indices, std::uint64_t state);
-    /** Draws what was submitted since StartFrame() into the frame buffer, at once. A frame that finds the device
-     * lost leaves the former picture. */
+    /** Lets the following frames show up later than they are presented, see DrawingDevice::DrawInto(). */
+    void SetMayLag(bool mayLag) { m_mayLag = mayLag; }
+    /** Draws what was submitted since StartFrame() into the frame buffer, at once unless it may lag. A frame that
+     * finds the device lost leaves the former picture. */
     void PresentSubmittedFrame(bool waitForVerticalSync);
 
 private:
@@ -46,6 +53,7 @@ private:
                 std::uint64_t state);
 
     QImage* m_frameBuffer = nullptr;
+    bool m_mayLag = false;
     /** What the recorded draws refer to. */
     std::deque<std::vector<vantor3D::Vertex::Pos3fColorRGBA>> m_vertices;
 };

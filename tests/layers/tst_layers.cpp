@@ -156,6 +156,7 @@ private Q_SLOTS:
             << u"engine/(samples/(FFmpegPointers\\.h|(Frame|Pcm)Resampler\\.cpp)|decoding/(AudioStream|DecoderProbe)\\.cpp)"_s;
         QTest::addRow("OpenGL") << u"(QtOpenGL/|QtGui/QOpenGL|QtGui/QOffscreenSurface|GL/|GLES).*"_s
                                 << u"render/bgfx/device/OpenGL\\w*\\.(cpp|h)"_s;
+        QTest::addRow("bgfx") << u"(bgfx|bimg|bx)/.*"_s << u"render/bgfx/device/bgfx/BgfxApi\\.h"_s;
         // A format is plain data and part of several public functions; what plays or decodes is not.
         QTest::addRow("Qt Multimedia")
             << u"QtMultimedia/(?!QAudioFormat).*|QtMultimedia"_s

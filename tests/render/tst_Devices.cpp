@@ -149,6 +149,66 @@ private:
     BGFXRenderer m_renderer;
 };
 
+constexpr std::array<const char*, 6> SceneNames{"random strip", "dense strip", "lines",
+                                                "fan of lines", "triangles",   "lines far outside"};
+constexpr unsigned Seeds = 20;
+
+/** Draws one of the scenes at random into a picture of 200 by 200 pixels, the same for the same seed. */
+struct Scene
+{
+    int kind = 0;
+    unsigned seed = 0;
+
+    void operator()(BGFXRenderer& renderer, const BGFXViewContext& view) const
+    {
+        std::vector<Pos2f> points = RandomStrip(seed, 30, 200.0F);
+        std::vector<Line> lines;
+        std::vector<QPointF> corners;
+        for (std::size_t i = 0; kind == 5 && i + 1 < points.size(); i += 2)
+            Lengthen(points[i], points[i + 1], std::pow(10.0F, float(seed % 6)));
+        for (std::size_t i = 0; i + 1 < points.size(); ++i) {
+            const Pos2f start = kind == 3 ? Pos2f{100.0F, 100.0F} : points[i];
+            lines.push_back({{start.x, start.y, 0.0F}, {points[i + 1].x, points[i + 1].y, 0.0F}, White});
+            if (i < 6)
+                corners.emplace_back(qreal(points[i].x), qreal(points[i].y));
+        }
+        if (kind == 0)
+            DrawStrip(view, points);
+        else if (kind == 1)
+            DrawStrip(view, DenseStrip(seed, 500 * (seed + 1), 200.0F, 200.0F));
+        else if (kind == 4)
+            DrawTriangles(renderer, view, corners, White);
+        else
+            renderer.DrawLines(view, lines);
+    }
+};
+
+/** A second view in a part of the picture, translucent colours on translucent ones, and colours that run. */
+void DrawTranslucentLayers(BGFXRenderer& renderer, const BGFXViewContext& view)
+{
+    DrawStrip(view, {{0.0F, 5.0F}, {30.0F, 35.0F}, {60.0F, 8.0F}}, {0.9F, 0.2F, 0.4F, 0.6F});
+    DrawTriangles(renderer, view, {{5, 5}, {50, 8}, {20, 38}}, {0.3F, 0.7F, 0.9F, 0.5F});
+    const BGFXViewContext part(1);
+    part.SetViewport({10, 6, 30, 20});
+    part.SetTransform({}, PixelProjection({30, 20}));
+    part.SetClear(bgfx::BGFX_CLEAR_COLOR, 0x80c0ff80, 1.0F, 0);
+    const std::array running{ColorVertex(1.0F, 1.0F, {1.0F, 0.0F, 0.0F, 1.0F}),
+                             ColorVertex(28.0F, 3.0F, {0.0F, 1.0F, 0.0F, 0.5F}),
+                             ColorVertex(12.0F, 18.0F, {0.0F, 0.0F, 1.0F, 0.2F})};
+    renderer.DrawTriangles(part, running, std::array<std::uint16_t, 3>{0, 1, 2}, BGFXRenderer::STATE_TRANSPARENT);
+    renderer.DrawLines(part, std::array{Line{{-5.0F, 10.5F, 0.0F}, {40.0F, 10.5F, 0.0F}, White}});
+}
+
+int LargestDifference(const QImage& a, const QImage& b)
+{
+    int difference = a.size() == b.size() && a.format() == b.format() ? 0 : 255;
+    for (int y = 0; difference < 255 && y < a.height(); ++y) {
+        for (int i = 0; i < 4 * a.width(); ++i)
+            difference = std::max(difference, std::abs(a.constScanLine(y)[i] - b.constScanLine(y)[i]));
+    }
+    return difference;
+}
+
 } // namespace
 
 class tst_Devices : public QObject
@@ -184,6 +244,7 @@ private Q_SLOTS:
     void drawsMillionsOfVerticesInOnePass();
     void agreeToWithinAPixel_data();
     void agreeToWithinAPixel();
+    void bgfxCoversThePixelsOfOpenGL();
     void leavesTheHostsContextCurrent();
     void keepsTheHostsContextOutOfALossOfItsOwn();
 
@@ -193,6 +254,7 @@ private:
         QTest::addColumn<int>("device");
         QTest::newRow("OpenGL") << int(bgfx::device::Kind::OpenGL);
         QTest::newRow("Software") << int(bgfx::device::Kind::Software);
+        QTest::newRow("bgfx") << int(bgfx::device::Kind::Bgfx);
     }
 };
 
@@ -200,7 +262,7 @@ private:
     QFETCH(int, device);                                                                                          \
     const DeviceScope scope(static_cast<bgfx::device::Kind>(device));                                             \
     if (!scope.IsMade())                                                                                          \
-    QSKIP("this device cannot be had here")
+    QSKIP("this device is not built in, or cannot be had here")
 
 void tst_Devices::clearsToTheColourOfTheView()
 {
@@ -436,11 +498,9 @@ void tst_Devices::agreeToWithinAPixel_data()
 {
     QTest::addColumn<int>("kind");
     QTest::addColumn<unsigned>("seed");
-    const std::array<const char*, 6> kinds{"random strip", "dense strip", "lines",
-                                           "fan of lines", "triangles",   "lines far outside"};
-    for (int kind = 0; kind < int(kinds.size()); ++kind) {
-        for (unsigned seed = 0; seed < 20; ++seed)
-            QTest::addRow("%s %u", kinds[std::size_t(kind)], seed) << kind << seed;
+    for (int kind = 0; kind < int(SceneNames.size()); ++kind) {
+        for (unsigned seed = 0; seed < Seeds; ++seed)
+            QTest::addRow("%s %u", SceneNames[std::size_t(kind)], seed) << kind << seed;
     }
 }
 
@@ -448,39 +508,40 @@ void tst_Devices::agreeToWithinAPixel()
 {
     QFETCH(int, kind);
     QFETCH(unsigned, seed);
-    const auto draw = [&](BGFXRenderer& renderer, const BGFXViewContext& view) {
-        std::vector<Pos2f> points = RandomStrip(seed, 30, 200.0F);
-        std::vector<Line> lines;
-        std::vector<QPointF> corners;
-        for (std::size_t i = 0; kind == 5 && i + 1 < points.size(); i += 2)
-            Lengthen(points[i], points[i + 1], std::pow(10.0F, float(seed % 6)));
-        for (std::size_t i = 0; i + 1 < points.size(); ++i) {
-            const Pos2f start = kind == 3 ? Pos2f{100.0F, 100.0F} : points[i];
-            lines.push_back({{start.x, start.y, 0.0F}, {points[i + 1].x, points[i + 1].y, 0.0F}, White});
-            if (i < 6)
-                corners.emplace_back(qreal(points[i].x), qreal(points[i].y));
-        }
-        if (kind == 0)
-            DrawStrip(view, points);
-        else if (kind == 1)
-            DrawStrip(view, DenseStrip(seed, 500 * (seed + 1), 200.0F, 200.0F));
-        else if (kind == 4)
-            DrawTriangles(renderer, view, corners, White);
-        else
-            renderer.DrawLines(view, lines);
-    };
     std::array<QImage, 2> pictures;
     for (const auto type : {bgfx::device::Kind::OpenGL, bgfx::device::Kind::Software}) {
         const DeviceScope scope(type);
         if (!scope.IsMade())
             QSKIP("OpenGL cannot be had here");
-        pictures[type == bgfx::device::Kind::Software] = Picture({200, 200}, draw);
+        pictures[type == bgfx::device::Kind::Software] = Picture({200, 200}, Scene{kind, seed});
     }
     QVERIFY(!LitPixels(pictures[0]).empty());
     QCOMPARE(StrayPixels(pictures[0], pictures[1]), 0);
     QCOMPARE(StrayPixels(pictures[1], pictures[0]), 0);
     const double ratio = double(LitPixels(pictures[0]).size()) / double(LitPixels(pictures[1]).size());
     QVERIFY2(std::abs(ratio - 1.0) < 0.02, qPrintable(QString::number(ratio)));
+}
+
+void tst_Devices::bgfxCoversThePixelsOfOpenGL()
+{
+    std::array<std::vector<QImage>, 2> pictures;
+    for (const auto type : {bgfx::device::Kind::OpenGL, bgfx::device::Kind::Bgfx}) {
+        // Starting bgfx takes long, so one start serves for all scenes.
+        const DeviceScope scope(type);
+        if (!scope.IsMade())
+            QSKIP("OpenGL or bgfx is not built in, or cannot be had here");
+        std::vector<QImage>& drawn = pictures[type == bgfx::device::Kind::Bgfx];
+        for (int kind = 0; kind < int(SceneNames.size()); ++kind) {
+            for (unsigned seed = 0; seed < Seeds; ++seed)
+                drawn.push_back(Picture({200, 200}, Scene{kind, seed}));
+        }
+        drawn.push_back(Picture({60, 40}, &DrawTranslucentLayers, 0x204060ff));
+    }
+    for (std::size_t i = 0; i < pictures[0].size(); ++i) {
+        QVERIFY(!LitPixels(pictures[0][i]).empty());
+        const int difference = LargestDifference(pictures[0][i], pictures[1][i]);
+        QVERIFY2(difference <= 1, qPrintable(QStringLiteral("picture %1 by %2").arg(i).arg(difference)));
+    }
 }
 
 void tst_Devices::leavesTheHostsContextCurrent()

@@ -237,6 +237,8 @@ void BGFXWaveformWidget::SetWaveformColor(const QColor& color)
 BGFXWaveformWidget::DrawingDevice BGFXWaveformWidget::GetDrawingDevice()
 {
     switch (bgfx::DrawingDevice::Get().Kind()) {
+    case bgfx::device::Kind::Bgfx:
+        return DrawingDevice::Bgfx;
     case bgfx::device::Kind::OpenGL:
         return DrawingDevice::OpenGL;
     case bgfx::device::Kind::Software:
@@ -245,6 +247,40 @@ BGFXWaveformWidget::DrawingDevice BGFXWaveformWidget::GetDrawingDevice()
         break;
     }
     return DrawingDevice::None;
+}
+
+QString BGFXWaveformWidget::GetDrawingDeviceName()
+{
+    switch (GetDrawingDevice()) {
+    case DrawingDevice::Bgfx: {
+        const QString renderer = bgfx::DrawingDevice::Get().RendererName();
+        return renderer.isEmpty() ? QStringLiteral("bgfx") : QStringLiteral("bgfx (%1)").arg(renderer);
+    }
+    case DrawingDevice::OpenGL:
+        return QStringLiteral("OpenGL");
+    case DrawingDevice::Software:
+        return QStringLiteral("Software");
+    case DrawingDevice::None:
+        break;
+    }
+    return {};
+}
+
+bool BGFXWaveformWidget::UseHostRenderer(const void* bgfxFunctions, quint32 bgfxVersion, quint16 firstView,
+                                         quint16 viewCount)
+{
+    return bgfx::DrawingDevice::Get().UseHost(
+        {.functions = bgfxFunctions, .version = bgfxVersion, .firstView = firstView, .viewCount = viewCount});
+}
+
+void BGFXWaveformWidget::HostFrameEnded(quint32 frame)
+{
+    bgfx::DrawingDevice::Get().OnHostFrame(frame);
+}
+
+void BGFXWaveformWidget::LeaveHostRenderer()
+{
+    bgfx::DrawingDevice::Get().LeaveHost();
 }
 
 void BGFXWaveformWidget::OnSceneRectChangeRequested(const QRectF& rect)

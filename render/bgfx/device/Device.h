@@ -9,13 +9,14 @@
 
 /**
  * The seam between what records a frame and what draws it. A device gets a recorded frame and a target, nothing
- * else: bgfx itself, for example, would be one more of them.
+ * else.
  */
 namespace vantoraudio::bgfx::device {
 
 enum class Kind : std::uint8_t
 {
     None,
+    Bgfx,
     OpenGL,
     Software
 };
@@ -33,6 +34,20 @@ public:
      * view covers becomes transparent black. False: the device is lost, or has no memory for such a picture. The
      * picture is as it was then, and the device is not asked again. */
     virtual bool Draw(const Frame& frame, QImage& picture) = 0;
+
+    // What follows is for devices whose pictures take their time.
+
+    /** As Draw(), but `picture` may get a former frame of its own, or the processor's drawing; the device tells
+     * when it is worth drawing the frame again. Such pictures stay where they are until Forget(). */
+    virtual bool DrawSoon(const Frame& frame, QImage& picture) { return Draw(frame, picture); }
+    /** Gives back what is kept for a picture, which may be gone already. */
+    virtual void Forget(const QImage*) {}
+    /** Waits until the device draws by itself. False when it cannot. */
+    virtual bool WaitUntilReady() { return true; }
+    /** What a device that has a choice draws with; empty for others, and while it is being found out. */
+    [[nodiscard]] virtual QString RendererName() const { return {}; }
+    /** A renderer that the host runs has ended a frame with this number. */
+    virtual void OnHostFrame(std::uint32_t) {}
 };
 
 /** Null where no usable OpenGL context can be made (no such platform, too old, no application object) or none that
