@@ -98,6 +98,7 @@ private:
     void ShowWhatCanBeExported();
 
     void AskForSettings();
+    void ShowAbout();
     void SetAppearance(const Appearance& appearance);
 
     WorkingFolder m_workingFolder;

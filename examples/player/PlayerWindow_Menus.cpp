@@ -2,12 +2,16 @@
 #include "HostPlayer.h"
 #include "PlayerWindow.h"
 
+#include <vantorAudioEngine/BGFXWaveformWidget.h>
+#include <vantorAudioEngine/Version.h>
+
 #include <QtGui/QAction>
 #include <QtWidgets/QDialog>
 #include <QtWidgets/QDialogButtonBox>
 #include <QtWidgets/QFormLayout>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QMenuBar>
+#include <QtWidgets/QMessageBox>
 #include <QtWidgets/QStyle>
 
 using namespace Qt::Literals::StringLiterals;
@@ -54,6 +58,17 @@ void PlayerWindow::ShowShortcuts()
     connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
     table->addRow(buttons);
     dialog.exec();
+}
+
+void PlayerWindow::ShowAbout()
+{
+    using namespace vantoraudio;
+    using Waveform = vantorAudioEngine::UI::BGFXWaveformWidget;
+    auto* box = new QMessageBox(QMessageBox::Information, tr("About"),
+                                u"vantorAudioEngine "_s + AudioEngine::libVersionString(), QMessageBox::Ok, this);
+    box->setInformativeText(tr("The waveform is drawn by %1.").arg(Waveform::GetDrawingDeviceName()));
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->open();
 }
 
 void PlayerWindow::ShowContextMenu(const QPoint& globalPosition)

@@ -31,6 +31,7 @@
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QMenu>
+#include <QtWidgets/QMessageBox>
 #include <QtWidgets/QProgressBar>
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QSlider>
@@ -670,6 +671,24 @@ private Q_SLOTS:
         const QString module = QString::fromLatin1(plug.readAllStandardOutput()).trimmed();
         QCOMPARE(QProcess::execute(u"pactl"_s, {u"unload-module"_s, module}), 0);
         QTRY_COMPARE(count(), before);
+    }
+
+    void theAboutBoxNamesTheDrawingDevice()
+    {
+        PlayerWindow window;
+        QVERIFY(OpenCompletely(window, Recording));
+        window.grab();
+        const QString device = BGFXWaveformWidget::GetDrawingDeviceName();
+        QVERIFY(!device.isEmpty());
+        for (QAction* action : window.findChildren<QAction*>()) {
+            if (action->text().contains(u"About"_s)) {
+                action->trigger();
+            }
+        }
+        auto* box = window.findChild<QMessageBox*>();
+        QVERIFY(box);
+        QVERIFY2(box->informativeText().contains(device), qPrintable(box->informativeText()));
+        box->close();
     }
 
     void everyFileIsReadAnew()

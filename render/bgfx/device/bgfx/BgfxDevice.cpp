@@ -1,6 +1,6 @@
 #include "render/bgfx/device/bgfx/BgfxDevice.h"
 
-#include "render/bgfx/device/SoftwareDevice.h"
+#include "render/bgfx/device/Device.h"
 
 #include <algorithm>
 #include <utility>
