@@ -1,7 +1,5 @@
 #include "render/bgfx/device/bgfx/BgfxDevice.h"
 
-#include "render/bgfx/device/Device.h"
-
 #include <algorithm>
 #include <utility>
 #include <vector>
