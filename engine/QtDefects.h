@@ -66,6 +66,18 @@ inline bool MissesDeviceChanges()
 #endif
 }
 
+/** The connection that all outputs use lives on the sound thread of the first player, so it ends with that one's
+ * events, and it is freed under the outputs when the sound server ends. 6.4.2 hangs or crashes, 6.8.2 crashes.
+ * PulseAudio only. */
+inline bool LosesTheSoundServer()
+{
+#ifdef Q_OS_LINUX
+    return true;
+#else
+    return false;
+#endif
+}
+
 /** A player that has no output plays on without sound: its position moves with the clock. Seen in 6.8.2; in 6.4.2
  * the position stands still but for a millisecond a second. */
 inline bool RunsOnWithoutOutput()

@@ -87,13 +87,13 @@ AudioPlayer::~AudioPlayer()
     // The base class reports its last changes when this part of the object no longer exists.
     disconnect(this, nullptr, this, nullptr);
     m_standstillWatch.reset();
-    m_deviceFollower.reset();
     if (!source().isEmpty() || sourceDevice()) {
         LetSoundSettleBeforeTheEnd();
     }
+    const QSignalBlocker quiet(this);
+    m_deviceFollower.reset();
     if (m_sourceFile) {
         // The base class reads from the file on a thread of its own until it has another source.
-        const QSignalBlocker quiet(this);
         setSource(QUrl());
     }
 }

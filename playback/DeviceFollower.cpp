@@ -2,6 +2,7 @@
 
 #include "engine/QtDefects.h"
 #include "playback/OutputDevices.h"
+#include "playback/QtSoundConnection.h"
 #include "playback/SoundServerSinks.h"
 
 #include <QtCore/QUrl>
@@ -21,6 +22,8 @@ using namespace std::chrono_literals;
 /** Qt's list may be behind the sound server's for this long. */
 constexpr auto betweenChecks = 50ms;
 constexpr int checksAfterAChange = 20;
+/** Qt looks for a server every three seconds, once for its list and once for its outputs. */
+constexpr int checksAfterANewServer = 100;
 
 /** A playback rate that no one hears or sees. Qt divides by it. */
 constexpr qreal standingStill = 1e-6;
@@ -56,12 +59,22 @@ void DeviceFollower::ListenToTheSoundServer()
         Refresh();
     });
     QObject::connect(&SoundServerSinks::Shared(), &SoundServerSinks::Changed, &m_context,
-                     [this] { RefreshForAWhile(); });
+                     [this] { RefreshForAWhile(checksAfterAChange); });
+    QObject::connect(&QtSoundConnection::Shared(), &QtSoundConnection::Restored, &m_context,
+                     [this] { RefreshForAWhile(checksAfterANewServer); });
 }
 
-void DeviceFollower::RefreshForAWhile()
+DeviceFollower::~DeviceFollower()
 {
-    m_checksLeft = checksAfterAChange;
+    if (m_isInUse) {
+        m_player.setAudioOutput(nullptr);
+        TellWhetherInUse(false);
+    }
+}
+
+void DeviceFollower::RefreshForAWhile(int checks)
+{
+    m_checksLeft = std::max(m_checksLeft, checks);
     m_catchingUp.start();
     Refresh();
 }
@@ -74,12 +87,30 @@ void DeviceFollower::Prefer(const QAudioDevice& device)
 
 void DeviceFollower::Refresh()
 {
+    FollowDevices();
+    TellWhetherInUse(HasMedia() && m_player.audioOutput() == &m_output);
+}
+
+void DeviceFollower::TellWhetherInUse(bool isInUse)
+{
+    if (!QtDefects::LosesTheSoundServer() || std::exchange(m_isInUse, isInUse) == isInUse) {
+        return;
+    }
+    QtSoundConnection& connection = QtSoundConnection::Shared();
+    isInUse ? connection.AddUser() : connection.RemoveUser();
+}
+
+void DeviceFollower::FollowDevices()
+{
     const QList<QAudioDevice> available = PresentOutputs();
     if (available.isEmpty()) {
         Detach();
         return;
     }
     const QAudioDevice device = ChooseDevice(available);
+    if (QtDefects::LosesTheSoundServer()) {
+        QtSoundConnection::Shared().Make(device);
+    }
     if (device.id() != m_output.device().id()) {
         m_output.setDevice(device);
     }

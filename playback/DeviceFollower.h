@@ -23,6 +23,8 @@ class DeviceFollower
 {
 public:
     DeviceFollower(QMediaPlayer& player, QAudioOutput& output);
+    /** Takes the output away from the player. */
+    ~DeviceFollower();
 
     DeviceFollower(const DeviceFollower&) = delete;
     DeviceFollower& operator=(const DeviceFollower&) = delete;
@@ -35,7 +37,9 @@ public:
 
 private:
     void ListenToTheSoundServer();
-    void RefreshForAWhile();
+    void RefreshForAWhile(int checks);
+    void FollowDevices();
+    void TellWhetherInUse(bool isInUse);
     bool HasMedia() const;
     QAudioDevice ChooseDevice(const QList<QAudioDevice>& available) const;
     void Detach();
@@ -51,6 +55,7 @@ private:
     QMediaDevices m_devices;
     QTimer m_catchingUp;
     int m_checksLeft = 0;
+    bool m_isInUse = false;
 };
 
 /** Makes a playing player play on from its position in a way that its new output hears. */

@@ -1,6 +1,7 @@
 #include "playback/OutputDevices.h"
 
 #include "engine/QtDefects.h"
+#include "playback/QtSoundConnection.h"
 #include "playback/SoundServerSinks.h"
 
 #include <QtMultimedia/QMediaDevices>
@@ -16,7 +17,10 @@ QList<QAudioDevice> PresentOutputs()
         return devices;
     }
     const SoundServerSinks& sinks = SoundServerSinks::Shared();
-    const auto present = sinks.Present();
+    auto present = sinks.Present();
+    if (sinks.IsAway() || QtSoundConnection::Shared().IsLost()) {
+        present.emplace();
+    }
     // Where none is the server's, Qt plays by other means.
     const bool areTheServers = std::any_of(devices.cbegin(), devices.cend(), [&sinks](const QAudioDevice& device) {
         return sinks.Knows(device.id());

@@ -93,6 +93,12 @@ std::optional<QSet<QByteArray>> SoundServerSinks::Present() const
     return QSet<QByteArray>(m_present.cbegin(), m_present.cend());
 }
 
+bool SoundServerSinks::IsAway() const
+{
+    const QMutexLocker lock(&m_mutex);
+    return m_isAway;
+}
+
 bool SoundServerSinks::Knows(const QByteArray& id) const
 {
     const QMutexLocker lock(&m_mutex);
@@ -174,6 +180,10 @@ void SoundServerSinks::SetListed(bool isListed)
         if (std::exchange(m_isListed, isListed) == isListed) {
             return;
         }
+        m_isAway = !isListed;
+    }
+    if (!isListed) {
+        Q_EMIT Left();
     }
     Q_EMIT Changed();
 }

@@ -33,12 +33,18 @@ public:
     /** The ids of the devices that the server has now; nothing while that is not known. */
     std::optional<QSet<QByteArray>> Present() const;
 
+    /** Whether the server has ended that was there, and no other one has told its devices yet. */
+    bool IsAway() const;
+
     /** Whether this is, or was in the program's time, a device of the server. */
     bool Knows(const QByteArray& id) const;
 
 Q_SIGNALS:
     /** A device or the server came or went. Emitted on the connection's own thread; Qt's list may be behind. */
     void Changed();
+
+    /** The server has ended, or a connection to it. Emitted on the connection's own thread, ahead of Changed(). */
+    void Left();
 
 private:
     class Callbacks;
@@ -56,6 +62,7 @@ private:
     QHash<unsigned, QByteArray> m_present;
     QSet<QByteArray> m_known;
     bool m_isListed = false;
+    bool m_isAway = false;
     pa_threaded_mainloop* m_loop = nullptr;
     pa_context* m_context = nullptr;
 };

@@ -61,10 +61,20 @@ SoundServer::~SoundServer()
     Kill();
 }
 
+void SoundServer::End()
+{
+    EndBy(SIGTERM);
+}
+
 void SoundServer::Kill()
 {
+    EndBy(SIGKILL);
+}
+
+void SoundServer::EndBy(int signal)
+{
     if (m_process > 0) {
-        ::kill(m_process, SIGKILL);
+        ::kill(m_process, signal);
         ::waitpid(std::exchange(m_process, -1), nullptr, 0);
     }
     m_modules.clear();

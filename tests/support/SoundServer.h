@@ -29,14 +29,18 @@ public:
     bool RemoveSink(const QString& name);
     void RemoveAllSinks();
 
-    /** Ends the server as a crash would, and starts one without sinks at the same place. */
+    /** Ends the server in good order, as "pulseaudio -k" or a session's end does, or as a crash would. */
+    void End();
     void Kill();
+    /** Starts a server without sinks at the same place. */
     void Start();
 
     /** From now on the server makes a sink "auto_null" whenever it has no other one, as desktop systems do. */
     bool StandIn();
 
 private:
+    void EndBy(int signal);
+
     QTemporaryDir m_folder;
     pid_t m_process = -1;
     QHash<QString, QString> m_modules;

@@ -1,0 +1,148 @@
+#include "playback/QtSoundConnection.h"
+
+#include "playback/SoundServerSinks.h"
+
+#include <QtCore/QDeadlineTimer>
+#include <QtCore/QEventLoop>
+#include <QtCore/QMutexLocker>
+#include <QtCore/QTimer>
+#include <QtMultimedia/QAudioFormat>
+#include <QtMultimedia/QAudioSink>
+
+#include <chrono>
+
+namespace vantoraudio::AudioEngine {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/** Qt 6.8 destroys an output on a thread of its own, a moment after the player has handed it back. */
+constexpr auto destroying = 300ms;
+constexpr auto betweenLooks = 50ms;
+/** A thread that takes longer hangs in Qt 6.4.2 for good. */
+constexpr auto ending = 500ms;
+
+} // namespace
+
+/** Ends the thread ahead of Qt's connection, which is a static object made after this one's thread. */
+class QtSoundConnection::End
+{
+public:
+    explicit End(QtSoundConnection& connection) : m_connection(connection) {}
+    ~End()
+    {
+        {
+            const QMutexLocker lock(&m_connection.m_mutex);
+            m_connection.m_isEnding = true;
+        }
+        m_connection.m_changed.wakeAll();
+        m_connection.wait(QDeadlineTimer(ending));
+    }
+    Q_DISABLE_COPY_MOVE(End)
+
+private:
+    QtSoundConnection& m_connection;
+};
+
+QtSoundConnection& QtSoundConnection::Shared()
+{
+    // Never destroyed: a thread that hangs in Qt must not end the program with an error.
+    static QtSoundConnection* const shared = new QtSoundConnection;
+    return *shared;
+}
+
+void QtSoundConnection::Make(const QAudioDevice& device)
+{
+    QMutexLocker lock(&m_mutex);
+    if (isRunning()) {
+        return;
+    }
+    m_device = device;
+    connect(&SoundServerSinks::Shared(), &SoundServerSinks::Left, this, &QtSoundConnection::OnServerLeft,
+            Qt::DirectConnection);
+    start();
+    while (!m_isMade) {
+        m_changed.wait(&m_mutex);
+    }
+    static const End end(*this);
+}
+
+bool QtSoundConnection::IsLost() const
+{
+    const QMutexLocker lock(&m_mutex);
+    return m_isLost;
+}
+
+void QtSoundConnection::AddUser()
+{
+    const QMutexLocker lock(&m_mutex);
+    ++m_users;
+}
+
+void QtSoundConnection::RemoveUser()
+{
+    const QMutexLocker lock(&m_mutex);
+    --m_users;
+    m_changed.wakeAll();
+}
+
+void QtSoundConnection::OnServerLeft()
+{
+    const QMutexLocker lock(&m_mutex);
+    m_isLost = true;
+    m_changed.wakeAll();
+}
+
+void QtSoundConnection::run()
+{
+    IsConnected();
+    {
+        const QMutexLocker lock(&m_mutex);
+        m_isMade = true;
+    }
+    m_changed.wakeAll();
+    while (WaitUntilLostAndUnused()) {
+        ConnectAgain();
+    }
+}
+
+/** False at the program's end. */
+bool QtSoundConnection::WaitUntilLostAndUnused()
+{
+    QMutexLocker lock(&m_mutex);
+    while (!m_isEnding && (!m_isLost || m_users > 0)) {
+        m_changed.wait(&m_mutex);
+    }
+    return !m_isEnding;
+}
+
+void QtSoundConnection::ConnectAgain()
+{
+    msleep(destroying.count());
+    QEventLoop loop;
+    QTimer look;
+    connect(&look, &QTimer::timeout, &loop, [&] {
+        const bool isConnected = IsConnected();
+        const QMutexLocker lock(&m_mutex);
+        m_isLost = !isConnected;
+        if (isConnected || m_isEnding) {
+            loop.quit();
+        }
+    });
+    look.start(betweenLooks);
+    loop.exec();
+    if (!IsLost()) {
+        Q_EMIT Restored();
+    }
+}
+
+// A format that nobody can play opens no stream. Qt tells of a missing connection first.
+bool QtSoundConnection::IsConnected() const
+{
+    QAudioSink sink(m_device, QAudioFormat());
+    sink.start();
+    return sink.error() != QAudio::FatalError;
+}
+
+} // namespace vantoraudio::AudioEngine

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <QtCore/QMutex>
+#include <QtCore/QThread>
+#include <QtCore/QWaitCondition>
+#include <QtMultimedia/QAudioDevice>
+
+namespace vantoraudio::AudioEngine {
+
+/**
+ * The thread on which Qt's connection to the sound server lives, the one that all audio outputs of the program
+ * use.
+ *
+ * Qt makes it on the thread of the first output. By default that is the sound thread of a player, which ends with
+ * the player; a server that ends after that is never found again. And when the server ends, Qt frees the
+ * connection at once, under the outputs that still use it: 6.4.2 hangs, 6.8.2 crashes. This thread makes the
+ * connection before the first output does. It sleeps until the server has ended and every player has handed its
+ * output back; only then it lets Qt free the connection and look for the next server.
+ *
+ * It stays as long as the program. All members may be used on any thread.
+ */
+class QtSoundConnection : public QThread
+{
+    Q_OBJECT
+
+public:
+    static QtSoundConnection& Shared();
+
+    /** Makes the connection, on the first call; the caller waits for it. The device is any that exists. */
+    void Make(const QAudioDevice& device);
+
+    /** Whether the server has ended and Qt is not connected to another one yet: an output would find none. */
+    bool IsLost() const;
+
+    /** A player that may use its output, and one that has handed it back. */
+    void AddUser();
+    void RemoveUser();
+
+Q_SIGNALS:
+    /** Qt is connected again after the server had ended. Emitted on this thread. */
+    void Restored();
+
+protected:
+    void run() override;
+
+private:
+    class End;
+
+    QtSoundConnection() = default;
+
+    void OnServerLeft();
+    bool WaitUntilLostAndUnused();
+    void ConnectAgain();
+    bool IsConnected() const;
+
+    mutable QMutex m_mutex;
+    QWaitCondition m_changed;
+    QAudioDevice m_device;
+    int m_users = 0;
+    bool m_isMade = false;
+    bool m_isLost = false;
+    bool m_isEnding = false;
+};
+
+} // namespace vantoraudio::AudioEngine
