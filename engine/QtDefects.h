@@ -78,6 +78,14 @@ inline bool LosesTheSoundServer()
 #endif
 }
 
+/** A sound thread that writes between the sound server's end and the moment in which its output is taken away keeps the
+ * lock of the connection for good. Whoever asks for that lock hangs: the connection's end, every later output, the
+ * program's end. Seen in 6.4.2; mended in 6.8. */
+inline bool KeepsItsLock()
+{
+    return LosesTheSoundServer() && IsBefore(6, 8);
+}
+
 /** A player that has no output plays on without sound: its position moves with the clock. Seen in 6.8.2; in 6.4.2
  * the position stands still but for a millisecond a second. */
 inline bool RunsOnWithoutOutput()

@@ -12,7 +12,6 @@
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QPointer>
-#include <QtCore/QScopedValueRollback>
 #include <QtCore/QSignalBlocker>
 #include <QtCore/QUrl>
 #include <QtMultimedia/QAudioOutput>
@@ -100,11 +99,18 @@ AudioPlayer::~AudioPlayer()
 
 void AudioPlayer::SetAudio(const QString& filePath, double duration)
 {
+    // A receiver of the signals may delete the player.
+    const QPointer<AudioPlayer> self(this);
     // The base class takes an unchanged URL for an unchanged file, but a working copy is rewritten in place.
     if (source() == QUrl::fromLocalFile(filePath)) {
         setSource(QUrl());
     }
-    LoadSource(filePath);
+    if (self) {
+        LoadSource(filePath);
+    }
+    if (!self) {
+        return;
+    }
     m_selectionStart = 0.0;
     m_selectionEnd = duration;
 }
@@ -131,14 +137,18 @@ void AudioPlayer::DropUnusedSourceFile()
 
 void AudioPlayer::play()
 {
+    const QPointer<AudioPlayer> self(this);
     m_deviceFollower->Refresh();
-    QMediaPlayer::play();
+    if (self) {
+        QMediaPlayer::play();
+    }
 }
 
 void AudioPlayer::stop()
 {
+    const QPointer<AudioPlayer> self(this);
     QMediaPlayer::stop();
-    if (mediaStatus() == LoadingMedia) {
+    if (self && mediaStatus() == LoadingMedia) {
         setPosition(0);
     }
 }
@@ -188,8 +198,11 @@ void AudioPlayer::SetSelection(double start, double end)
 
 void AudioPlayer::SeekTo(qint64 wanted)
 {
+    const QPointer<AudioPlayer> self(this);
     setPosition(wanted);
-    SeekAgainIfLost(wanted);
+    if (self) {
+        SeekAgainIfLost(wanted);
+    }
 }
 
 void AudioPlayer::SeekAgainIfLost(qint64 wanted)
@@ -257,8 +270,11 @@ void AudioPlayer::SetAudioOutputDevice(const QAudioDevice& device)
         return;
     }
     m_audioOutputDevice = device;
+    const QPointer<AudioPlayer> self(this);
     m_audioOutput->setDevice(*entry);
-    m_deviceFollower->Prefer(*entry);
+    if (self) {
+        m_deviceFollower->Prefer(*entry);
+    }
 }
 
 QAudioDevice AudioPlayer::GetAudioOutputDevice()
@@ -317,13 +333,18 @@ void AudioPlayer::RestartAfterReport()
 // the other at full speed.
 void AudioPlayer::PauseAtEndOfMedia()
 {
+    const QPointer<AudioPlayer> self(this);
     setPosition(PositionAt(m_selectionStart));
-    pause();
-    if (QtDefects::ReportsTheEndTwice()) {
+    if (self) {
+        pause();
+    }
+    if (self && QtDefects::ReportsTheEndTwice()) {
         // An output that is set again has nothing to report.
         QAudioOutput* const output = audioOutput();
         setAudioOutput(nullptr);
-        setAudioOutput(output);
+        if (self) {
+            setAudioOutput(output);
+        }
     }
 }
 
@@ -336,12 +357,20 @@ bool AudioPlayer::IsAtEndOfMedia() const
 
 void AudioPlayer::RestartPlayback()
 {
-    const QScopedValueRollback restarting(m_restarting, true);
+    const QPointer<AudioPlayer> self(this);
+    const bool wasRestarting = std::exchange(m_restarting, true);
     const qint64 start = PositionAt(m_selectionStart);
     setPosition(start);
-    pause();
-    SeekAgainIfLost(start);
-    if (m_loop) {
+    if (self) {
+        pause();
+    }
+    if (self) {
+        SeekAgainIfLost(start);
+    }
+    if (self && m_loop) {
         play();
+    }
+    if (self) {
+        m_restarting = wasRestarting;
     }
 }

@@ -5,6 +5,8 @@
 #include "playback/QtSoundConnection.h"
 #include "playback/SoundServerSinks.h"
 
+#include <QtCore/QCoreApplication>
+#include <QtCore/QPointer>
 #include <QtCore/QUrl>
 #include <QtMultimedia/QAudioOutput>
 #include <QtMultimedia/QMediaPlayer>
@@ -23,7 +25,7 @@ using namespace std::chrono_literals;
 constexpr auto betweenChecks = 50ms;
 constexpr int checksAfterAChange = 20;
 /** Qt looks for a server every three seconds, once for its list and once for its outputs. */
-constexpr int checksAfterANewServer = 100;
+constexpr int checksAfterANewServer = 200;
 
 /** A playback rate that no one hears or sees. Qt divides by it. */
 constexpr qreal standingStill = 1e-6;
@@ -56,10 +58,15 @@ void DeviceFollower::ListenToTheSoundServer()
         if (--m_checksLeft <= 0) {
             m_catchingUp.stop();
         }
+        const QPointer<QObject> self(&m_context);
         Refresh();
+        if (self && !m_catchingUp.isActive()) {
+            TellIfSoundIsLost();
+        }
     });
-    QObject::connect(&SoundServerSinks::Shared(), &SoundServerSinks::Changed, &m_context,
-                     [this] { RefreshForAWhile(checksAfterAChange); });
+    QObject::connect(&SoundServerSinks::Shared(), &SoundServerSinks::Changed, &m_context, [this] {
+        RefreshForAWhile(QtSoundConnection::Shared().IsLost() ? checksAfterANewServer : checksAfterAChange);
+    });
     QObject::connect(&QtSoundConnection::Shared(), &QtSoundConnection::Restored, &m_context,
                      [this] { RefreshForAWhile(checksAfterANewServer); });
 }
@@ -69,6 +76,17 @@ DeviceFollower::~DeviceFollower()
     if (m_isInUse) {
         m_player.setAudioOutput(nullptr);
         TellWhetherInUse(false);
+    }
+}
+
+/** A server is there, and Qt does not come back to it. */
+void DeviceFollower::TellIfSoundIsLost()
+{
+    if (m_isDetached && QtSoundConnection::Shared().IsLost() && SoundServerSinks::Shared().Present()) {
+        Q_EMIT m_player.errorOccurred(
+            QMediaPlayer::ResourceError,
+            QCoreApplication::translate("AudioPlayer", "The connection to the sound server was lost for good. "
+                                                       "Start the program again to hear sound."));
     }
 }
 
@@ -87,8 +105,12 @@ void DeviceFollower::Prefer(const QAudioDevice& device)
 
 void DeviceFollower::Refresh()
 {
+    // A receiver of the player's signals may delete it, and this object with it.
+    const QPointer<QObject> self(&m_context);
     FollowDevices();
-    TellWhetherInUse(HasMedia() && m_player.audioOutput() == &m_output);
+    if (self) {
+        TellWhetherInUse(HasMedia() && m_player.audioOutput() == &m_output);
+    }
 }
 
 void DeviceFollower::TellWhetherInUse(bool isInUse)
@@ -111,10 +133,13 @@ void DeviceFollower::FollowDevices()
     if (QtDefects::LosesTheSoundServer()) {
         QtSoundConnection::Shared().Make(device);
     }
+    const QPointer<QObject> self(&m_context);
     if (device.id() != m_output.device().id()) {
         m_output.setDevice(device);
     }
-    Attach();
+    if (self) {
+        Attach();
+    }
 }
 
 bool DeviceFollower::HasMedia() const
@@ -138,8 +163,9 @@ void DeviceFollower::Detach()
     if (!HasMedia() || m_player.audioOutput() != &m_output) {
         return;
     }
+    const QPointer<QObject> self(&m_context);
     m_player.setAudioOutput(nullptr);
-    if (!std::exchange(m_isDetached, true) && QtDefects::RunsOnWithoutOutput()) {
+    if (self && !std::exchange(m_isDetached, true) && QtDefects::RunsOnWithoutOutput()) {
         m_playbackRate = m_player.playbackRate();
         m_player.setPlaybackRate(standingStill);
     }
@@ -151,14 +177,15 @@ void DeviceFollower::Attach()
         return;
     }
     m_isDetached = false;
+    const QPointer<QObject> self(&m_context);
     if (QtDefects::RunsOnWithoutOutput() && m_player.playbackRate() < 2.0 * standingStill) {
         m_player.setPlaybackRate(m_playbackRate);
     }
-    if (m_player.audioOutput()) {
+    if (!self || m_player.audioOutput()) {
         return; // the host's own
     }
     m_player.setAudioOutput(&m_output);
-    if (m_player.playbackState() == QMediaPlayer::PlayingState) {
+    if (self && m_player.playbackState() == QMediaPlayer::PlayingState) {
         // Meanwhile the source was read to its end unheard, and an output that joins a running player starts there
         // or not at all.
         PlayAnew(m_player);
@@ -167,13 +194,16 @@ void DeviceFollower::Attach()
 
 void PlayAnew(QMediaPlayer& player)
 {
+    const QPointer<QMediaPlayer> self(&player);
     const qint64 position = player.position();
     const QUrl source = player.source();
     player.pause();
     // A receiver of the pause may have done something else.
-    if (player.playbackState() == QMediaPlayer::PausedState && player.source() == source) {
+    if (self && player.playbackState() == QMediaPlayer::PausedState && player.source() == source) {
         player.setPosition(position);
-        player.play();
+        if (self) {
+            player.play();
+        }
     }
 }
 

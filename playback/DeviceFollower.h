@@ -39,6 +39,7 @@ private:
     void ListenToTheSoundServer();
     void RefreshForAWhile(int checks);
     void FollowDevices();
+    void TellIfSoundIsLost();
     void TellWhetherInUse(bool isInUse);
     bool HasMedia() const;
     QAudioDevice ChooseDevice(const QList<QAudioDevice>& available) const;

@@ -1,7 +1,9 @@
 #include "playback/QtSoundConnection.h"
 
+#include "engine/QtDefects.h"
 #include "playback/SoundServerSinks.h"
 
+#include <QtCore/QCoreApplication>
 #include <QtCore/QDeadlineTimer>
 #include <QtCore/QEventLoop>
 #include <QtCore/QMutexLocker>
@@ -10,6 +12,8 @@
 #include <QtMultimedia/QAudioSink>
 
 #include <chrono>
+#include <cstdio>
+#include <cstdlib>
 
 namespace vantoraudio::AudioEngine {
 
@@ -20,8 +24,8 @@ using namespace std::chrono_literals;
 /** Qt 6.8 destroys an output on a thread of its own, a moment after the player has handed it back. */
 constexpr auto destroying = 300ms;
 constexpr auto betweenLooks = 50ms;
-/** A thread that takes longer hangs in Qt 6.4.2 for good. */
-constexpr auto ending = 500ms;
+/** A thread that takes longer hangs for good, see QtDefects::KeepsItsLock(). */
+constexpr auto ending = 1000ms;
 
 } // namespace
 
@@ -37,7 +41,11 @@ public:
             m_connection.m_isEnding = true;
         }
         m_connection.m_changed.wakeAll();
-        m_connection.wait(QDeadlineTimer(ending));
+        if (!m_connection.wait(QDeadlineTimer(ending)) && QtDefects::KeepsItsLock()) {
+            // Qt's own static object would wait for the same lock next, and the program would never end.
+            std::fflush(nullptr);
+            std::_Exit(EXIT_FAILURE);
+        }
     }
     Q_DISABLE_COPY_MOVE(End)
 
@@ -120,6 +128,9 @@ bool QtSoundConnection::WaitUntilLostAndUnused()
 void QtSoundConnection::ConnectAgain()
 {
     msleep(destroying.count());
+    if (!QCoreApplication::instance()) {
+        return; // there is no event loop without one
+    }
     QEventLoop loop;
     QTimer look;
     connect(&look, &QTimer::timeout, &loop, [&] {

@@ -96,10 +96,11 @@ void Say(const char* word)
     std::fflush(stdout);
 }
 
-bool GoesOn(const AnyPlayer& player)
+bool GoesOn(const AnyPlayer& player, const bool& isTold)
 {
     const qint64 position = player->position();
-    return QTest::qWaitFor([&] { return player->position() > position + 200; }, patience);
+    const auto isOver = [&] { return isTold || player->position() > position + 200; };
+    return QTest::qWaitFor(isOver, patience) && !isTold;
 }
 
 void HearACommand()
@@ -130,9 +131,14 @@ int PlayWhileTheServerGoes(const QString& path, bool isPlain)
     player.Load(path);
     const qint64 loading = timer.restart();
     player.Play();
+    bool isTold = false;
+    QObject::connect(player.operator->(), &QMediaPlayer::errorOccurred, player.operator->(), [&] {
+        isTold = true;
+        Say("lost");
+    });
     Say("loaded");
     HearACommand();
-    const bool goesOn = GoesOn(player);
+    const bool goesOn = GoesOn(player, isTold);
     timer.restart();
     player.Reset();
     const qint64 destroying = timer.elapsed();
@@ -205,12 +211,15 @@ struct Count
     int crashed = 0;
     int hung = 0;
     int tookLong = 0;
+    int told = 0;
     int other = 0;
 
-    void Add(const QProcess& program)
+    void Add(QProcess& program)
     {
         if (program.state() != QProcess::NotRunning) {
             ++hung;
+        } else if (program.readAll().contains("lost")) {
+            ++told;
         } else if (program.exitStatus() == QProcess::CrashExit) {
             ++crashed;
         } else {
@@ -273,8 +282,10 @@ int CountSurvivors(const QStringList& arguments)
         program.kill();
         program.waitForFinished();
     }
-    std::printf("%d of %d survived, %d crashed, %d hung, %d took longer than 100 ms, %d did not go on\n",
-                count.survived, times, count.crashed, count.hung, count.tookLong, count.other);
+    std::printf(
+        "%d of %d survived, %d told that sound is lost, %d crashed, %d hung, %d took longer than 100 ms, %d did "
+        "not go on\n",
+        count.survived, times, count.told, count.crashed, count.hung, count.tookLong, count.other);
     return 0;
 }
 

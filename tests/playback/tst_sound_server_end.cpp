@@ -1,0 +1,274 @@
+#include "engine/QtDefects.h"
+#include "playback/OutputDevices.h"
+#include "tests/support/SoundRecording.h"
+#include "tests/support/SoundServer.h"
+#include "tests/support/Tone.h"
+
+#include <vantorAudioEngine/AudioPlayer.h>
+#include <vantorAudioEngine/HardwareManager.h>
+
+#include <QtConcurrent/QtConcurrentRun>
+#include <QtCore/QCoreApplication>
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QEventLoop>
+#include <QtCore/QTemporaryDir>
+#include <QtCore/QTimer>
+#include <QtMultimedia/QAudioDevice>
+#include <QtMultimedia/QAudioOutput>
+#include <QtTest/QTest>
+
+#include <atomic>
+#include <cstdlib>
+#include <functional>
+#include <memory>
+
+namespace QtDefects = vantoraudio::AudioEngine::QtDefects;
+using vantoraudio::AudioEngine::HardwareManager;
+using vantoraudio::AudioEngine::PresentOutputs;
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+constexpr int patience = 30000;
+constexpr qint64 longest = 100;
+
+/** Qt 6.4.2 keeps the lock of its connection if it writes just then; nothing sounds in this program any more. */
+std::atomic<bool> isSoundLost;
+QtMessageHandler formerHandler;
+
+void NoteLostSound(QtMsgType type, const QMessageLogContext& context, const QString& text)
+{
+    if (QtDefects::KeepsItsLock() && text.startsWith(u"pa_stream_begin_write error"_s)) {
+        isSoundLost = true;
+    }
+    formerHandler(type, context, text);
+}
+
+/** Qt's own waits sleep for 10 ms at a time, in which the player could not notice what happens to its server. */
+void WaitAwake(const std::function<bool()>& condition)
+{
+    QEventLoop loop;
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, &loop, [&] {
+        if (condition()) {
+            loop.quit();
+        }
+    });
+    timer.start(1);
+    loop.exec();
+}
+
+qint64 TimeOf(const std::function<void()>& action)
+{
+    QElapsedTimer timer;
+    timer.start();
+    action();
+    return timer.elapsed();
+}
+
+} // namespace
+
+/** Players whose sound server ends under them and comes back, as it does when its package is updated. */
+class SoundServerEndTest : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit SoundServerEndTest(SoundServer& server) : m_server(server) {}
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+
+    void playsOnWhenTheServerComesBack_data();
+    void playsOnWhenTheServerComesBack();
+    void loadsPlaysAndDestroysWithoutAServer_data() { AddWaysToEnd(); }
+    void loadsPlaysAndDestroysWithoutAServer();
+    void aPlayerThatIsPausedSoundsAgainWhenItIsResumed();
+    void severalPlayersGoOn();
+    void playsOnADeviceOfAnotherName();
+    void noDeviceIsListedWhileTheServerIsAway();
+
+private:
+    static void AddWaysToEnd();
+    void EndServer(bool isKilled);
+    void StartServer(const QString& sink);
+    std::unique_ptr<AudioPlayer> PlayingPlayer() const;
+
+    SoundServer& m_server;
+    QTemporaryDir m_folder;
+    QString m_file;
+};
+
+void SoundServerEndTest::AddWaysToEnd()
+{
+    QTest::addColumn<bool>("isKilled");
+    QTest::newRow("ended in good order") << false;
+    QTest::newRow("killed") << true;
+}
+
+void SoundServerEndTest::EndServer(bool isKilled)
+{
+    const QFuture<void> ending = QtConcurrent::run([&] { isKilled ? m_server.Kill() : m_server.End(); });
+    WaitAwake([&] { return ending.isFinished(); });
+    WaitAwake([] { return PresentOutputs().isEmpty(); });
+    if (isSoundLost) {
+        QSKIP("Qt has lost its connection to the sound server in a way that nobody can mend.");
+    }
+}
+
+void SoundServerEndTest::StartServer(const QString& sink)
+{
+    m_server.Start();
+    QVERIFY(m_server.AddSink(sink));
+}
+
+std::unique_ptr<AudioPlayer> SoundServerEndTest::PlayingPlayer() const
+{
+    auto player = std::make_unique<AudioPlayer>();
+    player->SetAudio(m_file, 60.0);
+    player->play();
+    return QTest::qWaitFor([&] { return player->position() > 100; }, patience) ? std::move(player) : nullptr;
+}
+
+void SoundServerEndTest::initTestCase()
+{
+    formerHandler = qInstallMessageHandler(NoteLostSound);
+    QVERIFY(m_server.IsRunning());
+    m_file = m_folder.filePath(u"tone.wav"_s);
+    QVERIFY(WriteToneFile(m_file, {.seconds = 60.0}));
+}
+
+void SoundServerEndTest::init()
+{
+    if (isSoundLost) {
+        QSKIP("There is no sound any more.");
+    }
+    if (!m_server.IsRunning()) {
+        StartServer(u"one"_s);
+    }
+    QTRY_COMPARE_WITH_TIMEOUT(PresentOutputs().size(), 1, patience);
+}
+
+void SoundServerEndTest::playsOnWhenTheServerComesBack_data()
+{
+    AddWaysToEnd();
+}
+
+void SoundServerEndTest::playsOnWhenTheServerComesBack()
+{
+    QFETCH(bool, isKilled);
+    const auto player = PlayingPlayer();
+    QVERIFY(player);
+    player->SetVolume(50);
+    const qint64 position = player->position();
+    EndServer(isKilled);
+    if (isSoundLost) {
+        return;
+    }
+    QTRY_VERIFY_WITH_TIMEOUT(!player->audioOutput(), patience);
+    QCOMPARE(player->playbackState(), QMediaPlayer::PlayingState);
+    StartServer(u"one"_s);
+    const SoundRecording one(u"one"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(one.Frequency(SoundRecording::Left), 440, patience);
+    QCOMPARE(player->Volume(), 50);
+    QCOMPARE(player->playbackState(), QMediaPlayer::PlayingState);
+    QVERIFY(player->position() > position);
+}
+
+void SoundServerEndTest::loadsPlaysAndDestroysWithoutAServer()
+{
+    QFETCH(bool, isKilled);
+    auto player = PlayingPlayer();
+    QVERIFY(player);
+    EndServer(isKilled);
+    if (isSoundLost) {
+        return;
+    }
+    QTRY_VERIFY_WITH_TIMEOUT(!player->audioOutput(), patience);
+    QVERIFY(TimeOf([&] { player->SetAudio(m_file, 60.0); }) < longest);
+    QVERIFY(TimeOf([&] { player->play(); }) < longest);
+    QVERIFY(TimeOf([&] { player->setPosition(5000); }) < longest);
+    QVERIFY(TimeOf([&] { player->stop(); }) < longest);
+    QVERIFY(TimeOf([&] { player.reset(); }) < longest);
+}
+
+void SoundServerEndTest::aPlayerThatIsPausedSoundsAgainWhenItIsResumed()
+{
+    const auto player = PlayingPlayer();
+    QVERIFY(player);
+    player->pause();
+    EndServer(false);
+    if (isSoundLost) {
+        return;
+    }
+    QTRY_VERIFY_WITH_TIMEOUT(!player->audioOutput(), patience);
+    StartServer(u"one"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(player->audioOutput(), patience);
+    QCOMPARE(player->playbackState(), QMediaPlayer::PausedState);
+    player->play();
+    const SoundRecording one(u"one"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(one.Frequency(SoundRecording::Left), 440, patience);
+}
+
+void SoundServerEndTest::severalPlayersGoOn()
+{
+    auto first = PlayingPlayer();
+    const auto second = PlayingPlayer();
+    QVERIFY(first && second);
+    EndServer(false);
+    if (isSoundLost) {
+        return;
+    }
+    QTRY_VERIFY_WITH_TIMEOUT(!first->audioOutput() && !second->audioOutput(), patience);
+    // Qt's connection was made for this one.
+    first.reset();
+    StartServer(u"one"_s);
+    const SoundRecording one(u"one"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(one.Frequency(SoundRecording::Left), 440, patience);
+    const auto third = PlayingPlayer();
+    QVERIFY(third);
+}
+
+void SoundServerEndTest::playsOnADeviceOfAnotherName()
+{
+    const auto player = PlayingPlayer();
+    QVERIFY(player);
+    EndServer(false);
+    if (isSoundLost) {
+        return;
+    }
+    QTRY_VERIFY_WITH_TIMEOUT(!player->audioOutput(), patience);
+    StartServer(u"other"_s);
+    const SoundRecording other(u"other"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(other.Frequency(SoundRecording::Left), 440, patience);
+    QCOMPARE(player->audioOutput()->device().id(), QByteArray("other"));
+}
+
+void SoundServerEndTest::noDeviceIsListedWhileTheServerIsAway()
+{
+    HardwareManager manager;
+    QCOMPARE(manager.GetAvailableDevices(QAudioDevice::Output).size(), 1);
+    EndServer(false);
+    if (isSoundLost) {
+        return;
+    }
+    QTRY_COMPARE_WITH_TIMEOUT(manager.GetAvailableDevices(QAudioDevice::Output).size(), 0, patience);
+    StartServer(u"one"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(manager.GetAvailableDevices(QAudioDevice::Output).size(), 1, patience);
+}
+
+int main(int argc, char** argv)
+{
+    SoundServer server({u"one"_s});
+    QCoreApplication application(argc, argv);
+    SoundServerEndTest test(server);
+    const int result = QTest::qExec(&test, argc, argv);
+    qInstallMessageHandler(nullptr);
+    if (isSoundLost) {
+        std::_Exit(result);
+    }
+    return result;
+}
+
+#include "tst_sound_server_end.moc"
