@@ -2,6 +2,7 @@
 #include "engine/samples/Truncation.h"
 #include "playback/DeviceFollower.h"
 #include "playback/OutputDevices.h"
+#include "playback/PlayableFile.h"
 #include "playback/SoundSettling.h"
 #include "playback/StandstillWatch.h"
 
@@ -55,7 +56,7 @@ bool MayBlock(const QString& path)
 std::unique_ptr<QIODevice> DeviceFor(const QString& path, const QUrl& url)
 {
     std::unique_ptr<QIODevice> device;
-    if (MayBlock(path)) {
+    if (MayBlock(path) || !CanBePlayed(path)) {
         // Empty, so that it is reported as something that cannot be played.
         device = std::make_unique<QBuffer>();
     } else if (!OpensByUrl(url)) {
@@ -78,6 +79,10 @@ AudioPlayer::AudioPlayer(QObject* parent) : QMediaPlayer(parent), m_audioOutput(
     connect(this, &QMediaPlayer::sourceChanged, this, [this] {
         m_whenLoaded.clear();
         DropUnusedSourceFile();
+        // Whoever set the source of the base class did not ask whether it can be played.
+        if (!sourceDevice() && source().isLocalFile() && !CanBePlayed(source().toLocalFile())) {
+            LoadSource(source().toLocalFile());
+        }
     });
 }
 

@@ -134,7 +134,7 @@ void AudioPlayerWidget::Internals::ShowLoadedFile(const QString& workingPath)
     FillChannelSelector();
     const double duration = loaded.File().GetDuration();
     ShowWaveform(duration);
-    widget.m_audioPlayer->SetAudio(workingPath, duration);
+    SetPlayedFile(workingPath);
     controls.edTotalDuration->setText(AudioPlayerWidget::ConvertToDisplayTimeFormat(duration));
     Q_EMIT widget.AudioFileChanged(workingPath);
 }
@@ -181,6 +181,7 @@ void AudioPlayerWidget::Close()
     const QString loadingPath = m_internals->DropLoad();
     m_internals->loaded.StopReading();
     m_internals->DropFiltering();
+    m_internals->playableCopy.reset();
     const bool isWriting = m_snippetWatcher.isRunning();
     m_internals->loaded.snippet.Stop();
     m_internals->loaded.File().close();

@@ -126,10 +126,7 @@ void AudioPlayerWidget::Internals::PlayFilteredFile()
     const double duration = loaded.File().GetDuration();
     ShowWaveform(duration);
     widget.m_waveformWidget->SetSelectedSnippet({start, end});
-    widget.m_audioPlayer->SetAudio(widget.m_filteredFilePath, duration);
-    if (LengthOf({start, end}) > shortestSelection) {
-        widget.m_audioPlayer->SetSelection(start, end);
-    }
+    SetPlayedFile(widget.m_filteredFilePath);
 }
 
 /** Filters for the previous channel, which is chosen as a user would choose it. When that fails too, the box

@@ -1,11 +1,15 @@
+#include "playback/PlayableFile.h"
 #include "ui/player/Internals.h"
+#include "ui/player/SelectionSteps.h"
 #include "ui/player/TimeText.h"
 
 #include <vantorAudioEngine/AudioPlayer.h>
 #include <vantorAudioEngine/AudioPlayerWidget.h>
 #include <vantorAudioEngine/BGFXWaveformWidget.h>
 
+#include <QtCore/QPointer>
 #include <QtCore/QSignalBlocker>
+#include <QtCore/QUrl>
 #include <QtGui/QKeyEvent>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPushButton>
@@ -33,6 +37,31 @@ void AudioPlayerWidget::Pause()
 bool AudioPlayerWidget::IsPlaying() const
 {
     return m_audioPlayer->playbackState() == QMediaPlayer::PlayingState;
+}
+
+void AudioPlayerWidget::Internals::SetPlayedFile(const QString& path)
+{
+    playableCopy.reset();
+    if (AudioEngine::CanBePlayed(path)) {
+        LetPlay(path);
+        return;
+    }
+    playableCopy = std::make_unique<PlayableCopy>(path, widget.m_writableDirectoryPath);
+    connect(playableCopy.get(), &PlayableCopy::Ended, &widget, [this] { LetPlay(playableCopy->GetPath()); });
+    widget.m_audioPlayer->setSource(QUrl());
+}
+
+void AudioPlayerWidget::Internals::LetPlay(const QString& path)
+{
+    const QPointer<AudioPlayerWidget> self(&widget);
+    widget.m_audioPlayer->SetAudio(path, loaded.File().GetDuration());
+    if (!self) {
+        return;
+    }
+    const auto [start, end] = widget.m_waveformWidget->GetSelectedSnippet();
+    if (LengthOf({start, end}) > shortestSelection) {
+        widget.m_audioPlayer->SetSelection(start, end);
+    }
 }
 
 void AudioPlayerWidget::OnBtnPlayPauseClicked()

@@ -3,6 +3,7 @@
 #include "ui/player/Controls.h"
 #include "ui/player/FileLoad.h"
 #include "ui/player/LoadedFile.h"
+#include "ui/player/PlayableCopy.h"
 
 #include <vantorAudioEngine/AudioPlayerWidget.h>
 
@@ -50,6 +51,10 @@ struct AudioPlayerWidget::Internals
     void ShowAsPlaying(bool isPlaying);
     [[nodiscard]] bool IsPositionEdited() const;
     void CorrectLateReport(qint64 milliseconds);
+    /** Gives the player a file of which the whole or the view's selection is to be played. One that no output can
+     * play is played from a copy, as soon as that is made; until then the player has no source. */
+    void SetPlayedFile(const QString& path);
+    void LetPlay(const QString& path);
 
     // Channels and tasks
     /** Passes on what was reported before a busy time ends. False: it is not the caller's to end any more, because
@@ -68,6 +73,8 @@ struct AudioPlayerWidget::Internals
     LoadedFile loaded;
     /** Null when nothing is being loaded in the background. */
     std::unique_ptr<FileLoad> loading;
+    /** Null when the player plays the file itself. */
+    std::unique_ptr<PlayableCopy> playableCopy;
     /** The volume that was set last, which the player may read back as one percent less. */
     int volume = 100;
     bool decodesToFloat = false;

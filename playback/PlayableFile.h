@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QtCore/QString>
+
+namespace vantoraudio::AudioEngine {
+
+/** The highest rate in Hz that PulseAudio plays. */
+inline constexpr int highestPlayableRate = 384000;
+
+/**
+ * Whether an output can play the file: not with a higher rate or with more than 64 channels. Qt 6.4.2 crashes when
+ * it plays such a rate, and 6.8.2 plays it without sound; both crash with so many channels.
+ *
+ * Looks into the headers of WAV and FLAC files. Everything else counts as playable, also what cannot be read.
+ */
+bool CanBePlayed(const QString& path);
+
+} // namespace vantoraudio::AudioEngine

@@ -1,0 +1,139 @@
+#include "playback/PlayableFile.h"
+#include "tests/support/SoundServer.h"
+#include "tests/support/TemporaryFiles.h"
+#include "tests/support/Tone.h"
+#include "tests/support/WavBytes.h"
+
+#include <vantorAudioEngine/AudioPlayer.h>
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QUrl>
+#include <QtTest/QSignalSpy>
+#include <QtTest/QTest>
+
+#include <sys/stat.h>
+
+using vantoraudio::AudioEngine::CanBePlayed;
+using namespace Qt::Literals::StringLiterals;
+using namespace WavTest;
+
+namespace {
+
+constexpr int patience = 30000;
+
+QByteArray WavOf(quint32 rate, quint16 channels)
+{
+    QByteArray bytes = ToneFileBytes({.leftFrequency = 44, .seconds = 0.5});
+    bytes.replace(22, 2, LittleEndian(channels));
+    bytes.replace(24, 4, LittleEndian(rate));
+    return bytes;
+}
+
+QByteArray FlacOf(quint32 rate)
+{
+    QByteArray description(34, '\0');
+    description[10] = static_cast<char>(rate >> 12);
+    description[11] = static_cast<char>(rate >> 4);
+    description[12] = static_cast<char>(rate << 4);
+    return QByteArray("fLaC").append(QByteArray::fromHex("80000022")).append(description);
+}
+
+} // namespace
+
+class PlayableFileTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void tellsByTheHeaderWhatNoOutputPlays_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<bool>("canBePlayed");
+        QTest::newRow("192 kHz") << WavOf(192000, 2) << true;
+        QTest::newRow("highest rate") << WavOf(384000, 2) << true;
+        QTest::newRow("a higher one") << WavOf(384001, 2) << false;
+        QTest::newRow("1 MHz") << WavOf(1000000, 2) << false;
+        QTest::newRow("highest rate that a header can state") << WavOf(0xFFFFFFFF, 2) << false;
+        QTest::newRow("most channels") << WavOf(44100, 64) << true;
+        QTest::newRow("more channels") << WavOf(44100, 65) << false;
+        QTest::newRow("most channels that a header can state") << WavOf(44100, 0xFFFF) << false;
+        QTest::newRow("without rate and channels") << WavOf(0, 0) << true;
+        QTest::newRow("RF64") << WavOf(500000, 2).replace(0, 4, "RF64") << false;
+        QTest::newRow("behind another chunk of odd length")
+            << WavOf(500000, 2).insert(12, QByteArray::fromHex("4a554e4b03000000000000") + '\0') << false;
+        QTest::newRow("behind a chunk that reaches beyond the end")
+            << WavOf(500000, 2).insert(12, QByteArray::fromHex("4a554e4bffffffff")) << true;
+        QTest::newRow("only chunks without an end") << QByteArray("RIFF____WAVE").append(100000, '\0') << true;
+        QTest::newRow("cut in the format") << WavOf(500000, 2).left(26) << true;
+        QTest::newRow("cut behind the name") << WavOf(500000, 2).left(12) << true;
+        QTest::newRow("empty") << QByteArray() << true;
+        QTest::newRow("text") << QByteArray(1000, 't') << true;
+        QTest::newRow("FLAC, highest rate") << FlacOf(384000) << true;
+        QTest::newRow("FLAC, a higher one") << FlacOf(655350) << false;
+        QTest::newRow("FLAC, cut") << FlacOf(655350).left(20) << true;
+    }
+    void tellsByTheHeaderWhatNoOutputPlays()
+    {
+        QFETCH(QByteArray, bytes);
+        QFETCH(bool, canBePlayed);
+        QCOMPARE(CanBePlayed(m_files.Write(u"file"_s, bytes)), canBePlayed);
+    }
+
+    void doesNotWaitAtAPipe()
+    {
+        const QString path = m_files.Path(u"pipe"_s);
+        QCOMPARE(::mkfifo(QFile::encodeName(path).constData(), 0600), 0);
+        QVERIFY(CanBePlayed(path));
+        QVERIFY(CanBePlayed(m_files.Path(u"missing"_s)));
+        QVERIFY(CanBePlayed(m_files.Path(QString())));
+    }
+
+    void aPlayerRefusesWhatNoOutputPlays_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<bool>("bySetAudio");
+        for (const bool bySetAudio : {true, false}) {
+            const char* const how = bySetAudio ? "SetAudio" : "setSource";
+            QTest::addRow("%s, 400 kHz", how) << WavOf(400000, 2) << bySetAudio;
+            QTest::addRow("%s, 48 MHz", how) << WavOf(48000000, 2) << bySetAudio;
+            QTest::addRow("%s, 255 channels", how) << WavOf(44100, 255) << bySetAudio;
+        }
+    }
+    void aPlayerRefusesWhatNoOutputPlays()
+    {
+        QFETCH(QByteArray, bytes);
+        QFETCH(bool, bySetAudio);
+        const QString path = m_files.Write(u"unplayable.wav"_s, bytes);
+        AudioPlayer player;
+        QSignalSpy errors(&player, &QMediaPlayer::errorOccurred);
+        if (bySetAudio) {
+            player.SetAudio(path, 1.0);
+        } else {
+            player.setSource(QUrl::fromLocalFile(path));
+        }
+        QCOMPARE(player.source(), QUrl::fromLocalFile(path));
+        QTRY_VERIFY_WITH_TIMEOUT(!errors.isEmpty(), patience);
+        QVERIFY(!errors.constFirst().at(1).toString().isEmpty());
+        player.play();
+        errors.wait(300);
+        QCOMPARE(player.position(), 0);
+
+        // The player is as good as before.
+        player.SetAudio(m_files.Write(u"good.wav"_s, WavOf(44100, 2)), 0.5);
+        player.play();
+        QTRY_VERIFY_WITH_TIMEOUT(player.position() > 100, patience);
+    }
+
+private:
+    TemporaryFiles m_files;
+};
+
+int main(int argc, char** argv)
+{
+    const SoundServer server({u"one"_s});
+    QCoreApplication application(argc, argv);
+    PlayableFileTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_playable_file.moc"
