@@ -22,9 +22,6 @@ bool Resample(const QString& path, const QString& copyPath)
         return false;
     }
     QAudioFormat format = file.GetFileFormat();
-    if (format.channelCount() > 2) {
-        return false; // these are not converted
-    }
     format.setSampleRate(AudioEngine::highestPlayableRate / 2);
     format.setSampleFormat(QAudioFormat::Int16);
     return file.Convert(format, copyPath);
