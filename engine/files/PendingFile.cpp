@@ -18,13 +18,24 @@ constexpr qint64 copiedBlockSize = 1 << 20;
 
 QString WithoutLinks(const QString& path)
 {
-    const QFileInfo info(path);
-    QString canonical = info.canonicalFilePath();
+    QFileInfo info(path);
+    const QString canonical = info.canonicalFilePath();
     if (!canonical.isEmpty()) {
         return canonical;
     }
-    // A link may lead to what is not there yet.
-    return info.isSymLink() ? info.symLinkTarget() : info.absoluteFilePath();
+    // A link may lead to what is not there yet, also through other links, but not for ever.
+    for (int links = 0; info.isSymLink() && links < 40; ++links) {
+        info.setFile(info.symLinkTarget());
+    }
+    return info.absoluteFilePath();
+}
+
+QString PlaceOf(const QString& path, PendingRights rights)
+{
+    if (path.isEmpty()) {
+        return {};
+    }
+    return rights.replacesLinks ? QFileInfo(path).absoluteFilePath() : WithoutLinks(path);
 }
 
 /** Opening a pipe would wait for its other end. */
@@ -34,25 +45,31 @@ bool IsPipe(const QString& path)
     return std::filesystem::is_fifo(QFileInfo(path).filesystemFilePath(), error);
 }
 
-/** Appending nothing leaves a file as it is. A file that is created by it has a new file's permissions. */
+/** Appending nothing leaves a file as it is. */
 bool OpensForWriting(const QString& path)
 {
     return !IsPipe(path) &&
            QFile(path).open(IsFolderPipeOrDevice(path) ? QIODevice::WriteOnly : QIODevice::Append);
 }
 
-bool CanBeWritten(const QString& path)
+/** Nothing is created for a trial: whoever ends the program in that moment would leave an empty file. */
+bool IsPossibleName(const QString& path)
 {
-    const bool isNew = !QFileInfo::exists(path);
-    return OpensForWriting(path) && (!isNew || QFile::remove(path));
+    std::error_code error;
+    const auto status = std::filesystem::symlink_status(QFileInfo(path).filesystemFilePath(), error);
+    return !path.isEmpty() && status.type() != std::filesystem::file_type::none;
 }
 
-/** Some file systems flush a file to the disk when it replaces another one, even an empty one. So none is
- * replaced. */
-bool MoveToEmptyFile(const QString& from, const QString& to)
+/** Only its owner may read a temporary file. What others may do with a new file is for the system to say. */
+QFile::Permissions PermissionsOfNewFiles(const QString& hiddenName)
 {
-    QFile::setPermissions(from, QFile::permissions(to));
-    return QFile::remove(to) && QFile::rename(from, to);
+    QFile trial(hiddenName + u'p');
+    if (!trial.open(QIODevice::WriteOnly | QIODevice::NewOnly)) {
+        return QFile::ReadOwner | QFile::WriteOwner;
+    }
+    const QFile::Permissions permissions = trial.permissions();
+    trial.remove();
+    return permissions;
 }
 
 bool CopyRest(QFile& from, QFile& to, const CancelCheck& isCancelled)
@@ -66,23 +83,37 @@ bool CopyRest(QFile& from, QFile& to, const CancelCheck& isCancelled)
 
 } // namespace
 
-PendingFile::PendingFile(const QString& path, const QString& sourcePath)
-    : m_path(WithoutLinks(path)), m_sourcePath(sourcePath.isEmpty() ? QString() : WithoutLinks(sourcePath))
+PendingFile::PendingFile(const QString& path, const QString& sourcePath, PendingRights rights)
+    : m_path(PlaceOf(path, rights)), m_sourcePath(PlaceOf(sourcePath, {})), m_rights(rights)
 {
 }
 
 bool PendingFile::Open()
 {
+    if (ReplacesSource()) {
+        m_source = FileState::Of(m_path);
+    }
     // If the only copy of the audio were overwritten byte by byte, it could end as neither the old nor the new
     // file.
-    return CanBeWritten(m_path) && (OpenBeside() || (!ReplacesSource() && OpenElsewhere()));
+    return MayTakeName() && (OpenBeside() || (HasFormer() && !m_source && OpenElsewhere()));
 }
 
 bool PendingFile::Commit(const CancelCheck& isCancelled)
 {
     // A power failure must not take both the only copy of someone's audio and what replaces it.
-    const bool isWhole = ReplacesSource() ? FlushToDisk(m_file) : m_file.flush();
-    return isWhole && (m_isBeside ? MoveOver() : CopyOver(isCancelled));
+    const bool isWhole = m_source ? FlushToDisk(m_file) : m_file.flush();
+    return isWhole && IsSourceUnchanged() && (m_isBeside ? MoveOver() : CopyOver(isCancelled));
+}
+
+bool PendingFile::CommitUnlessTaken()
+{
+    return m_file.flush() && MoveUnlessTaken();
+}
+
+void PendingFile::KeepPart()
+{
+    m_file.flush();
+    static_cast<void>(MoveUnlessTaken());
 }
 
 void PendingFile::RemoveFormer()
@@ -97,9 +128,29 @@ bool PendingFile::ReplacesSource() const
     return IsSameFile(m_sourcePath, m_path);
 }
 
+bool PendingFile::IsSourceUnchanged() const
+{
+    return !m_source || *m_source == FileState::Of(m_path);
+}
+
+bool PendingFile::HasFormer() const
+{
+    const QFileInfo info(m_path);
+    return info.exists() && !(m_rights.replacesLinks && info.isSymLink());
+}
+
+bool PendingFile::MayTakeName() const
+{
+    if (!HasFormer()) {
+        return IsPossibleName(m_path);
+    }
+    return OpensForWriting(m_path) || (m_rights.replacesReadOnly && IsRegularFile(m_path));
+}
+
 bool PendingFile::OpenBeside()
 {
-    m_isBeside = !IsFolderPipeOrDevice(m_path) && OpenAs(QFileInfo(m_path).absolutePath() + u"/.decoded-XXXXXX");
+    const bool hasFolder = !HasFormer() || !IsFolderPipeOrDevice(m_path);
+    m_isBeside = hasFolder && OpenAs(QFileInfo(m_path).absolutePath() + u"/.decoded-XXXXXX");
     return m_isBeside;
 }
 
@@ -116,14 +167,27 @@ bool PendingFile::OpenAs(const QString& nameTemplate)
 
 bool PendingFile::MoveOver()
 {
+    // A file that has grown without a name gets one here.
     const QString name = m_file.fileName();
-    m_file.close();
-    const bool isNew = !QFileInfo::exists(m_path);
-    // Only its owner may read a temporary file, so it gets the permissions of the file that it replaces.
-    const bool isMoved = !name.isEmpty() && OpensForWriting(m_path) &&
-                         (isNew ? MoveToEmptyFile(name, m_path) : ReplaceFile(name, m_path));
+    const bool isMoved = !name.isEmpty() && ((!HasFormer() && MoveToFree(name)) ||
+                                             (HasFormer() && MayTakeName() && ReplaceFile(name, m_path)));
     m_file.setAutoRemove(!isMoved);
     return isMoved;
+}
+
+bool PendingFile::MoveUnlessTaken()
+{
+    if (!HasFormer()) {
+        const QString name = m_file.fileName();
+        m_file.setAutoRemove(name.isEmpty() || !MoveToFree(name));
+    }
+    return HasFormer();
+}
+
+bool PendingFile::MoveToFree(const QString& name)
+{
+    QFile::setPermissions(name, m_permissions ? *m_permissions : PermissionsOfNewFiles(name));
+    return MoveToFreeName(name, m_path) || (m_rights.replacesLinks && ReplaceLink(name, m_path));
 }
 
 bool PendingFile::CopyOver(const CancelCheck& isCancelled)

@@ -1,11 +1,23 @@
 #pragma once
 
 #include "engine/files/CancelCheck.h"
+#include "engine/files/FileState.h"
 
 #include <QtCore/QString>
 #include <QtCore/QTemporaryFile>
 
+#include <optional>
+
 namespace vantoraudio::AudioEngine {
+
+/** What a new file may take the place of, besides a file that may be written. */
+struct PendingRights
+{
+    /** Of a link itself. Otherwise the file that it leads to is replaced. */
+    bool replacesLinks = false;
+    /** Of a file that may only be read: the right to change its folder is enough. */
+    bool replacesReadOnly = false;
+};
 
 /**
  * A file that grows out of sight and gets its name only when it is whole: nobody sees a part of it, and the former
@@ -16,7 +28,7 @@ class PendingFile
 public:
     /** Does nothing yet. Where `path` is a link, what it points at will be replaced. `sourcePath` names what the
      *  file is made from, which may be the same file. */
-    explicit PendingFile(const QString& path, const QString& sourcePath = {});
+    explicit PendingFile(const QString& path, const QString& sourcePath = {}, PendingRights rights = {});
 
     /** False when the name may not be written, there is nowhere to write, or the source has the name and could not
      *  be replaced in one step; nothing has changed then. */
@@ -28,26 +40,48 @@ public:
     /** Where to write; open after Open(). */
     QFile& File() { return m_file; }
 
+    /** Those of the finished file. Without them it gets those of a former file, or else of any new file. */
+    void SetPermissions(QFile::Permissions permissions) { m_permissions = permissions; }
+
     /**
      * Puts the file under its name: in one step where its folder may be written, else (and for devices) by copying
      * its bytes. Only the copying can be cancelled, after each megabyte. False leaves the former file as it was,
-     * or empty when the copying had begun.
+     * or empty when the copying had begun. False, too, when the source has the name and was changed or replaced
+     * since Open().
      */
     [[nodiscard]] bool Commit(const CancelCheck& isCancelled = {});
+
+    /**
+     * Puts the file under its name unless another one has it, even one that came after Open(). True when one of
+     * the two has the name now.
+     */
+    [[nodiscard]] bool CommitUnlessTaken();
+
+    /** Puts what could be written under the name, unless another file has it. For what failed. */
+    void KeepPart();
 
     /** Removes the former file, or empties it where it cannot be removed. Devices stay, and so does the source. */
     void RemoveFormer();
 
 private:
+    bool HasFormer() const;
+    bool MayTakeName() const;
     bool OpenBeside();
     bool OpenElsewhere();
     bool OpenAs(const QString& nameTemplate);
     bool ReplacesSource() const;
+    bool IsSourceUnchanged() const;
     bool MoveOver();
+    bool MoveUnlessTaken();
+    bool MoveToFree(const QString& name);
     bool CopyOver(const CancelCheck& isCancelled);
 
     QString m_path;
     QString m_sourcePath;
+    PendingRights m_rights;
+    /** Only where it will be replaced. */
+    std::optional<FileState> m_source;
+    std::optional<QFile::Permissions> m_permissions;
     QTemporaryFile m_file;
     bool m_isBeside = false;
 };

@@ -20,6 +20,10 @@ private Q_SLOTS:
     void knowsNoFileThatIsNotThere();
     void putsAFileInThePlaceOfAnother();
     void keepsThePermissionsOfTheFormerFile();
+    void givesAFreeName();
+    void givesNoNameThatIsTaken_data();
+    void givesNoNameThatIsTaken();
+    void replacesALinkAndNothingElse();
     void leavesBothFilesWhenItFails();
     void flushesWhatWasWritten();
     void tellsThatAFileCannotBeFlushed();
@@ -76,6 +80,57 @@ void TestFileReplacement::keepsThePermissionsOfTheFormerFile()
     QVERIFY(QFile::permissions(from) != permissions);
     QVERIFY(ReplaceFile(from, to));
     QCOMPARE(QFile::permissions(to), permissions);
+}
+
+void TestFileReplacement::givesAFreeName()
+{
+    const TemporaryFiles files;
+    const QString from = files.Write(u"from"_s, "new");
+    QVERIFY(MoveToFreeName(from, files.Path(u"to"_s)));
+    QCOMPARE(TemporaryFiles::Read(files.Path(u"to"_s)), QByteArray("new"));
+    QVERIFY(!QFile::exists(from));
+    QVERIFY(!MoveToFreeName(files.Path(u"to"_s), files.Path(u"missing/to"_s)));
+    QVERIFY(QFile::exists(files.Path(u"to"_s)));
+}
+
+void TestFileReplacement::givesNoNameThatIsTaken_data()
+{
+    QTest::addColumn<QString>("leadsTo");
+    QTest::addRow("by a file") << QString();
+    QTest::addRow("by a link") << u"other"_s;
+    QTest::addRow("by a link to nothing") << u"missing"_s;
+}
+
+void TestFileReplacement::givesNoNameThatIsTaken()
+{
+    QFETCH(const QString, leadsTo);
+    const TemporaryFiles files;
+    const QString from = files.Write(u"from"_s, "new");
+    const QString to = files.Path(u"to"_s);
+    files.Write(u"other"_s, "old");
+    if (leadsTo.isEmpty()) {
+        QCOMPARE(files.Write(u"to"_s, "old"), to);
+    } else {
+        QVERIFY(QFile::link(files.Path(leadsTo), to));
+    }
+    QVERIFY(!MoveToFreeName(from, to));
+    QCOMPARE(TemporaryFiles::Read(from), QByteArray("new"));
+    QCOMPARE(TemporaryFiles::Read(to), leadsTo == u"missing" ? QByteArray() : QByteArray("old"));
+    QCOMPARE(QFileInfo(to).isSymLink(), !leadsTo.isEmpty());
+}
+
+void TestFileReplacement::replacesALinkAndNothingElse()
+{
+    const TemporaryFiles files;
+    const QString from = files.Write(u"from"_s, "new");
+    const QString other = files.Write(u"other"_s, "old");
+    QVERIFY(!ReplaceLink(from, other));
+    QVERIFY(!ReplaceLink(from, files.Path(u"missing"_s)));
+    QVERIFY(QFile::link(other, files.Path(u"link"_s)));
+    QVERIFY(ReplaceLink(from, files.Path(u"link"_s)));
+    QVERIFY(!QFileInfo(files.Path(u"link"_s)).isSymLink());
+    QCOMPARE(TemporaryFiles::Read(files.Path(u"link"_s)), QByteArray("new"));
+    QCOMPARE(TemporaryFiles::Read(other), QByteArray("old"));
 }
 
 void TestFileReplacement::leavesBothFilesWhenItFails()

@@ -14,6 +14,13 @@ using vantoraudio::AudioEngine::PendingFile;
 
 namespace {
 
+void SetTime(const QString& path, const QDateTime& time)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadWrite));
+    QVERIFY(file.setFileTime(time, QFileDevice::FileModificationTime));
+}
+
 QStringList AllIn(const QString& folder)
 {
     return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name);
@@ -85,6 +92,105 @@ private Q_SLOTS:
         QVERIFY(pending.Commit());
         QVERIFY(QFileInfo(files.Path(u"link"_s)).isSymLink());
         QCOMPARE(TemporaryFiles::Read(path), QByteArray("new"));
+    }
+
+    void replacesALinkItselfWhereThatIsWanted_data()
+    {
+        QTest::addColumn<QString>("target");
+        QTest::addRow("to a file") << u"out"_s;
+        QTest::addRow("to nothing") << u"missing"_s;
+        QTest::addRow("to a folder") << u"."_s;
+        QTest::addRow("to itself") << u"link"_s;
+    }
+    void replacesALinkItselfWhereThatIsWanted()
+    {
+        QFETCH(const QString, target);
+        const TemporaryFiles files;
+        const QString path = files.Write(u"out"_s, "old");
+        const QString link = files.Path(u"link"_s);
+        QVERIFY(QFile::link(files.Path(target), link));
+        PendingFile pending(link, {}, {.replacesLinks = true});
+        QVERIFY(pending.Open());
+        pending.File().write("new");
+        QVERIFY(QFileInfo(link).isSymLink());
+        QVERIFY(pending.CommitUnlessTaken());
+        QVERIFY(!QFileInfo(link).isSymLink());
+        QCOMPARE(TemporaryFiles::Read(link), QByteArray("new"));
+        QCOMPARE(TemporaryFiles::Read(path), QByteArray("old"));
+        QCOMPARE(AllIn(QFileInfo(path).path()), (QStringList{u"link"_s, u"out"_s}));
+    }
+
+    void fillsTheFileThatALinkToALinkPromises()
+    {
+        const TemporaryFiles files;
+        const QString path = files.Path(u"out"_s);
+        QVERIFY(QFile::link(path, files.Path(u"inner"_s)));
+        QVERIFY(QFile::link(files.Path(u"inner"_s), files.Path(u"outer"_s)));
+        PendingFile pending(files.Path(u"outer"_s));
+        QVERIFY(pending.Open());
+        pending.File().write("new");
+        QVERIFY(pending.Commit());
+        QCOMPARE(TemporaryFiles::Read(path), QByteArray("new"));
+        QVERIFY(QFileInfo(files.Path(u"inner"_s)).isSymLink() && QFileInfo(files.Path(u"outer"_s)).isSymLink());
+    }
+
+    void leavesAFileThatCameMeanwhile()
+    {
+        const TemporaryFiles files;
+        const QString path = files.Path(u"out"_s);
+        PendingFile pending(path);
+        QVERIFY(pending.Open());
+        pending.File().write("new");
+        QCOMPARE(files.Write(u"out"_s, "other"), path);
+        QVERIFY(pending.CommitUnlessTaken());
+        QCOMPARE(TemporaryFiles::Read(path), QByteArray("other"));
+        pending.KeepPart();
+        QCOMPARE(TemporaryFiles::Read(path), QByteArray("other"));
+        QVERIFY(pending.Commit());
+        QCOMPARE(TemporaryFiles::Read(path), QByteArray("new"));
+        QCOMPARE(AllIn(QFileInfo(path).path()), QStringList{u"out"_s});
+    }
+
+    void keepsAPartOnlyWhereNothingElseIs()
+    {
+        const TemporaryFiles files;
+        const QString path = files.Write(u"out"_s, "old");
+        {
+            PendingFile pending(path);
+            QVERIFY(pending.Open());
+            pending.File().write("ne");
+            pending.KeepPart();
+        }
+        QCOMPARE(TemporaryFiles::Read(path), QByteArray("old"));
+        QVERIFY(QFile::remove(path));
+        {
+            PendingFile pending(path);
+            QVERIFY(pending.Open());
+            pending.File().write("ne");
+            pending.KeepPart();
+        }
+        QCOMPARE(TemporaryFiles::Read(path), QByteArray("ne"));
+        QCOMPARE(AllIn(QFileInfo(path).path()), QStringList{u"out"_s});
+    }
+
+    void givesANewFileThePermissionsThatItIsTold()
+    {
+        const TemporaryFiles files;
+        const QString path = files.Path(u"out"_s);
+        PendingFile pending(path);
+        QVERIFY(pending.Open());
+        pending.SetPermissions(QFile::ReadOwner | QFile::ReadOther);
+        QVERIFY(pending.CommitUnlessTaken());
+        QVERIFY(QFile::permissions(path).testFlag(QFile::ReadOther));
+        QVERIFY(!QFile::permissions(path).testAnyFlags(QFile::WriteOwner | QFile::ReadGroup));
+    }
+
+    void leavesNothingUnderTheNameWhileItGrows()
+    {
+        const TemporaryFiles files;
+        PendingFile pending(files.Path(u"out"_s));
+        QVERIFY(pending.Open());
+        QVERIFY(!AllIn(files.Path({})).contains(u"out"_s));
     }
 
     void refusesWhatMayNotBeWritten_data()
@@ -169,6 +275,54 @@ private Q_SLOTS:
         QCOMPARE(TemporaryFiles::Read(source), QByteArray("old"));
         QVERIFY(pending.Commit());
         QCOMPARE(TemporaryFiles::Read(source), QByteArray("new"));
+    }
+
+    void leavesASourceThatWasChangedMeanwhile_data()
+    {
+        QTest::addColumn<QString>("change");
+        QTest::addRow("longer") << u"longer"_s;
+        QTest::addRow("rewritten") << u"rewritten"_s;
+        QTest::addRow("replaced") << u"replaced"_s;
+        QTest::addRow("removed") << u"removed"_s;
+    }
+    void leavesASourceThatWasChangedMeanwhile()
+    {
+        QFETCH(const QString, change);
+        const TemporaryFiles files;
+        const QString source = files.Write(u"source"_s, "old");
+        PendingFile pending(source, source);
+        QVERIFY(pending.Open());
+        pending.File().write("new");
+        if (change == u"removed") {
+            QVERIFY(QFile::remove(source));
+        } else if (change == u"replaced") {
+            const QDateTime time = QFileInfo(source).lastModified();
+            const QString other = files.Write(u"other"_s, "its");
+            QVERIFY(QFile::remove(source) && QFile::rename(other, source));
+            SetTime(source, time);
+        } else {
+            QCOMPARE(files.Write(u"source"_s, change == u"longer" ? "it is" : "its"), source);
+            SetTime(source, QDateTime::currentDateTime().addSecs(1));
+        }
+        const QByteArray left = TemporaryFiles::Read(source);
+        QVERIFY(!pending.Commit());
+        QCOMPARE(TemporaryFiles::Read(source), left);
+        QCOMPARE(QFile::exists(source), change != u"removed");
+    }
+
+    void replacesAReadOnlyFileWhereThatIsAllowed()
+    {
+        const TemporaryFiles files;
+        const QString path = files.Write(u"out"_s, "old");
+        QVERIFY(OrdinaryUser::TakesOver(path) && OrdinaryUser::TakesOver(QFileInfo(path).path()));
+        QVERIFY(QFile::setPermissions(path, QFile::ReadOwner));
+        const OrdinaryUser user;
+        PendingFile pending(path, path, {.replacesReadOnly = true});
+        QVERIFY(pending.Open());
+        pending.File().write("new");
+        QVERIFY(pending.Commit());
+        QCOMPARE(TemporaryFiles::Read(path), QByteArray("new"));
+        QVERIFY(!QFile::permissions(path).testFlag(QFile::WriteOwner));
     }
 
     void neverOverwritesItsSourceByteByByte()
