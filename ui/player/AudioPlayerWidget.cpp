@@ -1,4 +1,4 @@
-#include "engine/files/RegularFile.h"
+#include "ui/player/FileCopy.h"
 #include "ui/player/GuardedSignalBlocker.h"
 #include "ui/player/Internals.h"
 #include "ui/player/TimeText.h"
@@ -29,20 +29,6 @@ namespace vantoraudio::vantorAudioEngine::UI {
 namespace {
 
 constexpr int decodedSampleRate = 96000;
-
-/** A copy that is there already is used as it is, whatever the file has become since. */
-bool ProvideWorkingCopy(const QString& path, const QString& workingPath)
-{
-    if (QFile::exists(workingPath)) {
-        return true;
-    }
-    if (!AudioEngine::IsRegularFile(path) || !QFile::copy(path, workingPath)) {
-        return false;
-    }
-    // The copy of a read-only file is also read-only and could not be overwritten.
-    QFile::setPermissions(workingPath, QFile::permissions(workingPath) | QFile::WriteOwner);
-    return true;
-}
 
 /** Everything after the first dot counts, and its case, so that take.WAV and a.b.wav are decoded, too. */
 bool IsWavName(const QString& path)
@@ -83,7 +69,7 @@ void AudioPlayerWidget::SetAudioFile(const QString& path)
     // Decoding runs an event loop, in which this widget may be destroyed.
     const GuardedSignalBlocker blocker(m_internals->controls.edTotalDuration);
     const QString workingPath = m_internals->WorkingPathOf(path);
-    if (!ProvideWorkingCopy(path, workingPath)) {
+    if (!ProvideCopy(path, workingPath)) {
         // The code of a header that cannot be written stands for every failed copy; hosts know it as that.
         ErrorHandler(WavFile::ErrorWriteHeader);
         return;

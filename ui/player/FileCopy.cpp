@@ -1,5 +1,8 @@
 #include "ui/player/FileCopy.h"
 
+#include "engine/files/PendingFile.h"
+#include "engine/files/RegularFile.h"
+
 #include <QtCore/QByteArray>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
@@ -13,6 +16,7 @@
 namespace vantoraudio::vantorAudioEngine::UI {
 namespace {
 
+using AudioEngine::PendingFile;
 using Problem = AudioEngine::AudioFileInfo::Problem;
 
 /** Written in a moment, so that a copy can be stopped at any time. */
@@ -61,6 +65,19 @@ Problem CopyBlocks(QFile& source, QFile& target, const CopyObserver& goesOn)
     return Problem::None;
 }
 
+Problem Transfer(QFile& source, QFile& target, const QString& to, const CopyObserver& goesOn)
+{
+    if (ShareBytes(source, target)) {
+        return Problem::None;
+    }
+    return HasRoomFor(source.size(), to) ? CopyBlocks(source, target, goesOn) : Problem::NoSpace;
+}
+
+bool GoesOn(int /*permille*/)
+{
+    return true;
+}
+
 } // namespace
 
 Problem CopyFile(const QString& from, const QString& to, const CopyObserver& goesOn)
@@ -73,10 +90,23 @@ Problem CopyFile(const QString& from, const QString& to, const CopyObserver& goe
     if (!target.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered)) {
         return Problem::CannotBeCreated;
     }
-    if (ShareBytes(source, target)) {
-        return Problem::None;
+    return Transfer(source, target, to, goesOn);
+}
+
+bool ProvideCopy(const QString& from, const QString& to)
+{
+    if (QFile::exists(to) && !QFileInfo(to).isSymLink()) {
+        return true;
     }
-    return HasRoomFor(source.size(), to) ? CopyBlocks(source, target, goesOn) : Problem::NoSpace;
+    QFile source(from);
+    PendingFile copy(to, {}, {.replacesLinks = true});
+    if (!AudioEngine::IsRegularFile(from) || !source.open(QIODevice::ReadOnly | QIODevice::Unbuffered) ||
+        !copy.Open()) {
+        return false;
+    }
+    // The copy of a read-only file would be read-only too, and could not be overwritten.
+    copy.SetPermissions(source.permissions() | QFile::WriteOwner);
+    return Transfer(source, copy.File(), to, &GoesOn) == Problem::None && copy.CommitUnlessTaken();
 }
 
 } // namespace vantoraudio::vantorAudioEngine::UI

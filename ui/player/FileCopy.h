@@ -19,4 +19,12 @@ using CopyObserver = std::function<bool(int permille)>;
 [[nodiscard]] AudioEngine::AudioFileInfo::Problem CopyFile(const QString& from, const QString& to,
                                                            const CopyObserver& goesOn);
 
+/**
+ * Makes sure that `to` is a file of its own: one that is there already stays as it is; otherwise it becomes a
+ * whole copy of the regular file `from`, with its permissions and the owner's right to write. A link of that name
+ * is replaced, because what is written to the copy would end up in the file that the link leads to. False when
+ * there can be no such copy; nothing has changed then.
+ */
+[[nodiscard]] bool ProvideCopy(const QString& from, const QString& to);
+
 } // namespace vantoraudio::vantorAudioEngine::UI

@@ -101,6 +101,9 @@ private Q_SLOTS:
     void decodesToFloatWhenAsked();
     void decodesAWriteProtectedFile();
     void decodesAFileThatIsItsOwnCopy();
+    void aLinkInTheWritableDirectoryLeadsNowhere_data();
+    void aLinkInTheWritableDirectoryLeadsNowhere();
+    void aCallersOwnLinkBecomesACopy();
 
     void aFailedCopyKeepsTheFormerFile_data();
     void aFailedCopyKeepsTheFormerFile();
@@ -415,6 +418,57 @@ void PlayerLoadingTest::decodesAFileThatIsItsOwnCopy()
     QVERIFY(setup.Load(path));
     QVERIFY(TemporaryFiles::Read(path).startsWith("RIFF"));
     QVERIFY(qAbs(setup.player->GetAudioDuration() - 1.0) < 0.1);
+}
+
+void PlayerLoadingTest::aLinkInTheWritableDirectoryLeadsNowhere_data()
+{
+    QTest::addColumn<QString>("source");
+    QTest::addColumn<QString>("leadsTo");
+    for (const QString& source : {u"tone.wav"_s, u"tone.mp3"_s}) {
+        for (const QString& leadsTo : {u"the file"_s, u"another file"_s, u"nothing"_s, u"a folder"_s}) {
+            QTest::addRow("%s, %s", qPrintable(source), qPrintable(leadsTo)) << source << leadsTo;
+        }
+    }
+}
+
+void PlayerLoadingTest::aLinkInTheWritableDirectoryLeadsNowhere()
+{
+    QFETCH(const QString, source);
+    QFETCH(const QString, leadsTo);
+    PlayerSetup setup;
+    const QByteArray bytes = TemporaryFiles::Read(m_tones.Path(source));
+    const QString path = setup.originals.Write(source, bytes);
+    const QString precious = setup.originals.Write(u"precious"_s, "precious");
+    const QMap<QString, QString> targets{{u"the file"_s, path},
+                                         {u"another file"_s, precious},
+                                         {u"nothing"_s, setup.originals.Path(u"nothing"_s)},
+                                         {u"a folder"_s, setup.originals.Path(QString())}};
+    const QString copy = setup.copies.Path(source);
+    QVERIFY(QFile::link(targets[leadsTo], copy));
+    QVERIFY(setup.Load(path));
+    setup.player->SetSelectedChannel(WavFile::ChannelLeft);
+    QVERIFY(setup.IsIdle());
+    QVERIFY(!QFileInfo(copy).isSymLink());
+    QVERIFY(TemporaryFiles::Read(copy).startsWith("RIFF"));
+    QCOMPARE(TemporaryFiles::Read(path), bytes);
+    QCOMPARE(TemporaryFiles::Read(precious), QByteArray("precious"));
+    QCOMPARE(
+        QDir(setup.originals.Path(QString())).entryList(QDir::Files | QDir::Hidden | QDir::System, QDir::Name),
+        (QStringList{u"precious"_s, source}));
+}
+
+/** It stands in the writable directory itself. */
+void PlayerLoadingTest::aCallersOwnLinkBecomesACopy()
+{
+    PlayerSetup setup;
+    const QByteArray bytes = TemporaryFiles::Read(m_tones.Path(u"tone.mp3"_s));
+    const QString song = setup.originals.Write(u"song.mp3"_s, bytes);
+    const QString link = setup.copies.Path(u"link.mp3"_s);
+    QVERIFY(QFile::link(song, link));
+    QVERIFY(setup.Load(link));
+    QVERIFY(!QFileInfo(link).isSymLink());
+    QVERIFY(TemporaryFiles::Read(link).startsWith("RIFF"));
+    QCOMPARE(TemporaryFiles::Read(song), bytes);
 }
 
 void PlayerLoadingTest::aFailedCopyKeepsTheFormerFile_data()
