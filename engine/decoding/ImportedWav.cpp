@@ -1,9 +1,9 @@
 #include "engine/decoding/ImportedWav.h"
 
+#include "engine/files/DiskRoom.h"
 #include "engine/wav/WavHeader.h"
 
 #include <QtCore/QFileInfo>
-#include <QtCore/QStorageInfo>
 
 #include <algorithm>
 #include <cmath>
@@ -48,9 +48,7 @@ AudioFileInfo::Problem ProblemOfSize(double bytes, const ImportOptions& options,
     if (!options.mayBeLarge && bytes > double(ImportLimits().mostPlainBytes)) {
         return AudioFileInfo::Problem::TooLong;
     }
-    const QStorageInfo storage(QFileInfo(path).absolutePath());
-    const bool hasRoom = !storage.isValid() || double(storage.bytesAvailable()) >= bytes;
-    return hasRoom ? AudioFileInfo::Problem::None : AudioFileInfo::Problem::NoSpace;
+    return HasRoomFor(bytes, path) ? AudioFileInfo::Problem::None : AudioFileInfo::Problem::NoSpace;
 }
 
 bool ImportedWav::Open()

@@ -46,7 +46,8 @@ public:
         TooLong,
         /** The disk has too little room for the WAV file. */
         NoSpace,
-        /** No WAV file is made at ImportOptions::sampleRate. */
+        /** No WAV file is made at ImportOptions::sampleRate, or not from a rate as high as the file's own: above
+         *  some 200 times the target a conversion may take gigabytes. */
         UnsupportedRate,
         /** No file of that name may be written there. */
         CannotBeCreated,

@@ -1,12 +1,12 @@
 #include "ui/player/FileCopy.h"
 
+#include "engine/files/DiskRoom.h"
 #include "engine/files/PendingFile.h"
 #include "engine/files/RegularFile.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
-#include <QtCore/QStorageInfo>
 
 #ifdef Q_OS_LINUX
 #    include <linux/fs.h>
@@ -21,12 +21,6 @@ using Problem = AudioEngine::AudioFileInfo::Problem;
 
 /** Written in a moment, so that a copy can be stopped at any time. */
 constexpr qint64 blockSize = 1 << 20;
-
-bool HasRoomFor(qint64 bytes, const QString& path)
-{
-    const QStorageInfo storage(QFileInfo(path).absolutePath());
-    return !storage.isValid() || storage.bytesAvailable() >= bytes;
-}
 
 /** False where the file system cannot do it; nothing has changed then. */
 bool ShareBytes([[maybe_unused]] const QFile& source, [[maybe_unused]] const QFile& target)
@@ -70,7 +64,8 @@ Problem Transfer(QFile& source, QFile& target, const QString& to, const CopyObse
     if (ShareBytes(source, target)) {
         return Problem::None;
     }
-    return HasRoomFor(source.size(), to) ? CopyBlocks(source, target, goesOn) : Problem::NoSpace;
+    return AudioEngine::HasRoomFor(double(source.size()), to) ? CopyBlocks(source, target, goesOn)
+                                                              : Problem::NoSpace;
 }
 
 bool GoesOn(int /*permille*/)
