@@ -37,7 +37,10 @@ Problem ProblemOfFile(const QString& path)
     if (!IsRegularFile(path)) {
         return Problem::NotAFile;
     }
-    return QFile(path).open(QIODevice::ReadOnly) ? Problem::None : Problem::NoPermission;
+    if (!QFile(path).open(QIODevice::ReadOnly)) {
+        return Problem::NoPermission;
+    }
+    return IsEmptyFile(path) ? Problem::NoAudio : Problem::None;
 }
 
 int IsInterrupted(void* check)

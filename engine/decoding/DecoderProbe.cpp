@@ -29,7 +29,7 @@ std::span<AVStream* const> Streams(const AVFormatContext& format)
 
 bool OpenInput(AVFormatContext* format, const QString& path)
 {
-    if (IsFolderPipeOrDevice(path)) {
+    if (IsFolderPipeOrDevice(path) || IsEmptyFile(path)) {
         avformat_free_context(format);
         return false;
     }
@@ -141,7 +141,8 @@ public:
     int Duration() const;
     /** Whether the first packets of audio can be decoded. A file without packets needs a format only. */
     bool BeginsWithSound();
-    bool ChangesChannelCount();
+    /** Reads all packets. */
+    bool CanBeDecodedWhole();
 
 private:
     FormatPointer m_format{avformat_alloc_context()};
@@ -182,7 +183,7 @@ bool Decoder::Probe::OpenAudio::BeginsWithSound()
     return hasAudio ? YieldsSound(*m_codec, nullptr, *frame) : HasFormat(*m_codec);
 }
 
-bool Decoder::Probe::OpenAudio::ChangesChannelCount()
+bool Decoder::Probe::OpenAudio::CanBeDecodedWhole()
 {
     const PacketPointer packet(av_packet_alloc());
     const AVStream& stream = *Streams(*m_format)[static_cast<std::size_t>(m_streamIndex)];
@@ -192,7 +193,10 @@ bool Decoder::Probe::OpenAudio::ChangesChannelCount()
         isSame = packet->stream_index != m_streamIndex || counter.IsSame(*packet, stream);
         av_packet_unref(packet.get());
     }
-    return !isSame;
+    // To most demuxers a disk that fails is the end of the file.
+    const AVIOContext* input = m_format->pb;
+    const bool isReadable = input == nullptr || input->error >= 0 || input->error == AVERROR_EOF;
+    return isSame && isReadable;
 }
 
 bool Decoder::Probe::HoldsAudio(const QString& path)
@@ -201,10 +205,10 @@ bool Decoder::Probe::HoldsAudio(const QString& path)
     return audio.IsOpen() && audio.BeginsWithSound();
 }
 
-bool Decoder::Probe::ChangesChannelCount(const QString& path)
+bool Decoder::Probe::CanBeDecodedWhole(const QString& path)
 {
     OpenAudio audio(path);
-    return audio.IsOpen() && audio.ChangesChannelCount();
+    return audio.IsOpen() && audio.CanBeDecodedWhole();
 }
 
 int Decoder::Probe::Duration(const QString& path)

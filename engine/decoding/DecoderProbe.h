@@ -11,9 +11,12 @@ public:
     /** Whether there is an audio stream whose beginning can be decoded. */
     static bool HoldsAudio(const QString& path);
 
-    /** Whether the number of channels changes in the middle of the stream, as far as the packets show it without
-     *  being decoded. Qt's decoder crashes because of it, on a thread of its own. */
-    static bool ChangesChannelCount(const QString& path);
+    /**
+     * Whether all of the file can be read, and the number of channels stays the same, as far as the packets show
+     * it without being decoded. To Qt's decoder a read error is the end of the file, and it crashes, on a thread of
+     * its own, because of channels that change.
+     */
+    static bool CanBeDecodedWhole(const QString& path);
 
     /** In milliseconds; 0 when it cannot be found. */
     static int Duration(const QString& path);

@@ -82,7 +82,7 @@ WavFile::AudioEngineReturnValue Decoder::Run::Convert(const QString& inPath, con
         return WavFile::ErrorOpenFile;
     }
     const QString source = QFileInfo(inPath).absoluteFilePath();
-    if (!Probe::HoldsAudio(source) || Probe::ChangesChannelCount(source)) {
+    if (!Probe::HoldsAudio(source) || !Probe::CanBeDecodedWhole(source)) {
         return WavFile::ErrorInvalidFormat;
     }
     auto result = Run(output.File(), sampleRate, makeSource).Decode(source);

@@ -22,4 +22,13 @@ namespace vantoraudio::AudioEngine {
     return info.exists() && !info.isFile();
 }
 
+/**
+ * Empty files are not read: the system has regular files that say they are empty and never come to an end, such as
+ * /proc/kmsg. True also where nothing has the name.
+ */
+[[nodiscard]] inline bool IsEmptyFile(const QString& path)
+{
+    return QFileInfo(path).size() == 0;
+}
+
 } // namespace vantoraudio::AudioEngine
