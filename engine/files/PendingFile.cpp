@@ -1,6 +1,7 @@
 #include "engine/files/PendingFile.h"
 
 #include "engine/files/FileReplacement.h"
+#include "engine/files/Leftovers.h"
 #include "engine/files/RegularFile.h"
 
 #include <QtCore/QByteArray>
@@ -98,16 +99,25 @@ bool PendingFile::Open()
     return MayTakeName() && (OpenBeside() || (HasFormer() && !m_source && OpenElsewhere()));
 }
 
-bool PendingFile::Commit(const CancelCheck& isCancelled)
+bool PendingFile::Store()
 {
     // A power failure must not take both the only copy of someone's audio and what replaces it.
-    const bool isWhole = m_source ? FlushToDisk(m_file) : m_file.flush();
-    return isWhole && IsSourceUnchanged() && (m_isBeside ? MoveOver() : CopyOver(isCancelled));
+    return m_source ? FlushToDisk(m_file) : m_file.flush();
+}
+
+bool PendingFile::IsSourceUnchanged() const
+{
+    return !m_source || *m_source == FileState::Of(m_path);
+}
+
+bool PendingFile::Commit(const CancelCheck& isCancelled)
+{
+    return Store() && IsSourceUnchanged() && (m_isBeside ? MoveOver() : CopyOver(isCancelled));
 }
 
 bool PendingFile::CommitUnlessTaken()
 {
-    return m_file.flush() && MoveUnlessTaken();
+    return Store() && MoveUnlessTaken();
 }
 
 void PendingFile::KeepPart()
@@ -128,11 +138,6 @@ bool PendingFile::ReplacesSource() const
     return IsSameFile(m_sourcePath, m_path);
 }
 
-bool PendingFile::IsSourceUnchanged() const
-{
-    return !m_source || *m_source == FileState::Of(m_path);
-}
-
 bool PendingFile::HasFormer() const
 {
     const QFileInfo info(m_path);
@@ -150,19 +155,20 @@ bool PendingFile::MayTakeName() const
 bool PendingFile::OpenBeside()
 {
     const bool hasFolder = !HasFormer() || !IsFolderPipeOrDevice(m_path);
-    m_isBeside = hasFolder && OpenAs(QFileInfo(m_path).absolutePath() + u"/.decoded-XXXXXX");
+    m_isBeside = hasFolder && OpenIn(QFileInfo(m_path).absolutePath());
     return m_isBeside;
 }
 
 bool PendingFile::OpenElsewhere()
 {
-    return OpenAs(QDir::tempPath() + u"/decoded-XXXXXX");
+    return OpenIn(QDir::tempPath());
 }
 
-bool PendingFile::OpenAs(const QString& nameTemplate)
+/** A QTemporaryFile stays open until it is destroyed, and locked. */
+bool PendingFile::OpenIn(const QString& folder)
 {
-    m_file.setFileTemplate(nameTemplate);
-    return m_file.open();
+    m_file.setFileTemplate(HiddenTemplate(folder, QStringLiteral("written")));
+    return m_file.open() && LockHandle(m_file.handle());
 }
 
 bool PendingFile::MoveOver()

@@ -21,7 +21,8 @@ struct PendingRights
 
 /**
  * A file that grows out of sight and gets its name only when it is whole: nobody sees a part of it, and the former
- * file of that name can be read until then. The destructor removes what was written but not committed.
+ * file of that name can be read until then. The destructor removes what was written but not committed;
+ * RemoveLeftovers() removes what a program that was killed has left.
  */
 class PendingFile
 {
@@ -43,11 +44,17 @@ public:
     /** Those of the finished file. Without them it gets those of a former file, or else of any new file. */
     void SetPermissions(QFile::Permissions permissions) { m_permissions = permissions; }
 
+    /** Writes out everything that was given to File(), so that a full disk is noticed; to the disk itself where
+     * the source is replaced. */
+    [[nodiscard]] bool Store();
+
+    /** False when the source has the name and another program changed, replaced or removed it since Open(). */
+    [[nodiscard]] bool IsSourceUnchanged() const;
+
     /**
-     * Puts the file under its name: in one step where its folder may be written, else (and for devices) by copying
-     * its bytes. Only the copying can be cancelled, after each megabyte. False leaves the former file as it was,
-     * or empty when the copying had begun. False, too, when the source has the name and was changed or replaced
-     * since Open().
+     * Stores the file and puts it under its name: in one step where its folder may be written, else (and for
+     * devices) by copying its bytes. Only the copying can be cancelled, after each megabyte. False leaves the
+     * former file as it was, or empty when the copying had begun. Also false without IsSourceUnchanged().
      */
     [[nodiscard]] bool Commit(const CancelCheck& isCancelled = {});
 
@@ -68,9 +75,8 @@ private:
     bool MayTakeName() const;
     bool OpenBeside();
     bool OpenElsewhere();
-    bool OpenAs(const QString& nameTemplate);
+    bool OpenIn(const QString& folder);
     bool ReplacesSource() const;
-    bool IsSourceUnchanged() const;
     bool MoveOver();
     bool MoveUnlessTaken();
     bool MoveToFree(const QString& name);

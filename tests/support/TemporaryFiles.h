@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QtCore/QByteArray>
+#include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QString>
 #include <QtCore/QTemporaryDir>
@@ -18,6 +19,13 @@ public:
         const bool isWritten =
             file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush();
         return isWritten ? file.fileName() : QString();
+    }
+
+    /** Of everything in the folder, hidden ones too. */
+    QStringList Names() const
+    {
+        return QDir(m_folder.path())
+            .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name);
     }
 
     static QByteArray Read(const QString& path)

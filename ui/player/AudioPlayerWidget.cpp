@@ -1,3 +1,4 @@
+#include "engine/files/Leftovers.h"
 #include "ui/player/FileCopy.h"
 #include "ui/player/GuardedSignalBlocker.h"
 #include "ui/player/Internals.h"
@@ -69,6 +70,7 @@ void AudioPlayerWidget::SetAudioFile(const QString& path)
     // Decoding runs an event loop, in which this widget may be destroyed.
     const GuardedSignalBlocker blocker(m_internals->controls.edTotalDuration);
     const QString workingPath = m_internals->WorkingPathOf(path);
+    AudioEngine::RemoveLeftovers(m_writableDirectoryPath);
     if (!ProvideCopy(path, workingPath)) {
         // The code of a header that cannot be written stands for every failed copy; hosts know it as that.
         ErrorHandler(WavFile::ErrorWriteHeader);

@@ -1,5 +1,6 @@
 #include "ui/player/FileLoad.h"
 
+#include "engine/files/Leftovers.h"
 #include "engine/files/RegularFile.h"
 #include "ui/player/FileCopy.h"
 
@@ -10,6 +11,7 @@
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
 #include <QtCore/QPromise>
+#include <QtCore/QTemporaryDir>
 #include <QtCore/QThreadPool>
 
 #include <cmath>
@@ -17,6 +19,28 @@
 #include <utility>
 
 namespace vantoraudio::vantorAudioEngine::UI {
+
+/** A folder that nobody looks into, and that the next load into the same directory leaves alone. */
+class HiddenFolder
+{
+public:
+    explicit HiddenFolder(const QString& directory)
+        : m_folder(AudioEngine::HiddenTemplate(directory, QStringLiteral("loaded"))), m_lock(m_folder.path())
+    {
+        // It is removed where there is time for it.
+        m_folder.setAutoRemove(false);
+    }
+
+    bool IsValid() const { return m_folder.isValid(); }
+    bool IsLocked() const { return m_lock.IsHeld(); }
+    QString Path() const { return m_folder.path(); }
+    QString FilePath(const QString& name) const { return m_folder.filePath(name); }
+
+private:
+    QTemporaryDir m_folder;
+    AudioEngine::FolderLock m_lock;
+};
+
 namespace {
 
 using AudioEngine::AudioFileInfo;
@@ -59,20 +83,24 @@ private:
 /** Removing a long file takes its time. Without the warnings of QTemporaryDir: a program that closes may remove
  * the folder around this one at the same moment. Only for valid folders: an empty path would mean the current one.
  */
-void RemoveInBackground(QTemporaryDir* folder)
+void RemoveInBackground(HiddenFolder* folder)
 {
-    folder->setAutoRemove(false);
     LoadThreads::Start([folder] {
-        QDir(folder->path()).removeRecursively();
+        QDir(folder->Path()).removeRecursively();
         delete folder;
     });
 }
 
 /** Null when there can be none. */
-std::shared_ptr<QTemporaryDir> MakeFolder(const QString& directory)
+std::shared_ptr<HiddenFolder> MakeFolder(const QString& directory)
 {
-    auto folder = std::make_unique<QTemporaryDir>(QDir(directory).filePath(QStringLiteral(".loaded-XXXXXX")));
-    if (!folder->isValid()) {
+    // Another program that sweeps at this moment may take one away before it is locked.
+    constexpr int mostTries = 10;
+    auto folder = std::make_unique<HiddenFolder>(directory);
+    for (int tries = 1; folder->IsValid() && !folder->IsLocked() && tries < mostTries; ++tries) {
+        folder = std::make_unique<HiddenFolder>(directory);
+    }
+    if (!folder->IsValid()) {
         return nullptr;
     }
     return {folder.release(), &RemoveInBackground};
@@ -92,10 +120,9 @@ bool IsSoundWavFile(const QString& path)
 
 } // namespace
 
-FileState FileState::Of(const QString& path)
+LoadSource LoadSource::Of(const QString& path)
 {
-    const QFileInfo info(path);
-    return {info.canonicalFilePath(), info.size(), info.lastModified()};
+    return {QFileInfo(path).canonicalFilePath(), AudioEngine::FileState::Of(path)};
 }
 
 /** What a load does on its thread. It owns all that it works with. */
@@ -112,7 +139,7 @@ public:
     void operator()(QPromise<Prepared>& promise)
     {
         promise.setProgressRange(0, 1000);
-        m_source = FileState::Of(m_path);
+        m_source = LoadSource::Of(m_path);
         promise.addResult(CanKeepFormer() ? Prepared{Problem::None, m_former} : Prepare(promise));
     }
 
@@ -124,12 +151,13 @@ private:
 
     Prepared Prepare(QPromise<Prepared>& promise) const
     {
-        const std::shared_ptr<QTemporaryDir> folder = MakeFolder(m_directory);
+        AudioEngine::RemoveLeftovers(m_directory);
+        const std::shared_ptr<HiddenFolder> folder = MakeFolder(m_directory);
         if (!folder) {
             const Problem ofSource = AudioFileInfo::Probe(m_path).GetProblem();
             return {ofSource == Problem::None ? Problem::CannotBeCreated : ofSource, {}};
         }
-        const WorkingCopy copy{folder, folder->filePath(QFileInfo(m_path).fileName()), m_source};
+        const WorkingCopy copy{folder, folder->FilePath(QFileInfo(m_path).fileName()), m_source};
         const auto goesOn = [&promise](int permille) {
             promise.setProgressValue(permille);
             return !promise.isCanceled();
@@ -147,7 +175,7 @@ private:
     QString m_path;
     QString m_directory;
     WorkingCopy m_former;
-    FileState m_source;
+    LoadSource m_source;
 };
 
 FileLoad::FileLoad(const QString& path, const QString& directory, const WorkingCopy& former)

@@ -1,39 +1,41 @@
 #pragma once
 
+#include "engine/files/FileState.h"
+
 #include <vantorAudioEngine/AudioFileInfo.h>
 
-#include <QtCore/QDateTime>
 #include <QtCore/QFutureWatcher>
 #include <QtCore/QObject>
 #include <QtCore/QString>
-#include <QtCore/QTemporaryDir>
 
 #include <memory>
 
 namespace vantoraudio::vantorAudioEngine::UI {
 
-/** Tells one state of a file from another one, and from every other file. */
-struct FileState
+class HiddenFolder;
+
+/** Which file it is, and what it was like. */
+struct LoadSource
 {
     /** Without links. */
     QString path;
-    qint64 size = 0;
-    QDateTime changed;
+    AudioEngine::FileState state;
 
-    [[nodiscard]] static FileState Of(const QString& path);
-    bool operator==(const FileState&) const = default;
+    [[nodiscard]] static LoadSource Of(const QString& path);
+    bool operator==(const LoadSource&) const = default;
 };
 
 /**
  * A file that WavFile opens, in a folder of its own. So it can have the name of its source and never meets
- * another file of that name. The folder is removed when nobody holds it any more, without waiting for that.
+ * another file of that name. The folder is removed when nobody holds it any more, without waiting for that; where
+ * the program is killed, the next load into the same directory does it.
  */
 struct WorkingCopy
 {
-    std::shared_ptr<QTemporaryDir> folder;
+    std::shared_ptr<HiddenFolder> folder;
     QString path;
     /** What the source was like just before it was read. */
-    FileState source;
+    LoadSource source;
 };
 
 /**
