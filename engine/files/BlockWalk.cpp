@@ -15,6 +15,18 @@ qint64 PieceSize(const BlockRange& range)
     return qMax(qint64(1), bytesPerPiece / frameSize) * frameSize;
 }
 
+WalkResult EndOf(const SharedFileCursor& cursor, const BlockRange& range, const BlockTask& task)
+{
+    if (cursor.Position() >= range.end) {
+        return WalkResult::Complete;
+    }
+    if (task.isAborted()) {
+        return WalkResult::Aborted;
+    }
+    const bool isShorter = cursor.IsPlaced() && cursor.Position() < range.fileSize;
+    return cursor.HasFailed() || isShorter ? WalkResult::FileFailed : WalkResult::FileEnded;
+}
+
 } // namespace
 
 qint64 BlockRange::SizeFrom(qint64 start) const
@@ -39,10 +51,7 @@ WalkResult WalkBlocks(SharedFileCursor& cursor, const BlockRange& range, const B
     while (cursor.Position() < stop) {
         const qint64 position = cursor.Position();
         if (!cursor.Read(qMin(PieceSize(range), stop - position), piece)) {
-            if (position >= range.end) {
-                return WalkResult::Complete;
-            }
-            return task.isAborted() ? WalkResult::Aborted : WalkResult::FileEnded;
+            return EndOf(cursor, range, task);
         }
         while (nextBlock < position + piece.size() && nextBlock < stop) {
             if (task.isAborted()) {

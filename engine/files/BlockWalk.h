@@ -15,6 +15,8 @@ struct BlockRange
     qint64 blockSize = 0;
     /** Never torn apart; a block is a multiple of it. */
     qint64 frameSize = 1;
+    /** How long the file was when it was opened; 0 where that does not count. */
+    qint64 fileSize = 0;
 
     /** Of all blocks from `start` on; 0 where there is none. */
     qint64 SizeFrom(qint64 start) const;
@@ -33,8 +35,10 @@ struct BlockTask
 enum class WalkResult
 {
     Complete,
-    /** The file ended before the range, or could not be read. */
+    /** The file ended before the range, as it did when it was opened. */
     FileEnded,
+    /** The file could not be read, or is shorter than it was. */
+    FileFailed,
     Aborted,
     /** By take(). */
     Stopped

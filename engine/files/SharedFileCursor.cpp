@@ -50,10 +50,14 @@ qint64 SharedFileCursor::BytesLeftLocked() const
 
 qint64 SharedFileCursor::ReadLocked(char* bytes, qint64 size)
 {
-    if (!m_isPlaced || size < 1 || (m_file.pos() != m_position && !m_file.seek(m_position))) {
+    m_hasFailed = false;
+    if (!m_isPlaced || size < 1) {
         return 0;
     }
-    return qMax(qint64(0), m_file.read(bytes, size));
+    const bool isThere = m_file.pos() == m_position || m_file.seek(m_position);
+    const qint64 count = isThere ? m_file.read(bytes, size) : -1;
+    m_hasFailed = count < 0;
+    return qMax(qint64(0), count);
 }
 
 } // namespace vantoraudio::AudioEngine

@@ -23,6 +23,9 @@ public:
     /** In bytes from the start of the file. */
     qint64 Position() const { return m_position; }
 
+    /** Whether it stands where it was to begin. */
+    bool IsPlaced() const { return m_isPlaced; }
+
     /** How much of the file lies behind the cursor, in bytes. */
     qint64 BytesLeft() const;
 
@@ -32,6 +35,9 @@ public:
      * block, at the end of the file or after a failure.
      */
     bool Read(qint64 size, QByteArray& block);
+
+    /** Whether the last Read() ended with an error instead of the end of the file. */
+    bool HasFailed() const { return m_hasFailed; }
 
     /** Goes to another place. A negative one, or one in a file that cannot be read, changes nothing. */
     void MoveTo(qint64 position);
@@ -44,6 +50,7 @@ private:
     QMutex& m_deviceLock;
     qint64 m_position = 0;
     bool m_isPlaced = false;
+    bool m_hasFailed = false;
 };
 
 } // namespace vantoraudio::AudioEngine

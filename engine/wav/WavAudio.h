@@ -20,6 +20,7 @@ struct WavAudio
         , dataLength(file.GetDataLength())
         , duration(file.GetDuration())
         , allowsLargeFiles(file.GetLargeFiles())
+        , keepsParts(file.GetKeepParts())
     {
     }
 
@@ -39,6 +40,8 @@ struct WavAudio
     /** In seconds. */
     double duration;
     bool allowsLargeFiles;
+    /** Of what is aborted or fails. */
+    bool keepsParts;
 };
 
 /** For a task that starts now: clears its abort flag under the same lock, so that an abort that the task does not

@@ -32,7 +32,8 @@ WavFile::WavFile(QObject* parent) : QFile(parent)
 
 WavFile::~WavFile() = default;
 
-// It leaves out the flag of channel filtering, the sample size, SetLargeFiles() and all of the QFile on purpose.
+// It leaves out the flag of channel filtering, the sample size, SetLargeFiles(), SetKeepParts() and all of the
+// QFile on purpose.
 WavFile& WavFile::operator=(const WavFile& other)
 {
     if (this == &other) {
@@ -69,9 +70,18 @@ WavFile::AudioEngineReturnValue WavFile::Open(const QString& fileName)
         setErrorString(tr("Not a regular file"));
         return ErrorOpenFile;
     }
+    m_sizeAtOpening = size();
+    if (m_sizeAtOpening == 0) {
+        // As IsEmptyFile() explains.
+        return ErrorReadFile;
+    }
     const AudioEngineReturnValue result = ReadHeader();
     if (result != Success) {
         return result;
+    }
+    if (error() == QFileDevice::ReadError) {
+        // Otherwise it would be taken for a file that ends before its format.
+        return ErrorReadFile;
     }
     const int frameSize = StoredFormat{m_fileFormat, m_sampleSize}.FrameSize();
     if (frameSize < 1) {
@@ -116,6 +126,16 @@ bool WavFile::GetLargeFiles() const
 void WavFile::SetLargeFiles(bool allowed)
 {
     StoreShared(m_allowsLargeFiles, allowed);
+}
+
+bool WavFile::GetKeepParts() const
+{
+    return LoadShared(m_keepsParts);
+}
+
+void WavFile::SetKeepParts(bool keep)
+{
+    StoreShared(m_keepsParts, keep);
 }
 
 WavFile::ChannelFormat WavFile::GetSelectedChannel() const

@@ -1,5 +1,5 @@
+#include "engine/files/DiskRoom.h"
 #include "engine/files/FileReplacement.h"
-#include "engine/files/RegularFile.h"
 #include "engine/files/SharedFileCursor.h"
 #include "engine/samples/PcmResampler.h"
 #include "engine/samples/S24Samples.h"
@@ -8,9 +8,6 @@
 #include "engine/wav/WavWriter.h"
 
 #include <vantorAudioEngine/WavFile.h>
-
-#include <QtCore/QFileInfo>
-#include <QtCore/QTemporaryFile>
 
 #include <cstdio>
 
@@ -47,43 +44,68 @@ struct Conversion
     const WavAudio source;
     const QAudioFormat target;
     PcmResampler& resampler;
+    /** Of the file when it was opened, in bytes. */
+    qint64 sourceSize = 0;
+    /** By another program, so that the file is no longer what was converted. */
+    bool isSourceChanged = false;
 
-    bool WriteTo(WavWriter& output, const QString& path);
+    bool HasRoom(const QString& path) const;
+    bool WriteTo(const QString& path);
     bool WriteOver(const QString& path);
 
 private:
+    bool Write(WavWriter& output);
     bool ConvertBlocks(WavWriter& output);
+    bool IsReadWhole(const SharedFileCursor& cursor) const;
 };
 
-/** The header states the size that follows from the length of the source, even when the resampler delivers some
- * frames more or fewer. */
-bool Conversion::WriteTo(WavWriter& output, const QString& path)
+/** A low rate that is raised steeply makes terabytes of a small file. */
+bool Conversion::HasRoom(const QString& path) const
 {
-    const ByteCounting counting = source.Counting();
-    const qint64 dataSize =
-        CalculateAudioDataSize(counting.Restrict(ResampledLength(source)), source.format.audio, target, counting);
-    return output.Open(path, target, dataSize, source.allowsLargeFiles) && ConvertBlocks(output);
+    const double frames = double(file.size() - source.dataOffset) / qMax(1, source.format.FrameSize());
+    const double seconds = frames / source.format.audio.sampleRate();
+    return HasRoomFor(seconds * target.sampleRate() * target.bytesPerFrame(), path);
+}
+
+bool Conversion::WriteTo(const QString& path)
+{
+    PendingFile output(path);
+    WavWriter writer(output);
+    if (Write(writer) && output.Commit()) {
+        return true;
+    }
+    if (source.keepsParts) {
+        writer.KeepPart();
+    }
+    return false;
 }
 
 /** Converts into a new file beside the one at `path`, which it replaces at the end; the source is closed then.
  * Until that last step nothing happens to the old file, and a failure leaves no other file behind. */
 bool Conversion::WriteOver(const QString& path)
 {
-    const QFileInfo replaced(QFileInfo(path).canonicalFilePath());
-    // Reserves a name. Unless the file was renamed, it is removed at the end.
-    QTemporaryFile place(replaced.path() + QStringLiteral("/.vantorAudioEngine-XXXXXX"));
-    if (!IsRegularFile(path) || !place.open()) {
+    isSourceChanged = FileState::Of(file) != FileState::Of(path);
+    PendingFile output(path, path, {.replacesReadOnly = true});
+    WavWriter writer(output);
+    if (isSourceChanged || !Write(writer)) {
         return false;
     }
-    place.close();
-    WavWriter output;
-    if (!WriteTo(output, place.fileName()) || !output.FinishOnDisk()) {
+    isSourceChanged = !output.IsSourceUnchanged();
+    if (isSourceChanged || !output.Store()) {
         return false;
     }
     file.close();
-    const bool isReplaced = ReplaceFile(place.fileName(), replaced.filePath());
-    place.setAutoRemove(!isReplaced);
-    return isReplaced;
+    return output.Commit();
+}
+
+/** The header states the size that follows from the length of the source, even when the resampler delivers some
+ * frames more or fewer. */
+bool Conversion::Write(WavWriter& output)
+{
+    const ByteCounting counting = source.Counting();
+    const qint64 dataSize =
+        CalculateAudioDataSize(counting.Restrict(ResampledLength(source)), source.format.audio, target, counting);
+    return output.Open(target, dataSize, source.allowsLargeFiles) && ConvertBlocks(output);
 }
 
 /** Goes to the end of the file, not of the sample data, on purpose. */
@@ -104,8 +126,7 @@ bool Conversion::ConvertBlocks(WavWriter& output)
             return false;
         }
     }
-    // A rest of the file that could not be read would be missing in the result.
-    if (cursor.BytesLeft() > 0 || !append(resampler.Drain())) {
+    if (!IsReadWhole(cursor) || !append(resampler.Drain())) {
         return false;
     }
     // One pass may yield nothing. When all of them do, it is a failure, and FFmpeg's function for the size of a
@@ -114,6 +135,12 @@ bool Conversion::ConvertBlocks(WavWriter& output)
         std::fputs("Could not get sample buffer size\n", stderr);
     }
     return !isEmpty;
+}
+
+/** What could not be read, or is no longer there, would be missing in the result. */
+bool Conversion::IsReadWhole(const SharedFileCursor& cursor) const
+{
+    return !cursor.HasFailed() && cursor.BytesLeft() == 0 && cursor.Position() >= sourceSize;
 }
 
 } // namespace
@@ -149,10 +176,22 @@ bool WavFile::Convert(const QAudioFormat& target, const QString& outPath)
     if (!resampler.IsReady()) {
         return false;
     }
-    Conversion conversion{*this, m_deviceMutex, source, target, resampler};
-    if (outPath.isEmpty() || IsSameFile(fileName(), outPath)) {
-        return conversion.WriteOver(outPath.isEmpty() ? fileName() : outPath);
+    Conversion conversion{.file = *this,
+                          .deviceMutex = m_deviceMutex,
+                          .source = source,
+                          .target = target,
+                          .resampler = resampler,
+                          .sourceSize = m_sizeAtOpening};
+    const QString path = outPath.isEmpty() ? fileName() : outPath;
+    if (!conversion.HasRoom(path)) {
+        return false;
     }
-    WavWriter output;
-    return conversion.WriteTo(output, outPath) && output.Finish();
+    if (!outPath.isEmpty() && !IsSameFile(fileName(), outPath)) {
+        return conversion.WriteTo(outPath);
+    }
+    const bool isReplaced = conversion.WriteOver(path);
+    if (conversion.isSourceChanged) {
+        setErrorString(tr("Another program has changed the file"));
+    }
+    return isReplaced;
 }

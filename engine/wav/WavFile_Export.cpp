@@ -41,33 +41,56 @@ struct ChannelCopy
      * too. The size in the header does not count it, on purpose. */
     qint64 start = 0;
     qint64 end = 0;
+    /** Of the source when it was opened, in bytes. */
+    qint64 sourceSize = 0;
+    /** Whether a file that has the name by the end stays. */
+    bool isNew = false;
 
     bool WriteTo(const QString& path, qint64 statedSize) const;
 
 private:
-    bool CopyInto(WavWriter& output) const;
+    WalkResult CopyInto(WavWriter& output) const;
+    bool TakeName(PendingFile& file) const { return isNew ? file.CommitUnlessTaken() : file.Commit(); }
     void ResetProgress() const { Q_EMIT source.ProgressChanged(0, 0, 100, WavFile::tr("")); }
 };
 
 bool ChannelCopy::WriteTo(const QString& path, qint64 statedSize) const
 {
-    WavWriter output;
-    return output.Open(path, OutputFormat(audio.format), statedSize, audio.allowsLargeFiles) && CopyInto(output) &&
-           output.Finish();
+    PendingFile file(path);
+    WavWriter output(file);
+    if (!output.Open(OutputFormat(audio.format), statedSize, audio.allowsLargeFiles)) {
+        return false;
+    }
+    const WalkResult result = CopyInto(output);
+    if (result == WalkResult::FileFailed) {
+        // Its header would state more than there is to be had: it would look whole.
+        return false;
+    }
+    if (result == WalkResult::Aborted && !audio.keepsParts) {
+        return true;
+    }
+    if (result != WalkResult::Stopped && TakeName(file)) {
+        return true;
+    }
+    if (audio.keepsParts) {
+        output.KeepPart();
+    }
+    return false;
 }
 
-/** False when the output could not be filled. An abort and the end of the source are no failures. */
-bool ChannelCopy::CopyInto(WavWriter& output) const
+/** Stopped when the output could not be filled. An abort and the end of the source are no failures. */
+WalkResult ChannelCopy::CopyInto(WavWriter& output) const
 {
     const SampleCoding coding = audio.format.Coding();
     if (coding == SampleCoding::Unknown && start < end) {
         ResetProgress();
-        return false;
+        return WalkResult::Stopped;
     }
     SharedFileCursor cursor(source, deviceMutex, start);
     const BlockRange range{.end = end,
                            .blockSize = framesPerBlock * audio.format.FrameSize(),
-                           .frameSize = audio.format.CodedFrameSize()};
+                           .frameSize = audio.format.CodedFrameSize(),
+                           .fileSize = sourceSize};
     const BlockTask task{
         .report = [this](int progress) { Q_EMIT source.ProgressChanged(progress, 0, 100, progressText); },
         .isAborted = [this] { return LoadShared(abortFlag); },
@@ -80,7 +103,7 @@ bool ChannelCopy::CopyInto(WavWriter& output) const
     if (result == WalkResult::Aborted) {
         ResetProgress();
     }
-    return result != WalkResult::Stopped;
+    return result;
 }
 
 } // namespace
@@ -105,14 +128,16 @@ WavFile::AudioEngineReturnValue WavFile::FilterChannel(const QString& outPath)
                            .abortFlag = m_abortChannelFilter,
                            .progressText = tr("Updating..."),
                            .start = audio.dataOffset,
-                           .end = audio.PositionOf(audio.duration)};
+                           .end = audio.PositionOf(audio.duration),
+                           .sourceSize = m_sizeAtOpening,
+                           .isNew = true};
     return copy.WriteTo(outPath, audio.Counting().Truncate(audio.duration * bytesPerSecond)) ? Success
                                                                                              : ErrorFilterChannel;
 }
 
 WavFile::AudioEngineReturnValue WavFile::CreateSnippet(const QString& outPath, double start, double end)
 {
-    // Opening it for writing would destroy the audio before it is read.
+    // The audio that the snippet is taken from is not to be replaced by it.
     if (IsSameFile(fileName(), outPath)) {
         return ErrorCreateSnippet;
     }
@@ -130,6 +155,7 @@ WavFile::AudioEngineReturnValue WavFile::CreateSnippet(const QString& outPath, d
                            .abortFlag = m_abortWrite,
                            .progressText = tr("Creating snippet..."),
                            .start = audio.PositionOf(start),
-                           .end = audio.PositionOf(end)};
+                           .end = audio.PositionOf(end),
+                           .sourceSize = m_sizeAtOpening};
     return copy.WriteTo(outPath, statedSize) ? Success : ErrorCreateSnippet;
 }

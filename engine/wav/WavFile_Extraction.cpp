@@ -78,7 +78,8 @@ void WavFile::ReadData(double startTime, double endTime, int stepSize)
         picker.Append(samples, frames);
         return true;
     };
-    if (WalkBlocks(cursor, range, {report, isAborted, take}) == WalkResult::FileEnded) {
+    const WalkResult result = WalkBlocks(cursor, range, {report, isAborted, take});
+    if (result == WalkResult::FileEnded || result == WalkResult::FileFailed) {
         // The block that cannot be read is also reported.
         report(ProgressAt(cursor.Position(), range.end));
     }

@@ -1,34 +1,28 @@
 #include "engine/wav/WavWriter.h"
 
-#include "engine/files/FileReplacement.h"
 #include "engine/files/RegularFile.h"
 #include "engine/samples/Truncation.h"
 #include "engine/wav/WavHeader.h"
 
 namespace vantoraudio::AudioEngine {
 
-bool WavWriter::Open(const QString& path, const QAudioFormat& format, qint64 dataSize, bool allowsLargeFiles)
+bool WavWriter::Open(const QAudioFormat& format, qint64 dataSize, bool allowsLargeFiles)
 {
-    m_file.setFileName(path);
-    if (path.isEmpty() || IsFolderPipeOrDevice(path) || !m_file.open(QIODevice::WriteOnly)) {
+    if (IsFolderPipeOrDevice(m_output.Path()) || !m_output.Open()) {
         return false;
     }
     const QByteArray header = allowsLargeFiles ? ComposeLargeWavHeader(format, dataSize)
                                                : ComposeWavHeader(format, WrapToInt32(dataSize));
-    // Flushed, so that a full disk is noticed here and not when the file is closed.
-    return !header.isEmpty() && Append(header) && m_file.flush();
+    // Flushed, so that a full disk is noticed here and not at the end.
+    m_hasHeader = !header.isEmpty() && Append(header) && m_output.File().flush();
+    return m_hasHeader;
 }
 
-bool WavWriter::Finish()
+void WavWriter::KeepPart()
 {
-    const bool isWhole = m_file.flush();
-    m_file.close();
-    return isWhole;
-}
-
-bool WavWriter::FinishOnDisk()
-{
-    return FlushToDisk(m_file) && Finish();
+    if (m_hasHeader) {
+        m_output.KeepPart();
+    }
 }
 
 } // namespace vantoraudio::AudioEngine

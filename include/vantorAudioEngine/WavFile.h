@@ -37,7 +37,7 @@ public:
         ErrorInvalidFormat = -1,
         /** The file could not be opened. */
         ErrorOpenFile = -2,
-        /** The file ended in the middle of its header. */
+        /** The file ended, or could not be read, in the middle of its header. */
         ErrorReadFile = -3,
         /** The header could not be written whole. */
         ErrorWriteHeader = -4,
@@ -73,7 +73,8 @@ public:
     /**
      * Copies what is known of the audio: format, offset, length, duration, samples, selected channel and the abort
      * flags of reading and writing. The file itself (name, open state, position), the sample size, the abort flag
-     * of channel filtering and SetLargeFiles() stay the target's own. The library itself never calls it.
+     * of channel filtering, SetLargeFiles() and SetKeepParts() stay the target's own. The library itself never
+     * calls it.
      */
     WavFile& operator=(const WavFile& other);
 
@@ -114,6 +115,18 @@ public:
      */
     void SetLargeFiles(bool allowed);
 
+    /** Whether CreateSnippet(), FilterChannel() and Convert() leave a part of their file; true after construction.
+     */
+    [[nodiscard]] bool GetKeepParts() const;
+    /**
+     * Applies to the tasks that start from now on. Any thread.
+     *
+     * Every file grows out of sight and takes its name when it is whole; an older file of that name stays until
+     * then. With parts kept, what was written by an abort takes the name all the same, and what was written by a
+     * failure does where no other file has it. Without, nothing is left of either.
+     */
+    void SetKeepParts(bool keep);
+
     ChannelFormat GetSelectedChannel() const;
     /** Chooses the channel of the tasks that start from now on. */
     void SetSelectedChannel(ChannelFormat channel);
@@ -139,18 +152,22 @@ public:
 
     /**
      * Converts the audio of this open file to `target`, a format of one or two channels, and writes it to
-     * `outPath`, over what is there. The header states the size that the length of the source gives; the data may
-     * be a few frames longer or shorter.
+     * `outPath`, in the place of what is there. The header states the size that the length of the source gives;
+     * the data may be a few frames longer or shorter.
      *
      * An empty `outPath`, or one that leads to this very file, converts in place: only when the result is complete
      * and stored, this object is closed and the result takes the place of the file. Otherwise the object stays
-     * open, behind what was read; it is closed also when only that last step fails.
+     * open, behind what was read; it is closed also when only that last step fails. A file that another program
+     * changed or replaced since the conversion began, or replaced since Open(), stays as it is now, and
+     * errorString() says so.
      *
-     * True when everything was converted and written. False leaves an `outPath` as far as it was written, and this
-     * file as it was: when it is not open, when the target's rate or channel count is below 1 or its sample format
-     * Unknown or UInt8, when the file holds no frame, when no frame comes out (of a few frames at another rate, or
-     * of samples that a header promises and that are not there), and when the output cannot be written. What the
-     * resampler refuses, and that no frame comes out, is told on the standard error stream.
+     * True when everything was converted and written. False leaves an older `outPath` as it was, or else what was
+     * written by then (see SetKeepParts()), and this file as it was: when it is not open, when the target's rate
+     * or channel count is below 1 or its sample format Unknown or UInt8, when the file holds no frame, when no
+     * frame comes out (of a few frames at another rate, or of samples that a header promises and that are not
+     * there), when the file cannot be read to its end or is shorter than at Open(), when the disk has no room for
+     * the result or the file's rate is more than 512 times the target's (at once), and when the output cannot be
+     * written. What the resampler refuses, and that no frame comes out, is told on the standard error stream.
      *
      * Throws std::bad_optional_access when one side has neither one nor two channels. No progress and no abort;
      * the object must not be used by anyone else meanwhile, except for the tasks in the background when the
@@ -159,17 +176,18 @@ public:
     bool Convert(const QAudioFormat& target, const QString& outPath);
 
     /**
-     * Writes the selected channel between `start` and `end`, in seconds, to `outPath`, over what is there: a
-     * one-channel file in the sample format of this one, or in Float for 24-bit data. A stereo file with another
-     * channel selected than ChannelLeft or ChannelRight gives the average of both.
+     * Writes the selected channel between `start` and `end`, in seconds, to `outPath`, in the place of what is
+     * there: a one-channel file in the sample format of this one, or in Float for 24-bit data. A stereo file with
+     * another channel selected than ChannelLeft or ChannelRight gives the average of both.
      *
      * Returns when done; meant for a worker thread. Whole blocks of 200 frames are copied, so that up to 199
      * frames behind the end come along; the header states the size of the range in whole milliseconds, and -1
      * when the range holds no frame. The end of the file ends the snippet. Emits ProgressChanged for every block.
      *
-     * Success also when AbortWrite() stopped it; what was written by then stays. ErrorCreateSnippet when the
-     * output cannot be created or filled, which may leave a part of it, and when `outPath` leads to this very
-     * file, which is not touched.
+     * Success also when AbortWrite() stopped it; what was written by then takes the name (see SetKeepParts()).
+     * ErrorCreateSnippet when the output cannot be created or filled, which may leave a part of it where there was
+     * no file; when this file cannot be read or is shorter than at Open(), which leaves `outPath` as it was; and
+     * when `outPath` leads to this very file, which is not touched.
      */
     AudioEngineReturnValue CreateSnippet(const QString& outPath, double start, double end);
 
@@ -181,8 +199,9 @@ public:
      * Returns when done; meant for a worker thread. Whole blocks of 200 frames are copied up to the end of the
      * audio, so that the data may be longer than the header states. Emits ProgressChanged for every block.
      *
-     * Success also when AbortChannelFilter() stopped it; what was written by then stays. ErrorFilterChannel when
-     * the output cannot be created or filled, which may leave a part of it.
+     * Success also when AbortChannelFilter() stopped it; what was written by then takes the name (see
+     * SetKeepParts()). ErrorFilterChannel when the output cannot be created or filled, which may leave a part of
+     * it; and when this file cannot be read or is shorter than at Open(), which leaves nothing.
      */
     AudioEngineReturnValue FilterChannel(const QString& outPath);
 
@@ -255,6 +274,9 @@ private:
     int m_sampleSize = 0;
     ChannelFormat m_selectedChannel = ChannelNone;
     bool m_allowsLargeFiles = false;
+    bool m_keepsParts = true;
+    /** In bytes. */
+    qint64 m_sizeAtOpening = 0;
 
     /** Held while a task moves this file and reads one block; never together with the other mutex. */
     QMutex m_deviceMutex;

@@ -1,5 +1,7 @@
 #include "ui/player/LoadedFile.h"
 
+#include "engine/files/FileState.h"
+
 #include <QtCore/QFile>
 
 namespace vantoraudio::vantorAudioEngine::UI {
@@ -23,6 +25,8 @@ std::shared_ptr<WorkingFile> WorkingFile::Create()
 
 WorkingFile::WorkingFile()
 {
+    // The header of an output states its full size, so a file that ends half-way would look complete.
+    file.SetKeepParts(false);
     // Direct, so that what a worker tells stands in one line instead of flooding the event queue.
     connect(&file, &WavFile::ProgressChanged, &progress, &ProgressQueue::Report, Qt::DirectConnection);
     connect(
@@ -52,16 +56,15 @@ void LoadedFile::StopReading()
     Progress().Forget(WorkingFile::ReadingEnded);
 }
 
-// The header of an output states its full size, so a file that ends half-way would look complete.
-
 QFuture<LoadedFile::Result> LoadedFile::WriteSnippet(const QString& path, const Selection& range)
 {
     return snippet.Start(m_file, [=](WorkingFile& working, const std::atomic<bool>& isStopped) {
         // Of a closed file only a header would be written, over what is there.
+        const AudioEngine::FileState former = AudioEngine::FileState::Of(path);
         const Result result = working.file.isOpen() ? working.file.CreateSnippet(path, range.start, range.end)
                                                     : WavFile::ErrorCreateSnippet;
-        // What a failure leaves stays: it may be a file that was not to be touched.
-        if (isStopped && result == WavFile::Success) {
+        // The stop may come when the snippet is whole already.
+        if (isStopped && result == WavFile::Success && former != AudioEngine::FileState::Of(path)) {
             QFile::remove(path);
         }
         return result;
@@ -70,15 +73,8 @@ QFuture<LoadedFile::Result> LoadedFile::WriteSnippet(const QString& path, const 
 
 QFuture<LoadedFile::Result> LoadedFile::FilterInto(const QString& path)
 {
-    return channelFilter.Start(m_file, [path](WorkingFile& working, const std::atomic<bool>& isStopped) {
-        const bool isNew = !QFile::exists(path);
-        const Result result = working.file.FilterChannel(path);
-        // After a failure too: the next filtering would take what is left for the channel.
-        if (isNew && (isStopped || result != WavFile::Success) && QFile::exists(path)) {
-            QFile::remove(path);
-        }
-        return result;
-    });
+    return channelFilter.Start(
+        m_file, [path](WorkingFile& working, const auto&) { return working.file.FilterChannel(path); });
 }
 
 } // namespace vantoraudio::vantorAudioEngine::UI

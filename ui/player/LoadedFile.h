@@ -148,7 +148,7 @@ public:
     void StopReading();
     /** Nothing is left of a stopped one. */
     [[nodiscard]] QFuture<Result> WriteSnippet(const QString& path, const Selection& range);
-    /** Nothing new is left of one that is stopped or fails. */
+    /** Nothing but a whole file is left of one that is stopped or fails. */
     [[nodiscard]] QFuture<Result> FilterInto(const QString& path);
 
     FileTasks<void> samples{&WavFile::AbortRead};

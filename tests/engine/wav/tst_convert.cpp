@@ -10,6 +10,7 @@
 #include "tests/support/WavFileTestAccess.h"
 
 #include <QtCore/QDir>
+#include <QtCore/QStorageInfo>
 #include <QtTest/QtTest>
 
 #include <cmath>
@@ -108,6 +109,7 @@ private Q_SLOTS:
     void failsForARateThatCannotBeResampled_data();
     void failsForARateThatCannotBeResampled();
     void failsForRatesTooFarApart();
+    void refusesAtOnceWhatNoDiskCanHold();
 
     void copiesWhatNeedsNoConversion_data();
     void copiesWhatNeedsNoConversion();
@@ -141,6 +143,12 @@ private Q_SLOTS:
     void keepsTheSourceWithoutTheRightToReplaceIt();
     void keepsTheSourceWhenTheResamplerFails();
     void keepsTheSourceThatCannotBeReadToItsEnd();
+    void keepsTheSourceThatHasBecomeShorter();
+    void leavesASourceAloneThatAnotherProgramChanged_data();
+    void leavesASourceAloneThatAnotherProgramChanged();
+    void replacesASourceThatMayOnlyBeRead();
+    void keepsAnOlderFileWhenItFails();
+    void leavesNoPartWhereNoneIsWanted();
     void createsNothingForASourceThatWasRemoved();
     void failsWhenTheOutputCannotBeOpened();
     void failsWhenTheOutputCannotBeFilled_data();
@@ -282,6 +290,9 @@ void TestConvert::failsForARateThatCannotBeResampled_data()
     QTest::addColumn<QByteArray>("message");
     QTest::addRow("0") << 0U << QByteArray("Failed to initialize the resampling context\n");
     QTest::addRow("too high") << 2147483647U << QByteArray("Failed to initialize the resampling context\n");
+    QTest::addRow("gigahertz") << 1860000000U << QByteArray("Failed to initialize the resampling context\n");
+    QTest::addRow("just too high") << 8000U * 512U + 1U
+                                   << QByteArray("Failed to initialize the resampling context\n");
     QTest::addRow("below 0") << 4294967295U << QByteArray("Failed to set resampler context options\n");
 }
 
@@ -309,6 +320,26 @@ void TestConvert::failsForRatesTooFarApart()
     StandardErrorCapture capture;
     QVERIFY(!file.Convert(Format(QAudioFormat::Float, 1, 600000), m_out));
     QCOMPARE(OwnLines(capture.Text()), QByteArray("Could not allocate destination samples\n"));
+    QCOMPARE(Names(), QStringList({u"source.wav"_s}));
+}
+
+/** A megabyte that becomes almost half a terabyte. */
+void TestConvert::refusesAtOnceWhatNoDiskCanHold()
+{
+    WavBytes wav = Tones(500000, 1, 8000);
+    wav.sampleRate = 1;
+    WavFile file;
+    const QString source = Write(wav);
+    const QStorageInfo storage(source);
+    constexpr double size = 500000.0 * 200000.0 * 4.0;
+    if (double(storage.bytesAvailable()) > size) {
+        QSKIP("The disk has room for it.");
+    }
+    QCOMPARE(file.Open(source), WavFile::Success);
+    for (const QString& outPath : {QString(), m_out}) {
+        QVERIFY(!file.Convert(Format(QAudioFormat::Float, 1, 200000), outPath));
+        QVERIFY(file.isOpen());
+    }
     QCOMPARE(Names(), QStringList({u"source.wav"_s}));
 }
 
@@ -755,6 +786,83 @@ void TestConvert::keepsTheSourceThatCannotBeReadToItsEnd()
     }
     // What was converted until then stays, except in place.
     QCOMPARE(Names(), QStringList({u"out.wav"_s, u"source.wav"_s}));
+}
+
+void TestConvert::keepsTheSourceThatHasBecomeShorter()
+{
+    const QAudioFormat target = Format(QAudioFormat::Float, 1, 8000);
+    for (const QString& outPath : {QString(), m_out}) {
+        WavFile file;
+        QCOMPARE(file.Open(Write(Tones(30000, 1, 8000))), WavFile::Success);
+        QVERIFY(QFile::resize(file.fileName(), 50000));
+        QVERIFY(!file.Convert(target, outPath));
+        QCOMPARE(QFileInfo(file.fileName()).size(), 50000);
+    }
+    QCOMPARE(Names(), QStringList({u"out.wav"_s, u"source.wav"_s}));
+}
+
+void TestConvert::leavesASourceAloneThatAnotherProgramChanged_data()
+{
+    QTest::addColumn<QString>("change");
+    QTest::addRow("replaced") << u"replaced"_s;
+    QTest::addRow("replaced by a link") << u"link"_s;
+    QTest::addRow("removed") << u"removed"_s;
+}
+
+void TestConvert::leavesASourceAloneThatAnotherProgramChanged()
+{
+    QFETCH(const QString, change);
+    WavFile file;
+    QCOMPARE(file.Open(Write(Tones(3000, 1, 8000))), WavFile::Success);
+    QVERIFY(QFile::remove(file.fileName()));
+    if (change == u"replaced") {
+        Write(Tones(1000, 1, 8000));
+    } else if (change == u"link") {
+        QVERIFY(QFile::link(m_files->Write(u"other.wav"_s, Tones(3000, 1, 8000).Build()), file.fileName()));
+    }
+    const QByteArray left = TemporaryFiles::Read(file.fileName());
+    const QStringList names = Names();
+    QVERIFY(!file.Convert(Format(QAudioFormat::Float, 1, 8000), {}));
+    QCOMPARE(file.errorString(), u"Another program has changed the file"_s);
+    QVERIFY(file.isOpen());
+    QCOMPARE(TemporaryFiles::Read(file.fileName()), left);
+    QCOMPARE(Names(), names);
+}
+
+void TestConvert::replacesASourceThatMayOnlyBeRead()
+{
+    const QString source = Write(Tones(3000, 1, 8000));
+    QVERIFY(QFile::setPermissions(source, QFile::ReadOwner));
+    QVERIFY(OrdinaryUser::TakesOver(source) && OrdinaryUser::TakesOver(m_files->Path({})));
+    const OrdinaryUser user;
+    WavFile file;
+    QCOMPARE(file.Open(source), WavFile::Success);
+    QVERIFY(file.Convert(Format(QAudioFormat::Float, 1, 8000), {}));
+    QCOMPARE(QFileInfo(source).size(), 44 + 12000);
+    QVERIFY(!QFile::permissions(source).testFlag(QFile::WriteOwner));
+}
+
+void TestConvert::keepsAnOlderFileWhenItFails()
+{
+    WavFile file;
+    QCOMPARE(file.Open(Write(Tones(30000, 1, 8000))), WavFile::Success);
+    QCOMPARE(m_files->Write(u"out.wav"_s, "older"), m_out);
+    {
+        const FileSizeLimit limit(50000);
+        QVERIFY(!file.Convert(Format(QAudioFormat::Float, 1, 8000), m_out));
+    }
+    QCOMPARE(Result(), QByteArray("older"));
+    QCOMPARE(Names(), QStringList({u"out.wav"_s, u"source.wav"_s}));
+}
+
+void TestConvert::leavesNoPartWhereNoneIsWanted()
+{
+    WavFile file;
+    QCOMPARE(file.Open(Write(Tones(30000, 1, 8000))), WavFile::Success);
+    file.SetKeepParts(false);
+    const FileSizeLimit limit(50000);
+    QVERIFY(!file.Convert(Format(QAudioFormat::Float, 1, 8000), m_out));
+    QCOMPARE(Names(), QStringList({u"source.wav"_s}));
 }
 
 void TestConvert::createsNothingForASourceThatWasRemoved()

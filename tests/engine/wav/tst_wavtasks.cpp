@@ -1,5 +1,6 @@
 #include "tests/support/BrokenReading.h"
 #include "tests/support/ContextTranslator.h"
+#include "tests/support/FileSizeLimit.h"
 #include "tests/support/OpenedWav.h"
 #include "tests/support/WavFileTestAccess.h"
 
@@ -28,13 +29,15 @@ constexpr int manyBlocks = 700;
 /** A task over all of a file's right channel. All of them pass over the same blocks of 200 frames. */
 struct Task
 {
-    void (*run)(WavFile& file, const QString& out) = nullptr;
+    WavFile::AudioEngineReturnValue (*run)(WavFile& file, const QString& out) = nullptr;
     void (WavFile::*abort)() = nullptr;
     bool& (WavFileTestAccess::*abortFlag)() = nullptr;
     QString text;
     /** The last report of an extraction, or of an export that was aborted. */
     QString lastReport;
     bool isExtraction = false;
+    /** When the file cannot be read; an extraction tells of no result. */
+    WavFile::AudioEngineReturnValue failure = WavFile::Success;
 };
 
 class TaskSetup : public ExportSetup
@@ -45,7 +48,7 @@ public:
     {
     }
 
-    void Run() { task.run(file, out); }
+    void Run() { QCOMPARE(task.run(file, out), WavFile::Success); }
     void Abort() { (file.*task.abort)(); }
     bool& AbortFlag() { return (access.*task.abortFlag)(); }
 
@@ -100,28 +103,30 @@ private:
 void AddTasks()
 {
     QTest::addColumn<Task>("task");
-    QTest::addRow("extraction") << Task{
-        .run = [](WavFile& file, const QString&) { file.ReadData(0, file.GetDuration(), 1); },
-        .abort = &WavFile::AbortRead,
-        .abortFlag = &WavFileTestAccess::IsReadAborted,
-        .text = u"Updating..."_s,
-        .lastReport = u"0 of 0..1 Updated"_s,
-        .isExtraction = true};
-    QTest::addRow("snippet") << Task{.run =
-                                         [](WavFile& file, const QString& out) {
-                                             QCOMPARE(file.CreateSnippet(out, 0, file.GetDuration()),
-                                                      WavFile::Success);
-                                         },
-                                     .abort = &WavFile::AbortWrite,
-                                     .abortFlag = &WavFileTestAccess::IsWriteAborted,
-                                     .text = u"Creating snippet..."_s,
-                                     .lastReport = u"0 of 0..100 "_s};
+    QTest::addRow("extraction") << Task{.run =
+                                            [](WavFile& file, const QString&) {
+                                                file.ReadData(0, file.GetDuration(), 1);
+                                                return WavFile::Success;
+                                            },
+                                        .abort = &WavFile::AbortRead,
+                                        .abortFlag = &WavFileTestAccess::IsReadAborted,
+                                        .text = u"Updating..."_s,
+                                        .lastReport = u"0 of 0..1 Updated"_s,
+                                        .isExtraction = true};
+    QTest::addRow("snippet") << Task{
+        .run = [](WavFile& file, const QString& out) { return file.CreateSnippet(out, 0, file.GetDuration()); },
+        .abort = &WavFile::AbortWrite,
+        .abortFlag = &WavFileTestAccess::IsWriteAborted,
+        .text = u"Creating snippet..."_s,
+        .lastReport = u"0 of 0..100 "_s,
+        .failure = WavFile::ErrorCreateSnippet};
     QTest::addRow("channel") << Task{
-        .run = [](WavFile& file, const QString& out) { QCOMPARE(file.FilterChannel(out), WavFile::Success); },
+        .run = [](WavFile& file, const QString& out) { return file.FilterChannel(out); },
         .abort = &WavFile::AbortChannelFilter,
         .abortFlag = &WavFileTestAccess::IsChannelFilterAborted,
         .text = u"Updating..."_s,
-        .lastReport = u"0 of 0..100 "_s};
+        .lastReport = u"0 of 0..100 "_s,
+        .failure = WavFile::ErrorFilterChannel};
 }
 
 } // namespace
@@ -154,6 +159,12 @@ private Q_SLOTS:
     void usesTheChannelSelectedWhenItStarted();
     void endsWhereTheFileCannotBeRead_data() { AddTasks(); }
     void endsWhereTheFileCannotBeRead();
+    void endsWhereTheFileHasBecomeShorter_data() { AddTasks(); }
+    void endsWhereTheFileHasBecomeShorter();
+    void leavesAnOlderFileUntilItIsWhole_data() { AddTasks(); }
+    void leavesAnOlderFileUntilItIsWhole();
+    void leavesNoPartWhereNoneIsWanted_data() { AddTasks(); }
+    void leavesNoPartWhereNoneIsWanted();
 };
 
 void TestWavTasks::stopsAfterTheBlockDuringWhichItWasAborted()
@@ -305,10 +316,69 @@ void TestWavTasks::endsWhereTheFileCannotBeRead()
     QFETCH(const Task, task);
     TaskSetup setup(Stereo(manyBlocks * blockFrames), task);
     QVERIFY(BreakReading(setup.file));
-    setup.Run();
+    QCOMPARE(task.run(setup.file, setup.out), task.failure);
+    // It would look whole.
+    QVERIFY(!QFile::exists(setup.out));
     const QByteArray whole = setup.Expected(manyBlocks * blockFrames);
     QCOMPARE_LT(setup.Left().size(), whole.size());
     QVERIFY(setup.Left() == whole.left(setup.Left().size()));
+}
+
+void TestWavTasks::endsWhereTheFileHasBecomeShorter()
+{
+    QFETCH(const Task, task);
+    for (const int frames : {0, 1, 100, 200, 50000, manyBlocks * blockFrames - 1}) {
+        TaskSetup setup(Stereo(manyBlocks * blockFrames), task);
+        QVERIFY(QFile::resize(setup.file.fileName(), 44 + frames * 4));
+        QCOMPARE(task.run(setup.file, setup.out), task.failure);
+        QVERIFY(!QFile::exists(setup.out));
+        QCOMPARE(setup.Left().size(), task.isExtraction ? frames * 4 : 0);
+        QCOMPARE(setup.files.Names(), QStringList{u"source.wav"_s});
+    }
+}
+
+void TestWavTasks::leavesAnOlderFileUntilItIsWhole()
+{
+    QFETCH(const Task, task);
+    if (task.failure != WavFile::ErrorCreateSnippet) {
+        QSKIP("Only a snippet overwrites a file.");
+    }
+    TaskSetup setup(Stereo(manyBlocks * blockFrames), task);
+    setup.files.Write(u"out.wav"_s, "older");
+    const auto watch = connect(&setup.file, &WavFile::ProgressChanged, &setup.file,
+                               [&] { QCOMPARE(setup.Result(), QByteArray("older")); });
+    setup.Run();
+    QObject::disconnect(watch);
+    QVERIFY(setup.Result() == setup.Expected(manyBlocks * blockFrames));
+    // Neither of the two failures takes it away.
+    const QByteArray former = setup.Result();
+    {
+        const FileSizeLimit limit(100000);
+        QCOMPARE(task.run(setup.file, setup.out), task.failure);
+    }
+    QVERIFY(setup.Result() == former);
+    QVERIFY(QFile::resize(setup.file.fileName(), 444));
+    QCOMPARE(task.run(setup.file, setup.out), task.failure);
+    QVERIFY(setup.Result() == former);
+    QCOMPARE(setup.files.Names(), (QStringList{u"out.wav"_s, u"source.wav"_s}));
+}
+
+void TestWavTasks::leavesNoPartWhereNoneIsWanted()
+{
+    QFETCH(const Task, task);
+    TaskSetup setup(Stereo(manyBlocks * blockFrames), task);
+    QVERIFY(setup.file.GetKeepParts());
+    setup.file.SetKeepParts(false);
+    QVERIFY(!setup.file.GetKeepParts());
+    {
+        const FileSizeLimit limit(100000);
+        QCOMPARE(task.run(setup.file, setup.out), task.failure);
+    }
+    QCOMPARE(setup.files.Names(), QStringList{u"source.wav"_s});
+    setup.log.clear();
+    setup.AbortDuringBlock(1);
+    setup.Run();
+    QCOMPARE(setup.files.Names(), QStringList{u"source.wav"_s});
 }
 
 QTEST_GUILESS_MAIN(TestWavTasks)

@@ -177,7 +177,7 @@ void PlayerExportTest::cancelsASnippet()
     HeldTask held(setup.File());
     setup.player->CreateSnippet(setup.Snippet());
     QVERIFY(held.HasBegun());
-    QVERIFY(QFile::exists(setup.Snippet()));
+    QVERIFY(!QFile::exists(setup.Snippet()));
     held.ReleaseUpon(WavFileTestAccess(setup.File()).IsWriteAborted());
     setup.player->CancelSnippet();
     QVERIFY(!setup.player->IsBusy());
