@@ -1,0 +1,138 @@
+#include "tests/support/AudioPrograms.h"
+#include "tests/support/FileFaults.h"
+#include "tests/support/TemporaryFiles.h"
+#include "tests/support/TestAudio.h"
+#include "ui/player/FileLoad.h"
+
+#include <vantorAudioEngine/AudioPlayerWidget.h>
+
+#include <QtCore/QEventLoop>
+#include <QtTest/QtTest>
+#include <QtWidgets/QApplication>
+
+#include <algorithm>
+#include <unistd.h>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace vantoraudio::vantorAudioEngine::UI;
+
+namespace {
+
+/** A program of its own, in the child process: it loads a file and ends as if it were killed then. */
+using Load = bool (*)(const QString& source, const QString& directory);
+
+bool LoadFile(const QString& source, const QString& directory)
+{
+    int count = 0;
+    const QCoreApplication application(count, nullptr);
+    FileLoad load(source, directory, {});
+    QEventLoop loop;
+    QObject::connect(&load, &FileLoad::Ended, &loop, &QEventLoop::quit);
+    load.Start();
+    loop.exec();
+    return load.GetProblem() == FileLoad::Problem::None;
+}
+
+bool SetAudioFile(const QString& source, const QString& directory)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    int count = 0;
+    const QApplication application(count, nullptr);
+    AudioPlayerWidget player;
+    player.SetWritableDirectoryPath(directory);
+    player.SetAudioFile(source);
+    return player.GetAudioDuration() > 0.0;
+}
+
+/** More calls than any load makes. */
+constexpr int mostCalls = 100;
+
+} // namespace
+
+Q_DECLARE_METATYPE(Load)
+
+/** What a load leaves in the writable directory when the program is killed, and what the next load makes of it. */
+class PlayerKilledTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void theNextLoadFindsNothingThatIsNotWhole_data();
+    void theNextLoadFindsNothingThatIsNotWhole();
+
+private:
+    /** Of all files that are not hidden. */
+    static QList<QByteArray> Visible(const TemporaryFiles& files);
+
+    TemporaryFiles m_files;
+};
+
+void PlayerKilledTest::initTestCase()
+{
+    const WavTest::TestAudio audio{.channels = 2, .rate = 44100, .frames = 8000};
+    const QString wav = m_files.Write(u"tone.wav"_s, audio.File());
+    QVERIFY(AudioPrograms::Encode(u"mp3"_s, wav, m_files.Path(u"tone.mp3"_s)));
+}
+
+void PlayerKilledTest::theNextLoadFindsNothingThatIsNotWhole_data()
+{
+    QTest::addColumn<Load>("load");
+    QTest::addColumn<QString>("name");
+    QTest::addRow("LoadFile, WAV") << Load(&LoadFile) << u"tone.wav"_s;
+    QTest::addRow("LoadFile, MP3") << Load(&LoadFile) << u"tone.mp3"_s;
+    QTest::addRow("SetAudioFile, WAV") << Load(&SetAudioFile) << u"tone.wav"_s;
+    QTest::addRow("SetAudioFile, MP3") << Load(&SetAudioFile) << u"tone.mp3"_s;
+}
+
+QList<QByteArray> PlayerKilledTest::Visible(const TemporaryFiles& files)
+{
+    QList<QByteArray> all;
+    for (const QString& name : files.Names()) {
+        if (!name.startsWith(u'.')) {
+            all.append(TemporaryFiles::Read(files.Path(name)));
+        }
+    }
+    return all;
+}
+
+void PlayerKilledTest::theNextLoadFindsNothingThatIsNotWhole()
+{
+    QFETCH(const Load, load);
+    QFETCH(const QString, name);
+    const QString source = m_files.Path(name);
+    const QByteArray bytes = TemporaryFiles::Read(source);
+    const auto run = [&](const QString& directory) {
+        if (!load(source, directory)) {
+            ::_exit(1);
+        }
+        ::_exit(0);
+    };
+    QList<QList<QByteArray>> left;
+    bool isKilled = true;
+    for (int call = 1; isKilled && call < mostCalls; ++call) {
+        const TemporaryFiles directory;
+        isKilled = IsKilledAtCall(call, directory.Path({}), [&] { run(directory.Path({})); });
+        QCOMPARE(TemporaryFiles::Read(source), bytes);
+        left.append(Visible(directory));
+        // A program with a widget takes its time to start.
+        if (isKilled && (load == &LoadFile || call % 4 == 0)) {
+            QVERIFY(!IsKilledAtCall(mostCalls, directory.Path({}), [&] { run(directory.Path({})); }));
+            // The second program has left its folder, too, but nothing else is there.
+            const auto isHidden = [](const QString& each) { return each.startsWith(u'.'); };
+            QCOMPARE(directory.Names().size(), 1);
+            QCOMPARE(std::ranges::count_if(directory.Names(), isHidden), load == &LoadFile ? 1 : 0);
+        }
+    }
+    QVERIFY(!isKilled);
+    QCOMPARE_GT(left.size(), 3);
+    const QList<QByteArray> whole = left.last();
+    QCOMPARE(whole.size(), load == &LoadFile ? 0 : 1);
+    for (const QList<QByteArray>& each : left) {
+        // Nothing yet, the copy of the source, or what was decoded from it.
+        QVERIFY(each.isEmpty() || each == QList{bytes} || each == whole);
+    }
+}
+
+QTEST_APPLESS_MAIN(PlayerKilledTest)
+#include "tst_playerkilled.moc"
