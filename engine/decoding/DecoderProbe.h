@@ -13,8 +13,8 @@ public:
 
     /**
      * Whether all of the file can be read, and the number of channels stays the same, as far as the packets show
-     * it without being decoded. To Qt's decoder a read error is the end of the file, and it crashes, on a thread of
-     * its own, because of channels that change.
+     * it without being decoded. To Qt's decoder a read error is the end of the file, and it crashes, on a thread
+     * of its own, because of channels that change.
      */
     static bool CanBeDecodedWhole(const QString& path);
 

@@ -87,11 +87,11 @@ bool Conversion::WriteOver(const QString& path)
     isSourceChanged = FileState::Of(file) != FileState::Of(path);
     PendingFile output(path, path, {.replacesReadOnly = true});
     WavWriter writer(output);
-    if (isSourceChanged || !Write(writer)) {
+    if (isSourceChanged || !Write(writer) || !output.Store()) {
         return false;
     }
     isSourceChanged = !output.IsSourceUnchanged();
-    if (isSourceChanged || !output.Store()) {
+    if (isSourceChanged) {
         return false;
     }
     file.close();

@@ -45,10 +45,10 @@ public:
      * - ErrorOpenFile: a path is empty, `inPath` cannot be read, `outPath` cannot be written, or both are the same
      *   file in a folder that may not be written, where it could not be replaced in one step.
      * - ErrorInvalidFormat: `sampleRate` is 0 or below -1 (no file is opened then); `inPath` holds no audio; or it
-     *   cannot be read or decoded to its end: an unknown sample type, samples that are no finite numbers, a channel count
-     *   that changes in the middle (the framework crashes because of it), an error of the framework, 10 s without
-     *   progress (in a second attempt as well with a framework that is known to stand still at times), the end of
-     *   the application.
+     *   cannot be read or decoded to its end: an unknown sample type, samples that are no finite numbers, a
+     * channel count that changes in the middle (the framework crashes because of it), an error of the framework,
+     * 10 s without progress (in a second attempt as well with a framework that is known to stand still at times),
+     * the end of the application.
      * - ErrorWriteHeader: the new file could not be written whole.
      *
      * The audio grows in an unnamed or temporary file, so that no part of it ever stands under `outPath`. What the

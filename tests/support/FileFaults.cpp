@@ -26,6 +26,7 @@ struct ArmedFault
 };
 
 ArmedFault armed;
+std::atomic<bool> hasUnnamedFiles = true;
 
 enum class Outcome
 {
@@ -34,7 +35,7 @@ enum class Outcome
     IsShort
 };
 
-/** Nothing is allocated here: it is called from everywhere. */
+/** Allocates nothing, since it is called from everywhere. */
 Outcome OutcomeOf(FileCall call, const char* path)
 {
     const FileFault& fault = armed.fault;
@@ -42,7 +43,8 @@ Outcome OutcomeOf(FileCall call, const char* path)
         return Outcome::Works;
     }
     const int number = ++armed.count;
-    if (number < fault.first || (fault.effect == FileFault::FailsOnce && number > fault.first)) {
+    const bool isOnce = fault.effect == FileFault::FailsOnce || fault.effect == FileFault::HappensLater;
+    if (number < fault.first || (isOnce && number > fault.first)) {
         return Outcome::Works;
     }
     switch (fault.effect) {
@@ -50,6 +52,9 @@ Outcome OutcomeOf(FileCall call, const char* path)
         ::kill(::getpid(), SIGKILL);
         ::pause();
         break;
+    case FileFault::HappensLater:
+        fault.meanwhile();
+        return Outcome::Works;
     case FileFault::IsShort:
         return Outcome::IsShort;
     case FileFault::IsInterrupted:
@@ -98,6 +103,16 @@ FileFaults::FileFaults(const FileFault& fault)
 FileFaults::~FileFaults()
 {
     armed.isArmed = false;
+}
+
+NoUnnamedFiles::NoUnnamedFiles()
+{
+    hasUnnamedFiles = false;
+}
+
+NoUnnamedFiles::~NoUnnamedFiles()
+{
+    hasUnnamedFiles = true;
 }
 
 int FileFaults::Count()
@@ -206,6 +221,10 @@ VANTOR_REPLACED int open64(const char* path, int flags, ...)
     const bool isCreating = (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE;
     const mode_t mode = isCreating ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
+    if (!hasUnnamedFiles && (flags & O_TMPFILE) == O_TMPFILE) {
+        errno = EOPNOTSUPP;
+        return -1;
+    }
     const bool isFailing = isCreating && OutcomeOfPath(CreateCall, path) == Outcome::Fails;
     return isFailing ? -1 : static_cast<int>(::syscall(SYS_openat, AT_FDCWD, path, flags, mode));
 }

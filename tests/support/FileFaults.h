@@ -37,7 +37,9 @@ struct FileFault
         /** Fewer bytes are read or written than there could be. */
         IsShort,
         /** The program is killed before the call. */
-        Kills
+        Kills,
+        /** Something else happens before that one, which works then. */
+        HappensLater
     };
 
     /** Of FileCall. */
@@ -48,6 +50,18 @@ struct FileFault
     int error = 0;
     /** Counted from 1. */
     int first = 1;
+    /** What happens later. */
+    std::function<void()> meanwhile = {};
+};
+
+/** While this lives, no file can grow without a name, as on a network disk. */
+class NoUnnamedFiles
+{
+public:
+    NoUnnamedFiles();
+    ~NoUnnamedFiles();
+    NoUnnamedFiles(const NoUnnamedFiles&) = delete;
+    NoUnnamedFiles& operator=(const NoUnnamedFiles&) = delete;
 };
 
 /** Lets the fault happen while this lives. One at a time. Programs that use it link FileFaults.cpp. */

@@ -5,6 +5,7 @@
 #include "tests/support/WavBytes.h"
 
 #include <vantorAudioEngine/AudioImporter.h>
+#include <vantorAudioEngine/Decoder.h>
 #include <vantorAudioEngine/WavFile.h>
 
 #include <QtCore/QDir>
@@ -131,6 +132,7 @@ private Q_SLOTS:
     void fillsTheFileThatALinkPromises();
     void keepsALinkThatLeadsNowhereWhenItFails();
     void canBeCancelledHoweverFarTheRatesAreApart();
+    void refusesAtOnceWhatTheResamplerCannotBear();
     void staysCancelledWhateverIsAnsweredLater();
     void tellsOfAMissingEnd();
     void importsAFileWithoutSamples();
@@ -413,6 +415,19 @@ void TestAudioImporter::canBeCancelledHoweverFarTheRatesAreApart()
                                                          [&calls](int) { return ++calls < 2000; });
     QCOMPARE(result.problem, Problem::Cancelled);
     QCOMPARE(FilesIn(files.Path({})), QStringList{u"slow.wav"_s});
+}
+
+void TestAudioImporter::refusesAtOnceWhatTheResamplerCannotBear()
+{
+    const TemporaryFiles files;
+    const WavBytes fast{.sampleRate = 1'860'000'000, .data = QByteArray(200000, '\x11')};
+    const QString source = files.Write(u"fast.wav"_s, fast.Build());
+    const QString out = files.Path(u"out.wav"_s);
+    QCOMPARE(AudioImporter::ImportNow(source, out, {.sampleRate = 192000}).problem, Problem::UnsupportedRate);
+    QCOMPARE(Decoder::ConvertToFloat(source, out, 96000), WavFile::ErrorInvalidFormat);
+    QCOMPARE(FilesIn(files.Path({})), QStringList{u"fast.wav"_s});
+    // As it is, it needs no resampler.
+    QVERIFY(AudioImporter::ImportNow(source, out).IsSuccess());
 }
 
 void TestAudioImporter::staysCancelledWhateverIsAnsweredLater()

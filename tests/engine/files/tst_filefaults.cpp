@@ -62,7 +62,9 @@ private Q_SLOTS:
     void tellsThatTheSourceCannotBeRead();
     void mindsNeitherSignalsNorShortCalls_data() { FileTasks::AddRows(); }
     void mindsNeitherSignalsNorShortCalls();
+    void leavesASourceThatIsChangedWhileItIsConverted_data();
     void leavesASourceThatIsChangedWhileItIsConverted();
+    void refusesToDecodeWhatCannotBeRead();
     void refusesSpecialFilesAtOnce_data();
     void refusesSpecialFilesAtOnce();
 };
@@ -191,20 +193,58 @@ void TestFileFaults::mindsNeitherSignalsNorShortCalls()
     }
 }
 
+void TestFileFaults::leavesASourceThatIsChangedWhileItIsConverted_data()
+{
+    QTest::addColumn<unsigned>("moment");
+    QTest::addColumn<bool>("isReplaced");
+    QTest::addRow("replaced while it is written") << unsigned(WriteCall) << true;
+    QTest::addRow("changed while it is written") << unsigned(WriteCall) << false;
+    QTest::addRow("replaced while it is flushed") << unsigned(SyncCall) << true;
+    QTest::addRow("changed while it is flushed") << unsigned(SyncCall) << false;
+}
+
 void TestFileFaults::leavesASourceThatIsChangedWhileItIsConverted()
 {
-    // The conversion of this file begins with a look at it, and its last step is the flush.
+    QFETCH(const unsigned, moment);
+    QFETCH(const bool, isReplaced);
     const FileTask task{.run = &FileTasks::ConvertInPlace, .isInPlace = true};
     const TaskFolder folder(task);
     WavFile file;
     QCOMPARE(file.Open(folder.Source()), WavFile::Success);
-    QCOMPARE(folder.Run(), 0);
-    const QByteArray others = TemporaryFiles::Read(folder.Source());
+    const auto change = [&] {
+        QFile other(folder.Source());
+        QVERIFY(!isReplaced || other.remove());
+        QVERIFY(other.open(isReplaced ? QIODevice::WriteOnly : QIODevice::Append) && other.write("new") == 3);
+    };
     QAudioFormat format = file.GetFileFormat();
     format.setSampleFormat(QAudioFormat::Int32);
-    QVERIFY(!file.Convert(format, {}));
-    QVERIFY(TemporaryFiles::Read(folder.Source()) == others);
+    {
+        const FileFaults faults({.calls = moment,
+                                 .part = folder.Path(),
+                                 .effect = FileFault::HappensLater,
+                                 .error = 0,
+                                 .first = 1,
+                                 .meanwhile = change});
+        QVERIFY(!file.Convert(format, {}));
+    }
+    QCOMPARE(file.errorString(), u"Another program has changed the file"_s);
+    QVERIFY(file.isOpen());
+    QVERIFY(folder.Result() == (isReplaced ? QByteArray() : FileTasks::SourceBytes()) + "new");
     QCOMPARE(folder.Names(), QStringList{u"source.wav"_s});
+}
+
+/** Qt would decode it up to there and say that all is well. */
+void TestFileFaults::refusesToDecodeWhatCannotBeRead()
+{
+    const TemporaryFiles files;
+    const QString source = files.Write(u"source.wav"_s, FileTasks::SourceBytes());
+    const QString out = files.Path(u"out.wav"_s);
+    for (const int first : {1, 2, 3, 5, 10, 20}) {
+        const FileFaults faults(
+            {.calls = ReadCall, .part = source, .effect = FileFault::Fails, .error = EIO, .first = first});
+        QCOMPARE(Decoder::Convert(source, out, 8000), WavFile::ErrorInvalidFormat);
+        QCOMPARE(files.Names(), QStringList{u"source.wav"_s});
+    }
 }
 
 void TestFileFaults::refusesSpecialFilesAtOnce_data()
