@@ -95,7 +95,9 @@ bool Conversion::WriteOver(const QString& path)
         return false;
     }
     file.close();
-    return output.Commit();
+    const bool isReplaced = output.Commit();
+    isSourceChanged = !isReplaced && !output.IsSourceUnchanged();
+    return isReplaced;
 }
 
 /** The header states the size that follows from the length of the source, even when the resampler delivers some

@@ -2,6 +2,7 @@
 #include "tests/support/FileFaults.h"
 #include "tests/support/TemporaryFiles.h"
 #include "tests/support/TestAudio.h"
+#include "ui/player/FileCopy.h"
 #include "ui/player/FileLoad.h"
 
 #include <vantorAudioEngine/AudioPlayerWidget.h>
@@ -11,6 +12,7 @@
 #include <QtTest/QtTest>
 #include <QtWidgets/QApplication>
 
+#include <cerrno>
 #include <unistd.h>
 
 using namespace Qt::Literals::StringLiterals;
@@ -63,6 +65,8 @@ private Q_SLOTS:
     void theNextLoadFindsNothingThatIsNotWhole_data();
     void theNextLoadFindsNothingThatIsNotWhole();
     void aLoadLeavesAloneWhatIsInUse();
+    void aSourceThatCannotBeReadIsNoCopy_data();
+    void aSourceThatCannotBeReadIsNoCopy();
 
 private:
     /** Of all files that are not hidden. */
@@ -159,6 +163,53 @@ void PlayerKilledTest::aLoadLeavesAloneWhatIsInUse()
     };
     QVERIFY(!IsKilledAtCall(mostCalls, directory.Path({}), loadTwice));
     QCOMPARE(directory.Names().size(), 2);
+}
+
+void PlayerKilledTest::aSourceThatCannotBeReadIsNoCopy_data()
+{
+    QTest::addColumn<bool>("becomesShorter");
+    QTest::addRow("a read error") << false;
+    QTest::addRow("shorter than it was") << true;
+}
+
+/** The last one: its threads would be missing in a child process. */
+void PlayerKilledTest::aSourceThatCannotBeReadIsNoCopy()
+{
+    QFETCH(const bool, becomesShorter);
+    int count = 0;
+    const QCoreApplication application(count, nullptr);
+    const TemporaryFiles files;
+    const QByteArray bytes = TemporaryFiles::Read(m_files.Path(u"tone.wav"_s));
+    FileFault fault{.calls = ReadCall, .part = u"source.wav"_s, .effect = FileFault::Fails, .error = EIO};
+    if (becomesShorter) {
+        fault.effect = FileFault::HappensLater;
+        fault.meanwhile = [&files] { QVERIFY(QFile::resize(files.Path(u"source.wav"_s), 10000)); };
+    }
+    const QString source = files.Write(u"source.wav"_s, bytes);
+    const TemporaryFiles directory;
+    {
+        const FileFaults faults(fault);
+        const bool isCopied = ProvideCopy(source, directory.Path(u"source.wav"_s));
+        if (FileFaults::Count() == 0) {
+            QSKIP("This file system copies without reading.");
+        }
+        QVERIFY(!isCopied);
+    }
+    QCOMPARE(directory.Names(), QStringList());
+    // The copying comes after a look at the header.
+    QList<FileLoad::Problem> problems;
+    for (; fault.first <= 8; ++fault.first) {
+        files.Write(u"source.wav"_s, bytes);
+        FileLoad load(source, directory.Path({}), {});
+        QEventLoop loop;
+        QObject::connect(&load, &FileLoad::Ended, &loop, &QEventLoop::quit);
+        const FileFaults faults(fault);
+        load.Start();
+        loop.exec();
+        problems.append(load.GetProblem());
+    }
+    QVERIFY(problems.contains(FileLoad::Problem::CannotBeRead));
+    QTRY_COMPARE(directory.Names(), QStringList());
 }
 
 QTEST_APPLESS_MAIN(PlayerKilledTest)
