@@ -59,16 +59,22 @@ private:
     std::vector<Picture> m_pictures;
 };
 
-/** Draws with a FakeInstance from now on. */
-FakeInstance& UseFakeInstance()
+/** Draws with what `start` makes from now on. */
+template<typename Start>
+auto& UseInstance(Start start)
 {
     auto device = std::make_unique<BgfxDevice>(
         [](const QImage* picture) { Q_EMIT bgfx::DrawingDevice::Get().PictureArrived(picture); });
-    auto instance = std::make_unique<FakeInstance>(device->News());
-    FakeInstance& fake = *instance;
+    auto instance = start(device->News());
+    auto& used = *instance;
     device->Use(std::move(instance));
     bgfx::DrawingDevice::Get().Adopt(std::move(device));
-    return fake;
+    return used;
+}
+
+FakeInstance& UseFakeInstance()
+{
+    return UseInstance([](auto news) { return std::make_unique<FakeInstance>(std::move(news)); });
 }
 
 class ColorWidget : public vantor3DQt::BGFXOffscreenWidget
@@ -329,6 +335,7 @@ void tst_BgfxDevice::leavesTheRoomToAnotherWhereItCannotStart()
     if (!running || !running->WaitForStart())
         QSKIP("bgfx is not built in, or cannot be had here");
     const auto formerHandler = qInstallMessageHandler(&NoteWarning);
+    UseInstance(&bgfx::device::StartOwnBgfx);
     ColorWidget widget(Red);
     widget.ShowOnScreen();
     QTRY_VERIFY(bgfx::DrawingDevice::Get().Kind() != bgfx::device::Kind::Bgfx);
