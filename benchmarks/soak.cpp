@@ -340,10 +340,19 @@ bool Run(int seconds, unsigned seed)
     return isUsed && hasMemory && hasFiles && hasThreads;
 }
 
+/** What is freed goes back to the system at once. By default the allocator keeps more and more of it, torn up
+ * between the threads, and what is in use would not show: that stayed at 23 to 28 MB while 100 MB were free. */
+void KeepNothingThatIsFreed()
+{
+    mallopt(M_ARENA_MAX, 1);
+    mallopt(M_MMAP_THRESHOLD, 128 * 1024);
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
 {
+    KeepNothingThatIsFreed();
     if (QLibraryInfo::version() < QVersionNumber(6, 5) && !qEnvironmentVariableIsSet("QT_MEDIA_BACKEND")) {
         qputenv("QT_MEDIA_BACKEND", "ffmpeg");
     }
