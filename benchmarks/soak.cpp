@@ -39,7 +39,8 @@ using vantoraudio::vantorAudioEngine::UI::AudioPlayerWidget;
 
 namespace {
 
-/** What the process holds. */
+/** What the process holds. Without the idle threads of pools, each of which has a file open: they come and go, and
+ * there are 16 of the loads and one for each processor at most. */
 struct Holdings
 {
     qint64 kibibytes = 0;
@@ -50,14 +51,20 @@ struct Holdings
     {
         malloc_trim(0);
         const QByteArray pages = TemporaryFiles::Read(u"/proc/self/statm"_s).split(' ').value(1);
-        return {pages.toLongLong() * sysconf(_SC_PAGESIZE) / 1024, EntriesOf(u"/proc/self/fd"_s),
-                EntriesOf(u"/proc/self/task"_s)};
+        const QStringList threads = EntriesOf(u"/proc/self/task"_s);
+        const qint64 pooled = std::count_if(threads.begin(), threads.end(), &Holdings::IsPooled);
+        return {pages.toLongLong() * sysconf(_SC_PAGESIZE) / 1024, EntriesOf(u"/proc/self/fd"_s).size() - pooled,
+                threads.size() - pooled};
     }
 
 private:
-    static qint64 EntriesOf(const QString& folder)
+    static QStringList EntriesOf(const QString& folder)
     {
-        return QDir(folder).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size();
+        return QDir(folder).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot);
+    }
+    static bool IsPooled(const QString& thread)
+    {
+        return TemporaryFiles::Read(u"/proc/self/task/%1/comm"_s.arg(thread)).trimmed() == "Thread (pooled)";
     }
 };
 
