@@ -129,7 +129,10 @@ private:
             ChangeSettings();
             break;
         default:
-            QCoreApplication::processEvents();
+            // It would destroy what is to go later.
+            if (m_busyParts == 0) {
+                QCoreApplication::processEvents();
+            }
         }
     }
 
@@ -297,18 +300,21 @@ private:
         if (m_depth >= deepest || !m_player || m_input.remaining_bytes() == 0 || !m_input.ConsumeBool()) {
             return;
         }
-        if (m_input.ConsumeIntegralInRange(0, 31) == 0) {
-            Destroy(m_depth == 0 ? goes : Goes::Later);
-            return;
-        }
+        const int busyParts = goes == Goes::Later ? 1 : 0;
+        m_busyParts += busyParts;
         ++m_depth;
-        Call();
+        if (m_input.ConsumeIntegralInRange(0, 31) == 0) {
+            Destroy();
+        } else {
+            Call();
+        }
         --m_depth;
+        m_busyParts -= busyParts;
     }
 
-    void Destroy(Goes goes)
+    void Destroy()
     {
-        if (goes == Goes::AtOnce) {
+        if (m_busyParts == 0) {
             delete m_player;
         } else {
             m_player->deleteLater();
@@ -349,6 +355,8 @@ private:
     QPointer<FuzzedPlayer> m_player = new FuzzedPlayer;
     bool m_wasToldTimes = true;
     int m_depth = 0;
+    /** How many signals of the waveform or the player are being answered. */
+    int m_busyParts = 0;
 };
 
 } // namespace

@@ -390,6 +390,33 @@ QByteArray Noise(qsizetype size)
     return bytes;
 }
 
+/** A box of an MP4 file. */
+QByteArray Box(const char* name, const QByteArray& body)
+{
+    QByteArray size(4, Qt::Uninitialized);
+    qToBigEndian(quint32(8 + body.size()), size.data());
+    return size + name + body;
+}
+
+/** FFmpeg reserves memory for all entries of such a table. */
+void AddStatedTables(Table& table)
+{
+    for (const char* name : {"stts", "ctts", "stsc", "stsz", "stco", "co64", "stss"}) {
+        const QByteArray entries = QByteArray::fromHex("00000000"
+                                                       "01000001"
+                                                       "00000001"
+                                                       "00000001"
+                                                       "00000001");
+        const QByteArray tables = Box("minf", Box("stbl", Box(name, entries)));
+        const QByteArray file = Box("ftyp", Raw("M4A \0\0\0\0isom")) +
+                                Box("moov", Box("trak", Box("mdia", tables))) + Box("mdat", SomeAudio());
+        table
+            .Add("M4A with a table of 16 million entries: " + QByteArray(name), file, WavFile::ErrorInvalidFormat,
+                 Audio::Refused)
+            .name = u"file.m4a"_s;
+    }
+}
+
 /** What is no audio at all, under the names of audio files. */
 void AddOtherFiles(Table& table)
 {
@@ -431,8 +458,9 @@ void AddOtherFiles(Table& table)
 QList<File> Make()
 {
     Table table;
-    for (const auto add : {&AddSoundFiles, &AddCutOffs, &AddExtensibleCutOffs, &AddNames, &AddSizes, &AddFormats,
-                           &AddRates, &AddExtensions, &AddChunks, &AddLargeFiles, &AddSamples, &AddOtherFiles}) {
+    for (const auto add :
+         {&AddSoundFiles, &AddCutOffs, &AddExtensibleCutOffs, &AddNames, &AddSizes, &AddFormats, &AddRates,
+          &AddExtensions, &AddChunks, &AddLargeFiles, &AddStatedTables, &AddSamples, &AddOtherFiles}) {
         add(table);
     }
     return table.Take();
