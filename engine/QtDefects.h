@@ -78,9 +78,9 @@ inline bool LosesTheSoundServer()
 #endif
 }
 
-/** A sound thread that writes between the sound server's end and the moment in which its output is taken away keeps the
- * lock of the connection for good. Whoever asks for that lock hangs: the connection's end, every later output, the
- * program's end. Seen in 6.4.2; mended in 6.8. */
+/** A sound thread that writes between the sound server's end and the moment in which its output is taken away
+ * keeps the lock of the connection for good. Whoever asks for that lock hangs: the connection's end, every later
+ * output, the program's end. Seen in 6.4.2; mended in 6.8. */
 inline bool KeepsItsLock()
 {
     return LosesTheSoundServer() && IsBefore(6, 8);
