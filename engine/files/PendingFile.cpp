@@ -20,7 +20,7 @@ constexpr qint64 copiedBlockSize = 1 << 20;
 QString WithoutLinks(const QString& path)
 {
     QFileInfo info(path);
-    const QString canonical = info.canonicalFilePath();
+    QString canonical = info.canonicalFilePath();
     if (!canonical.isEmpty()) {
         return canonical;
     }
