@@ -39,6 +39,12 @@ class StandstillWatch;
  * over. Where the sound server offers none at all, that takes an event loop that comes round within some
  * milliseconds: Qt's sound thread may wait for good for its lost device, and this player's destructor with it.
  *
+ * The same holds while the sound server is away. With Qt 6.4 the connection to it may be lost for good;
+ * errorOccurred() then tells so once the server is back.
+ *
+ * A WAV or FLAC file with a rate above 384,000 Hz or with more than 64 channels is refused like one that cannot be
+ * read: no output plays it, and Qt would crash.
+ *
  * At the end of the file the way back to the selection's start is taken in the next round of the event loop; until
  * then the player is stopped. A selection that starts at or behind the end of the file, or a file without audio,
  * ends as soon as it is played and is not looped: the player stays paused.

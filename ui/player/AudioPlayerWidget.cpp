@@ -121,8 +121,15 @@ void AudioPlayerWidget::Internals::ShowLoadedFile(const QString& workingPath)
     widget.EnableAudioControls(true);
     FillChannelSelector();
     const double duration = loaded.File().GetDuration();
+    // A receiver of the signals may destroy the widget.
+    const QPointer<AudioPlayerWidget> self(&widget);
     ShowWaveform(duration);
-    SetPlayedFile(workingPath);
+    if (self) {
+        SetPlayedFile(workingPath);
+    }
+    if (!self) {
+        return;
+    }
     controls.edTotalDuration->setText(AudioPlayerWidget::ConvertToDisplayTimeFormat(duration));
     Q_EMIT widget.AudioFileChanged(workingPath);
 }
@@ -158,6 +165,9 @@ void AudioPlayerWidget::Reset()
     }
     EnableAudioControls(false);
     m_waveformWidget->Reset();
+    if (!self) {
+        return;
+    }
     const QSignalBlocker blocker(m_internals->controls.edTotalDuration);
     // With a comma, although times are shown with a point: hosts tell an empty player by this text.
     m_internals->controls.edTotalDuration->setText(u"00:00:00,000"_s);

@@ -105,9 +105,12 @@ void AudioPlayerWidget::OnBtnStopClicked()
 void AudioPlayerWidget::StopPlayback()
 {
     m_internals->ShowAsPlaying(false);
+    const QPointer<AudioPlayerWidget> self(this);
     m_audioPlayer->stop();
-    m_audioPlayer->SetAudioOutputDevice(m_audioOutputDevice);
-    m_waveformWidget->SetAudioPosition(0.0);
+    if (self) {
+        m_audioPlayer->SetAudioOutputDevice(m_audioOutputDevice);
+        m_waveformWidget->SetAudioPosition(0.0);
+    }
 }
 
 void AudioPlayerWidget::OnBtnLoopClicked()
@@ -231,8 +234,12 @@ void AudioPlayerWidget::Internals::CorrectLateReport(qint64 milliseconds)
 
 void AudioPlayerWidget::UpdateAudioPosition(double seconds)
 {
+    // A receiver of the signals may destroy this widget.
+    const QPointer<AudioPlayerWidget> self(this);
     m_audioPlayer->setPosition(MillisecondsOf(seconds));
-    m_waveformWidget->SetAudioPosition(seconds);
+    if (self) {
+        m_waveformWidget->SetAudioPosition(seconds);
+    }
 }
 
 double AudioPlayerWidget::GetAudioPosition() const

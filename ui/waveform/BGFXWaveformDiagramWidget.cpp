@@ -3,6 +3,7 @@
 #include "ui/waveform/rules/ViewNavigation.h"
 
 #include <QtCore/QMutexLocker>
+#include <QtCore/QPointer>
 
 namespace vantoraudio::vantorAudioEngine::UI {
 
@@ -27,8 +28,12 @@ void BGFXWaveformDiagramWidget::Reset()
     m_borderScroll.stop();
     m_selection.isPresent = false;
     m_selectionAtGrab = {0.0, 0.0};
+    // A receiver may destroy the player.
+    const QPointer<BGFXWaveformDiagramWidget> self(this);
     Q_EMIT SelectionChanged({0.0, 0.0});
-    Changed();
+    if (self) {
+        Changed();
+    }
 }
 
 void BGFXWaveformDiagramWidget::SetAudioFormat(const QAudioFormat& format)
@@ -83,8 +88,11 @@ void BGFXWaveformDiagramWidget::ClearSelection()
 {
     if (m_selection.isPresent) {
         m_selection.isPresent = false;
+        const QPointer<BGFXWaveformDiagramWidget> self(this);
         Q_EMIT SelectionChanged({0.0, 0.0});
-        Changed();
+        if (self) {
+            Changed();
+        }
     }
 }
 
@@ -93,8 +101,11 @@ void BGFXWaveformDiagramWidget::SetSelectionStartTime(double start)
     const double time = ClampTime(start, 0.0, m_duration);
     Select(Ordered(time, TimesToPairWith(time).second));
     m_audioPosition = m_selection.times.first;
+    const QPointer<BGFXWaveformDiagramWidget> self(this);
     Q_EMIT SelectionChanged(m_selection.times);
-    Q_EMIT Update();
+    if (self) {
+        Q_EMIT Update();
+    }
 }
 
 void BGFXWaveformDiagramWidget::SetSelectionEndTime(double end)
@@ -102,8 +113,11 @@ void BGFXWaveformDiagramWidget::SetSelectionEndTime(double end)
     // Unlike the start, the end leaves the position alone: playback goes on where it is.
     const double time = ClampTime(end, 0.0, m_duration);
     Select(Ordered(TimesToPairWith(time).first, time));
+    const QPointer<BGFXWaveformDiagramWidget> self(this);
     Q_EMIT SelectionChanged(m_selection.times);
-    Q_EMIT Update();
+    if (self) {
+        Q_EMIT Update();
+    }
 }
 
 double BGFXWaveformDiagramWidget::GetSelectionStartTime() const

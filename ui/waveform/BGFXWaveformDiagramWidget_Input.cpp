@@ -2,6 +2,7 @@
 #include "ui/waveform/rules/TimeScale.h"
 #include "ui/waveform/rules/ViewNavigation.h"
 
+#include <QtCore/QPointer>
 #include <QtGui/QMouseEvent>
 #include <QtGui/QWheelEvent>
 
@@ -145,8 +146,12 @@ void BGFXWaveformDiagramWidget::timerEvent(QTimerEvent* event)
         m_borderScroll.stop();
         return;
     }
+    // A receiver of the signals may destroy the player.
+    const QPointer<BGFXWaveformDiagramWidget> self(this);
     ScrollTo(left);
-    DragTo(m_dragPosition);
+    if (self) {
+        DragTo(m_dragPosition);
+    }
 }
 
 bool BGFXWaveformDiagramWidget::IsForOthers(const QMouseEvent& event) const

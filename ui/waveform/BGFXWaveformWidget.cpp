@@ -5,6 +5,7 @@
 #include <vantorAudioEngine/BGFXWaveformWidget.h>
 
 #include <QtCore/QMetaType>
+#include <QtCore/QPointer>
 #include <QtCore/QScopedValueRollback>
 #include <QtCore/QSignalBlocker>
 #include <QtSvg/QSvgRenderer>
@@ -84,10 +85,16 @@ void BGFXWaveformWidget::ConnectSignals()
 
 void BGFXWaveformWidget::Initilize(QAudioFormat format, double duration)
 {
+    // A receiver of the signals may destroy the player.
+    const QPointer<BGFXWaveformWidget> self(this);
     m_diagram->Reset();
-    m_diagram->SetAudioFormat(format);
-    m_diagram->SetDuration(duration);
-    m_diagram->SetDelay(0.0);
+    if (self) {
+        m_diagram->SetAudioFormat(format);
+        m_diagram->SetDuration(duration);
+    }
+    if (self) {
+        m_diagram->SetDelay(0.0);
+    }
 }
 
 void BGFXWaveformWidget::Reset()

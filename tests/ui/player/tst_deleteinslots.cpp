@@ -1,0 +1,188 @@
+#include "tests/support/SoundServer.h"
+#include "tests/support/Tone.h"
+
+#include <vantorAudioEngine/AudioPlayerWidget.h>
+#include <vantorAudioEngine/BGFXWaveformWidget.h>
+
+#include <QtCore/QDir>
+#include <QtCore/QMetaMethod>
+#include <QtCore/QPointer>
+#include <QtCore/QProcess>
+#include <QtCore/QTemporaryDir>
+#include <QtCore/QThreadPool>
+#include <QtTest/QTest>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QPushButton>
+#include <QtWidgets/QSlider>
+
+#include <functional>
+#include <vector>
+
+using namespace Qt::Literals::StringLiterals;
+using vantoraudio::vantorAudioEngine::UI::AudioPlayerWidget;
+using vantoraudio::vantorAudioEngine::UI::BGFXWaveformWidget;
+using Things = std::vector<std::function<void(AudioPlayerWidget&)>>;
+
+namespace {
+
+constexpr int patience = 10000;
+constexpr int neverEmitted = 3;
+
+/** Deletes the player at a signal of its own or of its waveform, in the middle of whatever emits it. */
+class Deleter : public QObject
+{
+    Q_OBJECT
+
+public:
+    Deleter(AudioPlayerWidget& widget, const QObject& sender, const QMetaMethod& signal) : m_widget(&widget)
+    {
+        connect(&sender, signal, this, metaObject()->method(metaObject()->indexOfSlot("Delete()")));
+    }
+
+    [[nodiscard]] bool HasDeleted() const { return !m_widget; }
+
+public Q_SLOTS:
+    void Delete() { delete m_widget.data(); }
+
+private:
+    QPointer<AudioPlayerWidget> m_widget;
+};
+
+void WaitFor(AudioPlayerWidget& widget, const std::function<bool(AudioPlayerWidget&)>& condition)
+{
+    const QPointer<AudioPlayerWidget> alive(&widget);
+    static_cast<void>(QTest::qWaitFor([&] { return !alive || condition(*alive); }, patience));
+}
+
+void LetRest(AudioPlayerWidget& widget)
+{
+    WaitFor(widget, [](auto& w) { return !w.IsBusy() && !w.IsReadingSamples() && !w.IsLoading(); });
+}
+
+/** Everything that makes the widgets emit, one thing after the other. */
+Things ThingsToDo(const QString& folder)
+{
+    return {
+        [=](auto& w) { w.SetWritableDirectoryPath(folder + u"/copies"_s); },
+        [](auto& w) { w.resize(800, 400); },
+        [](auto& w) { w.show(); },
+        [](auto& w) { w.SetEditMode(true); },
+        [=](auto& w) { w.LoadFile(folder + u"/missing.wav"_s); },
+        LetRest,
+        [=](auto& w) { w.LoadFile(folder + u"/tone.wav"_s); },
+        [](auto& w) { w.CancelLoad(); },
+        [=](auto& w) { w.LoadFile(folder + u"/tone.wav"_s); },
+        LetRest,
+        [=](auto& w) { w.SetAudioFile(folder + u"/other.wav"_s); },
+        LetRest,
+        [](auto& w) { w.Play(); },
+        [](auto& w) { w.UpdateAudioPosition(5.0); },
+        [](auto& w) { QTest::qWait(w.IsPlaying() ? 300 : 0); },
+        [](auto& w) {
+            w.SetSelectedSnippet({2.0, 4.0});
+        },
+        [](auto& w) {
+            w.SetSelectedSnippet({0.0, 0.0});
+        },
+        [](auto& w) { w.ShowRange(1.0, 2.0); },
+        [](auto& w) { w.SetDelay(1.0); },
+        [](auto& w) { w.SetDelay(0.0); },
+        [](auto& w) { w.template findChild<QPushButton*>(u"btnSettings"_s)->click(); },
+        [](auto& w) { w.template findChild<QPushButton*>(u"btnMute"_s)->click(); },
+        [](auto& w) { w.template findChild<QSlider*>(u"hSliderVolume"_s)->setValue(30); },
+        LetRest,
+        [](auto& w) {
+            w.SetSelectedSnippet({2.0, 4.0});
+        },
+        LetRest,
+        [=](auto& w) { w.CreateSnippet(folder + u"/snippet.wav"_s); },
+        LetRest,
+        [](auto& w) { w.SetSelectedChannel(WavFile::ChannelLeft); },
+        LetRest,
+        [](auto& w) { w.StopPlayback(); },
+        [](auto& w) { w.Reset(); },
+    };
+}
+
+int DeleteAt(bool isOfWaveform, int signal, const QString& folder)
+{
+    auto* const widget = new AudioPlayerWidget;
+    auto* const waveform = widget->findChild<BGFXWaveformWidget*>();
+    const QObject& sender = isOfWaveform ? static_cast<QObject&>(*waveform) : *widget;
+    const Deleter deleter(*widget, sender, sender.metaObject()->method(signal));
+    for (const auto& todo : ThingsToDo(folder)) {
+        todo(*widget);
+        if (deleter.HasDeleted()) {
+            // What was under way comes to its end.
+            QThreadPool::globalInstance()->waitForDone();
+            QTest::qWait(300);
+            return 0;
+        }
+    }
+    delete widget;
+    return neverEmitted;
+}
+
+} // namespace
+
+/** Players that a receiver of any of their signals deletes. Each row is a program of its own, which may crash. */
+class DeleteInSlotsTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        QVERIFY(QDir(m_folder.path()).mkdir(u"copies"_s));
+        QVERIFY(WriteToneFile(m_folder.filePath(u"tone.wav"_s), {.seconds = 20.0}));
+        QVERIFY(WriteToneFile(m_folder.filePath(u"other.wav"_s), {.seconds = 20.0}));
+    }
+
+    void aPlayerMayBeDeletedAtEverySignal_data()
+    {
+        QTest::addColumn<bool>("isOfWaveform");
+        QTest::addColumn<int>("signal");
+        for (const bool isOfWaveform : {false, true}) {
+            const QMetaObject& type =
+                isOfWaveform ? BGFXWaveformWidget::staticMetaObject : AudioPlayerWidget::staticMetaObject;
+            for (int i = QWidget::staticMetaObject.methodCount(); i < type.methodCount(); ++i) {
+                if (type.method(i).methodType() == QMetaMethod::Signal) {
+                    QTest::addRow("%s::%s", type.className(), type.method(i).methodSignature().constData())
+                        << isOfWaveform << i;
+                }
+            }
+        }
+    }
+    void aPlayerMayBeDeletedAtEverySignal()
+    {
+        QFETCH(bool, isOfWaveform);
+        QFETCH(int, signal);
+        QProcess program;
+        program.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        program.start(QCoreApplication::applicationFilePath(),
+                      {u"delete"_s, QString::number(int(isOfWaveform)), QString::number(signal), m_folder.path()});
+        QVERIFY2(program.waitForFinished(60000), "hangs");
+        QCOMPARE(program.exitStatus(), QProcess::NormalExit);
+        if (program.exitCode() == neverEmitted) {
+            QSKIP("nothing here makes the player emit it");
+        }
+        QCOMPARE(program.exitCode(), 0);
+    }
+
+private:
+    QTemporaryDir m_folder;
+};
+
+int main(int argc, char** argv)
+{
+    if (argc == 5 && qstrcmp(argv[1], "delete") == 0) {
+        const QApplication application(argc, argv);
+        return DeleteAt(QByteArray(argv[2]) == "1", QByteArray(argv[3]).toInt(), QString::fromLocal8Bit(argv[4]));
+    }
+    const SoundServer server({u"one"_s});
+    QApplication application(argc, argv);
+    DeleteInSlotsTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_deleteinslots.moc"
