@@ -43,7 +43,8 @@ bool Happens(Condition condition)
  * Each defect that the library works round, in plain Qt, where the workaround is not. A row that fails with a new
  * Qt tells that the defect is gone, or has come back. Those that show only once in hundreds of times, or only in
  * how long something takes, have no row here: NapsWhileDecoding(), LosesSeeks(), MissesItsOwnSignals() and
- * FreesItsConnectionInUse(). The program rare_qt_defects counts these.
+ * FreesItsConnectionInUse(). The program rare_qt_defects counts these. The program sound_faults counts
+ * LosesTheSoundServer() and KeepsItsLock().
  */
 class QtDefectsTest : public QObject
 {
