@@ -58,9 +58,10 @@ std::vector<QMetaMethod> SignalsOf(const QMetaObject& type, int first)
 
 /** Emitted in the middle of functions of Qt's own, which go on with the player and crash; plain Qt does the same.
  */
-const QList<QByteArray> emittedInTheMiddle{"playbackStateChanged", "mediaStatusChanged", "durationChanged",
-                                           "hasAudioChanged",      "seekableChanged",    "metaDataChanged",
-                                           "tracksChanged",        "errorChanged",       "errorOccurred"};
+const QList<QByteArray> emittedInTheMiddle{"playbackStateChanged",  "mediaStatusChanged", "durationChanged",
+                                           "hasAudioChanged",       "seekableChanged",    "metaDataChanged",
+                                           "tracksChanged",         "errorChanged",       "errorOccurred",
+                                           "bufferProgressChanged", "playingChanged"};
 
 void WaitFor(const std::function<bool()>& condition)
 {
