@@ -225,6 +225,8 @@ int main(int argc, char* argv[])
     const QApplication application(argc, argv);
     // Every frame writes a line for developers.
     qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
+    // Its memory is not to be mixed with that of a device which is starting.
+    bgfx::DrawingDevice::Get().Use(bgfx::device::Kind::Software);
     PrintSupply();
     for (const auto& [device, name] :
          {std::pair(bgfx::device::Kind::Bgfx, "bgfx"), std::pair(bgfx::device::Kind::OpenGL, "OpenGL"),

@@ -3,6 +3,8 @@
 #include <QtTest/QtTest>
 
 #include <cmath>
+#include <cstdlib>
+#include <vector>
 
 using namespace vantoraudio;
 using namespace vantoraudio::vantorAudioEngine::UI;
@@ -73,6 +75,31 @@ private Q_SLOTS:
 
         QVERIFY(UseDevice(bgfx::device::Kind::OpenGL));
         QCOMPARE(WaveformPicture(diagram).Image(), byOpenGL);
+    }
+
+    void bgfxDrawsThePictureOfOpenGL()
+    {
+        BGFXWaveformDiagramWidget diagram;
+        PrepareForPictures(diagram);
+        diagram.UpdateAudioSampleBuffer(Tone());
+        diagram.SetSelectedSnippet({2.0, 4.0});
+        diagram.SetAudioPosition(5.5, false);
+        std::vector<QImage> pictures;
+        for (const auto device : {bgfx::device::Kind::OpenGL, bgfx::device::Kind::Bgfx}) {
+            if (!UseDevice(device)) {
+                QSKIP("OpenGL or bgfx is not built in, or cannot be had here");
+            }
+            pictures.push_back(WaveformPicture(diagram).Image());
+        }
+        for (int y = 0; y < pictures[0].height(); ++y) {
+            for (int x = 0; x < pictures[0].width(); ++x) {
+                const QColor color = pictures[0].pixelColor(x, y);
+                const QColor other = pictures[1].pixelColor(x, y);
+                QVERIFY(std::abs(color.red() - other.red()) <= 1);
+                QVERIFY(std::abs(color.green() - other.green()) <= 1);
+                QVERIFY(std::abs(color.blue() - other.blue()) <= 1);
+            }
+        }
     }
 
     void anAbsentProgramIsAnException()

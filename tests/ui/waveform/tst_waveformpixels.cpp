@@ -60,12 +60,20 @@ class TestWaveformPixels : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        const bool inSoftware = qEnvironmentVariable("VANTOR_TEST_DEVICE") == u"Software";
-        if (!UseDevice(inSoftware ? bgfx::device::Kind::Software : bgfx::device::Kind::OpenGL)) {
-            QSKIP("there is no such device here");
-        }
         using Device = BGFXWaveformWidget::DrawingDevice;
-        QCOMPARE(BGFXWaveformWidget::GetDrawingDevice(), inSoftware ? Device::Software : Device::OpenGL);
+        const QString name = qEnvironmentVariable("VANTOR_TEST_DEVICE", QStringLiteral("OpenGL"));
+        const bool isBgfx = name == u"Bgfx";
+        const bool inSoftware = name == u"Software";
+        const auto kind = isBgfx       ? bgfx::device::Kind::Bgfx
+                          : inSoftware ? bgfx::device::Kind::Software
+                                       : bgfx::device::Kind::OpenGL;
+        if (!UseDevice(kind)) {
+            QSKIP("this device is not built in, or cannot be had here");
+        }
+        QCOMPARE(BGFXWaveformWidget::GetDrawingDevice(), isBgfx       ? Device::Bgfx
+                                                         : inSoftware ? Device::Software
+                                                                      : Device::OpenGL);
+        QVERIFY(BGFXWaveformWidget::GetDrawingDeviceName().startsWith(name, Qt::CaseInsensitive));
     }
 
     void clearsWithTheBackgroundColour()

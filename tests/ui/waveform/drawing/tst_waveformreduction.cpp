@@ -5,6 +5,7 @@
 
 #include <QtTest/QtTest>
 
+#include <array>
 #include <cmath>
 #include <random>
 
@@ -172,6 +173,7 @@ private Q_SLOTS:
             QTest::addRow("OpenGL, %s", signal) << int(bgfx::device::Kind::OpenGL) << QString::fromLatin1(signal);
             QTest::addRow("Software, %s", signal)
                 << int(bgfx::device::Kind::Software) << QString::fromLatin1(signal);
+            QTest::addRow("bgfx, %s", signal) << int(bgfx::device::Kind::Bgfx) << QString::fromLatin1(signal);
         }
     }
 
@@ -197,6 +199,7 @@ private Q_SLOTS:
         QTest::addColumn<int>("device");
         QTest::newRow("OpenGL") << int(bgfx::device::Kind::OpenGL);
         QTest::newRow("Software") << int(bgfx::device::Kind::Software);
+        QTest::newRow("bgfx") << int(bgfx::device::Kind::Bgfx);
     }
 
     void drawsEveryClick()
@@ -240,6 +243,26 @@ private Q_SLOTS:
         }
     }
 
+    void bgfxDrawsTheSamePicture()
+    {
+        std::vector<QImage> pictures;
+        for (const auto device : {bgfx::device::Kind::Software, bgfx::device::Kind::Bgfx}) {
+            const DeviceScope scope(device);
+            if (!scope.IsMade()) {
+                QSKIP("bgfx is not built in, or cannot be had here");
+            }
+            for (const char* signal : Signals) {
+                for (const double span : {0.05, 1.0, 30.0}) {
+                    pictures.push_back(Reduced(Signal(QString::fromLatin1(signal)), {0.3, span, {1600, 300}}));
+                }
+            }
+        }
+        const std::size_t count = pictures.size() / 2;
+        for (std::size_t i = 0; i < count; ++i) {
+            QCOMPARE(Differences(pictures[i], pictures[i + count]), 0);
+        }
+    }
+
     void quietNoiseIsALineWithoutGaps_data() { drawsEveryClick_data(); }
 
     void quietNoiseIsALineWithoutGaps()
@@ -260,10 +283,12 @@ private Q_SLOTS:
     }
 
 private:
+    static constexpr std::array Signals{"loud noise", "quiet noise", "music", "clipped", "a slow tone", "clicks"};
+
     static void AddSignals()
     {
         QTest::addColumn<QString>("signal");
-        for (const char* signal : {"loud noise", "quiet noise", "music", "clipped", "a slow tone", "clicks"}) {
+        for (const char* signal : Signals) {
             QTest::newRow(signal) << QString::fromLatin1(signal);
         }
     }
@@ -274,7 +299,7 @@ private:
         QTest::addColumn<QString>("signal");
         QTest::addColumn<double>("left");
         QTest::addColumn<double>("span");
-        for (const char* signal : {"loud noise", "quiet noise", "music", "clipped", "a slow tone", "clicks"}) {
+        for (const char* signal : Signals) {
             for (const auto device : {bgfx::device::Kind::OpenGL, bgfx::device::Kind::Software}) {
                 for (const double span : {0.3, 0.9, 1.7, 5.0, 13.3, 30.0}) {
                     const double left = span < 20.0 ? 7.77 : 0.0;
