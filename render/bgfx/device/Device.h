@@ -32,7 +32,7 @@ public:
     [[nodiscard]] virtual int MaxSide() const = 0;
     /** Replaces all pixels of `picture`, which is not empty and has the format RGBA8888, by the frame; what no
      * view covers becomes transparent black. False: the device is lost, or has no memory for such a picture. The
-     * picture is as it was then, and the device is not asked again. */
+     * picture is as it was then, or right, and the device is not asked again. */
     virtual bool Draw(const Frame& frame, QImage& picture) = 0;
 
     // What follows is for devices whose pictures take their time.

@@ -28,7 +28,7 @@ bool BgfxDevice::Draw(const Frame& frame, QImage& picture)
     const bool isThere = m_instance->WaitFor(known.id);
     TakePictures();
     if (IsLost()) {
-        return false;
+        return DrawInstead(frame, picture);
     }
     return isThere ? Show(known, picture) : m_processor->Draw(frame, picture);
 }
@@ -38,10 +38,17 @@ bool BgfxDevice::DrawSoon(const Frame& frame, QImage& picture)
     Known& known = Ask(frame, picture);
     TakePictures();
     if (IsLost()) {
-        return false;
+        return DrawInstead(frame, picture);
     }
     // There is no former picture to show while bgfx starts, nor, with a host's bgfx, after a change of the size.
     return known.image.size() == picture.size() ? Show(known, picture) : m_processor->Draw(frame, picture);
+}
+
+bool BgfxDevice::DrawInstead(const Frame& frame, QImage& picture)
+{
+    // grab() asks once only: it cannot wait for the next device.
+    m_processor->Draw(frame, picture);
+    return false;
 }
 
 void BgfxDevice::Forget(const QImage* picture)

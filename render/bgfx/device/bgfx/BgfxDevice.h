@@ -48,6 +48,8 @@ private:
     };
 
     Known& Ask(const Frame& frame, const QImage& picture);
+    /** What a lost device does with its last frame. False, as Draw() gives back then. */
+    bool DrawInstead(const Frame& frame, QImage& picture);
     static bool Show(Known& known, QImage& picture);
     void TakePictures();
     [[nodiscard]] bool IsLost() const { return m_instance->CurrentState() == BgfxInstance::State::Lost; }
