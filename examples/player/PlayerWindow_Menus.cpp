@@ -30,9 +30,9 @@ void PlayerWindow::BuildMenus()
     auto* devices = new DeviceMenu(this);
     connect(devices, &DeviceMenu::DeviceChosen, m_player, &HostPlayer::SetAudioOutputDevice);
     menuBar()->addMenu(devices);
-    menuBar()
-        ->addMenu(tr("&Help"))
-        ->addAction(tr("&Keys…"), QKeySequence::HelpContents, this, &PlayerWindow::ShowShortcuts);
+    QMenu* help = menuBar()->addMenu(tr("&Help"));
+    help->addAction(tr("&Keys…"), QKeySequence::HelpContents, this, &PlayerWindow::ShowShortcuts);
+    help->addAction(tr("&About…"), this, &PlayerWindow::ShowAbout);
 }
 
 void PlayerWindow::BuildPlayerMenus()

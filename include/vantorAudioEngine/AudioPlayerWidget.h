@@ -265,7 +265,8 @@ Q_SIGNALS:
                     const QString& sentence);
     void LoadCancelled(const QString& path);
 
-    /** See BGFXWaveformWidget::ContextMenuRequested(). */
+    /** The user asks for a menu on the waveform, at a point of the screen; `time` is what is shown there. Needs
+     * the interaction LeftButtonOnly and a file. */
     void ContextMenuRequested(const QPoint& globalPosition, double time);
     void LoopChanged(bool loop);
 
@@ -273,6 +274,7 @@ protected:
     /** The platform's key for selecting everything selects all that is visible, Space plays and pauses; every
      * other key goes on to the parent. */
     void keyPressEvent(QKeyEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
     /** Every failed step comes here, with its code; Success when a file is missing that should have been written.
      *  Does nothing by itself. */
     virtual void ErrorHandler(WavFile::AudioEngineReturnValue error);

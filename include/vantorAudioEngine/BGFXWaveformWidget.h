@@ -102,6 +102,8 @@ public:
      */
     void ClearSelection();
 
+    /** What is shown at a place of this widget, in seconds; beyond the waveform also times that do not show. */
+    [[nodiscard]] double GetTimeAt(const QPoint& position) const;
     /** The first and the last time that show. */
     [[nodiscard]] std::pair<double, double> GetVisibleRange() const;
 
@@ -125,7 +127,7 @@ public:
         /** Shift and a click move the nearer end of the selection to the pointer; without a selection they select
          *  from the position to the pointer. */
         ExtendWithShift = 4,
-        /** The other buttons do nothing but ask for a menu: ContextMenuRequested(). */
+        /** The other buttons do nothing: a menu of the program's may open, see QWidget::contextMenuPolicy(). */
         LeftButtonOnly = 8,
         /** A selection that was cleared leaves no times behind: a single end set later begins an empty one. */
         ForgetCleared = 16
@@ -192,9 +194,6 @@ Q_SIGNALS:
     void AudioPositionChanged(double position);
     /** The visible range: x and width in seconds, height half the amplitude range. */
     void SceneRectChanged(const QRectF& sceneRect);
-    /** The user asks for a menu at a point of the screen; `time` is what is shown there. Needs LeftButtonOnly and
-     * a file. */
-    void ContextMenuRequested(const QPoint& globalPosition, double time);
 
 public Q_SLOTS:
     /** Shows the range of another view: left and right of `rect`, in either order, brought into the file's length.

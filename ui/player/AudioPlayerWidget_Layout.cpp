@@ -377,7 +377,6 @@ void AudioPlayerWidget::ConnectSignals()
     connect(m_waveformWidget, &BGFXWaveformWidget::SceneRectChanged, this, &Widget::SceneRectChanged);
     connect(this, &Widget::SceneRectChangeRequested, m_waveformWidget,
             &BGFXWaveformWidget::OnSceneRectChangeRequested);
-    connect(m_waveformWidget, &BGFXWaveformWidget::ContextMenuRequested, this, &Widget::ContextMenuRequested);
 
     connect(&m_internals->loaded.Progress(), &ProgressQueue::Reported, this, &Widget::OnProgressChanged);
     connect(&m_internals->loaded.Progress(), &ProgressQueue::Reached, this,

@@ -10,6 +10,7 @@
 #include <QtCore/QPointer>
 #include <QtCore/QSignalBlocker>
 #include <QtCore/QUrl>
+#include <QtGui/QContextMenuEvent>
 #include <QtGui/QKeyEvent>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPushButton>
@@ -290,6 +291,16 @@ void AudioPlayerWidget::keyPressEvent(QKeyEvent* event)
         m_internals->ShowPlayIcon(m_internals->controls.btnPlayPause->isChecked());
     } else {
         event->ignore();
+    }
+}
+
+void AudioPlayerWidget::contextMenuEvent(QContextMenuEvent* event)
+{
+    const QPoint onWaveform = m_waveformWidget->mapFrom(this, event->pos());
+    const bool isWanted = m_waveformWidget->GetInteractions() & BGFXWaveformWidget::Interaction::LeftButtonOnly;
+    event->setAccepted(isWanted && m_waveformWidget->rect().contains(onWaveform) && GetAudioDuration() > 0.0);
+    if (event->isAccepted()) {
+        Q_EMIT ContextMenuRequested(event->globalPos(), m_waveformWidget->GetTimeAt(onWaveform));
     }
 }
 

@@ -72,6 +72,7 @@ public:
     [[nodiscard]] BGFXWaveformWidget::Interactions GetInteractions() const { return m_interactions; }
     void SetScrollBackToZoomOut(bool scrollBackToZoomOut) { m_scrollBackToZoomOut = scrollBackToZoomOut; }
 
+    [[nodiscard]] double GetTimeAt(int x) const { return TimeAt(x); }
     [[nodiscard]] QRectF GetSceneRect() const { return m_sceneRect; }
     /** Both edges are brought into the total length. */
     void SetSceneRange(double left, double right);
@@ -97,7 +98,6 @@ Q_SIGNALS:
     void GetSamples(double startTime, double endTime, int stepSize);
     void SelectionChanged(std::pair<double, double> selectedSnippet);
     void AudioPositionChanged(double position);
-    void ContextMenuRequested(const QPoint& globalPosition, double time);
 
 public Q_SLOTS:
     /** The drawing device shuts down; the next frame creates what it needs again. */
@@ -112,7 +112,6 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
-    void contextMenuEvent(QContextMenuEvent* event) override;
     /** A drag past the border scrolls. */
     void timerEvent(QTimerEvent* event) override;
 

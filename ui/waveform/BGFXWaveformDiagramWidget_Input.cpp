@@ -125,16 +125,6 @@ void BGFXWaveformDiagramWidget::wheelEvent(QWheelEvent* event)
     event->accept();
 }
 
-void BGFXWaveformDiagramWidget::contextMenuEvent(QContextMenuEvent* event)
-{
-    if (!Allows(Interaction::LeftButtonOnly) || !HasAudio()) {
-        event->ignore();
-        return;
-    }
-    event->accept();
-    Q_EMIT ContextMenuRequested(event->globalPos(), TimeAt(event->x()));
-}
-
 void BGFXWaveformDiagramWidget::timerEvent(QTimerEvent* event)
 {
     if (event->timerId() != m_borderScroll.timerId()) {

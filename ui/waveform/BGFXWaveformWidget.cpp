@@ -78,7 +78,6 @@ void BGFXWaveformWidget::ConnectSignals()
     connect(m_diagram, &Diagram::GetSamples, this, &BGFXWaveformWidget::OnGetSamples);
     connect(m_diagram, &Diagram::SelectionChanged, this, &BGFXWaveformWidget::OnSelectionChanged);
     connect(m_diagram, &Diagram::AudioPositionChanged, this, &BGFXWaveformWidget::OnAudioPositionChanged);
-    connect(m_diagram, &Diagram::ContextMenuRequested, this, &BGFXWaveformWidget::ContextMenuRequested);
     connect(m_scrollBar, &QScrollBar::valueChanged, m_diagram,
             [this](int value) { m_diagram->ScrollTo(value / 1000.0); });
 }
@@ -136,6 +135,11 @@ std::pair<double, double> BGFXWaveformWidget::GetSelectedSnippet() const
 void BGFXWaveformWidget::ClearSelection()
 {
     m_diagram->ClearSelection();
+}
+
+double BGFXWaveformWidget::GetTimeAt(const QPoint& position) const
+{
+    return m_diagram->GetTimeAt(m_diagram->mapFrom(this, position).x());
 }
 
 std::pair<double, double> BGFXWaveformWidget::GetVisibleRange() const

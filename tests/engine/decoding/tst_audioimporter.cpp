@@ -420,7 +420,7 @@ void TestAudioImporter::canBeCancelledHoweverFarTheRatesAreApart()
 void TestAudioImporter::refusesAtOnceWhatTheResamplerCannotBear()
 {
     const TemporaryFiles files;
-    const WavBytes fast{.sampleRate = 1'860'000'000, .data = QByteArray(200000, '\x11')};
+    const WavBytes fast{.sampleRate = 1'860'000'011, .data = QByteArray(200000, '\x11')};
     const QString source = files.Write(u"fast.wav"_s, fast.Build());
     const QString out = files.Path(u"out.wav"_s);
     QCOMPARE(AudioImporter::ImportNow(source, out, {.sampleRate = 192000}).problem, Problem::UnsupportedRate);

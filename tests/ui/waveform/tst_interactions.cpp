@@ -204,23 +204,25 @@ private Q_SLOTS:
         QCOMPARE(bench.Selection(), Pair(10.05, 40.05));
     }
 
-    void aMenuIsAskedForWithTheTimeUnderThePointer()
+    void tellsTheTimeUnderThePointer()
     {
         BGFXWaveformWidget widget;
         widget.resize(600, 200);
         auto& diagram = Access::DiagramOf(widget);
         diagram.resize(500, 100);
-        QSignalSpy asked(&widget, &BGFXWaveformWidget::ContextMenuRequested);
         QAudioFormat format;
         format.setSampleRate(1000);
-        QVERIFY(!AskForMenu(diagram, {250, 20}));
-        widget.SetInteractions(Interaction::LeftButtonOnly);
-        QVERIFY(!AskForMenu(diagram, {250, 20}));
         widget.Initilize(format, 50.0);
-        QVERIFY(AskForMenu(diagram, {250, 20}));
-        QCOMPARE(asked.size(), 1);
-        QCOMPARE(asked[0][0].toPoint(), diagram.mapToGlobal(QPoint(250, 20)));
-        QCOMPARE(asked[0][1].toDouble(), 25.05);
+        QCOMPARE(widget.GetTimeAt(diagram.mapTo(&widget, QPoint(250, 20))), 25.05);
+    }
+
+    void otherButtonsLeaveAMenuToTheProgram()
+    {
+        for (const bool isSet : {false, true}) {
+            Bench bench;
+            bench.diagram.SetInteractions(isSet ? Interaction::LeftButtonOnly : BGFXWaveformWidget::Interactions());
+            QVERIFY(!AskForMenu(bench.diagram, {250, 20}));
+        }
     }
 
     void aClearedSelectionIsForgotten()
