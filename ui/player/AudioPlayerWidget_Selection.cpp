@@ -6,6 +6,7 @@
 #include <vantorAudioEngine/AudioPlayerWidget.h>
 #include <vantorAudioEngine/BGFXWaveformWidget.h>
 
+#include <QtCore/QPointer>
 #include <QtCore/QSignalBlocker>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QLineEdit>
@@ -94,10 +95,14 @@ void AudioPlayerWidget::OnSelectionStartEditingFinished()
             ConvertToDisplayTimeFormat(m_waveformWidget->GetSelectionStartTime()));
         return;
     }
+    // A receiver of the signals may destroy the widget.
+    const QPointer<AudioPlayerWidget> self(this);
     if (start > m_waveformWidget->GetSelectionEndTime()) {
         m_waveformWidget->SetSelectionEndTime(start);
     }
-    m_waveformWidget->SetSelectionStartTime(start);
+    if (self) {
+        m_waveformWidget->SetSelectionStartTime(start);
+    }
 }
 
 void AudioPlayerWidget::OnSelectionEndEditingFinished()
@@ -109,10 +114,13 @@ void AudioPlayerWidget::OnSelectionEndEditingFinished()
             ConvertToDisplayTimeFormat(m_waveformWidget->GetSelectionEndTime()));
         return;
     }
+    const QPointer<AudioPlayerWidget> self(this);
     if (m_waveformWidget->GetSelectionStartTime() > end) {
         m_waveformWidget->SetSelectionStartTime(end);
     }
-    m_waveformWidget->SetSelectionEndTime(end);
+    if (self) {
+        m_waveformWidget->SetSelectionEndTime(end);
+    }
 }
 
 void AudioPlayerWidget::OnWaveformSelectionChanged(const std::pair<double, double>& selection)

@@ -243,6 +243,29 @@ void AudioPlayerWidget::UpdateAudioPosition(double seconds)
     }
 }
 
+/** False when a receiver of the signals has destroyed the widget. */
+bool AudioPlayerWidget::Internals::GoToTyped(double time)
+{
+    const QPointer<AudioPlayerWidget> self(&widget);
+    BGFXWaveformWidget& waveform = *widget.m_waveformWidget;
+    for (const auto set : {&BGFXWaveformWidget::SetSelectionStartTime, &BGFXWaveformWidget::SetSelectionEndTime}) {
+        (waveform.*set)(0.0);
+        if (!self) {
+            return false;
+        }
+    }
+    waveform.SetAudioPosition(time);
+    if (self && typedPositionSeeks) {
+        widget.m_audioPlayer->setPosition(MillisecondsOf(time));
+    }
+    if (self) {
+        // Without that the player stays where it is: the host is told the time and decides whether playback
+        // follows.
+        Q_EMIT widget.AudioPositionChanged(time);
+    }
+    return !self.isNull();
+}
+
 double AudioPlayerWidget::GetAudioPosition() const
 {
     return static_cast<double>(m_audioPlayer->position()) / 1000.0;
@@ -251,15 +274,8 @@ double AudioPlayerWidget::GetAudioPosition() const
 void AudioPlayerWidget::OnCurrentPositionEditingFinished()
 {
     const double time = ConvertFromDisplayTimeFormat(m_internals->controls.edCurrentPosition->text());
-    if (0.0 <= time && time <= GetAudioDuration()) {
-        m_waveformWidget->SetSelectionStartTime(0.0);
-        m_waveformWidget->SetSelectionEndTime(0.0);
-        m_waveformWidget->SetAudioPosition(time);
-        if (m_internals->typedPositionSeeks) {
-            m_audioPlayer->setPosition(MillisecondsOf(time));
-        }
-        // Otherwise the player stays where it is: the host is told the time and decides whether playback follows.
-        Q_EMIT AudioPositionChanged(time);
+    if (0.0 <= time && time <= GetAudioDuration() && !m_internals->GoToTyped(time)) {
+        return;
     }
     // In every case: an entry outside the file snaps back.
     const QSignalBlocker blocker(m_internals->controls.edCurrentPosition);

@@ -50,6 +50,7 @@ struct AudioPlayerWidget::Internals
     void ShowMuteIcon(bool isMuted);
     void ShowAsPlaying(bool isPlaying);
     [[nodiscard]] bool IsPositionEdited() const;
+    [[nodiscard]] bool GoToTyped(double time);
     void CorrectLateReport(qint64 milliseconds);
     /** Gives the player a file of which the whole or the view's selection is to be played. One that no output can
      * play is played from a copy, as soon as that is made; until then the player has no source. */

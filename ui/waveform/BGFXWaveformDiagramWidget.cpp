@@ -3,7 +3,6 @@
 #include "ui/waveform/rules/ViewNavigation.h"
 
 #include <QtCore/QMutexLocker>
-#include <QtCore/QPointer>
 
 namespace vantoraudio::vantorAudioEngine::UI {
 
@@ -28,10 +27,7 @@ void BGFXWaveformDiagramWidget::Reset()
     m_borderScroll.stop();
     m_selection.isPresent = false;
     m_selectionAtGrab = {0.0, 0.0};
-    // A receiver may destroy the player.
-    const QPointer<BGFXWaveformDiagramWidget> self(this);
-    Q_EMIT SelectionChanged({0.0, 0.0});
-    if (self) {
+    if (Tell(&BGFXWaveformDiagramWidget::SelectionChanged, {0.0, 0.0})) {
         Changed();
     }
 }
@@ -64,11 +60,11 @@ void BGFXWaveformDiagramWidget::SetAudioPosition(double position, bool clearSele
     if (clearSelection) {
         m_selection.isPresent = false;
     }
-    if (const auto left = PageFor(View(), m_audioPosition, m_duration)) {
-        ScrollTo(*left);
+    if (const auto left = PageFor(View(), m_audioPosition, m_duration); left && !ScrollTo(*left)) {
+        return;
     }
-    if (m_sceneRect.left() > m_audioPosition) {
-        ScrollTo(m_audioPosition);
+    if (m_sceneRect.left() > m_audioPosition && !ScrollTo(m_audioPosition)) {
+        return;
     }
     Changed();
 }
@@ -80,17 +76,16 @@ void BGFXWaveformDiagramWidget::SetSelectedSnippet(std::pair<double, double> sni
     }
     Select(Ordered(snippet.first, snippet.second));
     m_audioPosition = m_selection.times.first;
-    Q_EMIT SelectionChanged(m_selection.times);
-    Changed();
+    if (Tell(&BGFXWaveformDiagramWidget::SelectionChanged, m_selection.times)) {
+        Changed();
+    }
 }
 
 void BGFXWaveformDiagramWidget::ClearSelection()
 {
     if (m_selection.isPresent) {
         m_selection.isPresent = false;
-        const QPointer<BGFXWaveformDiagramWidget> self(this);
-        Q_EMIT SelectionChanged({0.0, 0.0});
-        if (self) {
+        if (Tell(&BGFXWaveformDiagramWidget::SelectionChanged, {0.0, 0.0})) {
             Changed();
         }
     }
@@ -101,9 +96,7 @@ void BGFXWaveformDiagramWidget::SetSelectionStartTime(double start)
     const double time = ClampTime(start, 0.0, m_duration);
     Select(Ordered(time, TimesToPairWith(time).second));
     m_audioPosition = m_selection.times.first;
-    const QPointer<BGFXWaveformDiagramWidget> self(this);
-    Q_EMIT SelectionChanged(m_selection.times);
-    if (self) {
+    if (Tell(&BGFXWaveformDiagramWidget::SelectionChanged, m_selection.times)) {
         Q_EMIT Update();
     }
 }
@@ -113,9 +106,7 @@ void BGFXWaveformDiagramWidget::SetSelectionEndTime(double end)
     // Unlike the start, the end leaves the position alone: playback goes on where it is.
     const double time = ClampTime(end, 0.0, m_duration);
     Select(Ordered(TimesToPairWith(time).first, time));
-    const QPointer<BGFXWaveformDiagramWidget> self(this);
-    Q_EMIT SelectionChanged(m_selection.times);
-    if (self) {
+    if (Tell(&BGFXWaveformDiagramWidget::SelectionChanged, m_selection.times)) {
         Q_EMIT Update();
     }
 }
@@ -137,10 +128,10 @@ void BGFXWaveformDiagramWidget::SetSceneRange(double left, double right)
     SceneRectMoved();
 }
 
-void BGFXWaveformDiagramWidget::ScrollTo(double left)
+bool BGFXWaveformDiagramWidget::ScrollTo(double left)
 {
     m_sceneRect.moveLeft(left);
-    SceneRectMoved();
+    return SceneRectMoved();
 }
 
 void BGFXWaveformDiagramWidget::UpdateAudioSampleBuffer(const QList<float>& samples)
@@ -171,31 +162,29 @@ void BGFXWaveformDiagramWidget::ShowEverything()
     m_sceneRect = QRectF(0.0, 0.0, GetTotalLength(), m_amplitudeExtent);
 }
 
-void BGFXWaveformDiagramWidget::RequestSamplesIfNeeded()
+bool BGFXWaveformDiagramWidget::RequestSamplesIfNeeded()
 {
     const auto request = RequestFor(View(), m_buffer, GetTotalLength());
     if (!request) {
-        return;
+        return true;
     }
     // It is remembered even if it is not sent: samples still on their way are then drawn from this start time on.
     m_stepSize = StepSizeFor(request->end - request->start);
     m_requestedStart = request->start;
-    if (request->isSent) {
-        Q_EMIT GetSamples(request->start, request->end, m_stepSize);
-    }
+    return !request->isSent ||
+           Tell(&BGFXWaveformDiagramWidget::GetSamples, request->start, request->end, m_stepSize);
 }
 
 void BGFXWaveformDiagramWidget::Changed()
 {
-    Q_EMIT Update();
     update();
+    Q_EMIT Update();
 }
 
-void BGFXWaveformDiagramWidget::SceneRectMoved()
+bool BGFXWaveformDiagramWidget::SceneRectMoved()
 {
     update();
-    Q_EMIT SceneRectChanged(m_sceneRect);
-    RequestSamplesIfNeeded();
+    return Tell(&BGFXWaveformDiagramWidget::SceneRectChanged, m_sceneRect) && RequestSamplesIfNeeded();
 }
 
 void BGFXWaveformDiagramWidget::Select(const SelectionTimes& candidate)

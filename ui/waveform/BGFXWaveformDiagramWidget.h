@@ -14,11 +14,13 @@
 #include <QtCore/QList>
 #include <QtCore/QMutex>
 #include <QtCore/QPoint>
+#include <QtCore/QPointer>
 #include <QtCore/QRectF>
 #include <QtGui/QColor>
 #include <QtGui/QMatrix4x4>
 #include <QtMultimedia/QAudioFormat>
 
+#include <type_traits>
 #include <utility>
 
 namespace vantoraudio::vantorAudioEngine::UI {
@@ -76,8 +78,8 @@ public:
     [[nodiscard]] QRectF GetSceneRect() const { return m_sceneRect; }
     /** Both edges are brought into the total length. */
     void SetSceneRange(double left, double right);
-    /** Moves the visible range, wherever that is. */
-    void ScrollTo(double left);
+    /** Moves the visible range, wherever that is. False when a receiver has destroyed this widget. */
+    bool ScrollTo(double left);
 
     /** Draws these samples from now on, from the start time of the latest request, also when they answer an older
      *  one. The visible range keeps its height even when louder samples widen the drawn amplitudes. */
@@ -140,18 +142,28 @@ private:
     [[nodiscard]] double TimeAt(double x) const { return TimeAtPixel(View(), x, width()); }
     [[nodiscard]] int StepSizeFor(double span) const;
     void ShowEverything();
-    void RequestSamplesIfNeeded();
+    bool RequestSamplesIfNeeded();
+    /** Emits. False when a receiver has destroyed the player, and this widget with it. */
+    template<typename... Arguments>
+    bool Tell(void (BGFXWaveformDiagramWidget::*signal)(Arguments...),
+              std::type_identity_t<Arguments>... arguments)
+    {
+        const QPointer<BGFXWaveformDiagramWidget> self(this);
+        Q_EMIT(this->*signal)(arguments...);
+        return !self.isNull();
+    }
     void Changed();
-    void SceneRectMoved();
+    bool SceneRectMoved();
     void Select(const SelectionTimes& candidate);
 
     void HoverAt(int x);
     [[nodiscard]] double DragTimeAt(int x) const;
-    void DragTo(const QPoint& position);
+    // False when a receiver of their signals has destroyed this widget.
+    bool DragTo(const QPoint& position);
     void ScrollWhileDraggedTo(const QPoint& position);
     void ExtendTo(double time);
-    void DragSelectionTo(const SelectionTimes& candidate);
-    void DragBodyTo(double middle);
+    bool DragSelectionTo(const SelectionTimes& candidate);
+    bool DragBodyTo(double middle);
     void ClickAt(double x);
     void Pan(const QWheelEvent& event);
     void Zoom(const QWheelEvent& event);

@@ -2,7 +2,6 @@
 #include "ui/waveform/rules/TimeScale.h"
 #include "ui/waveform/rules/ViewNavigation.h"
 
-#include <QtCore/QPointer>
 #include <QtGui/QMouseEvent>
 #include <QtGui/QWheelEvent>
 
@@ -60,7 +59,9 @@ void BGFXWaveformDiagramWidget::mouseMoveEvent(QMouseEvent* event)
     if (event->buttons() == Qt::LeftButton ||
         (Allows(Interaction::LeftButtonOnly) && event->buttons().testFlag(Qt::LeftButton))) {
         ScrollWhileDraggedTo(PixelOf(*event));
-        DragTo(PixelOf(*event));
+        if (!DragTo(PixelOf(*event))) {
+            return;
+        }
     } else {
         HoverAt(PixelOf(*event).x());
     }
@@ -82,8 +83,9 @@ void BGFXWaveformDiagramWidget::mouseReleaseEvent(QMouseEvent* event)
     // Only x is compared: a drag straight up or down selects nothing and counts as a click.
     if (m_isEditing && PixelOf(*event).x() != m_pressPosition.x()) {
         m_audioPosition = GetSelectionStartTime();
-        Q_EMIT SelectionChanged({GetSelectionStartTime(), GetSelectionEndTime()});
-        Changed();
+        if (Tell(&BGFXWaveformDiagramWidget::SelectionChanged, {GetSelectionStartTime(), GetSelectionEndTime()})) {
+            Changed();
+        }
     } else if (m_isEditing && Allows(Interaction::ExtendWithShift) && event->modifiers() == Qt::ShiftModifier) {
         ExtendTo(TimeAt(event->position().x()));
     } else {
@@ -103,10 +105,13 @@ void BGFXWaveformDiagramWidget::mouseDoubleClickEvent(QMouseEvent* event)
     m_stepSize = StepSizeFor(GetTotalLength());
     m_buffer.start = 0.0;
     m_requestedStart = 0.0;
-    Q_EMIT GetSamples(0.0, GetTotalLength(), m_stepSize);
+    if (!Tell(&BGFXWaveformDiagramWidget::GetSamples, 0.0, GetTotalLength(), m_stepSize)) {
+        return;
+    }
     ShowEverything();
-    Q_EMIT SceneRectChanged(m_sceneRect);
-    Changed();
+    if (Tell(&BGFXWaveformDiagramWidget::SceneRectChanged, m_sceneRect)) {
+        Changed();
+    }
 }
 
 void BGFXWaveformDiagramWidget::wheelEvent(QWheelEvent* event)
@@ -136,10 +141,7 @@ void BGFXWaveformDiagramWidget::timerEvent(QTimerEvent* event)
         m_borderScroll.stop();
         return;
     }
-    // A receiver of the signals may destroy the player.
-    const QPointer<BGFXWaveformDiagramWidget> self(this);
-    ScrollTo(left);
-    if (self) {
+    if (ScrollTo(left)) {
         DragTo(m_dragPosition);
     }
 }
@@ -180,31 +182,38 @@ void BGFXWaveformDiagramWidget::ScrollWhileDraggedTo(const QPoint& position)
     }
 }
 
-void BGFXWaveformDiagramWidget::DragTo(const QPoint& position)
+bool BGFXWaveformDiagramWidget::DragTo(const QPoint& position)
 {
     const double time = DragTimeAt(position.x());
     if (m_grab.startEdge) {
-        DragSelectionTo(Ordered(time, m_selectionAtGrab.second));
-    } else if (m_grab.endEdge) {
-        DragSelectionTo(Ordered(time, m_selectionAtGrab.first));
-    } else if (m_grab.body) {
-        DragBodyTo(time - m_grabOffset);
-    } else if (position != m_pressPosition) {
-        // The view may have scrolled since the press.
-        const double start = Allows(Interaction::SelectBeyondView) ? m_pressTime : TimeAt(m_pressPosition.x());
-        DragSelectionTo(Ordered(start, time));
+        return DragSelectionTo(Ordered(time, m_selectionAtGrab.second));
     }
+    if (m_grab.endEdge) {
+        return DragSelectionTo(Ordered(time, m_selectionAtGrab.first));
+    }
+    if (m_grab.body) {
+        return DragBodyTo(time - m_grabOffset);
+    }
+    if (position == m_pressPosition) {
+        return true;
+    }
+    // The view may have scrolled since the press.
+    const double start = Allows(Interaction::SelectBeyondView) ? m_pressTime : TimeAt(m_pressPosition.x());
+    return DragSelectionTo(Ordered(start, time));
 }
 
-void BGFXWaveformDiagramWidget::DragSelectionTo(const SelectionTimes& candidate)
+bool BGFXWaveformDiagramWidget::DragSelectionTo(const SelectionTimes& candidate)
 {
     Select(candidate);
-    Q_EMIT SelectionChanged(m_selection.times);
+    if (!Tell(&BGFXWaveformDiagramWidget::SelectionChanged, m_selection.times)) {
+        return false;
+    }
     Changed();
+    return true;
 }
 
 /** A selection moved as a whole keeps its length, so neither the limit nor the visible range may cut it. */
-void BGFXWaveformDiagramWidget::DragBodyTo(double middle)
+bool BGFXWaveformDiagramWidget::DragBodyTo(double middle)
 {
     SelectionTimes moved = MovedTo(m_selection.times, middle);
     if (Allows(Interaction::SelectBeyondView)) {
@@ -212,8 +221,11 @@ void BGFXWaveformDiagramWidget::DragBodyTo(double middle)
     }
     m_selection = {.times = Finite(moved), .isPresent = true};
     m_audioPosition = m_selection.times.first;
-    Q_EMIT SelectionChanged(m_selection.times);
+    if (!Tell(&BGFXWaveformDiagramWidget::SelectionChanged, m_selection.times)) {
+        return false;
+    }
     Changed();
+    return true;
 }
 
 void BGFXWaveformDiagramWidget::ExtendTo(double time)
@@ -229,8 +241,9 @@ void BGFXWaveformDiagramWidget::ClickAt(double x)
     m_audioPosition = time;
     // Silently: whoever follows AudioPositionChanged() knows that a click clears the selection.
     m_selection.isPresent = false;
-    Q_EMIT AudioPositionChanged(time);
-    Changed();
+    if (Tell(&BGFXWaveformDiagramWidget::AudioPositionChanged, time)) {
+        Changed();
+    }
 }
 
 void BGFXWaveformDiagramWidget::Pan(const QWheelEvent& event)
@@ -247,9 +260,11 @@ void BGFXWaveformDiagramWidget::Zoom(const QWheelEvent& event)
     }
     m_sceneRect.setLeft(edges->left);
     m_sceneRect.setRight(edges->right);
-    Q_EMIT SceneRectChanged(m_sceneRect);
-    Changed();
-    RequestSamplesIfNeeded();
+    if (Tell(&BGFXWaveformDiagramWidget::SceneRectChanged, m_sceneRect) &&
+        Tell(&BGFXWaveformDiagramWidget::Update)) {
+        update();
+        RequestSamplesIfNeeded();
+    }
 }
 
 } // namespace vantoraudio::vantorAudioEngine::UI

@@ -6,7 +6,6 @@
 
 #include <QtCore/QMetaType>
 #include <QtCore/QPointer>
-#include <QtCore/QScopedValueRollback>
 #include <QtCore/QSignalBlocker>
 #include <QtSvg/QSvgRenderer>
 #include <QtWidgets/QHBoxLayout>
@@ -300,9 +299,14 @@ void BGFXWaveformWidget::OnSceneRectChangeRequested(const QRectF& rect)
     if (m_isFollowing) {
         return;
     }
-    const QScopedValueRollback following(m_isFollowing, true);
+    m_isFollowing = true;
     const QRectF range = rect.normalized();
+    // A receiver of the signals may destroy the player.
+    const QPointer<BGFXWaveformWidget> self(this);
     m_diagram->SetSceneRange(range.left(), range.right());
+    if (self) {
+        m_isFollowing = false;
+    }
 }
 
 void BGFXWaveformWidget::OnDiagramChanged()
