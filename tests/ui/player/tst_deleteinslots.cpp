@@ -10,6 +10,7 @@
 #include <QtCore/QProcess>
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QThreadPool>
+#include <QtGui/QMouseEvent>
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QPushButton>
@@ -59,6 +60,17 @@ void LetRest(AudioPlayerWidget& widget)
     WaitFor(widget, [](auto& w) { return !w.IsBusy() && !w.IsReadingSamples() && !w.IsLoading(); });
 }
 
+/** Unlike QTest's, it does not ask for the widget afterwards. */
+void Click(QWidget& widget)
+{
+    const QPointF position(100.0, 50.0);
+    for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+        QMouseEvent event(type, position, widget.mapToGlobal(position), Qt::LeftButton,
+                          type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton, Qt::NoModifier);
+        QApplication::sendEvent(&widget, &event);
+    }
+}
+
 /** Everything that makes the widgets emit, one thing after the other. */
 Things ThingsToDo(const QString& folder)
 {
@@ -85,6 +97,8 @@ Things ThingsToDo(const QString& folder)
             w.SetSelectedSnippet({0.0, 0.0});
         },
         [](auto& w) { w.ShowRange(1.0, 2.0); },
+        [](auto& w) { w.SetLoop(true); },
+        [](auto& w) { Click(*w.template findChild<QWidget*>(u"BGFXWaveformDiagramWidget"_s)); },
         [](auto& w) { w.SetDelay(1.0); },
         [](auto& w) { w.SetDelay(0.0); },
         [](auto& w) { w.template findChild<QPushButton*>(u"btnSettings"_s)->click(); },
