@@ -54,6 +54,11 @@ AudioPlayerWidget::~AudioPlayerWidget()
     for (QObject* child : children) {
         child->disconnect(this);
     }
+    if (m_internals->positionReports > 0) {
+        // Qt 6.8 goes on with a player after it has reported a position.
+        m_audioPlayer->setParent(nullptr);
+        m_audioPlayer->deleteLater();
+    }
 }
 
 void AudioPlayerWidget::SetAudioFile(const QString& path)

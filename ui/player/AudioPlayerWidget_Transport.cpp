@@ -211,9 +211,17 @@ void AudioPlayerWidget::OnAudioPositionChanged(qint64 milliseconds)
         const QSignalBlocker blocker(m_internals->controls.edCurrentPosition);
         m_internals->controls.edCurrentPosition->setText(ConvertToDisplayTimeFormat(seconds));
     }
+    // A receiver of the signals may destroy this widget.
+    const QPointer<AudioPlayerWidget> self(this);
+    ++m_internals->positionReports;
     m_waveformWidget->SetAudioPosition(seconds);
-    m_internals->CorrectLateReport(milliseconds);
-    Q_EMIT AudioPositionChanged(seconds);
+    if (self) {
+        m_internals->CorrectLateReport(milliseconds);
+        Q_EMIT AudioPositionChanged(seconds);
+    }
+    if (self) {
+        --m_internals->positionReports;
+    }
 }
 
 bool AudioPlayerWidget::Internals::IsPositionEdited() const

@@ -82,6 +82,8 @@ struct AudioPlayerWidget::Internals
     bool loadsInBackground = false;
     bool typedPositionSeeks = false;
     bool editedPositionStays = false;
+    /** How many reports of the player's position are under way, one within the other. */
+    int positionReports = 0;
     /** Counts how often a busy time began or ended. */
     int busyCount = 0;
     bool isTellingAll = false;
