@@ -6,7 +6,6 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDeadlineTimer>
 #include <QtCore/QEventLoop>
-#include <QtCore/QMutexLocker>
 #include <QtCore/QTimer>
 #include <QtMultimedia/QAudioFormat>
 #include <QtMultimedia/QAudioSink>
@@ -37,10 +36,10 @@ public:
     ~End()
     {
         {
-            const QMutexLocker lock(&m_connection.m_mutex);
+            const std::lock_guard lock(m_connection.m_mutex);
             m_connection.m_isEnding = true;
         }
-        m_connection.m_changed.wakeAll();
+        m_connection.m_changed.notify_all();
         if (!m_connection.wait(QDeadlineTimer(ending)) && QtDefects::KeepsItsLock()) {
             // Qt's own static object would wait for the same lock next, and the program would never end.
             std::fflush(nullptr);
@@ -62,7 +61,7 @@ QtSoundConnection& QtSoundConnection::Shared()
 
 void QtSoundConnection::Make(const QAudioDevice& device)
 {
-    QMutexLocker lock(&m_mutex);
+    std::unique_lock lock(m_mutex);
     if (isRunning()) {
         return;
     }
@@ -71,45 +70,45 @@ void QtSoundConnection::Make(const QAudioDevice& device)
             Qt::DirectConnection);
     start();
     while (!m_isMade) {
-        m_changed.wait(&m_mutex);
+        m_changed.wait(lock);
     }
     static const End end(*this);
 }
 
 bool QtSoundConnection::IsLost() const
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard lock(m_mutex);
     return m_isLost;
 }
 
 void QtSoundConnection::AddUser()
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard lock(m_mutex);
     ++m_users;
 }
 
 void QtSoundConnection::RemoveUser()
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard lock(m_mutex);
     --m_users;
-    m_changed.wakeAll();
+    m_changed.notify_all();
 }
 
 void QtSoundConnection::OnServerLeft()
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard lock(m_mutex);
     m_isLost = true;
-    m_changed.wakeAll();
+    m_changed.notify_all();
 }
 
 void QtSoundConnection::run()
 {
     IsConnected();
     {
-        const QMutexLocker lock(&m_mutex);
+        const std::lock_guard lock(m_mutex);
         m_isMade = true;
     }
-    m_changed.wakeAll();
+    m_changed.notify_all();
     while (WaitUntilLostAndUnused()) {
         ConnectAgain();
     }
@@ -118,9 +117,9 @@ void QtSoundConnection::run()
 /** False at the program's end. */
 bool QtSoundConnection::WaitUntilLostAndUnused()
 {
-    QMutexLocker lock(&m_mutex);
+    std::unique_lock lock(m_mutex);
     while (!m_isEnding && (!m_isLost || m_users > 0)) {
-        m_changed.wait(&m_mutex);
+        m_changed.wait(lock);
     }
     return !m_isEnding;
 }
@@ -135,7 +134,7 @@ void QtSoundConnection::ConnectAgain()
     QTimer look;
     connect(&look, &QTimer::timeout, &loop, [&] {
         const bool isConnected = IsConnected();
-        const QMutexLocker lock(&m_mutex);
+        const std::lock_guard lock(m_mutex);
         m_isLost = !isConnected;
         if (isConnected || m_isEnding) {
             loop.quit();

@@ -1,9 +1,10 @@
 #pragma once
 
-#include <QtCore/QMutex>
 #include <QtCore/QThread>
-#include <QtCore/QWaitCondition>
 #include <QtMultimedia/QAudioDevice>
+
+#include <condition_variable>
+#include <mutex>
 
 namespace vantoraudio::AudioEngine {
 
@@ -53,8 +54,9 @@ private:
     void ConnectAgain();
     bool IsConnected() const;
 
-    mutable QMutex m_mutex;
-    QWaitCondition m_changed;
+    // Qt's own would be hidden from the thread sanitizer.
+    mutable std::mutex m_mutex;
+    std::condition_variable m_changed;
     QAudioDevice m_device;
     int m_users = 0;
     bool m_isMade = false;
