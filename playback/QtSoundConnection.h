@@ -54,9 +54,9 @@ private:
     void ConnectAgain();
     bool IsConnected() const;
 
-    // Qt's own would be hidden from the thread sanitizer.
+    // Of a kind whose code is in headers: the thread sanitizer does not see into libraries.
     mutable std::mutex m_mutex;
-    std::condition_variable m_changed;
+    std::condition_variable_any m_changed;
     QAudioDevice m_device;
     int m_users = 0;
     bool m_isMade = false;
