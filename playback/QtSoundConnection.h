@@ -3,6 +3,7 @@
 #include <QtCore/QThread>
 #include <QtMultimedia/QAudioDevice>
 
+#include <atomic>
 #include <condition_variable>
 #include <mutex>
 
@@ -54,14 +55,14 @@ private:
     void ConnectAgain();
     bool IsConnected() const;
 
-    // Of a kind whose code is in headers: the thread sanitizer does not see into libraries.
     mutable std::mutex m_mutex;
-    std::condition_variable_any m_changed;
+    std::condition_variable m_changed;
     QAudioDevice m_device;
-    int m_users = 0;
-    bool m_isMade = false;
-    bool m_isLost = false;
-    bool m_isEnding = false;
+    // Atomic although they are guarded: the thread sanitizer does not see waiting on a condition inside a library.
+    std::atomic<int> m_users = 0;
+    std::atomic<bool> m_isMade = false;
+    std::atomic<bool> m_isLost = false;
+    std::atomic<bool> m_isEnding = false;
 };
 
 } // namespace vantoraudio::AudioEngine
