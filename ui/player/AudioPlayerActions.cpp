@@ -26,9 +26,9 @@ constexpr double FinestScale = 0.01;
 
 struct Entry
 {
-    Actions::Command command;
-    Actions::Group group;
-    const char* text;
+    Actions::Command command{};
+    Actions::Group group{};
+    const char* text = nullptr;
     QKeyCombination key;
     const char* icon = nullptr;
     bool isSwitch = false;

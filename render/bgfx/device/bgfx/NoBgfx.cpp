@@ -3,6 +3,9 @@
 /** Stands in for bgfx in builds without it. */
 namespace vantoraudio::bgfx::device {
 
+// The real ones keep what they are given.
+// NOLINTBEGIN(performance-unnecessary-value-param)
+
 std::unique_ptr<BgfxInstance> StartOwnBgfx(BgfxInstance::News)
 {
     return nullptr;
@@ -12,5 +15,7 @@ std::unique_ptr<BgfxInstance> JoinHostBgfx(const HostRenderer&, BgfxInstance::Ne
 {
     return nullptr;
 }
+
+// NOLINTEND(performance-unnecessary-value-param)
 
 } // namespace vantoraudio::bgfx::device
