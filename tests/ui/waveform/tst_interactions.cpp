@@ -220,7 +220,8 @@ private Q_SLOTS:
     {
         for (const bool isSet : {false, true}) {
             Bench bench;
-            bench.diagram.SetInteractions(isSet ? Interaction::LeftButtonOnly : BGFXWaveformWidget::Interactions());
+            bench.diagram.SetInteractions(isSet ? Interaction::LeftButtonOnly
+                                                : BGFXWaveformWidget::Interactions());
             QVERIFY(!AskForMenu(bench.diagram, {250, 20}));
         }
     }
