@@ -20,8 +20,11 @@ void CheckScale(double span)
 void CheckLabel(double seconds)
 {
     const QString label = FormatToTime(seconds);
-    // What is no number counts as 0, and so does what rounds to no millisecond.
-    const bool isTimeOfDay = std::isnan(seconds) || (seconds > -0.0005 && seconds < 86400.0);
+    // What is no number counts as 0. So do times below 0 whose seconds are cut to 0 and whose milliseconds round
+    // to none or to a whole second.
+    const bool countsAsZero =
+        std::isnan(seconds) || (seconds > -0.0005 && seconds < 0.0) || (seconds > -1.0 && seconds <= -0.9995);
+    const bool isTimeOfDay = countsAsZero || (seconds >= 0.0 && seconds < 86400.0);
     Fuzzing::Require(label.contains(u' ') && label.startsWith(u' ') != isTimeOfDay);
 }
 

@@ -3,6 +3,8 @@
 # build/fuzz/findings. Inputs that reached something new are kept in build/fuzz/corpus for the next run.
 #
 #   scripts/fuzz.sh [SECONDS [TARGET...]]      a minute for each target unless given, a third of it for the small ones
+#
+# FUZZ_SEED=NUMBER makes the same inputs again; without it each run makes others.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -41,7 +43,7 @@ fuzz() {
   # 16 KiB: what asks for more than 64 MiB at once trusts a size that some header states. FFmpeg's demuxers do, up to
   # 2 GiB, without using it; so with FFmpeg only the memory in use counts.
   "${session[@]}" "$build/fuzz/fuzz_$target" -max_total_time="$time" -max_len="$longest" -timeout=20 \
-    -malloc_limit_mb="$piece" -rss_limit_mb=1024 -print_final_stats=1 \
+    -seed="${FUZZ_SEED:-0}" -malloc_limit_mb="$piece" -rss_limit_mb=1024 -print_final_stats=1 \
     -artifact_prefix="$build/findings/$target-" "$build/corpus/$target" "$build/seeds/$seeds" \
     >"$build/logs/$target" 2>&1 || {
     tail -n 60 "$build/logs/$target"
