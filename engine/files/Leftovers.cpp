@@ -29,7 +29,7 @@ QString MarkOfThisMachine()
 QString HiddenTemplate(const QString& directory, const QString& kind)
 {
     static const QString mark = MarkOfThisMachine();
-    return directory + u"/." + kind + u'-' + mark + u"-XXXXXX";
+    return QDir(directory).filePath(u'.' + kind + u'-' + mark + u"-XXXXXX");
 }
 
 #ifdef Q_OS_UNIX

@@ -13,7 +13,8 @@
  */
 namespace vantoraudio::AudioEngine {
 
-/** For QTemporaryFile and QTemporaryDir: of hidden names in `directory` that RemoveLeftovers() knows. */
+/** For QTemporaryFile and QTemporaryDir: of hidden names in `directory` (empty: the current one) that
+ *  RemoveLeftovers() knows. */
 [[nodiscard]] QString HiddenTemplate(const QString& directory, const QString& kind);
 
 /**

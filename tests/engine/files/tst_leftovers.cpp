@@ -42,6 +42,13 @@ private Q_SLOTS:
         QCOMPARE(files.Names(), QStringList{u"take.wav"_s});
     }
 
+    void anEmptyDirectoryIsTheCurrentOne()
+    {
+        QVERIFY(QDir::isRelativePath(HiddenTemplate({}, u"loaded"_s)));
+        QCOMPARE(QDir::cleanPath(QDir().absoluteFilePath(HiddenTemplate({}, u"loaded"_s))),
+                 HiddenTemplate(QDir::currentPath(), u"loaded"_s));
+    }
+
     void leavesWhatIsNotOurs_data()
     {
         QTest::addColumn<QString>("name");

@@ -177,6 +177,7 @@ private Q_SLOTS:
     void showsOnlyWhatIsThereOfAFileThatPromisesMore();
     void anEmptyPathUnloads();
     void doesNotWaitForTasksOfOtherFiles();
+    void withoutADirectoryTheCurrentOneIsUsed();
 
     void theFormerFileStaysUntilTheNextIsReady();
     void aFailureTellsItsReasonAndKeepsTheFormerFile_data();
@@ -361,6 +362,19 @@ void PlayerLoadFileTest::anEmptyPathUnloads()
     QCOMPARE(setup.player->GetAudioFileName(), QString());
     QCOMPARE(setup.Controls().edTotalDuration->text(), u"00:00:00,000"_s);
     QCOMPARE(setup.log, QStringList());
+}
+
+void PlayerLoadFileTest::withoutADirectoryTheCurrentOneIsUsed()
+{
+    LoadSetup setup;
+    setup.player->SetWritableDirectoryPath({});
+    const QString former = QDir::currentPath();
+    QVERIFY(QDir::setCurrent(setup.copies.Path(QString())));
+    const bool isLoaded = setup.LoadCompletely(setup.originals.Write(u"take.wav"_s, stereo.File()));
+    QVERIFY(QDir::setCurrent(former));
+    QVERIFY(isLoaded);
+    const QString folder = QFileInfo(setup.copies.Path(QString())).canonicalFilePath();
+    QVERIFY(QFileInfo(setup.player->GetAudioFileName()).canonicalFilePath().startsWith(folder + u'/'));
 }
 
 void PlayerLoadFileTest::doesNotWaitForTasksOfOtherFiles()
