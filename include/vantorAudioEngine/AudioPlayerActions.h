@@ -23,7 +23,10 @@ class AudioPlayerWidget;
  * keys changes the actions. Text fields keep the keys that they need, and so do sliders and boxes of the player
  * while they have the focus. Without a file the actions do nothing.
  *
- * GUI thread only. The actions belong to this object, and it belongs to the player.
+ * Loop and Mute are checked while they are on. After a SetAudioPlayBackMute() of the program, of which no signal
+ * tells, Mute is so from its next use on.
+ *
+ * GUI thread only. The actions belong to this object, and it belongs to the player, which must not be null.
  */
 class VANTORAUDIOENGINE_EXPORT AudioPlayerActions : public QObject
 {
@@ -85,6 +88,7 @@ private:
     struct Internals;
 
     void Do(Command command);
+    void ToggleMute();
     void SeekTo(double position);
     void Zoom(double factor);
     void Select(double start, double end);

@@ -107,6 +107,8 @@ AudioPlayerActions::AudioPlayerActions(AudioPlayerWidget* player)
         m_internals->actions[entry.command] = action;
     }
     SetNightIcons(false);
+    Get(Loop)->setChecked(player->GetLoop());
+    Get(Mute)->setChecked(player->GetAudioPlayBackMute());
     connect(player, &AudioPlayerWidget::LoopChanged, Get(Loop), &QAction::setChecked);
     connect(player, &AudioPlayerWidget::AudioPlayBackMuteChanged, Get(Mute), &QAction::setChecked);
     for (QWidget* control : player->findChildren<QWidget*>()) {
@@ -180,9 +182,9 @@ void AudioPlayerActions::Do(Command command)
     case GoToEnd:
         return SeekTo(duration);
     case Loop:
-        return player.SetLoop(Get(Loop)->isChecked());
+        return player.SetLoop(!player.GetLoop());
     case Mute:
-        return player.SetAudioPlayBackMute(Get(Mute)->isChecked());
+        return ToggleMute();
     case ZoomIn:
         return Zoom(0.5);
     case ZoomOut:
@@ -206,6 +208,14 @@ void AudioPlayerActions::Do(Command command)
     case ClearSelection:
         return player.ClearSelection();
     }
+}
+
+/** No signal tells of the program's own muting, so what the action shows may be old. */
+void AudioPlayerActions::ToggleMute()
+{
+    AudioPlayerWidget& player = m_internals->player;
+    player.SetAudioPlayBackMute(!player.GetAudioPlayBackMute());
+    Get(Mute)->setChecked(player.GetAudioPlayBackMute());
 }
 
 void AudioPlayerActions::SeekTo(double position)

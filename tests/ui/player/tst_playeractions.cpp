@@ -44,6 +44,8 @@ private Q_SLOTS:
     void keysSeek();
     void theStopKeyDoesWhatTheButtonDoes();
     void switchesFollowTheButtons();
+    void switchesShowWhatIsAlreadyOn();
+    void theMuteKeyTurnsAroundWhatIs();
     void keysZoom();
     void zoomingInEndsWhereTheWheelEnds();
     void bracketsSelectFromAndToThePosition();
@@ -170,6 +172,26 @@ void PlayerActionsTest::switchesFollowTheButtons()
     QVERIFY(Shown().GetAudioPlayBackMute() && Controls().btnMute->isChecked());
     Controls().btnMute->click();
     QVERIFY(!Shown().GetAudioPlayBackMute() && !Get(Actions::Mute)->isChecked());
+}
+
+void PlayerActionsTest::switchesShowWhatIsAlreadyOn()
+{
+    Shown().SetLoop(true);
+    Shown().SetAudioPlayBackMute(true);
+    const Actions actions(&Shown());
+    QVERIFY(actions.Get(Actions::Loop)->isChecked());
+    QVERIFY(actions.Get(Actions::Mute)->isChecked());
+}
+
+void PlayerActionsTest::theMuteKeyTurnsAroundWhatIs()
+{
+    Shown().SetAudioPlayBackMute(true);
+    Press(Qt::Key_M);
+    QVERIFY(!Shown().GetAudioPlayBackMute());
+    QVERIFY(!Get(Actions::Mute)->isChecked());
+    Press(Qt::Key_M);
+    QVERIFY(Shown().GetAudioPlayBackMute());
+    QVERIFY(Get(Actions::Mute)->isChecked());
 }
 
 void PlayerActionsTest::keysZoom()
