@@ -1,8 +1,7 @@
 #include "ui/player/LoadedFile.h"
 
-#include "engine/files/FileState.h"
-
 #include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 
 namespace vantoraudio::vantorAudioEngine::UI {
 namespace {
@@ -60,11 +59,12 @@ QFuture<LoadedFile::Result> LoadedFile::WriteSnippet(const QString& path, const 
 {
     return snippet.Start(m_file, [=](WorkingFile& working, const std::atomic<bool>& isStopped) {
         // Of a closed file only a header would be written, over what is there.
-        const AudioEngine::FileState former = AudioEngine::FileState::Of(path);
+        const bool hadFormer = QFileInfo::exists(path);
         const Result result = working.file.isOpen() ? working.file.CreateSnippet(path, range.start, range.end)
                                                     : WavFile::ErrorCreateSnippet;
-        // The stop may come when the snippet is whole already.
-        if (isStopped && result == WavFile::Success && former != AudioEngine::FileState::Of(path)) {
+        // The stop may come when the snippet is whole already. One that has replaced a file stays: otherwise
+        // neither would be left.
+        if (isStopped && result == WavFile::Success && !hadFormer) {
             QFile::remove(path);
         }
         return result;

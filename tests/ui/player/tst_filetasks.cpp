@@ -25,6 +25,13 @@ bool TakeAbort(WavFile& file)
     return std::exchange(access.IsReadAborted(), false);
 }
 
+void TakeWriteAbort(WavFile& file)
+{
+    WavFileTestAccess access(file);
+    const QMutexLocker lock(&access.Mutex());
+    access.IsWriteAborted() = false;
+}
+
 void WaitForAbort(WavFile& file)
 {
     while (!TakeAbort(file)) {
@@ -55,6 +62,7 @@ private Q_SLOTS:
     void asksToStopWithoutWaiting();
     void tellsATaskThatItWasStopped();
     void clearsUpAfterAStoppedSnippet();
+    void aWholeSnippetThatIsStoppedGoesUnlessItReplacedAFile();
     void keepsTheFileForATaskThatOutlivesItsOwner();
     void releasesTheFileOnItsOwnThread();
     void startsAnewAfterAStop();
@@ -223,6 +231,38 @@ void FileTasksTest::clearsUpAfterAStoppedSnippet()
     tasks.Stop();
     QCOMPARE(future.result(), WavFile::Success);
     QVERIFY(!QFile::exists(target));
+}
+
+void FileTasksTest::aWholeSnippetThatIsStoppedGoesUnlessItReplacedAFile()
+{
+    for (const bool hasFormer : {false, true}) {
+        const TemporaryFiles files;
+        const QString target = files.Path(QStringLiteral("snippet.wav"));
+        QVERIFY(!hasFormer || files.Write(QStringLiteral("snippet.wav"), "former") == target);
+        LoadedFile loaded;
+        const QByteArray source = WavTest::WavBytes{.sampleRate = 8000, .data = QByteArray(400, '\1')}.Build();
+        QCOMPARE(loaded.File().Open(files.Write(QStringLiteral("source.wav"), source)), WavFile::Success);
+        QSemaphore hasBegun;
+        QSemaphore mayEnd;
+        connect(
+            &loaded.File(), &WavFile::ProgressChanged, &loaded.File(),
+            [&] {
+                hasBegun.release();
+                mayEnd.acquire();
+                mayEnd.release();
+            },
+            Qt::DirectConnection);
+        const QFuture<Result> future = loaded.WriteSnippet(target, {0.0, 0.025});
+        hasBegun.acquire();
+        loaded.snippet.RequestStop();
+        // As if it came so late that the writing did not notice it any more.
+        TakeWriteAbort(loaded.File());
+        mayEnd.release();
+        QTRY_VERIFY(future.isFinished());
+        QCOMPARE(future.result(), WavFile::Success);
+        QCOMPARE(TemporaryFiles::Read(target).startsWith("RIFF"), hasFormer);
+        QCOMPARE(QFile::exists(target), hasFormer);
+    }
 }
 
 void FileTasksTest::keepsTheFileForATaskThatOutlivesItsOwner()
