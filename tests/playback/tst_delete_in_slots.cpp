@@ -1,3 +1,4 @@
+#include "tests/support/Deleter.h"
 #include "tests/support/SoundServer.h"
 #include "tests/support/Tone.h"
 
@@ -7,7 +8,6 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QMetaMethod>
 #include <QtCore/QPointer>
-#include <QtCore/QProcess>
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QUrl>
 #include <QtMultimedia/QAudioOutput>
@@ -23,27 +23,6 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 constexpr int patience = 5000;
-constexpr int neverEmitted = 3;
-
-/** Deletes an object at its signal, in the middle of whatever emits it. */
-class Deleter : public QObject
-{
-    Q_OBJECT
-
-public:
-    Deleter(QObject& object, const QMetaMethod& signal) : m_object(&object)
-    {
-        connect(&object, signal, this, metaObject()->method(metaObject()->indexOfSlot("Delete()")));
-    }
-
-    [[nodiscard]] bool HasDeleted() const { return !m_object; }
-
-public Q_SLOTS:
-    void Delete() { delete m_object.data(); }
-
-private:
-    QPointer<QObject> m_object;
-};
 
 std::vector<QMetaMethod> SignalsOf(const QMetaObject& type, int first)
 {
@@ -126,7 +105,7 @@ int DeleteAt(int signal, const QString& folder)
         }
     }
     delete player;
-    return neverEmitted;
+    return Deleter::neverEmitted;
 }
 
 } // namespace
@@ -156,16 +135,7 @@ private Q_SLOTS:
     void aPlayerMayBeDeletedAtASignal()
     {
         QFETCH(int, signal);
-        QProcess program;
-        program.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        program.start(QCoreApplication::applicationFilePath(),
-                      {u"delete"_s, QString::number(signal), m_folder.path()});
-        QVERIFY2(program.waitForFinished(60000), "hangs");
-        QCOMPARE(program.exitStatus(), QProcess::NormalExit);
-        if (program.exitCode() == neverEmitted) {
-            QSKIP("nothing here makes the player emit it");
-        }
-        QCOMPARE(program.exitCode(), 0);
+        RunAsOwnProgram({u"delete"_s, QString::number(signal), m_folder.path()});
     }
 
     void aHardwareManagerMayBeDeletedAtItsSignal()

@@ -2,38 +2,21 @@
 #include "tests/support/SoundRecording.h"
 #include "tests/support/SoundServer.h"
 #include "tests/support/Tone.h"
+#include "tests/support/WaitAwake.h"
 
 #include <vantorAudioEngine/AudioPlayer.h>
 
 #include <QtConcurrent/QtConcurrentRun>
 #include <QtCore/QCoreApplication>
-#include <QtCore/QEventLoop>
 #include <QtCore/QTemporaryDir>
-#include <QtCore/QTimer>
 #include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
-
-#include <functional>
 
 using vantoraudio::AudioEngine::PresentOutputs;
 
 namespace {
 
 constexpr int patience = 30000;
-
-/** Qt's own waits sleep for 10 ms at a time, in which the player could not notice what happens to its device. */
-void WaitAwake(const std::function<bool()>& condition)
-{
-    QEventLoop loop;
-    QTimer timer;
-    QObject::connect(&timer, &QTimer::timeout, &loop, [&] {
-        if (condition()) {
-            loop.quit();
-        }
-    });
-    timer.start(1);
-    loop.exec();
-}
 
 } // namespace
 

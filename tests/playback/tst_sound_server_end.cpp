@@ -3,6 +3,7 @@
 #include "tests/support/SoundRecording.h"
 #include "tests/support/SoundServer.h"
 #include "tests/support/Tone.h"
+#include "tests/support/WaitAwake.h"
 
 #include <vantorAudioEngine/AudioPlayer.h>
 #include <vantorAudioEngine/HardwareManager.h>
@@ -10,9 +11,7 @@
 #include <QtConcurrent/QtConcurrentRun>
 #include <QtCore/QCoreApplication>
 #include <QtCore/QElapsedTimer>
-#include <QtCore/QEventLoop>
 #include <QtCore/QTemporaryDir>
-#include <QtCore/QTimer>
 #include <QtMultimedia/QAudioDevice>
 #include <QtMultimedia/QAudioOutput>
 #include <QtTest/QTest>
@@ -42,20 +41,6 @@ void NoteLostSound(QtMsgType type, const QMessageLogContext& context, const QStr
         isSoundLost = true;
     }
     formerHandler(type, context, text);
-}
-
-/** Qt's own waits sleep for 10 ms at a time, in which the player could not notice what happens to its server. */
-void WaitAwake(const std::function<bool()>& condition)
-{
-    QEventLoop loop;
-    QTimer timer;
-    QObject::connect(&timer, &QTimer::timeout, &loop, [&] {
-        if (condition()) {
-            loop.quit();
-        }
-    });
-    timer.start(1);
-    loop.exec();
 }
 
 qint64 TimeOf(const std::function<void()>& action)

@@ -1,3 +1,4 @@
+#include "tests/support/Deleter.h"
 #include "tests/support/SoundServer.h"
 #include "tests/support/Tone.h"
 
@@ -7,10 +8,10 @@
 #include <QtCore/QDir>
 #include <QtCore/QMetaMethod>
 #include <QtCore/QPointer>
-#include <QtCore/QProcess>
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QThreadPool>
 #include <QtGui/QMouseEvent>
+#include <QtMultimedia/QMediaDevices>
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QPushButton>
@@ -27,27 +28,7 @@ using Things = std::vector<std::function<void(AudioPlayerWidget&)>>;
 namespace {
 
 constexpr int patience = 10000;
-constexpr int neverEmitted = 3;
-
-/** Deletes the player at a signal of its own or of its waveform, in the middle of whatever emits it. */
-class Deleter : public QObject
-{
-    Q_OBJECT
-
-public:
-    Deleter(AudioPlayerWidget& widget, const QObject& sender, const QMetaMethod& signal) : m_widget(&widget)
-    {
-        connect(&sender, signal, this, metaObject()->method(metaObject()->indexOfSlot("Delete()")));
-    }
-
-    [[nodiscard]] bool HasDeleted() const { return !m_widget; }
-
-public Q_SLOTS:
-    void Delete() { delete m_widget.data(); }
-
-private:
-    QPointer<AudioPlayerWidget> m_widget;
-};
+constexpr int always = -1;
 
 void WaitFor(AudioPlayerWidget& widget, const std::function<bool(AudioPlayerWidget&)>& condition)
 {
@@ -97,6 +78,16 @@ Things ThingsToDo(const QString& folder)
             w.SetSelectedSnippet({0.0, 0.0});
         },
         [](auto& w) { w.ShowRange(1.0, 2.0); },
+        [](auto& w) { w.template findChild<QPushButton*>(u"btnStop"_s)->click(); },
+        [](auto& w) { w.Play(); },
+        [](auto& w) { w.UpdateAudioPosition(5.0); },
+        [](auto& w) {
+            w.SetSelectedSnippet({2.0, 4.0});
+        },
+        [](auto& w) { w.UpdateAudioPosition(3.0); },
+        [](auto& w) { w.template findChild<QPushButton*>(u"btnStop"_s)->click(); },
+        [](auto& w) { w.UpdateAudioPosition(5.0); },
+        [](auto& w) { w.SetAudioOutputDevice(QMediaDevices::defaultAudioOutput()); },
         [](auto& w) { w.SetLoop(true); },
         [](auto& w) { Click(*w.template findChild<QWidget*>(u"BGFXWaveformDiagramWidget"_s)); },
         [](auto& w) { w.SetDelay(1.0); },
@@ -111,21 +102,26 @@ Things ThingsToDo(const QString& folder)
         LetRest,
         [=](auto& w) { w.CreateSnippet(folder + u"/snippet.wav"_s); },
         LetRest,
+        [](auto& w) { w.UpdateAudioPosition(5.0); },
         [](auto& w) { w.SetSelectedChannel(WavFile::ChannelLeft); },
         LetRest,
+        [](auto& w) { w.UpdateAudioPosition(5.0); },
         [](auto& w) { w.StopPlayback(); },
         [](auto& w) { w.Reset(); },
     };
 }
 
-int DeleteAt(bool isOfWaveform, int signal, const QString& folder)
+/** At the first emission, or only at one that comes while one thing is done. */
+int DeleteAt(bool isOfWaveform, int signal, const QString& folder, int onlyAt)
 {
     auto* const widget = new AudioPlayerWidget;
     auto* const waveform = widget->findChild<BGFXWaveformWidget*>();
     const QObject& sender = isOfWaveform ? static_cast<QObject&>(*waveform) : *widget;
-    const Deleter deleter(*widget, sender, sender.metaObject()->method(signal));
-    for (const auto& todo : ThingsToDo(folder)) {
-        todo(*widget);
+    Deleter deleter(*widget, sender, sender.metaObject()->method(signal));
+    const Things things = ThingsToDo(folder);
+    for (int i = 0; i < int(things.size()); ++i) {
+        deleter.SetArmed(onlyAt == always || onlyAt == i);
+        things[i](*widget);
         if (deleter.HasDeleted()) {
             // What was under way comes to its end.
             QThreadPool::globalInstance()->waitForDone();
@@ -134,7 +130,7 @@ int DeleteAt(bool isOfWaveform, int signal, const QString& folder)
         }
     }
     delete widget;
-    return neverEmitted;
+    return Deleter::neverEmitted;
 }
 
 } // namespace
@@ -171,16 +167,22 @@ private Q_SLOTS:
     {
         QFETCH(bool, isOfWaveform);
         QFETCH(int, signal);
-        QProcess program;
-        program.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        program.start(QCoreApplication::applicationFilePath(),
-                      {u"delete"_s, QString::number(int(isOfWaveform)), QString::number(signal), m_folder.path()});
-        QVERIFY2(program.waitForFinished(60000), "hangs");
-        QCOMPARE(program.exitStatus(), QProcess::NormalExit);
-        if (program.exitCode() == neverEmitted) {
-            QSKIP("nothing here makes the player emit it");
+        RunAsOwnProgram({u"delete"_s, QString::number(int(isOfWaveform)), QString::number(signal), m_folder.path(),
+                         QString::number(always)});
+    }
+
+    void aPlayerMayBeDeletedWhereverItReportsAPosition_data()
+    {
+        QTest::addColumn<int>("thing");
+        for (int i = 0; i < int(ThingsToDo(m_folder.path()).size()); ++i) {
+            QTest::addRow("thing %d", i) << i;
         }
-        QCOMPARE(program.exitCode(), 0);
+    }
+    void aPlayerMayBeDeletedWhereverItReportsAPosition()
+    {
+        QFETCH(int, thing);
+        const int signal = QMetaMethod::fromSignal(&AudioPlayerWidget::AudioPositionChanged).methodIndex();
+        RunAsOwnProgram({u"delete"_s, u"0"_s, QString::number(signal), m_folder.path(), QString::number(thing)});
     }
 
 private:
@@ -189,9 +191,10 @@ private:
 
 int main(int argc, char** argv)
 {
-    if (argc == 5 && qstrcmp(argv[1], "delete") == 0) {
+    if (argc == 6 && qstrcmp(argv[1], "delete") == 0) {
         const QApplication application(argc, argv);
-        return DeleteAt(QByteArray(argv[2]) == "1", QByteArray(argv[3]).toInt(), QString::fromLocal8Bit(argv[4]));
+        return DeleteAt(QByteArray(argv[2]) == "1", QByteArray(argv[3]).toInt(), QString::fromLocal8Bit(argv[4]),
+                        QByteArray(argv[5]).toInt());
     }
     const SoundServer server({u"one"_s});
     QApplication application(argc, argv);
