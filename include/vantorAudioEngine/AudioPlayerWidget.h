@@ -164,6 +164,9 @@ public:
     void SetTypedPositionSeeks(bool seeks);
     /** While the user types into the position field or has text selected there, playing does not write it over. */
     void SetEditedPositionStays(bool stays);
+    /** Another channel keeps the visible range and the position, and plays on; otherwise it shows the whole file
+     *  and waits at the start of the selection or file. */
+    void SetChannelChangeKeepsPlace(bool keeps);
 
     [[nodiscard]] WavFile::ChannelFormat GetSelectedChannel() const;
     /** Chooses the channel that is played, as the channel box does. Does nothing when the file does not offer it,
@@ -179,9 +182,9 @@ public:
     /** Writes the selection of the selected channel to a new file, in the background. Ends with
      *  CreateSnippetFinished() or ErrorHandler(). Dropped without a word while samples are being read. */
     void CreateSnippet(const QString& filePath);
-    /** Stops the snippet that is being written and removes what there is of it. The reports of progress that still
-     *  wait and BusyChanged() come before this returns; nothing else tells of it. Does nothing when none is being
-     *  written. */
+    /** Stops the snippet that is being written and removes what there is of it; only one that is whole already and
+     *  has taken the place of a file stays. The reports of progress that still wait and BusyChanged() come before
+     *  this returns; nothing else tells of it. Does nothing when none is being written. */
     void CancelSnippet();
 
     /** Plays from the current position; does nothing without a file, or while it plays. */

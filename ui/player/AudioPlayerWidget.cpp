@@ -130,7 +130,8 @@ void AudioPlayerWidget::Internals::ShowLoadedFile(const QString& workingPath)
     const QPointer<AudioPlayerWidget> self(&widget);
     ShowWaveform(duration);
     if (self) {
-        SetPlayedFile(workingPath);
+        const auto [start, end] = widget.GetSelectedSnippet();
+        SetPlayedFile(workingPath, {start, end});
     }
     if (!self) {
         return;
@@ -141,12 +142,15 @@ void AudioPlayerWidget::Internals::ShowLoadedFile(const QString& workingPath)
 
 void AudioPlayerWidget::Internals::ShowWaveform(double duration)
 {
+    const QPointer<AudioPlayerWidget> self(&widget);
     if (widget.m_waveformWidget->GetDelay() != 0.0) {
         // Otherwise the samples would be asked for as sparsely as the former silence needs, and drawn as densely
         // as the file without it.
         widget.m_waveformWidget->SetDelay(0.0);
     }
-    widget.m_waveformWidget->Initilize(loaded.File().GetFileFormat(), duration);
+    if (self) {
+        widget.m_waveformWidget->Initilize(loaded.File().GetFileFormat(), duration);
+    }
 }
 
 /** The copy keeps the caller's file name also when it is decoded: a name in .mp3 then holds WAV data, and loading

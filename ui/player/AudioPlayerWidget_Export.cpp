@@ -116,17 +116,44 @@ void AudioPlayerWidget::OnChannelSelectionFinished(int index)
     }
     m_filteredFilePath.clear();
     m_internals->GoBackToPreviousChannel();
-    ErrorHandler(result);
+    if (self) {
+        ErrorHandler(result);
+    }
 }
 
 void AudioPlayerWidget::Internals::PlayFilteredFile()
 {
+    const Place place{widget.GetVisibleRange(), widget.GetAudioPosition(), widget.IsPlaying()};
+    // A receiver of the signals may destroy the widget.
+    const QPointer<AudioPlayerWidget> self(&widget);
     widget.StopPlayback();
+    if (!self) {
+        return;
+    }
     const auto [start, end] = widget.m_waveformWidget->GetSelectedSnippet();
-    const double duration = loaded.File().GetDuration();
-    ShowWaveform(duration);
-    widget.m_waveformWidget->SetSelectedSnippet({start, end});
-    SetPlayedFile(widget.m_filteredFilePath);
+    ShowWaveform(loaded.File().GetDuration());
+    if (self) {
+        widget.m_waveformWidget->SetSelectedSnippet({start, end});
+    }
+    if (self) {
+        // The view does not take a selection of less than a millisecond back; the player does.
+        SetPlayedFile(widget.m_filteredFilePath, {start, end});
+    }
+    if (self && channelChangeKeepsPlace) {
+        GoBackTo(place);
+    }
+}
+
+void AudioPlayerWidget::Internals::GoBackTo(const Place& place)
+{
+    const QPointer<AudioPlayerWidget> self(&widget);
+    widget.UpdateAudioPosition(place.position);
+    if (self) {
+        widget.ShowRange(place.visibleRange.first, place.visibleRange.second);
+    }
+    if (self && place.isPlaying) {
+        widget.Play();
+    }
 }
 
 /** Filters for the previous channel, which is chosen as a user would choose it. When that fails too, the box

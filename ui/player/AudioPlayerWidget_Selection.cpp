@@ -127,10 +127,14 @@ void AudioPlayerWidget::OnWaveformSelectionChanged(const std::pair<double, doubl
 {
     const auto [start, end] = selection;
     m_hasSelection = !(LengthOf({start, end}) < shortestSelection);
+    const QPointer<AudioPlayerWidget> self(this);
     if (m_hasSelection) {
         m_audioPlayer->SetSelection(start, end);
     } else {
         m_audioPlayer->ClearSelection();
+    }
+    if (!self) {
+        return;
     }
     {
         const QSignalBlocker startBlocker(m_internals->controls.edSelectionStart);

@@ -40,35 +40,37 @@ bool AudioPlayerWidget::IsPlaying() const
     return m_audioPlayer->playbackState() == QMediaPlayer::PlayingState;
 }
 
-void AudioPlayerWidget::Internals::SetPlayedFile(const QString& path)
+void AudioPlayerWidget::Internals::SetPlayedFile(const QString& path, const Selection& selection)
 {
     playableCopy.reset();
     if (AudioEngine::CanBePlayed(path)) {
-        LetPlay(path);
+        LetPlay(path, selection);
         return;
     }
     playableCopy = std::make_unique<PlayableCopy>(path, widget.m_writableDirectoryPath);
-    connect(playableCopy.get(), &PlayableCopy::Ended, &widget, [this] { LetPlay(playableCopy->GetPath()); });
+    connect(playableCopy.get(), &PlayableCopy::Ended, &widget, [this] {
+        const auto [start, end] = widget.m_waveformWidget->GetSelectedSnippet();
+        LetPlay(playableCopy->GetPath(), {start, end});
+    });
     widget.m_audioPlayer->setSource(QUrl());
 }
 
-void AudioPlayerWidget::Internals::LetPlay(const QString& path)
+void AudioPlayerWidget::Internals::LetPlay(const QString& path, const Selection& selection)
 {
     const QPointer<AudioPlayerWidget> self(&widget);
     widget.m_audioPlayer->SetAudio(path, loaded.File().GetDuration());
-    if (!self) {
-        return;
-    }
-    const auto [start, end] = widget.m_waveformWidget->GetSelectedSnippet();
-    if (LengthOf({start, end}) > shortestSelection) {
-        widget.m_audioPlayer->SetSelection(start, end);
+    if (self && LengthOf(selection) > shortestSelection) {
+        widget.m_audioPlayer->SetSelection(selection.start, selection.end);
     }
 }
 
 void AudioPlayerWidget::OnBtnPlayPauseClicked()
 {
+    const QPointer<AudioPlayerWidget> self(this);
     m_audioPlayer->PauseResume();
-    m_internals->ShowPlayIcon(m_internals->controls.btnPlayPause->isChecked());
+    if (self) {
+        m_internals->ShowPlayIcon(m_internals->controls.btnPlayPause->isChecked());
+    }
 }
 
 void AudioPlayerWidget::OnAudioStateChanged(QMediaPlayer::PlaybackState state)
@@ -91,16 +93,20 @@ void AudioPlayerWidget::Internals::ShowPlayIcon(bool isPlaying)
 void AudioPlayerWidget::OnBtnStopClicked()
 {
     m_internals->ShowAsPlaying(false);
-    double position = 0.0;
-    if (m_hasSelection) {
-        position = m_waveformWidget->GetSelectionStartTime();
-        m_audioPlayer->pause();
-        m_audioPlayer->SetSelection(position, m_waveformWidget->GetSelectionEndTime());
-    } else {
-        m_audioPlayer->stop();
-        m_audioPlayer->SetSelection(0.0, m_internals->loaded.File().GetDuration());
+    // A receiver of the signals may destroy the widget.
+    const QPointer<AudioPlayerWidget> self(this);
+    const bool toSelection = m_hasSelection;
+    toSelection ? m_audioPlayer->pause() : m_audioPlayer->stop();
+    if (!self) {
+        return;
     }
-    m_waveformWidget->SetAudioPosition(position);
+    const double start = toSelection ? m_waveformWidget->GetSelectionStartTime() : 0.0;
+    const double end =
+        toSelection ? m_waveformWidget->GetSelectionEndTime() : m_internals->loaded.File().GetDuration();
+    m_audioPlayer->SetSelection(start, end);
+    if (self) {
+        m_waveformWidget->SetAudioPosition(start);
+    }
 }
 
 void AudioPlayerWidget::StopPlayback()
@@ -110,6 +116,8 @@ void AudioPlayerWidget::StopPlayback()
     m_audioPlayer->stop();
     if (self) {
         m_audioPlayer->SetAudioOutputDevice(m_audioOutputDevice);
+    }
+    if (self) {
         m_waveformWidget->SetAudioPosition(0.0);
     }
 }
@@ -198,10 +206,13 @@ int AudioPlayerWidget::GetAudioPlayBackVolume() const
 
 void AudioPlayerWidget::SetAudioOutputDevice(const QAudioDevice& device)
 {
+    const QPointer<AudioPlayerWidget> self(this);
     m_audioPlayer->ClearSelection();
     m_audioPlayer->stop();
-    m_audioOutputDevice = device;
-    m_audioPlayer->SetAudioOutputDevice(device);
+    if (self) {
+        m_audioOutputDevice = device;
+        m_audioPlayer->SetAudioOutputDevice(device);
+    }
 }
 
 void AudioPlayerWidget::OnAudioPositionChanged(qint64 milliseconds)
@@ -294,8 +305,12 @@ void AudioPlayerWidget::OnCurrentPositionEditingFinished()
 void AudioPlayerWidget::OnWaveformAudioPositionChanged(double seconds)
 {
     m_hasSelection = false;
+    const QPointer<AudioPlayerWidget> self(this);
     m_audioPlayer->ClearSelection();
     m_audioPlayer->setPosition(MillisecondsOf(seconds));
+    if (!self) {
+        return;
+    }
     {
         const QSignalBlocker startBlocker(m_internals->controls.edSelectionStart);
         const QSignalBlocker endBlocker(m_internals->controls.edSelectionEnd);
@@ -311,8 +326,7 @@ void AudioPlayerWidget::keyPressEvent(QKeyEvent* event)
     if (event->matches(QKeySequence::SelectAll)) {
         SetSelectedSnippet({0.0, GetAudioDuration()});
     } else if (event->key() == Qt::Key_Space) {
-        m_audioPlayer->PauseResume();
-        m_internals->ShowPlayIcon(m_internals->controls.btnPlayPause->isChecked());
+        OnBtnPlayPauseClicked();
     } else {
         event->ignore();
     }
@@ -341,6 +355,11 @@ void AudioPlayerWidget::SetTypedPositionSeeks(bool seeks)
 void AudioPlayerWidget::SetEditedPositionStays(bool stays)
 {
     m_internals->editedPositionStays = stays;
+}
+
+void AudioPlayerWidget::SetChannelChangeKeepsPlace(bool keeps)
+{
+    m_internals->channelChangeKeepsPlace = keeps;
 }
 
 void AudioPlayerWidget::SetScrollBackToZoomOut(bool scrollBackToZoomOut)

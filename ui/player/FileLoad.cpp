@@ -3,6 +3,8 @@
 #include "engine/files/Leftovers.h"
 #include "engine/files/RegularFile.h"
 #include "ui/player/FileCopy.h"
+#include "ui/player/HiddenFolder.h"
+#include "ui/player/LoadThreads.h"
 
 #include <vantorAudioEngine/AudioImporter.h>
 #include <vantorAudioEngine/WavFile.h>
@@ -11,35 +13,11 @@
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
 #include <QtCore/QPromise>
-#include <QtCore/QTemporaryDir>
-#include <QtCore/QThreadPool>
 
 #include <cmath>
-#include <functional>
 #include <utility>
 
 namespace vantoraudio::vantorAudioEngine::UI {
-
-/** A folder that nobody looks into, and that the next load into the same directory leaves alone. */
-class HiddenFolder
-{
-public:
-    explicit HiddenFolder(const QString& directory)
-        : m_folder(AudioEngine::HiddenTemplate(directory, QStringLiteral("loaded"))), m_lock(m_folder.path())
-    {
-        // It is removed where there is time for it.
-        m_folder.setAutoRemove(false);
-    }
-
-    bool IsValid() const { return m_folder.isValid(); }
-    bool IsLocked() const { return m_lock.IsHeld(); }
-    QString Path() const { return m_folder.path(); }
-    QString FilePath(const QString& name) const { return m_folder.filePath(name); }
-
-private:
-    QTemporaryDir m_folder;
-    AudioEngine::FolderLock m_lock;
-};
 
 namespace {
 
@@ -47,64 +25,6 @@ using AudioEngine::AudioFileInfo;
 using AudioEngine::AudioImporter;
 using AudioEngine::ImportResult;
 using Problem = AudioFileInfo::Problem;
-
-/** The threads on which files are loaded and their copies removed. */
-class LoadThreads
-{
-public:
-    static void Start(std::function<void()> task) { Instance().m_pool->start(std::move(task)); }
-    static QThreadPool* Pool() { return Instance().m_pool.get(); }
-
-private:
-    /** Loads that were given up may hang on a disk that does not answer, and the next one is not to wait for them.
-     */
-    static constexpr int mostThreads = 16;
-    static constexpr int patienceAtTheEnd = 3000;
-
-    LoadThreads() { m_pool->setMaxThreadCount(mostThreads); }
-    /** The program ends when all is tidied up, but not for the sake of a thread that hangs. */
-    ~LoadThreads()
-    {
-        if (!m_pool->waitForDone(patienceAtTheEnd)) {
-            static_cast<void>(m_pool.release());
-        }
-    }
-    Q_DISABLE_COPY_MOVE(LoadThreads)
-
-    static LoadThreads& Instance()
-    {
-        static LoadThreads threads;
-        return threads;
-    }
-
-    std::unique_ptr<QThreadPool> m_pool = std::make_unique<QThreadPool>();
-};
-
-/** Removing a long file takes its time. Without the warnings of QTemporaryDir: a program that closes may remove
- * the folder around this one at the same moment. Only for valid folders: an empty path would mean the current one.
- */
-void RemoveInBackground(HiddenFolder* folder)
-{
-    LoadThreads::Start([folder] {
-        QDir(folder->Path()).removeRecursively();
-        delete folder;
-    });
-}
-
-/** Null when there can be none. */
-std::shared_ptr<HiddenFolder> MakeFolder(const QString& directory)
-{
-    // Another program that sweeps at this moment may take one away before it is locked.
-    constexpr int mostTries = 10;
-    auto folder = std::make_unique<HiddenFolder>(directory);
-    for (int tries = 1; folder->IsValid() && !folder->IsLocked() && tries < mostTries; ++tries) {
-        folder = std::make_unique<HiddenFolder>(directory);
-    }
-    if (!folder->IsValid()) {
-        return nullptr;
-    }
-    return {folder.release(), &RemoveInBackground};
-}
 
 /** A file that is shorter than its header says is imported instead, so that only what is there is shown. */
 bool IsSoundWavFile(const QString& path)
@@ -131,7 +51,7 @@ class FileLoad::Preparation
 public:
     Preparation(const QString& path, const QString& directory, WorkingCopy former)
         : m_path(QFileInfo(path).absoluteFilePath())
-        , m_directory(QFileInfo(directory).absoluteFilePath())
+        , m_directory(QDir(directory).absolutePath())
         , m_former(std::move(former))
     {
     }
@@ -152,7 +72,7 @@ private:
     Prepared Prepare(QPromise<Prepared>& promise) const
     {
         AudioEngine::RemoveLeftovers(m_directory);
-        const std::shared_ptr<HiddenFolder> folder = MakeFolder(m_directory);
+        const std::shared_ptr<HiddenFolder> folder = HiddenFolder::Make(m_directory, QStringLiteral("loaded"));
         if (!folder) {
             const Problem ofSource = AudioFileInfo::Probe(m_path).GetProblem();
             return {ofSource == Problem::None ? Problem::CannotBeCreated : ofSource, {}};

@@ -4,6 +4,7 @@
 #include "ui/player/FileLoad.h"
 #include "ui/player/LoadedFile.h"
 #include "ui/player/PlayableCopy.h"
+#include "ui/player/SelectionSteps.h"
 
 #include <vantorAudioEngine/AudioPlayerWidget.h>
 
@@ -18,6 +19,14 @@ struct AudioPlayerWidget::Internals
     using Problem = AudioEngine::AudioFileInfo::Problem;
 
     explicit Internals(AudioPlayerWidget& owner) : widget(owner) {}
+
+    /** Where the user is in the file. */
+    struct Place
+    {
+        std::pair<double, double> visibleRange;
+        double position = 0.0;
+        bool isPlaying = false;
+    };
 
     // Layout
     void LoadIcons();
@@ -52,10 +61,11 @@ struct AudioPlayerWidget::Internals
     [[nodiscard]] bool IsPositionEdited() const;
     [[nodiscard]] bool GoToTyped(double time);
     void CorrectLateReport(qint64 milliseconds);
-    /** Gives the player a file of which the whole or the view's selection is to be played. One that no output can
-     * play is played from a copy, as soon as that is made; until then the player has no source. */
-    void SetPlayedFile(const QString& path);
-    void LetPlay(const QString& path);
+    /** Gives the player a file and what of it is to be played, the whole if that is empty. A file that no output
+     * can play is played from a copy, as soon as that is made, with the selection of that moment; until then the
+     * player has no source. */
+    void SetPlayedFile(const QString& path, const Selection& selection);
+    void LetPlay(const QString& path, const Selection& selection);
 
     // Channels and tasks
     /** Passes on what was reported before a busy time ends. False: it is not the caller's to end any more, because
@@ -66,6 +76,7 @@ struct AudioPlayerWidget::Internals
     void OnNote(int note);
     [[nodiscard]] QString FilteredPathOf(WavFile::ChannelFormat channel) const;
     void PlayFilteredFile();
+    void GoBackTo(const Place& place);
     void GoBackToPreviousChannel();
     void DropFiltering();
 
@@ -82,6 +93,7 @@ struct AudioPlayerWidget::Internals
     bool loadsInBackground = false;
     bool typedPositionSeeks = false;
     bool editedPositionStays = false;
+    bool channelChangeKeepsPlace = false;
     /** How many reports of the player's position are under way, one within the other. */
     int positionReports = 0;
     /** Counts how often a busy time began or ended. */

@@ -1,47 +1,55 @@
 #include "ui/player/PlayableCopy.h"
 
 #include "playback/PlayableFile.h"
+#include "ui/player/HiddenFolder.h"
+#include "ui/player/LoadThreads.h"
 
-#include <vantorAudioEngine/WavFile.h>
+#include <vantorAudioEngine/AudioImporter.h>
 
 #include <QtConcurrent/QtConcurrentRun>
-#include <QtCore/QDir>
-#include <QtCore/QThreadPool>
-#include <QtMultimedia/QAudioFormat>
+#include <QtCore/QPromise>
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace vantoraudio::vantorAudioEngine::UI {
 namespace {
 
-bool Resample(const QString& path, const QString& copyPath)
+using AudioEngine::AudioImporter;
+using AudioEngine::ImportOptions;
+using AudioEngine::ImportResult;
+
+constexpr ImportOptions playable{.sampleRate = AudioEngine::highestPlayableRate / 2,
+                                 .sampleFormat = ImportOptions::Int16};
+
+/** A file without a frame is told about as the original is. */
+bool HasMadeCopy(const ImportResult& result)
 {
-    WavFile file;
-    file.SetLargeFiles(true);
-    if (file.Open(path) != WavFile::Success) {
-        return false;
-    }
-    QAudioFormat format = file.GetFileFormat();
-    format.setSampleRate(AudioEngine::highestPlayableRate / 2);
-    format.setSampleFormat(QAudioFormat::Int16);
-    return file.Convert(format, copyPath);
+    return result.IsSuccess() && result.frameCount > 0;
 }
 
 } // namespace
 
-PlayableCopy::PlayableCopy(const QString& path, const QString& directory)
-    : m_path(path), m_folder(std::make_shared<QTemporaryDir>(QDir(directory).filePath(u".played-XXXXXX"_s)))
+PlayableCopy::PlayableCopy(const QString& path, const QString& directory) : m_path(path)
 {
-    const QString copyPath = m_folder->filePath(u"copy.wav"_s);
+    m_folder = HiddenFolder::Make(directory, u"played"_s);
+    const QString copyPath = m_folder ? m_folder->FilePath(u"copy.wav"_s) : QString();
     connect(&m_watcher, &QFutureWatcher<bool>::finished, this, [this, copyPath] {
         if (m_watcher.result()) {
             m_path = copyPath;
         }
         Q_EMIT Ended();
     });
-    m_watcher.setFuture(QtConcurrent::run(QThreadPool::globalInstance(), [folder = m_folder, path, copyPath] {
-        return folder->isValid() && Resample(path, copyPath);
-    }));
+    // The task keeps the folder as long as it writes there.
+    const auto makeCopy = [folder = m_folder, path, copyPath](QPromise<bool>& promise) {
+        const auto goesOn = [&promise](int /*permille*/) { return !promise.isCanceled(); };
+        promise.addResult(folder && HasMadeCopy(AudioImporter::ImportNow(path, copyPath, playable, goesOn)));
+    };
+    m_watcher.setFuture(QtConcurrent::run(LoadThreads::Pool(), makeCopy));
+}
+
+PlayableCopy::~PlayableCopy()
+{
+    m_watcher.cancel();
 }
 
 } // namespace vantoraudio::vantorAudioEngine::UI

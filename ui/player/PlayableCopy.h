@@ -4,35 +4,37 @@
 #include <QtCore/QFutureWatcher>
 #include <QtCore/QObject>
 #include <QtCore/QString>
-#include <QtCore/QTemporaryDir>
 
 #include <memory>
 
 namespace vantoraudio::vantorAudioEngine::UI {
 
+class HiddenFolder;
+
 /**
  * A copy at a lower rate of a WAV file that no output can play, made in the background. GUI thread.
  *
  * It lies in a hidden folder of its own, which is removed when the object and the task are done with it.
- * Destroying the object does not wait for the task.
+ * Destroying the object ends the task, without waiting for it.
  */
 class PlayableCopy : public QObject
 {
     Q_OBJECT
 
 public:
-    /** Begins at once, in the global thread pool. */
+    /** Begins at once. */
     PlayableCopy(const QString& path, const QString& directory);
+    ~PlayableCopy() override;
 
     /** The file to play: the copy, or the original where none could be made. */
-    [[nodiscard]] const QString& GetPath() const { return m_path; }
+    [[nodiscard]] QString GetPath() const { return m_path; }
 
 Q_SIGNALS:
     void Ended();
 
 private:
     QString m_path;
-    std::shared_ptr<QTemporaryDir> m_folder;
+    std::shared_ptr<HiddenFolder> m_folder;
     QFutureWatcher<bool> m_watcher;
 };
 

@@ -4,9 +4,10 @@
 #include "tests/ui/player/LoadedPlayer.h"
 
 #include <QtCore/QDir>
-#include <QtCore/QThreadPool>
 #include <QtTest/QSignalSpy>
 #include <QtWidgets/QApplication>
+
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 using vantoraudio::vantorAudioEngine::UI::AudioPlayerWidgetTestAccess;
@@ -65,6 +66,26 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(Copies(copies.Path(QString())).isEmpty(), patience);
     }
 
+    void anotherFileMayBeLoadedWhileTheCopyIsHandedOver()
+    {
+        const TemporaryFiles files;
+        const TemporaryFiles copies;
+        RecordingPlayerWidget widget;
+        widget.SetWritableDirectoryPath(copies.Path(QString()));
+        const QString other = files.Write(u"other.wav"_s, ToneFileBytes({.seconds = 2.0}));
+        AudioPlayer& player = AudioPlayerWidgetTestAccess::Player(widget);
+        bool hasLoaded = false;
+        connect(&player, &QMediaPlayer::sourceChanged, this, [&](const QUrl& source) {
+            if (!std::exchange(hasLoaded, hasLoaded || !source.isEmpty()) && hasLoaded) {
+                widget.SetAudioFile(other);
+            }
+        });
+        widget.SetAudioFile(files.Write(u"fast.wav"_s, FastTone(4.0)));
+        QTRY_VERIFY_WITH_TIMEOUT(hasLoaded, patience);
+        QCOMPARE(widget.GetOriginalAudioFilePath(), other);
+        QVERIFY(widget.errors.isEmpty());
+    }
+
     void aWidgetThatIsDestroyedMeanwhileLeavesNothing()
     {
         const TemporaryFiles files;
@@ -75,8 +96,7 @@ private Q_SLOTS:
             widget.SetAudioFile(files.Write(u"fast.wav"_s, FastTone(5.0)));
             QCOMPARE(Copies(copies.Path(QString())).size(), 1);
         }
-        QThreadPool::globalInstance()->waitForDone();
-        QVERIFY(Copies(copies.Path(QString())).isEmpty());
+        QTRY_VERIFY_WITH_TIMEOUT(Copies(copies.Path(QString())).isEmpty(), patience);
     }
 
     void tellsOfAFileOfWhichThereCanBeNoCopy()

@@ -1,3 +1,4 @@
+#include "tests/playback/AudioPlayerTestAccess.h"
 #include "tests/support/SoundServer.h"
 #include "tests/support/TestAudio.h"
 #include "tests/ui/player/BlockedPool.h"
@@ -79,7 +80,9 @@ private Q_SLOTS:
     void bothChannelsPlayTheWorkingCopyItself();
     void aFilteringEndsTheReadingOfSamples();
     void keepsTheSelection();
+    void aSelectionOfLessThanAMillisecondStaysThePlayers();
     void keepsNoSelectionWhereThereWasNone();
+    void keepsViewPositionAndPlaybackWhereItIsAskedTo();
     void theLatestChoiceCounts();
     void aFailedFilteringGoesBackToThePreviousChannel();
     void aFailureIsToldWhenTheWayBackHasBegun();
@@ -560,6 +563,35 @@ void PlayerExportTest::keepsTheSelection()
     QTRY_COMPARE(setup.Audio().position(), 250);
     QCOMPARE(setup.Controls().edSelectionStart->text(), u"00:00:00.250"_s);
     QCOMPARE(setup.Controls().edSelectionEnd->text(), u"00:00:00.500"_s);
+}
+
+void PlayerExportTest::aSelectionOfLessThanAMillisecondStaysThePlayers()
+{
+    ExportSetup setup;
+    setup.player->SetSelectedSnippet({0.25, 0.5});
+    setup.View().SetSelectionEndTime(0.2505);
+    setup.player->SetSelectedChannel(WavFile::ChannelLeft);
+    QVERIFY(setup.IsIdle());
+    QCOMPARE(AudioPlayerTestAccess::SelectionStart(setup.Audio()), 0.25);
+    QCOMPARE(AudioPlayerTestAccess::SelectionEnd(setup.Audio()), 0.2505);
+}
+
+void PlayerExportTest::keepsViewPositionAndPlaybackWhereItIsAskedTo()
+{
+    ExportSetup setup(TestAudio{.coding = S16, .channels = 2, .rate = 8000, .frames = 160000});
+    setup.player->SetChannelChangeKeepsPlace(true);
+    setup.player->resize(800, 400);
+    setup.player->show();
+    setup.player->ShowRange(4.0, 8.0);
+    setup.player->UpdateAudioPosition(5.0);
+    setup.player->Play();
+    setup.player->SetSelectedChannel(WavFile::ChannelLeft);
+    QVERIFY(setup.IsIdle());
+    QCOMPARE(setup.player->GetVisibleRange(), std::pair(4.0, 8.0));
+    QTRY_VERIFY_WITH_TIMEOUT(setup.Audio().position() > 5000, PlayerSetup::patience);
+    QVERIFY(setup.Audio().position() < 10000);
+    QVERIFY(setup.player->IsPlaying());
+    QVERIFY(setup.Audio().source().fileName().endsWith(u"_Left.wav"_s));
 }
 
 void PlayerExportTest::keepsNoSelectionWhereThereWasNone()
