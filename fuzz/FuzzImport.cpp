@@ -40,6 +40,7 @@ void CheckWav(const ImportResult& result, const QString& path)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     av_log_set_level(AV_LOG_QUIET);
+    AudioImporter::LimitAllocations(Fuzzing::largestAllocation);
     const Fuzzing::TimeLimit limit;
     const Fuzzing::Folder& folder = Fuzzing::Folder::Get();
     Fuzzing::Input input(data, size);

@@ -1,5 +1,6 @@
 #include "fuzz/WidgetFuzzing.h"
 
+#include <vantorAudioEngine/AudioImporter.h>
 #include <vantorAudioEngine/AudioPlayerWidget.h>
 
 #include <QtCore/QElapsedTimer>
@@ -68,36 +69,27 @@ public:
     }
 
 private:
-    /** How the widget is destroyed from within a signal. Those that its waveform or its player began still need
-     * it.
-     */
-    enum class Goes
-    {
-        AtOnce,
-        Later
-    };
-
     void Connect()
     {
         m_player->SetWritableDirectoryPath(Fuzzing::Folder::Get().Path(QStringLiteral("copies")));
         m_player->resize(500, 250);
-        m_player->onError = [this] { CallBack(Goes::AtOnce); };
-        const auto upon = [this](auto signal, Goes goes) {
-            QObject::connect(m_player, signal, m_player, [this, goes] { CallBack(goes); });
+        m_player->onError = [this] { CallBack(); };
+        const auto upon = [this](auto signal) {
+            QObject::connect(m_player, signal, m_player, [this] { CallBack(); });
         };
-        upon(&AudioPlayerWidget::AudioFileChanged, Goes::AtOnce);
-        upon(&AudioPlayerWidget::ProgressChanged, Goes::AtOnce);
-        upon(&AudioPlayerWidget::CreateSnippetFinished, Goes::AtOnce);
-        upon(&AudioPlayerWidget::BusyChanged, Goes::AtOnce);
-        upon(&AudioPlayerWidget::LoadStarted, Goes::AtOnce);
-        upon(&AudioPlayerWidget::LoadFinished, Goes::AtOnce);
-        upon(&AudioPlayerWidget::LoadFailed, Goes::AtOnce);
-        upon(&AudioPlayerWidget::LoadCancelled, Goes::AtOnce);
-        upon(&AudioPlayerWidget::AudioPositionChanged, Goes::Later);
-        upon(&AudioPlayerWidget::WaveFormSelectionChanged, Goes::Later);
-        upon(&AudioPlayerWidget::AudioPlayBackVolumeChanged, Goes::Later);
-        upon(&AudioPlayerWidget::AudioPlayBackMuteChanged, Goes::Later);
-        upon(&AudioPlayerWidget::SceneRectChanged, Goes::Later);
+        upon(&AudioPlayerWidget::AudioFileChanged);
+        upon(&AudioPlayerWidget::ProgressChanged);
+        upon(&AudioPlayerWidget::CreateSnippetFinished);
+        upon(&AudioPlayerWidget::BusyChanged);
+        upon(&AudioPlayerWidget::LoadStarted);
+        upon(&AudioPlayerWidget::LoadFinished);
+        upon(&AudioPlayerWidget::LoadFailed);
+        upon(&AudioPlayerWidget::LoadCancelled);
+        upon(&AudioPlayerWidget::AudioPositionChanged);
+        upon(&AudioPlayerWidget::WaveFormSelectionChanged);
+        upon(&AudioPlayerWidget::AudioPlayBackVolumeChanged);
+        upon(&AudioPlayerWidget::AudioPlayBackMuteChanged);
+        upon(&AudioPlayerWidget::SceneRectChanged);
     }
 
     void Call()
@@ -294,31 +286,19 @@ private:
         }
     }
 
-    void CallBack(Goes goes)
+    void CallBack()
     {
         constexpr int deepest = 2;
         if (m_depth >= deepest || !m_player || m_input.remaining_bytes() == 0 || !m_input.ConsumeBool()) {
             return;
         }
-        const int busyParts = goes == Goes::Later ? 1 : 0;
-        m_busyParts += busyParts;
         ++m_depth;
         if (m_input.ConsumeIntegralInRange(0, 31) == 0) {
-            Destroy();
+            delete m_player;
         } else {
             Call();
         }
         --m_depth;
-        m_busyParts -= busyParts;
-    }
-
-    void Destroy()
-    {
-        if (m_busyParts == 0) {
-            delete m_player;
-        } else {
-            m_player->deleteLater();
-        }
     }
 
     template<typename Child>
@@ -355,8 +335,6 @@ private:
     QPointer<FuzzedPlayer> m_player = new FuzzedPlayer;
     bool m_wasToldTimes = true;
     int m_depth = 0;
-    /** How many signals of the waveform or the player are being answered. */
-    int m_busyParts = 0;
 };
 
 } // namespace
@@ -364,6 +342,7 @@ private:
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     Fuzzing::EnsureApplication();
+    vantoraudio::AudioEngine::AudioImporter::LimitAllocations(Fuzzing::largestAllocation);
     const Fuzzing::TimeLimit limit;
     Fuzzing::Input input(data, size);
     PlayerDriver(input).Run();

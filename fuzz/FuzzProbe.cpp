@@ -32,6 +32,7 @@ void CheckFacts(const AudioFileInfo& info)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     av_log_set_level(AV_LOG_QUIET);
+    AudioImporter::LimitAllocations(Fuzzing::largestAllocation);
     const Fuzzing::TimeLimit limit;
     Fuzzing::Input input(data, size);
     constexpr std::array names{"input", "input.wav", "input.mp3", "input.ogg", "input.flac", "input.m4a"};

@@ -33,6 +33,9 @@ inline void Require(bool isTrue, const char* file = __builtin_FILE(), int line =
 /** In seconds: no file is that long. */
 inline constexpr double beyondAllFiles = 1e19;
 
+/** For FFmpeg, which believes sizes that headers state: in bytes, far more than any input needs. */
+inline constexpr qint64 largestAllocation = qint64(256) << 20;
+
 /** No input may keep the processor busy for longer than a second. Counted is this program's own time, so that a
  *  busy machine makes no findings. */
 class TimeLimit

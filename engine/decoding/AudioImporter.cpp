@@ -1,3 +1,4 @@
+#include "engine/decoding/AudioStream.h"
 #include "engine/decoding/Import.h"
 
 #include <vantorAudioEngine/AudioImporter.h>
@@ -55,6 +56,11 @@ ImportResult AudioImporter::ImportNow(const QString& inPath, const QString& outP
                                       const Observer& goesOn)
 {
     return AudioEngine::Import(inPath, outPath, options, goesOn).Run(AudioEngine::Import::FormerFile::Stays);
+}
+
+void AudioImporter::LimitAllocations(qint64 bytes)
+{
+    AudioStream::LimitAllocations(bytes);
 }
 
 } // namespace vantoraudio::AudioEngine

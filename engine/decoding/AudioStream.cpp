@@ -167,6 +167,13 @@ AudioStream::AudioStream(const QString& path, CancelCheck isCancelled)
     }
 }
 
+void AudioStream::LimitAllocations(qint64 bytes)
+{
+    if (bytes >= 1) {
+        av_max_alloc(std::size_t(bytes));
+    }
+}
+
 Problem AudioStream::Open(const QString& path)
 {
     const QByteArray url = UrlOf(path);

@@ -25,6 +25,9 @@ public:
     explicit AudioStream(const QString& path, CancelCheck isCancelled = {});
     Q_DISABLE_COPY_MOVE(AudioStream)
 
+    /** Of FFmpeg, in the whole process; see AudioImporter. */
+    static void LimitAllocations(qint64 bytes);
+
     /** None as long as frames can be expected. */
     Problem GetProblem() const { return m_problem; }
 

@@ -92,6 +92,14 @@ public:
      */
     [[nodiscard]] static ImportResult ImportNow(const QString& inPath, const QString& outPath,
                                                 const ImportOptions& options = {}, const Observer& goesOn = {});
+
+    /**
+     * Lowers what FFmpeg takes in one piece, in bytes, for this library and everyone else in the process; it is
+     * 2 GiB as long as nobody sets it. Some demuxers fill with zeros what a broken header asks for: a file of 109
+     * bytes took 1.3 GB. What needs more cannot be opened or decoded. 256 MiB are plenty for audio. Does nothing
+     * with a number below 1. Any thread; takes effect at once.
+     */
+    static void LimitAllocations(qint64 bytes);
 };
 
 } // namespace vantoraudio::AudioEngine

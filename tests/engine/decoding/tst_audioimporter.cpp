@@ -20,6 +20,7 @@
 #include <bit>
 #include <cmath>
 #include <functional>
+#include <limits>
 #include <sys/resource.h>
 #include <sys/stat.h>
 
@@ -155,6 +156,7 @@ private Q_SLOTS:
     void probesTitleAndArtist();
     void knowsNothingOfNothing();
     void tellsHowLargeAnImportBecomes();
+    void aLimitHoldsAgainstWhatHeadersState();
     void hasASentenceForEveryProblem();
     void hasASentenceForEveryResult();
 
@@ -746,6 +748,24 @@ void TestAudioImporter::tellsHowLargeAnImportBecomes()
     QCOMPARE(info.GetImportedSize({}), 2 * 44100 * 8 + 80);
     QCOMPARE(info.GetImportedSize({.sampleRate = 96000, .sampleFormat = ImportOptions::Int16}),
              2 * 96000 * 4 + 80);
+}
+
+/** A tag that states a length of 1.2 GB, in a list that states even more. */
+void TestAudioImporter::aLimitHoldsAgainstWhatHeadersState()
+{
+    const TemporaryFiles files;
+    const QByteArray tag = "INAM" + LittleEndian(quint32(1'200'000'000));
+    const QString path =
+        files.Write(u"tag.wav"_s, WavBytes{.beforeData = {{"LIST", "INFO" + tag, 1'300'000'000}}}.Build());
+    AudioImporter::LimitAllocations(0);
+    AudioImporter::LimitAllocations(qint64(256) << 20);
+    rusage before{};
+    rusage after{};
+    ::getrusage(RUSAGE_SELF, &before);
+    QVERIFY(!AudioFileInfo::Probe(path).CanBeLoaded());
+    ::getrusage(RUSAGE_SELF, &after);
+    AudioImporter::LimitAllocations(std::numeric_limits<int>::max());
+    QVERIFY2(after.ru_maxrss - before.ru_maxrss < 500'000, qPrintable(QString::number(after.ru_maxrss)));
 }
 
 void TestAudioImporter::hasASentenceForEveryProblem()
