@@ -211,6 +211,11 @@ public:
     void SetAudioPlayBackMute(bool mute);
     [[nodiscard]] bool GetAudioPlayBackMute() const;
 
+    /** From now on the controls are as large as the font of this widget needs, and their rows break where the
+     *  widget is too narrow for them; fixed sizes, which style sheets may count on, hold otherwise. Cannot be
+     * taken back. Call it once, after construction. */
+    void UseFlexibleSizes();
+
     // Colours and marker of the waveform, see BGFXWaveformWidget.
     void SetAudioPositionIcon(const QString& fileName);
     void SetAudioPositionMarkerColor(const QColor& color);

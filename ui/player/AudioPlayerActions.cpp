@@ -111,6 +111,7 @@ AudioPlayerActions::AudioPlayerActions(AudioPlayerWidget* player)
     Get(Mute)->setChecked(player->GetAudioPlayBackMute());
     connect(player, &AudioPlayerWidget::LoopChanged, Get(Loop), &QAction::setChecked);
     connect(player, &AudioPlayerWidget::AudioPlayBackMuteChanged, Get(Mute), &QAction::setChecked);
+    SetToolTips();
     for (QWidget* control : player->findChildren<QWidget*>()) {
         if (qobject_cast<QAbstractSlider*>(control) || qobject_cast<QComboBox*>(control)) {
             control->installEventFilter(this);
@@ -141,6 +142,26 @@ void AudioPlayerActions::SetNightIcons(bool night)
     for (const Entry& entry : Entries) {
         if (entry.icon) {
             Get(entry.command)->setIcon(LibraryIcon(QLatin1StringView(entry.icon), night));
+        }
+    }
+}
+
+/** Tool tips that the controls have already stay. */
+void AudioPlayerActions::SetToolTips()
+{
+    const AudioPlayerWidget& player = m_internals->player;
+    const auto tell = [&player](const char* name, const QAction& action) {
+        const QString key = action.shortcut().toString(QKeySequence::NativeText);
+        player.findChild<QWidget*>(QLatin1StringView(name))->setToolTip(action.text() + u" (" + key + u')');
+    };
+    tell("btnPlayPause", *Get(PlayPause));
+    tell("btnStop", *Get(Stop));
+    tell("btnLoop", *Get(Loop));
+    tell("btnMute", *Get(Mute));
+    for (QWidget* control : player.findChildren<QWidget*>()) {
+        const bool isControl = !qobject_cast<QFrame*>(control) && !control->accessibleName().isEmpty();
+        if (isControl && control->toolTip().isEmpty()) {
+            control->setToolTip(control->accessibleName());
         }
     }
 }

@@ -1,3 +1,4 @@
+#include "ui/player/FlexibleSizes.h"
 #include "ui/player/Internals.h"
 #include "ui/player/LibraryIcon.h"
 
@@ -48,6 +49,11 @@ void AudioPlayerWidget::SetScaleColor(const QColor& color)
 void AudioPlayerWidget::SetWaveformColor(const QColor& color)
 {
     m_waveformWidget->SetWaveformColor(color);
+}
+
+void AudioPlayerWidget::UseFlexibleSizes()
+{
+    new FlexibleSizes(*this, m_internals->controls);
 }
 
 void AudioPlayerWidget::SetNightIcons(bool night)

@@ -17,6 +17,9 @@
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QSlider>
 #include <QtWidgets/QStyle>
+#include <QtWidgets/QStyleOptionFrame>
+
+#include <algorithm>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace vantoraudio::vantorAudioEngine::UI;
@@ -68,6 +71,60 @@ QImage ResourcePicture(const QString& name)
     return Picture(QIcon(u":/Resources/vantoraudio"_s + name + u"_day.svg"_s));
 }
 
+/** The controls that show. */
+QList<QWidget*> ControlsOf(const QWidget& player)
+{
+    QList<QWidget*> controls;
+    for (QWidget* child : player.findChildren<QWidget*>()) {
+        const bool isControl = qobject_cast<QLabel*>(child) || qobject_cast<QAbstractButton*>(child) ||
+                               qobject_cast<QLineEdit*>(child) || qobject_cast<QComboBox*>(child) ||
+                               qobject_cast<QSlider*>(child);
+        if (isControl && child->isVisible()) {
+            controls.append(child);
+        }
+    }
+    return controls;
+}
+
+bool HasRoom(const QLineEdit& field)
+{
+    QStyleOptionFrame option;
+    option.initFrom(&field);
+    option.lineWidth = field.style()->pixelMetric(QStyle::PM_DefaultFrameWidth, &option, &field);
+    const QSize contents = field.style()->subElementRect(QStyle::SE_LineEditContents, &option, &field).size();
+    // The field itself leaves two pixels free at each side.
+    const QSize text = field.fontMetrics().size(Qt::TextSingleLine, u"00:00:00.000"_s) + QSize(4, 0);
+    return contents.expandedTo(text) == contents;
+}
+
+bool HasRoom(const QWidget& control)
+{
+    if (const auto* const field = qobject_cast<const QLineEdit*>(&control)) {
+        return HasRoom(*field);
+    }
+    if (const auto* const button = qobject_cast<const QPushButton*>(&control);
+        button && button->text().isEmpty()) {
+        return button->size().expandedTo(button->iconSize()) == button->size();
+    }
+    return control.size().expandedTo(control.minimumSizeHint()) == control.size();
+}
+
+/** Empty when every control has room for what it shows, within the player and beside the others. */
+QString FirstThatIsCut(const QWidget& player)
+{
+    QList<QRect> places;
+    for (const QWidget* control : ControlsOf(player)) {
+        const QRect place(control->mapTo(&player, QPoint(0, 0)), control->size());
+        const bool isCovered = std::any_of(places.cbegin(), places.cend(),
+                                           [&place](const QRect& other) { return other.intersects(place); });
+        if (isCovered || !player.rect().contains(place) || !HasRoom(*control)) {
+            return control->objectName();
+        }
+        places.append(place);
+    }
+    return {};
+}
+
 QString NameOfParent(const QWidget& widget)
 {
     return widget.parentWidget()->objectName();
@@ -115,6 +172,11 @@ private Q_SLOTS:
     void ownsPlayerAndWaveform();
     void screenReadersFindANameForEachControl();
     void textsAreTranslatedInTheContextOfTheClass();
+
+    void flexibleSizesHaveRoomForEveryFont_data();
+    void flexibleSizesHaveRoomForEveryFont();
+    void rowsBreakWhereThePlayerIsNarrow();
+    void sizesFollowTheFont();
 
 private:
     QWidget* Child(const QString& name) const { return m_player->findChild<QWidget*>(name); }
@@ -594,6 +656,73 @@ void PlayerLayoutTest::textsAreTranslatedInTheContextOfTheClass()
         QCOMPARE(translated->accessibleName(),
                  button->accessibleName().isEmpty() ? QString() : context + button->accessibleName());
     }
+}
+
+void PlayerLayoutTest::flexibleSizesHaveRoomForEveryFont_data()
+{
+    QTest::addColumn<int>("points");
+    QTest::addColumn<int>("width");
+    for (int points = 6; points <= 24; ++points) {
+        for (const int width : {0, 700, 1400}) {
+            QTest::addRow("%d points, %d pixels", points, width) << points << width;
+        }
+    }
+}
+
+void PlayerLayoutTest::flexibleSizesHaveRoomForEveryFont()
+{
+    QFETCH(const int, points);
+    QFETCH(const int, width);
+    AudioPlayerWidget player;
+    player.UseFlexibleSizes();
+    player.SetEditMode(true);
+    player.SetHint(u"a hint"_s);
+    QFont font = player.font();
+    font.setPointSize(points);
+    player.setFont(font);
+    player.resize(width, 600);
+    player.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&player));
+    QTRY_COMPARE(FirstThatIsCut(player), QString());
+    QCOMPARE(ControlsOf(player).size(), 24);
+}
+
+void PlayerLayoutTest::rowsBreakWhereThePlayerIsNarrow()
+{
+    AudioPlayerWidget player;
+    player.UseFlexibleSizes();
+    player.SetEditMode(true);
+    QFont font = player.font();
+    font.setPointSize(9);
+    player.setFont(font);
+    player.resize(1400, 600);
+    player.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&player));
+    const auto topOf = [&player](const QString& name) {
+        return player.findChild<QWidget*>(name)->mapTo(&player, QPoint(0, 0)).y();
+    };
+    QCOMPARE(topOf(u"lblAudio"_s), topOf(u"lblSelection"_s));
+    QVERIFY(player.minimumWidth() <= 480);
+    player.resize(480, 600);
+    QCOMPARE(player.width(), 480);
+    QTRY_VERIFY(topOf(u"lblAudio"_s) < topOf(u"lblSelection"_s));
+    player.resize(1400, 600);
+    QTRY_COMPARE(topOf(u"lblAudio"_s), topOf(u"lblSelection"_s));
+}
+
+void PlayerLayoutTest::sizesFollowTheFont()
+{
+    AudioPlayerWidget player;
+    player.UseFlexibleSizes();
+    const QLineEdit* const field = player.findChild<QLineEdit*>(u"edCurrentPosition"_s);
+    QFont font = player.font();
+    font.setPointSize(24);
+    player.setFont(font);
+    const int large = field->width();
+    font.setPointSize(6);
+    player.setFont(font);
+    QVERIFY(field->width() < large);
+    QVERIFY(field->width() >= 80);
 }
 
 int main(int argc, char* argv[])
