@@ -121,10 +121,7 @@ private:
             ChangeSettings();
             break;
         default:
-            // It would destroy what is to go later.
-            if (m_busyParts == 0) {
-                QCoreApplication::processEvents();
-            }
+            QCoreApplication::processEvents();
         }
     }
 

@@ -21,6 +21,7 @@ struct WavAudio
         , duration(file.GetDuration())
         , allowsLargeFiles(file.GetLargeFiles())
         , keepsParts(file.GetKeepParts())
+        , keepsBothChannels(file.GetKeepBothChannels())
     {
     }
 
@@ -42,6 +43,8 @@ struct WavAudio
     bool allowsLargeFiles;
     /** Of what is aborted or fails. */
     bool keepsParts;
+    /** In snippets. */
+    bool keepsBothChannels;
 };
 
 /** For a task that starts now: clears its abort flag under the same lock, so that an abort that the task does not

@@ -32,8 +32,8 @@ WavFile::WavFile(QObject* parent) : QFile(parent)
 
 WavFile::~WavFile() = default;
 
-// It leaves out the flag of channel filtering, the sample size, SetLargeFiles(), SetKeepParts() and all of the
-// QFile on purpose.
+// It leaves out the flag of channel filtering, the sample size, SetLargeFiles(), SetKeepParts(),
+// SetKeepBothChannels() and all of the QFile on purpose.
 WavFile& WavFile::operator=(const WavFile& other)
 {
     if (this == &other) {
@@ -136,6 +136,16 @@ bool WavFile::GetKeepParts() const
 void WavFile::SetKeepParts(bool keep)
 {
     StoreShared(m_keepsParts, keep);
+}
+
+bool WavFile::GetKeepBothChannels() const
+{
+    return LoadShared(m_keepsBothChannels);
+}
+
+void WavFile::SetKeepBothChannels(bool keep)
+{
+    StoreShared(m_keepsBothChannels, keep);
 }
 
 WavFile::ChannelFormat WavFile::GetSelectedChannel() const

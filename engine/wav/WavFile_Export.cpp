@@ -17,11 +17,11 @@ namespace {
 
 constexpr qint64 framesPerBlock = 200;
 
-/** One channel in the coding of the source, or Float for 24 bits, which the library does not write. */
-QAudioFormat OutputFormat(const StoredFormat& source)
+/** In the coding of the source, or Float for 24 bits, which the library does not write. */
+QAudioFormat OutputFormat(const StoredFormat& source, int channelCount = 1)
 {
     QAudioFormat output = source.audio;
-    output.setChannelCount(1);
+    output.setChannelCount(channelCount);
     output.setChannelConfig(QAudioFormat::ChannelConfigUnknown);
     if (source.Is24Bit()) {
         output.setSampleFormat(QAudioFormat::Float);
@@ -29,7 +29,7 @@ QAudioFormat OutputFormat(const StoredFormat& source)
     return output;
 }
 
-/** One channel of a stretch of a file on its way into another file. */
+/** One channel, or both, of a stretch of a file on its way into another file. */
 struct ChannelCopy
 {
     WavFile& source;
@@ -45,6 +45,7 @@ struct ChannelCopy
     qint64 sourceSize = 0;
     /** Whether a file that has the name by the end stays. */
     bool isNew = false;
+    int outputChannels = 1;
 
     bool WriteTo(const QString& path, qint64 statedSize) const;
 
@@ -58,7 +59,7 @@ bool ChannelCopy::WriteTo(const QString& path, qint64 statedSize) const
 {
     PendingFile file(path);
     WavWriter output(file);
-    if (!output.Open(OutputFormat(audio.format), statedSize, audio.allowsLargeFiles)) {
+    if (!output.Open(OutputFormat(audio.format, outputChannels), statedSize, audio.allowsLargeFiles)) {
         return false;
     }
     const WalkResult result = CopyInto(output);
@@ -91,13 +92,14 @@ WalkResult ChannelCopy::CopyInto(WavWriter& output) const
                            .blockSize = framesPerBlock * audio.format.FrameSize(),
                            .frameSize = audio.format.CodedFrameSize(),
                            .fileSize = sourceSize};
+    // Where all channels stay, every sample counts as a frame of its own.
+    const int mixedChannels = outputChannels == 1 ? audio.format.audio.channelCount() : 1;
     const BlockTask task{
         .report = [this](int progress) { Q_EMIT source.ProgressChanged(progress, 0, 100, progressText); },
         .isAborted = [this] { return LoadShared(abortFlag); },
         .take =
             [&](QByteArrayView frames) {
-                return output.Append(
-                    EncodeBlock(frames, coding, audio.format.audio.channelCount(), audio.channel));
+                return output.Append(EncodeBlock(frames, coding, mixedChannels, audio.channel));
             }};
     const WalkResult result = WalkBlocks(cursor, range, task);
     if (result == WalkResult::Aborted) {
@@ -147,8 +149,10 @@ WavFile::AudioEngineReturnValue WavFile::CreateSnippet(const QString& outPath, d
     const double milliseconds = std::round((end - start) * 1000.0);
     const qint64 frames =
         audio.Counting().Truncate(double(audio.format.audio.sampleRate()) * milliseconds / 1000.0);
+    const bool isStereo = audio.format.audio.channelCount() == 2 && audio.channel == ChannelLeftRight;
+    const int outputChannels = isStereo && audio.keepsBothChannels ? 2 : 1;
     const qint64 statedSize = vantoraudio::AudioEngine::SamplesToBytes(
-        frames, OutputFormat(audio.format).bytesPerSample(), 1, audio.Counting());
+        frames, OutputFormat(audio.format).bytesPerSample(), outputChannels, audio.Counting());
     const ChannelCopy copy{.source = *this,
                            .deviceMutex = m_deviceMutex,
                            .audio = audio,
@@ -156,6 +160,7 @@ WavFile::AudioEngineReturnValue WavFile::CreateSnippet(const QString& outPath, d
                            .progressText = tr("Creating snippet..."),
                            .start = audio.PositionOf(start),
                            .end = audio.PositionOf(end),
-                           .sourceSize = m_sizeAtOpening};
+                           .sourceSize = m_sizeAtOpening,
+                           .outputChannels = outputChannels};
     return copy.WriteTo(outPath, statedSize) ? Success : ErrorCreateSnippet;
 }

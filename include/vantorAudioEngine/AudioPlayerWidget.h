@@ -162,6 +162,9 @@ public:
     /** A position typed into its field moves the player, too; otherwise only AudioPositionChanged() tells of it.
      */
     void SetTypedPositionSeeks(bool seeks);
+    /** CreateSnippet() writes a stereo file where both channels of a stereo file are selected; otherwise their
+     *  average. Holds for snippets that start from now on. */
+    void SetKeepBothChannels(bool keep);
     /** While the user types into the position field or has text selected there, playing does not write it over. */
     void SetEditedPositionStays(bool stays);
     /** Another channel keeps the visible range and the position, and plays on; otherwise it shows the whole file

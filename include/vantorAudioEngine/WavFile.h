@@ -73,7 +73,8 @@ public:
     /**
      * Copies what is known of the audio: format, offset, length, duration, samples, selected channel and the abort
      * flags of reading and writing. The file itself (name, open state, position), the sample size, the abort flag
-     * of channel filtering, SetLargeFiles() and SetKeepParts() stay the target's own. The library itself never
+     * of channel filtering, SetLargeFiles(), SetKeepParts() and SetKeepBothChannels() stay the target's own. The
+     * library itself never
      * calls it.
      */
     WavFile& operator=(const WavFile& other);
@@ -127,6 +128,12 @@ public:
      */
     void SetKeepParts(bool keep);
 
+    /** Whether CreateSnippet() writes a stereo file where ChannelLeftRight of a stereo file is selected, instead
+     * of the average; false after construction. */
+    [[nodiscard]] bool GetKeepBothChannels() const;
+    /** Applies to the tasks that start from now on. Any thread. */
+    void SetKeepBothChannels(bool keep);
+
     ChannelFormat GetSelectedChannel() const;
     /** Chooses the channel of the tasks that start from now on. */
     void SetSelectedChannel(ChannelFormat channel);
@@ -178,7 +185,8 @@ public:
     /**
      * Writes the selected channel between `start` and `end`, in seconds, to `outPath`, in the place of what is
      * there: a one-channel file in the sample format of this one, or in Float for 24-bit data. A stereo file with
-     * another channel selected than ChannelLeft or ChannelRight gives the average of both.
+     * another channel selected than ChannelLeft or ChannelRight gives the average of both (see
+     * SetKeepBothChannels()).
      *
      * Returns when done; meant for a worker thread. Whole blocks of 200 frames are copied, so that up to 199
      * frames behind the end come along; the header states the size of the range in whole milliseconds, and -1
@@ -275,6 +283,7 @@ private:
     ChannelFormat m_selectedChannel = ChannelNone;
     bool m_allowsLargeFiles = false;
     bool m_keepsParts = true;
+    bool m_keepsBothChannels = false;
     /** In bytes. */
     qint64 m_sizeAtOpening = 0;
 

@@ -183,6 +183,11 @@ void AudioPlayerWidget::CreateSnippet(const QString& filePath)
     SetBusy(true);
 }
 
+void AudioPlayerWidget::SetKeepBothChannels(bool keep)
+{
+    m_internals->loaded.File().SetKeepBothChannels(keep);
+}
+
 void AudioPlayerWidget::CancelSnippet()
 {
     if (!m_snippetWatcher.isRunning()) {

@@ -37,6 +37,8 @@ class TestCreateSnippet : public QObject
 private Q_SLOTS:
     void writesTheRange_data();
     void writesTheRange();
+    void writesBothChannelsWhereTheyAreToBeKept_data();
+    void writesBothChannelsWhereTheyAreToBeKept();
     void writesFloatForATwentyFourBitFile();
     void statesTheSizeInWholeMilliseconds_data();
     void statesTheSizeInWholeMilliseconds();
@@ -116,6 +118,52 @@ void TestCreateSnippet::writesTheRange()
     QCOMPARE(setup.file.CreateSnippet(setup.out, start, end), WavFile::Success);
     QCOMPARE(setup.Result(), audio.Exported(audio.ExportedData(firstFrame, endFrame, channel),
                                             statedFrames * audio.ExportedBytes()));
+}
+
+void TestCreateSnippet::writesBothChannelsWhereTheyAreToBeKept_data()
+{
+    QTest::addColumn<Coding>("coding");
+    QTest::addColumn<int>("channels");
+    QTest::addColumn<WavFile::ChannelFormat>("channel");
+    const QMap<Coding, const char*> codings{{S16, "16 bits"}, {S24, "24 bits"}, {S32, "32 bits"}, {F32, "float"}};
+    for (auto coding = codings.begin(); coding != codings.end(); ++coding) {
+        QTest::addRow("%s, both", *coding) << coding.key() << 2 << WavFile::ChannelLeftRight;
+        QTest::addRow("%s, right", *coding) << coding.key() << 2 << WavFile::ChannelRight;
+        QTest::addRow("%s, mono", *coding) << coding.key() << 1 << WavFile::ChannelLeftRight;
+    }
+}
+
+void TestCreateSnippet::writesBothChannelsWhereTheyAreToBeKept()
+{
+    QFETCH(const Coding, coding);
+    QFETCH(const int, channels);
+    QFETCH(const WavFile::ChannelFormat, channel);
+    TestAudio audio = Mono(1600, coding);
+    audio.channels = static_cast<quint16>(channels);
+    ExportSetup setup(audio, channel);
+    setup.file.SetKeepBothChannels(true);
+    QVERIFY(setup.file.GetKeepBothChannels());
+    QCOMPARE(setup.file.CreateSnippet(setup.out, 0.030, 0.095), WavFile::Success);
+    const bool isStereo = channels == 2 && channel == WavFile::ChannelLeftRight;
+    if (!isStereo) {
+        QCOMPARE(setup.Result(),
+                 audio.Exported(audio.ExportedData(240, 840, channel), 520 * audio.ExportedBytes()));
+        return;
+    }
+    QByteArray data;
+    for (int frame = 240; frame < 840; ++frame) {
+        data += audio.ExportedData(frame, frame + 1, WavFile::ChannelLeft);
+        data += audio.ExportedData(frame, frame + 1, WavFile::ChannelRight);
+    }
+    const int statedSize = 520 * 2 * audio.ExportedBytes();
+    const WavBytes expected{.statedRiffSize = statedSize + 36,
+                            .formatTag = quint16(coding == F32 || coding == S24 ? 3 : 1),
+                            .channels = 2,
+                            .sampleRate = audio.rate,
+                            .bits = quint16(audio.ExportedBytes() * 8),
+                            .data = data,
+                            .statedDataSize = statedSize};
+    QCOMPARE(setup.Result(), expected.Build());
 }
 
 void TestCreateSnippet::writesFloatForATwentyFourBitFile()

@@ -52,6 +52,7 @@ class PlayerExportTest : public QObject
 
 private Q_SLOTS:
     void writesTheSelectionOfTheSelectedChannel();
+    void writesBothChannelsWhereItIsAskedTo();
     void dropsASnippetWhileSamplesAreRead();
     void aFailedSnippetIsReportedAndItsPathForgotten();
     void aSnippetThatVanishedIsReportedAsSuccess();
@@ -114,6 +115,19 @@ void PlayerExportTest::writesTheSelectionOfTheSelectedChannel()
     QCOMPARE(TemporaryFiles::Read(setup.Snippet()),
              stereo.Exported(stereo.ExportedData(2000, 4000, WavFile::ChannelRight), 4000));
     QVERIFY(setup.player->errors.isEmpty());
+}
+
+void PlayerExportTest::writesBothChannelsWhereItIsAskedTo()
+{
+    ExportSetup setup;
+    setup.player->SetKeepBothChannels(true);
+    setup.player->SetSelectedSnippet({0.25, 0.5});
+    setup.player->CreateSnippet(setup.Snippet());
+    QVERIFY(setup.IsIdle());
+    WavFile written;
+    QCOMPARE(written.Open(setup.Snippet()), WavFile::Success);
+    QCOMPARE(written.GetFileFormat().channelCount(), 2);
+    QCOMPARE(written.GetDuration(), 0.25);
 }
 
 void PlayerExportTest::dropsASnippetWhileSamplesAreRead()
