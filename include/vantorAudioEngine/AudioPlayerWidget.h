@@ -228,6 +228,8 @@ public:
     void SetGridColor(const QColor& color);
     void SetScaleColor(const QColor& color);
     void SetWaveformColor(const QColor& color);
+    // The same of what is off at first.
+    void SetLabelsFit(bool fit);
 
     /** Replaces all icons by this library's own, for dark windows or (as at first) for light ones. The settings
      * button gets `:/Resources/vantoraudioPreferences_night.svg` (or `_day.svg`), which the program embeds. */

@@ -10,6 +10,7 @@
 #include <QtWidgets/QWidget>
 
 #include <utility>
+#include <vector>
 
 class QPainter;
 class QScrollBar;
@@ -144,6 +145,11 @@ public:
     /** An SVG file or resource for the marker over the position, 10 x 6 pixels; a file that cannot be loaded
      * leaves no icon. */
     void SetAudioPositionIcon(const QString& fileName);
+    /** Labels of ruler and amplitudes neither overprint each other nor are cut off, with any font: the borders
+     * grow with the font, a label that would be cut off moves, and one without room is left out. Off at first:
+     * labels then stand at their ticks, whatever is there. */
+    void SetLabelsFit(bool fit);
+    [[nodiscard]] bool GetLabelsFit() const { return m_labelsFit; }
     // Colours take effect with the next repaint.
     void SetAudioPositionMarkerColor(const QColor& color);
     void SetAudioSelectionColor(const QColor& color);
@@ -208,6 +214,7 @@ private Q_SLOTS:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
 private:
     friend class WaveformTestAccess;
@@ -216,7 +223,10 @@ private:
     void ConnectSignals();
     void DrawFrame(QPainter& painter) const;
     void DrawRuler(QPainter& painter);
+    void DrawRulerThatFits(QPainter& painter, const std::vector<double>& times) const;
     void DrawAmplitudeLabels(QPainter& painter) const;
+    void DrawAmplitudeLabelsThatFit(QPainter& painter) const;
+    void MakeRoomForLabels();
     void DrawPositionMarker(QPainter& painter) const;
 
     BGFXWaveformDiagramWidget* m_diagram;
@@ -225,6 +235,7 @@ private:
     QColor m_positionMarkerColor{115, 140, 200, 255};
     double m_scale = 1.0;
     bool m_isFollowing = false;
+    bool m_labelsFit = false;
     QSvgRenderer* m_positionIcon;
     QScrollBar* m_scrollBar;
 };

@@ -56,6 +56,11 @@ void AudioPlayerWidget::UseFlexibleSizes()
     new FlexibleSizes(*this, m_internals->controls);
 }
 
+void AudioPlayerWidget::SetLabelsFit(bool fit)
+{
+    m_waveformWidget->SetLabelsFit(fit);
+}
+
 void AudioPlayerWidget::SetNightIcons(bool night)
 {
     const auto icon = [night](QLatin1StringView name) { return LibraryIcon(name, night); };

@@ -1,9 +1,11 @@
 #include "render/bgfx/DrawingDevice.h"
 #include "ui/waveform/BGFXWaveformDiagramWidget.h"
+#include "ui/waveform/rules/Ruler.h"
 #include "ui/waveform/rules/TimeScale.h"
 
 #include <vantorAudioEngine/BGFXWaveformWidget.h>
 
+#include <QtCore/QEvent>
 #include <QtCore/QMetaType>
 #include <QtCore/QPointer>
 #include <QtCore/QSignalBlocker>
@@ -12,6 +14,8 @@
 #include <QtWidgets/QScrollBar>
 #include <QtWidgets/QSpacerItem>
 #include <QtWidgets/QVBoxLayout>
+
+#include <algorithm>
 
 namespace vantoraudio::vantorAudioEngine::UI {
 namespace {
@@ -24,6 +28,8 @@ constexpr int MinimumHeight = 120;
 constexpr int RulerHeight = 20;
 constexpr int SideSpacing = 20;
 constexpr int LeftMargin = 10;
+/** Between a label and what it belongs to. */
+constexpr int LabelDistance = 4;
 
 } // namespace
 
@@ -68,6 +74,33 @@ void BGFXWaveformWidget::SetUpLayout()
     setLayout(row);
 }
 
+void BGFXWaveformWidget::SetLabelsFit(bool fit)
+{
+    m_labelsFit = fit;
+    MakeRoomForLabels();
+    update();
+}
+
+void BGFXWaveformWidget::MakeRoomForLabels()
+{
+    QSize room(0, 0);
+    if (m_labelsFit) {
+        const QString longest = AmplitudeLabel(m_diagram->GetSceneRect().height(), 0);
+        room = QSize(fontMetrics().horizontalAdvance(longest), fontMetrics().height());
+        room += QSize(LabelDistance, LabelDistance);
+    }
+    layout()->setContentsMargins(std::max(LeftMargin, room.width() - SideSpacing), 0, 0, 0);
+    layout()->itemAt(1)->layout()->setContentsMargins(0, std::max(RulerHeight, room.height()), 0, 0);
+}
+
+void BGFXWaveformWidget::changeEvent(QEvent* event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::FontChange && m_labelsFit) {
+        MakeRoomForLabels();
+    }
+}
+
 void BGFXWaveformWidget::ConnectSignals()
 {
     using Diagram = BGFXWaveformDiagramWidget;
@@ -92,6 +125,9 @@ void BGFXWaveformWidget::Initilize(QAudioFormat format, double duration)
     }
     if (self) {
         m_diagram->SetDelay(0.0);
+    }
+    if (self && m_labelsFit) {
+        MakeRoomForLabels();
     }
 }
 
@@ -320,6 +356,9 @@ void BGFXWaveformWidget::OnDiagramChanged()
         m_scrollBar->setRange(0, state.maximum);
         m_scrollBar->setPageStep(state.pageStep);
         m_scrollBar->setValue(state.value);
+    }
+    if (m_labelsFit) {
+        MakeRoomForLabels();
     }
     update();
 }

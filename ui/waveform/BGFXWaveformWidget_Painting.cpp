@@ -7,8 +7,13 @@
 #include <QtGui/QPainter>
 #include <QtSvg/QSvgRenderer>
 
+#include <algorithm>
+#include <cmath>
+
 namespace vantoraudio::vantorAudioEngine::UI {
 namespace {
+
+constexpr int TickLength = 4;
 
 double XInDiagram(const ViewRange& view, double time, int diagramWidth)
 {
@@ -17,7 +22,17 @@ double XInDiagram(const ViewRange& view, double time, int diagramWidth)
 
 void DrawRulerTick(QPainter& painter, double x, const QRect& diagram)
 {
-    painter.drawLine(QPointF(x, diagram.top() - 1), QPointF(x, diagram.top() - 4));
+    painter.drawLine(QPointF(x, diagram.top() - 1), QPointF(x, diagram.top() - TickLength));
+}
+
+void DrawAmplitudeTick(QPainter& painter, double y, const QRect& diagram)
+{
+    painter.drawLine(QPointF(diagram.left() - TickLength, y), QPointF(diagram.left() - 1, y));
+}
+
+double AmplitudeLabelY(const QRect& diagram, int label)
+{
+    return diagram.bottom() - diagram.height() * 0.5 * label;
 }
 
 } // namespace
@@ -47,7 +62,12 @@ void BGFXWaveformWidget::DrawRuler(QPainter& painter)
     m_scale = UI::CalculateScale(view.Right() - view.left);
     const TimeAxis axis = {
         .view = view, .bufferStart = m_diagram->GetBufferStart(), .totalLength = m_diagram->GetTotalLength()};
-    for (const double time : RulerTimes(axis, m_scale)) {
+    const std::vector<double> times = RulerTimes(axis, m_scale);
+    if (m_labelsFit) {
+        DrawRulerThatFits(painter, times);
+        return;
+    }
+    for (const double time : times) {
         const double x = diagram.left() + XInDiagram(view, time, m_diagram->width());
         DrawRulerTick(painter, x, diagram);
         const QString label = UI::FormatToTime(time);
@@ -58,17 +78,61 @@ void BGFXWaveformWidget::DrawRuler(QPainter& painter)
     }
 }
 
-void BGFXWaveformWidget::DrawAmplitudeLabels(QPainter& painter) const
+void BGFXWaveformWidget::DrawRulerThatFits(QPainter& painter, const std::vector<double>& times) const
 {
     const QRect diagram = m_diagram->geometry();
-    for (int k = 0; k < 3; ++k) {
-        const double y = diagram.bottom() - diagram.height() * 0.5 * k;
-        const double value = m_diagram->GetSceneRect().height() * (k - 1);
-        const QString text = QStringLiteral("%1 ").arg(value, 0, 'g', -1, u' ');
+    const ViewRange view = HorizontalRange(m_diagram->GetSceneRect());
+    const QFontMetrics metrics = painter.fontMetrics();
+    std::vector<RulerLabel> labels;
+    for (const double time : times) {
+        const double x = diagram.left() + XInDiagram(view, time, m_diagram->width());
+        DrawRulerTick(painter, x, diagram);
+        const int width = metrics.horizontalAdvance(UI::FormatToTime(time));
+        labels.push_back({.step = std::llround(time / m_scale), .left = x - width / 2, .width = double(width)});
+    }
+    // The topmost amplitude label reaches up to the ruler.
+    const int left = diagram.left() - TickLength;
+    for (const RulerLabel& label : LabelsThatFit(labels, left, width(), metrics.horizontalAdvance(u' '))) {
+        painter.drawText(QPointF(label.left, diagram.top() - TickLength - metrics.descent()),
+                         UI::FormatToTime(m_scale * double(label.step)));
+    }
+}
+
+void BGFXWaveformWidget::DrawAmplitudeLabels(QPainter& painter) const
+{
+    if (m_labelsFit) {
+        DrawAmplitudeLabelsThatFit(painter);
+        return;
+    }
+    const QRect diagram = m_diagram->geometry();
+    for (const int k : {0, 1, 2}) {
+        const double y = AmplitudeLabelY(diagram, k);
+        const QString text = AmplitudeLabel(m_diagram->GetSceneRect().height(), k);
         const int halfWidth = painter.fontMetrics().horizontalAdvance(text) / 2;
-        painter.drawLine(QPointF(diagram.left() - 4, y), QPointF(diagram.left() - 1, y));
+        DrawAmplitudeTick(painter, y, diagram);
         // Half of the text's width left of the widget's own edge: there the numbers stand beside their ticks.
         painter.drawText(QRectF(-halfWidth, y - 10, 30, 16), Qt::AlignRight | Qt::AlignBottom, text);
+    }
+}
+
+void BGFXWaveformWidget::DrawAmplitudeLabelsThatFit(QPainter& painter) const
+{
+    const QRect diagram = m_diagram->geometry();
+    const QFontMetrics metrics = painter.fontMetrics();
+    std::vector<QRectF> drawn;
+    // The one in the middle comes last: a low diagram has no room for it.
+    for (const int k : {0, 2, 1}) {
+        const double y = AmplitudeLabelY(diagram, k);
+        DrawAmplitudeTick(painter, y, diagram);
+        const QString text = AmplitudeLabel(m_diagram->GetSceneRect().height(), k);
+        const int width = metrics.horizontalAdvance(text);
+        const double top = std::max(0.0, std::min(y - metrics.height() / 2, double(height() - metrics.height())));
+        const QRectF place(diagram.left() - TickLength - width, top, width, metrics.height());
+        if (std::none_of(drawn.begin(), drawn.end(),
+                         [&](const QRectF& other) { return other.intersects(place); })) {
+            painter.drawText(QPointF(place.left(), top + metrics.ascent()), text);
+            drawn.push_back(place);
+        }
     }
 }
 

@@ -130,6 +130,71 @@ private Q_SLOTS:
         }
     }
 
+    void labelsWithRoomStay()
+    {
+        const std::vector<RulerLabel> labels = {{3, 10.0, 20.0}, {4, 34.0, 20.0}, {5, 58.0, 20.0}};
+        QCOMPARE(LabelsThatFit(labels, 10.0, 78.0, 4.0), labels);
+    }
+
+    void ofDenseLabelsEverySecondFifthOrTenthStepRemains_data()
+    {
+        QTest::addColumn<double>("distance");
+        QTest::addColumn<QList<int>>("steps");
+        QTest::newRow("apart") << 24.0 << QList<int>{3, 4, 5, 6, 7, 8, 9, 10, 11};
+        QTest::newRow("a little less") << 23.9 << QList<int>{4, 6, 8, 10};
+        QTest::newRow("half") << 12.0 << QList<int>{4, 6, 8, 10};
+        QTest::newRow("less than half") << 11.9 << QList<int>{5, 10};
+        QTest::newRow("a fifth") << 4.8 << QList<int>{5, 10};
+        QTest::newRow("less than a fifth") << 4.7 << QList<int>{10};
+        QTest::newRow("all at one place") << 0.0 << QList<int>{10};
+    }
+
+    void ofDenseLabelsEverySecondFifthOrTenthStepRemains()
+    {
+        QFETCH(const double, distance);
+        QFETCH(const QList<int>, steps);
+        std::vector<RulerLabel> labels;
+        for (int step = 3; step < 12; ++step) {
+            labels.push_back({.step = step, .left = step * distance, .width = 20.0});
+        }
+        QList<int> kept;
+        for (const RulerLabel& label : LabelsThatFit(labels, 0.0, 1000.0, 4.0)) {
+            kept << static_cast<int>(label.step);
+        }
+        QCOMPARE(kept, steps);
+    }
+
+    void aViewTooSmallForItsLabelsKeepsTheFirst()
+    {
+        const std::vector<RulerLabel> labels = {{3, 0.0, 20.0}, {4, 1.0, 20.0}, {6, 2.0, 20.0}};
+        QCOMPARE(LabelsThatFit(labels, 0.0, 50.0, 4.0), (std::vector<RulerLabel>{{3, 0.0, 20.0}}));
+    }
+
+    void labelsAtTheEndsMoveInwards()
+    {
+        const std::vector<RulerLabel> labels = {{0, -10.0, 20.0}, {1, 40.0, 20.0}, {2, 90.0, 20.0}};
+        QCOMPARE(LabelsThatFit(labels, 6.0, 100.0, 4.0),
+                 (std::vector<RulerLabel>{{0, 6.0, 20.0}, {1, 40.0, 20.0}, {2, 80.0, 20.0}}));
+    }
+
+    void labelsThatCannotMoveAreLeftOut()
+    {
+        const std::vector<RulerLabel> labels = {{0, -10.0, 20.0}, {1, 14.0, 20.0}, {2, 38.0, 20.0}};
+        QCOMPARE(LabelsThatFit(labels, 0.0, 50.0, 4.0), (std::vector<RulerLabel>{{1, 14.0, 20.0}}));
+        QCOMPARE(LabelsThatFit({{0, -10.0, 20.0}}, 0.0, 19.0, 4.0), std::vector<RulerLabel>{});
+        QCOMPARE(LabelsThatFit({}, 0.0, 19.0, 4.0), std::vector<RulerLabel>{});
+    }
+
+    void labelsWithoutAPlaceAreLeftOut()
+    {
+        for (const double left : {notANumber, infinity, -infinity}) {
+            for (const RulerLabel& label : LabelsThatFit({{0, left, 20.0}}, 0.0, 50.0, 4.0)) {
+                QVERIFY(label.left >= 0.0 && label.Right() <= 50.0);
+            }
+            QVERIFY(LabelsThatFit({{0, 0.0, 20.0}, {1, left, notANumber}}, 0.0, 50.0, 4.0).size() <= 1);
+        }
+    }
+
     void costsNothingForTwoBillionSeconds()
     {
         const TimeAxis axis = Axis(1.999e9, 0.5, 0.0, 2e9);
