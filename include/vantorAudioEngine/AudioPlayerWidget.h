@@ -228,7 +228,9 @@ public:
     void SetGridColor(const QColor& color);
     void SetScaleColor(const QColor& color);
     void SetWaveformColor(const QColor& color);
-    // The same of what is off at first.
+    // The same of what programs may want otherwise, see there, too.
+    void SetFollowsPosition(bool follows);
+    void SetWheelZoomFactor(double factor);
     void SetLabelsFit(bool fit);
 
     /** Replaces all icons by this library's own, for dark windows or (as at first) for light ones. The settings

@@ -85,6 +85,9 @@ public:
      *  the position. AudioPositionChanged() is not emitted. */
     void SetAudioPosition(double position);
     [[nodiscard]] double GetAudioPosition() const;
+    /** Whether SetAudioPosition() moves the visible range, as at first, or only the line. */
+    void SetFollowsPosition(bool follows);
+    [[nodiscard]] bool GetFollowsPosition() const;
 
     /** Selects a range, in either order, cut to MAX_SNIPPET_LENGTH and to the visible range. Moves the position to
      *  its start and emits SelectionChanged(), unless it differs by less than a millisecond from the selection. */
@@ -141,6 +144,10 @@ public:
 
     /** With true, as at first, turning the wheel back (toward the user) while Control is held zooms out. */
     void SetScrollBackToZoomOut(bool scrollBackToZoomOut);
+    /** How many times as much shows after one notch of the wheel that zooms out; one that zooms in undoes it. From
+     *  above 1 to 10; other factors are ignored. Until one is set, a notch adds or takes a fifteenth of the view.
+     */
+    void SetWheelZoomFactor(double factor);
 
     /** An SVG file or resource for the marker over the position, 10 x 6 pixels; a file that cannot be loaded
      * leaves no icon. */

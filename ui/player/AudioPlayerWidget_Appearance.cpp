@@ -56,6 +56,16 @@ void AudioPlayerWidget::UseFlexibleSizes()
     new FlexibleSizes(*this, m_internals->controls);
 }
 
+void AudioPlayerWidget::SetFollowsPosition(bool follows)
+{
+    m_waveformWidget->SetFollowsPosition(follows);
+}
+
+void AudioPlayerWidget::SetWheelZoomFactor(double factor)
+{
+    m_waveformWidget->SetWheelZoomFactor(factor);
+}
+
 void AudioPlayerWidget::SetLabelsFit(bool fit)
 {
     m_waveformWidget->SetLabelsFit(fit);

@@ -60,6 +60,10 @@ void BGFXWaveformDiagramWidget::SetAudioPosition(double position, bool clearSele
     if (clearSelection) {
         m_selection.isPresent = false;
     }
+    if (!m_followsPosition) {
+        Changed();
+        return;
+    }
     if (const auto left = PageFor(View(), m_audioPosition, m_duration); left && !ScrollTo(*left)) {
         return;
     }

@@ -20,6 +20,7 @@
 #include <QtGui/QMatrix4x4>
 #include <QtMultimedia/QAudioFormat>
 
+#include <optional>
 #include <type_traits>
 #include <utility>
 
@@ -56,9 +57,11 @@ public:
     /** Time of the first vertex of the samples at hand. */
     [[nodiscard]] double GetBufferStart() const { return m_buffer.start; }
 
-    /** Moves the position line and lets the visible range follow it. */
+    /** Moves the position line and lets the visible range follow it, unless that is to stay. */
     void SetAudioPosition(double position, bool clearSelection);
     [[nodiscard]] double GetAudioPosition() const { return m_audioPosition; }
+    void SetFollowsPosition(bool follows) { m_followsPosition = follows; }
+    [[nodiscard]] bool GetFollowsPosition() const { return m_followsPosition; }
 
     void SetSelectedSnippet(std::pair<double, double> snippet);
     void ClearSelection();
@@ -73,6 +76,9 @@ public:
     void SetInteractions(BGFXWaveformWidget::Interactions interactions) { m_interactions = interactions; }
     [[nodiscard]] BGFXWaveformWidget::Interactions GetInteractions() const { return m_interactions; }
     void SetScrollBackToZoomOut(bool scrollBackToZoomOut) { m_scrollBackToZoomOut = scrollBackToZoomOut; }
+
+    /** Ignored unless above 1 and at most 10. */
+    void SetWheelZoomFactor(double factor);
 
     [[nodiscard]] double GetTimeAt(int x) const { return TimeAt(x); }
     [[nodiscard]] QRectF GetSceneRect() const { return m_sceneRect; }
@@ -197,6 +203,8 @@ private:
     bool m_isEditing = false;
     Grab m_grab;
     bool m_scrollBackToZoomOut = true;
+    bool m_followsPosition = true;
+    std::optional<double> m_wheelZoomFactor;
     double m_amplitudeExtent = 1.0;
     vantor3DQt::BGFXViewContext m_gridView{0};
     vantor3DQt::BGFXViewContext m_waveformView{1};

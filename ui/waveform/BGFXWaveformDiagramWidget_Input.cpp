@@ -11,6 +11,7 @@ namespace {
 using Interaction = BGFXWaveformWidget::Interaction;
 
 constexpr int BorderScrollInterval = 30;
+constexpr double LargestWheelZoomFactor = 10.0;
 
 QPoint PixelOf(const QMouseEvent& event)
 {
@@ -128,6 +129,13 @@ void BGFXWaveformDiagramWidget::wheelEvent(QWheelEvent* event)
         Zoom(*event);
     }
     event->accept();
+}
+
+void BGFXWaveformDiagramWidget::SetWheelZoomFactor(double factor)
+{
+    if (factor > 1.0 && factor <= LargestWheelZoomFactor) {
+        m_wheelZoomFactor = factor;
+    }
 }
 
 void BGFXWaveformDiagramWidget::timerEvent(QTimerEvent* event)
@@ -253,7 +261,7 @@ void BGFXWaveformDiagramWidget::Pan(const QWheelEvent& event)
 
 void BGFXWaveformDiagramWidget::Zoom(const QWheelEvent& event)
 {
-    const float factor = ZoomFactor(TurnOf(event), event.inverted(), m_scrollBackToZoomOut);
+    const float factor = ZoomFactor(TurnOf(event), event.inverted(), m_scrollBackToZoomOut, m_wheelZoomFactor);
     const auto edges = ZoomedAround(View(), TimeAt(event.position().x()), factor, GetTotalLength());
     if (!edges) {
         return;

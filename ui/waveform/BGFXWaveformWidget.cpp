@@ -157,6 +157,16 @@ double BGFXWaveformWidget::GetAudioPosition() const
     return m_diagram->GetAudioPosition();
 }
 
+void BGFXWaveformWidget::SetFollowsPosition(bool follows)
+{
+    m_diagram->SetFollowsPosition(follows);
+}
+
+bool BGFXWaveformWidget::GetFollowsPosition() const
+{
+    return m_diagram->GetFollowsPosition();
+}
+
 void BGFXWaveformWidget::SetSelectedSnippet(std::pair<double, double> snippet)
 {
     m_diagram->SetSelectedSnippet(snippet);
@@ -237,6 +247,11 @@ BGFXWaveformWidget::Interactions BGFXWaveformWidget::GetInteractions() const
 void BGFXWaveformWidget::SetScrollBackToZoomOut(bool scrollBackToZoomOut)
 {
     m_diagram->SetScrollBackToZoomOut(scrollBackToZoomOut);
+}
+
+void BGFXWaveformWidget::SetWheelZoomFactor(double factor)
+{
+    m_diagram->SetWheelZoomFactor(factor);
 }
 
 void BGFXWaveformWidget::SetAudioPositionIcon(const QString& fileName)

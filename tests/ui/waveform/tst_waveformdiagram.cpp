@@ -467,6 +467,42 @@ private Q_SLOTS:
         QCOMPARE(loaded.recorder.Take(), QStringList{u"Update"_s});
     }
 
+    void aViewThatStaysOnlyMovesTheLine_data()
+    {
+        QTest::addColumn<double>("position");
+        QTest::newRow("right of the view") << 55.0;
+        QTest::newRow("left of the view") << 3.0;
+        QTest::newRow("in the view") << 45.0;
+        QTest::newRow("behind the file") << 1e300;
+        QTest::newRow("before the file") << -7.0;
+    }
+
+    void aViewThatStaysOnlyMovesTheLine()
+    {
+        QFETCH(const double, position);
+        LoadedDiagram loaded;
+        loaded.diagram.SetSceneRange(40.0, 50.0);
+        QVERIFY(loaded.diagram.GetFollowsPosition());
+        loaded.diagram.SetFollowsPosition(false);
+        loaded.recorder.Take();
+        loaded.diagram.SetAudioPosition(position, false);
+        QCOMPARE(loaded.diagram.GetAudioPosition(), position);
+        QCOMPARE(loaded.diagram.GetSceneRect(), QRectF(40.0, 0.0, 10.0, 1.0));
+        QCOMPARE(loaded.recorder.Take(), QStringList{u"Update"_s});
+    }
+
+    void aViewThatFollowsAgainCatchesUpWithTheNextPosition()
+    {
+        LoadedDiagram loaded;
+        loaded.diagram.SetSceneRange(40.0, 50.0);
+        loaded.diagram.SetFollowsPosition(false);
+        loaded.diagram.SetAudioPosition(61.0, false);
+        loaded.diagram.SetFollowsPosition(true);
+        QCOMPARE(loaded.diagram.GetSceneRect(), QRectF(40.0, 0.0, 10.0, 1.0));
+        loaded.diagram.SetAudioPosition(20.0, false);
+        QCOMPARE(loaded.diagram.GetSceneRect(), QRectF(20.0, 0.0, 10.0, 1.0));
+    }
+
     void positionMayClearTheSelection()
     {
         LoadedDiagram loaded;

@@ -515,6 +515,50 @@ private Q_SLOTS:
         QVERIFY2(width > 0.1 && width < 0.11, qPrintable(QString::number(width)));
     }
 
+    void aNotchZoomsAsMuchAsItIsTold()
+    {
+        Bench bench;
+        bench.diagram.SetWheelZoomFactor(2.0);
+        bench.diagram.SetSceneRange(30.0, 60.0);
+        bench.recorder.Take();
+        QVERIFY(
+            Turn(bench.diagram, {.angle = {0, 120}, .pixels = {}, .modifiers = Qt::ControlModifier, .x = 249.5}));
+        QCOMPARE(bench.diagram.GetSceneRect(), QRectF(33.75, 0.0, 15.0, 1.0));
+        QCOMPARE(bench.recorder.Take().size(), 3);
+        QVERIFY(
+            Turn(bench.diagram, {.angle = {0, -120}, .pixels = {}, .modifiers = Qt::ControlModifier, .x = 249.5}));
+        QCOMPARE(bench.diagram.GetSceneRect(), QRectF(30.0, 0.0, 30.0, 1.0));
+    }
+
+    void wheelFactorsThatMakeNoSenseAreIgnored_data()
+    {
+        QTest::addColumn<double>("factor");
+        QTest::newRow("none") << 1.0;
+        QTest::newRow("inwards") << 0.5;
+        QTest::newRow("zero") << 0.0;
+        QTest::newRow("negative") << -2.0;
+        QTest::newRow("too much") << 10.001;
+        QTest::newRow("infinite") << infinity;
+        QTest::newRow("not a number") << notANumber;
+    }
+
+    void wheelFactorsThatMakeNoSenseAreIgnored()
+    {
+        QFETCH(const double, factor);
+        const Wheel forward{.angle = {0, 120}, .pixels = {}, .modifiers = Qt::ControlModifier};
+        Bench usual;
+        usual.diagram.SetSceneRange(30.0, 60.0);
+        usual.diagram.SetWheelZoomFactor(factor);
+        QVERIFY(Turn(usual.diagram, forward));
+        QCOMPARE(usual.diagram.GetSceneRect().width(), static_cast<double>(14.0F / 15.0F) * 30.0);
+        Bench chosen;
+        chosen.diagram.SetSceneRange(30.0, 60.0);
+        chosen.diagram.SetWheelZoomFactor(2.0);
+        chosen.diagram.SetWheelZoomFactor(factor);
+        QVERIFY(Turn(chosen.diagram, forward));
+        QCOMPARE(chosen.diagram.GetSceneRect().width(), 15.0);
+    }
+
     void otherModifiersLeaveTheWheelToTheParent_data()
     {
         QTest::addColumn<Qt::KeyboardModifiers>("modifiers");

@@ -3,11 +3,14 @@
 #include "ui/waveform/rules/TimeScale.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace vantoraudio::vantorAudioEngine::UI {
 namespace {
 
 constexpr double FinestUsefulScale = 0.01;
+/** No view is wide enough for more of them at once, and a float holds the factor. */
+constexpr double MostNotches = 30.0;
 
 /** Notches of a standard wheel; a pixel counts as a sixteenth of one. */
 double Notches(double delta, bool inPixels)
@@ -35,10 +38,13 @@ double ScrolledByDrag(const ViewRange& view, int x, int widgetWidth, double tota
     return std::max(0.0, std::min(left, totalLength - view.width));
 }
 
-float ZoomFactor(const WheelTurn& turn, bool inverted, bool scrollBackToZoomOut)
+float ZoomFactor(const WheelTurn& turn, bool inverted, bool scrollBackToZoomOut, std::optional<double> perNotch)
 {
     const double notches = Notches(turn.y, turn.inPixels);
     const double outward = inverted != scrollBackToZoomOut ? -notches : notches;
+    if (perNotch) {
+        return static_cast<float>(std::pow(*perNotch, std::clamp(outward, -MostNotches, MostNotches)));
+    }
     return static_cast<float>(outward / 15.0 + 1.0);
 }
 

@@ -26,9 +26,11 @@ struct WheelTurn
 
 /**
  * The factor by which the view's width changes. Turning forward (away from the user) zooms in when exactly one of
- * `inverted` (the system's reversed scrolling) and `scrollBackToZoomOut` holds.
+ * `inverted` (the system's reversed scrolling) and `scrollBackToZoomOut` holds. A notch that zooms out multiplies
+ * by `perNotch`, which is above 1 and at most 10; without it a notch adds or takes a fifteenth.
  */
-[[nodiscard]] float ZoomFactor(const WheelTurn& turn, bool inverted, bool scrollBackToZoomOut);
+[[nodiscard]] float ZoomFactor(const WheelTurn& turn, bool inverted, bool scrollBackToZoomOut,
+                               std::optional<double> perNotch = std::nullopt);
 
 struct ViewEdges
 {

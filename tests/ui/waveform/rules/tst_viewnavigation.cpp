@@ -74,6 +74,28 @@ private Q_SLOTS:
         QTEST(ZoomFactor({.x = 500.0, .y = y, .inPixels = inPixels}, inverted, backZoomsOut), "factor");
     }
 
+    void aChosenFactorCountsForEachNotch_data()
+    {
+        QTest::addColumn<double>("notches");
+        QTest::addColumn<double>("perNotch");
+        QTest::addColumn<float>("factor");
+        QTest::newRow("in") << 1.0 << 2.0 << 0.5F;
+        QTest::newRow("out") << -1.0 << 2.0 << 2.0F;
+        QTest::newRow("three in") << 3.0 << 2.0 << 0.125F;
+        QTest::newRow("half a notch out") << -0.5 << 4.0 << 2.0F;
+        QTest::newRow("nothing") << 0.0 << 10.0 << 1.0F;
+        QTest::newRow("the most out") << -1e6 << 10.0 << 1e30F;
+        QTest::newRow("the most in") << 1e6 << 10.0 << 1e-30F;
+    }
+
+    void aChosenFactorCountsForEachNotch()
+    {
+        QFETCH(const double, notches);
+        QFETCH(const double, perNotch);
+        const WheelTurn turn = {.x = 500.0, .y = notches * 120.0, .inPixels = false};
+        QTEST(ZoomFactor(turn, false, true, perNotch), "factor");
+    }
+
     void zoomsAroundTheAnchor()
     {
         const auto edges = ZoomedAround({.left = 20.0, .width = 40.0}, 30.0, 0.5F, 100.0);
