@@ -232,6 +232,7 @@ public:
     void SetFollowsPosition(bool follows);
     void SetWheelZoomFactor(double factor);
     void SetLabelsFit(bool fit);
+    void SetColorsFollowPalette(bool follow);
 
     /** Replaces all icons by this library's own, for dark windows or (as at first) for light ones. The settings
      * button gets `:/Resources/vantoraudioPreferences_night.svg` (or `_day.svg`), which the program embeds. */

@@ -9,6 +9,7 @@
 #include <QtMultimedia/QAudioFormat>
 #include <QtWidgets/QWidget>
 
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -19,6 +20,7 @@ class QSvgRenderer;
 namespace vantoraudio::vantorAudioEngine::UI {
 
 class BGFXWaveformDiagramWidget;
+struct ViewColors;
 
 /**
  * Shows the waveform of an audio file with time ruler, amplitude labels, playback position and scroll bar, and
@@ -157,6 +159,11 @@ public:
      * labels then stand at their ticks, whatever is there. */
     void SetLabelsFit(bool fit);
     [[nodiscard]] bool GetLabelsFit() const { return m_labelsFit; }
+    /** All colours but the marker's icon are those of the widget's palette, now and whenever that changes: labels
+     *  stand out from the window 4.5 to 1; waveform, selection and position from the background 3 to 1. Off at
+     *  first. Colours that were set, before or meanwhile, show when it is off again. */
+    void SetColorsFollowPalette(bool follow);
+    [[nodiscard]] bool GetColorsFollowPalette() const { return m_setColors != nullptr; }
     // Colours take effect with the next repaint.
     void SetAudioPositionMarkerColor(const QColor& color);
     void SetAudioSelectionColor(const QColor& color);
@@ -234,6 +241,8 @@ private:
     void DrawAmplitudeLabels(QPainter& painter) const;
     void DrawAmplitudeLabelsThatFit(QPainter& painter) const;
     void MakeRoomForLabels();
+    [[nodiscard]] ViewColors ShownColors() const;
+    void Show(const ViewColors& colors);
     void DrawPositionMarker(QPainter& painter) const;
 
     BGFXWaveformDiagramWidget* m_diagram;
@@ -243,6 +252,8 @@ private:
     double m_scale = 1.0;
     bool m_isFollowing = false;
     bool m_labelsFit = false;
+    /** What the colour setters have set; only while the palette's colours show instead. */
+    std::unique_ptr<ViewColors> m_setColors;
     QSvgRenderer* m_positionIcon;
     QScrollBar* m_scrollBar;
 };

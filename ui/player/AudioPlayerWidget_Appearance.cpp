@@ -71,6 +71,11 @@ void AudioPlayerWidget::SetLabelsFit(bool fit)
     m_waveformWidget->SetLabelsFit(fit);
 }
 
+void AudioPlayerWidget::SetColorsFollowPalette(bool follow)
+{
+    m_waveformWidget->SetColorsFollowPalette(follow);
+}
+
 void AudioPlayerWidget::SetNightIcons(bool night)
 {
     const auto icon = [night](QLatin1StringView name) { return LibraryIcon(name, night); };

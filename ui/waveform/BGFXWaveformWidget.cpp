@@ -2,6 +2,7 @@
 #include "ui/waveform/BGFXWaveformDiagramWidget.h"
 #include "ui/waveform/rules/Ruler.h"
 #include "ui/waveform/rules/TimeScale.h"
+#include "ui/waveform/rules/ViewColors.h"
 
 #include <vantorAudioEngine/BGFXWaveformWidget.h>
 
@@ -98,6 +99,8 @@ void BGFXWaveformWidget::changeEvent(QEvent* event)
     QWidget::changeEvent(event);
     if (event->type() == QEvent::FontChange && m_labelsFit) {
         MakeRoomForLabels();
+    } else if (event->type() == QEvent::PaletteChange && GetColorsFollowPalette()) {
+        Show(ColorsOf(palette()));
     }
 }
 
@@ -257,42 +260,6 @@ void BGFXWaveformWidget::SetWheelZoomFactor(double factor)
 void BGFXWaveformWidget::SetAudioPositionIcon(const QString& fileName)
 {
     m_positionIcon->load(fileName);
-}
-
-void BGFXWaveformWidget::SetAudioPositionMarkerColor(const QColor& color)
-{
-    m_positionMarkerColor = color;
-    m_diagram->m_positionMarkerColor = color;
-}
-
-void BGFXWaveformWidget::SetAudioSelectionColor(const QColor& color)
-{
-    m_diagram->m_selectionColor = color;
-}
-
-void BGFXWaveformWidget::SetBackgroundColor(const QColor& color)
-{
-    m_diagram->m_backgroundColor = color;
-}
-
-void BGFXWaveformWidget::SetFrameColor(const QColor& color)
-{
-    m_frameColor = color;
-}
-
-void BGFXWaveformWidget::SetGridColor(const QColor& color)
-{
-    m_diagram->m_gridColor = color;
-}
-
-void BGFXWaveformWidget::SetScaleColor(const QColor& color)
-{
-    m_scaleColor = color;
-}
-
-void BGFXWaveformWidget::SetWaveformColor(const QColor& color)
-{
-    m_diagram->m_waveformColor = color;
 }
 
 BGFXWaveformWidget::DrawingDevice BGFXWaveformWidget::GetDrawingDevice()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ui/waveform/BGFXWaveformDiagramWidget.h"
+#include "ui/waveform/rules/ViewColors.h"
 
 #include <vantorAudioEngine/BGFXWaveformWidget.h>
 
@@ -22,6 +23,7 @@ public:
     static QColor FrameColor(const Widget& widget) { return widget.m_frameColor; }
     static QColor ScaleColor(const Widget& widget) { return widget.m_scaleColor; }
     static QColor MarkerColor(const Widget& widget) { return widget.m_positionMarkerColor; }
+    static ViewColors ColorsOf(const Widget& widget) { return widget.ShownColors(); }
     static double Scale(const Widget& widget) { return widget.m_scale; }
 
     static QMatrix4x4 Projection(const Diagram& diagram) { return diagram.m_projection; }
