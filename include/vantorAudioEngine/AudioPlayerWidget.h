@@ -233,6 +233,7 @@ public:
     void SetWheelZoomFactor(double factor);
     void SetLabelsFit(bool fit);
     void SetColorsFollowPalette(bool follow);
+    void SetWaveformTakesFocus(bool takesFocus);
 
     /** Replaces all icons by this library's own, for dark windows or (as at first) for light ones. The settings
      * button gets `:/Resources/vantoraudioPreferences_night.svg` (or `_day.svg`), which the program embeds. */

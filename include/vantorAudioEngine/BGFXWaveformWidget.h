@@ -39,6 +39,9 @@ struct ViewColors;
  * 0 only the grid is drawn and all input is ignored. In a view of 1,080,000 seconds (12.5 days) or more ruler and
  * upright grid lines are missing, and the wheel zooms to no such view: a file much longer shows as a whole only.
  *
+ * Screen readers read position and length as the value of a slider that cannot be moved, and the selection as its
+ * description.
+ *
  * GUI thread only. Slots may call back into the widget from within any of its signals; to destroy it there they
  * use deleteLater().
  */
@@ -164,6 +167,10 @@ public:
      *  first. Colours that were set, before or meanwhile, show when it is off again. */
     void SetColorsFollowPalette(bool follow);
     [[nodiscard]] bool GetColorsFollowPalette() const { return m_setColors != nullptr; }
+    /** The view takes the keyboard focus, by Tab and by a click, and shows it as a frame around the waveform that
+     *  stands out from the window 3 to 1. All keys go on to the parent. Off at first. */
+    void SetTakesFocus(bool takesFocus);
+    [[nodiscard]] bool GetTakesFocus() const { return m_takesFocus; }
     // Colours take effect with the next repaint.
     void SetAudioPositionMarkerColor(const QColor& color);
     void SetAudioSelectionColor(const QColor& color);
@@ -252,6 +259,7 @@ private:
     double m_scale = 1.0;
     bool m_isFollowing = false;
     bool m_labelsFit = false;
+    bool m_takesFocus = false;
     /** What the colour setters have set; only while the palette's colours show instead. */
     std::unique_ptr<ViewColors> m_setColors;
     QSvgRenderer* m_positionIcon;

@@ -76,6 +76,11 @@ void AudioPlayerWidget::SetColorsFollowPalette(bool follow)
     m_waveformWidget->SetColorsFollowPalette(follow);
 }
 
+void AudioPlayerWidget::SetWaveformTakesFocus(bool takesFocus)
+{
+    m_waveformWidget->SetTakesFocus(takesFocus);
+}
+
 void AudioPlayerWidget::SetNightIcons(bool night)
 {
     const auto icon = [night](QLatin1StringView name) { return LibraryIcon(name, night); };

@@ -67,6 +67,7 @@ public:
     void ClearSelection();
     void SetSelectionStartTime(double start);
     void SetSelectionEndTime(double end);
+    [[nodiscard]] bool HasSelection() const { return m_selection.isPresent; }
     /** 0.0 without a selection. */
     [[nodiscard]] double GetSelectionStartTime() const;
     [[nodiscard]] double GetSelectionEndTime() const;

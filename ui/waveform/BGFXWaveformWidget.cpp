@@ -1,5 +1,6 @@
 #include "render/bgfx/DrawingDevice.h"
 #include "ui/waveform/BGFXWaveformDiagramWidget.h"
+#include "ui/waveform/WaveformAccessible.h"
 #include "ui/waveform/rules/Ruler.h"
 #include "ui/waveform/rules/TimeScale.h"
 #include "ui/waveform/rules/ViewColors.h"
@@ -53,6 +54,7 @@ BGFXWaveformWidget::BGFXWaveformWidget(QWidget* parent)
     m_scrollBar->setRange(0, 0);
     SetUpLayout();
     ConnectSignals();
+    InstallWaveformAccessible();
 }
 
 BGFXWaveformWidget::~BGFXWaveformWidget() = default;
@@ -73,6 +75,13 @@ void BGFXWaveformWidget::SetUpLayout()
     row->addLayout(column);
     row->addSpacing(SideSpacing);
     setLayout(row);
+}
+
+void BGFXWaveformWidget::SetTakesFocus(bool takesFocus)
+{
+    m_takesFocus = takesFocus;
+    setFocusPolicy(takesFocus ? Qt::StrongFocus : Qt::NoFocus);
+    update();
 }
 
 void BGFXWaveformWidget::SetLabelsFit(bool fit)

@@ -1,6 +1,7 @@
 #include "ui/waveform/BGFXWaveformDiagramWidget.h"
 #include "ui/waveform/rules/Ruler.h"
 #include "ui/waveform/rules/TimeScale.h"
+#include "ui/waveform/rules/ViewColors.h"
 
 #include <vantorAudioEngine/BGFXWaveformWidget.h>
 
@@ -50,9 +51,15 @@ void BGFXWaveformWidget::paintEvent(QPaintEvent* /*event*/)
 
 void BGFXWaveformWidget::DrawFrame(QPainter& painter) const
 {
-    painter.setPen(m_frameColor);
+    const QRect diagram = m_diagram->geometry();
     painter.setBrush(Qt::NoBrush);
-    painter.drawRect(m_diagram->geometry().adjusted(-1, -1, 0, 0));
+    if (m_takesFocus && hasFocus()) {
+        painter.setPen(QPen(AccentOf(palette()), 2.0, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
+        painter.drawRect(QRectF(diagram).adjusted(-1.0, -1.0, 1.0, 1.0));
+        return;
+    }
+    painter.setPen(m_frameColor);
+    painter.drawRect(diagram.adjusted(-1, -1, 0, 0));
 }
 
 void BGFXWaveformWidget::DrawRuler(QPainter& painter)
