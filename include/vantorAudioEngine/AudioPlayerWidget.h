@@ -144,6 +144,11 @@ public:
     /** The first and the last time that show, in seconds. */
     [[nodiscard]] std::pair<double, double> GetVisibleRange() const;
 
+    /** What shows at a place of this widget: the time in seconds, and the lowest and the highest sample; see
+     *  BGFXWaveformWidget. */
+    [[nodiscard]] double GetTimeAt(const QPoint& position) const;
+    [[nodiscard]] std::pair<double, double> GetLevelAt(const QPoint& position) const;
+
     /** Seconds of silence shown behind the audio. */
     [[nodiscard]] double GetDelay() const;
     void SetDelay(double delay);

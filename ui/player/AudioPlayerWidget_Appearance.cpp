@@ -56,6 +56,16 @@ void AudioPlayerWidget::UseFlexibleSizes()
     new FlexibleSizes(*this, m_internals->controls);
 }
 
+double AudioPlayerWidget::GetTimeAt(const QPoint& position) const
+{
+    return m_waveformWidget->GetTimeAt(m_waveformWidget->mapFrom(this, position));
+}
+
+std::pair<double, double> AudioPlayerWidget::GetLevelAt(const QPoint& position) const
+{
+    return m_waveformWidget->GetLevelAt(m_waveformWidget->mapFrom(this, position));
+}
+
 void AudioPlayerWidget::SetFollowsPosition(bool follows)
 {
     m_waveformWidget->SetFollowsPosition(follows);

@@ -1,8 +1,11 @@
 #include "ui/waveform/BGFXWaveformDiagramWidget.h"
 
+#include "ui/waveform/drawing/Projection.h"
 #include "ui/waveform/rules/ViewNavigation.h"
 
 #include <QtCore/QMutexLocker>
+
+#include <limits>
 
 namespace vantoraudio::vantorAudioEngine::UI {
 
@@ -123,6 +126,17 @@ double BGFXWaveformDiagramWidget::GetSelectionStartTime() const
 double BGFXWaveformDiagramWidget::GetSelectionEndTime() const
 {
     return m_selection.isPresent ? m_selection.times.second : 0.0;
+}
+
+std::pair<double, double> BGFXWaveformDiagramWidget::GetLevelAt(int x) const
+{
+    constexpr double none = std::numeric_limits<double>::quiet_NaN();
+    if (!HasAudio() || x < 0 || x >= width()) {
+        return {none, none};
+    }
+    const auto levels = m_geometry.LevelsBetween(ToCoordinate(TimeAt(x - 0.5) - m_buffer.start),
+                                                 ToCoordinate(TimeAt(x + 0.5) - m_buffer.start));
+    return levels ? std::pair<double, double>(levels->low, levels->high) : std::pair(none, none);
 }
 
 void BGFXWaveformDiagramWidget::SetSceneRange(double left, double right)

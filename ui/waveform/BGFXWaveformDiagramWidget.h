@@ -82,6 +82,8 @@ public:
     void SetWheelZoomFactor(double factor);
 
     [[nodiscard]] double GetTimeAt(int x) const { return TimeAt(x); }
+    /** The lowest and the highest level drawn in a pixel column; not-a-number where there is none. */
+    [[nodiscard]] std::pair<double, double> GetLevelAt(int x) const;
     [[nodiscard]] QRectF GetSceneRect() const { return m_sceneRect; }
     /** Both edges are brought into the total length. */
     void SetSceneRange(double left, double right);

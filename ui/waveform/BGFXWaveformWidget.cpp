@@ -199,6 +199,11 @@ double BGFXWaveformWidget::GetTimeAt(const QPoint& position) const
     return m_diagram->GetTimeAt(m_diagram->mapFrom(this, position).x());
 }
 
+std::pair<double, double> BGFXWaveformWidget::GetLevelAt(const QPoint& position) const
+{
+    return m_diagram->GetLevelAt(m_diagram->mapFrom(this, position).x());
+}
+
 std::pair<double, double> BGFXWaveformWidget::GetVisibleRange() const
 {
     const QRectF rect = m_diagram->GetSceneRect();

@@ -73,6 +73,9 @@ private Q_SLOTS:
     void theWheelTurnsTheWayItIsTold_data();
     void theWheelTurnsTheWayItIsTold();
     void theDelayIsThatOfTheWaveform();
+    void theChoicesAreThoseOfTheWaveform();
+    void theWheelZoomsAsTheWaveformIsTold();
+    void timeAndLevelAreThoseOfTheWaveform();
     void theEditModeIsThatOfTheWaveform();
 };
 
@@ -189,6 +192,47 @@ void PlayerAppearanceTest::theDelayIsThatOfTheWaveform()
     QCOMPARE(player.View().GetDelay(), 1.5);
     player.View().SetDelay(0.5);
     QCOMPARE(player.widget.GetDelay(), 0.5);
+}
+
+void PlayerAppearanceTest::theChoicesAreThoseOfTheWaveform()
+{
+    Widget widget;
+    const BGFXWaveformWidget& view = Access::Waveform(widget);
+    for (const bool isOn : {true, false}) {
+        widget.SetFollowsPosition(isOn);
+        widget.SetLabelsFit(isOn);
+        widget.SetColorsFollowPalette(isOn);
+        widget.SetWaveformTakesFocus(isOn);
+        QCOMPARE(view.GetFollowsPosition(), isOn);
+        QCOMPARE(view.GetLabelsFit(), isOn);
+        QCOMPARE(view.GetColorsFollowPalette(), isOn);
+        QCOMPARE(view.GetTakesFocus(), isOn);
+    }
+}
+
+void PlayerAppearanceTest::theWheelZoomsAsTheWaveformIsTold()
+{
+    ShownPlayer player;
+    player.widget.SetWheelZoomFactor(2.0);
+    player.widget.ShowRange(0.25, 0.75);
+    auto* diagram = player.widget.findChild<QWidget*>(u"BGFXWaveformDiagramWidget"_s);
+    const QPoint middle = diagram->rect().center();
+    QWheelEvent forward(middle, diagram->mapToGlobal(middle), QPoint(), QPoint(0, 120), Qt::NoButton,
+                        Qt::ControlModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(diagram, &forward);
+    const auto [left, right] = player.widget.GetVisibleRange();
+    QVERIFY(qAbs(right - left - 0.25) < 1e-9);
+}
+
+void PlayerAppearanceTest::timeAndLevelAreThoseOfTheWaveform()
+{
+    ShownPlayer player;
+    QTRY_VERIFY(player.View().GetLevelAt(player.View().rect().center()).second > 0.0);
+    const QPoint middle = player.View().rect().center();
+    const QPoint inPlayer = player.View().mapTo(&player.widget, middle);
+    QCOMPARE(player.widget.GetTimeAt(inPlayer), player.View().GetTimeAt(middle));
+    QCOMPARE(player.widget.GetLevelAt(inPlayer), player.View().GetLevelAt(middle));
+    QVERIFY(player.widget.GetLevelAt(inPlayer).first < player.widget.GetLevelAt(inPlayer).second);
 }
 
 void PlayerAppearanceTest::theEditModeIsThatOfTheWaveform()

@@ -7,6 +7,7 @@
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QVBoxLayout>
 
+#include <cmath>
 #include <limits>
 
 using namespace vantoraudio::vantorAudioEngine::UI;
@@ -284,6 +285,48 @@ private Q_SLOTS:
         QVERIFY(!Access::IconOf(widget).isValid());
         widget.SetAudioPositionIcon(u":/Resources/vantoraudioArrowDownLightBlue.svg"_s);
         QVERIFY(Access::IconOf(widget).isValid());
+    }
+
+    void tellsTheLevelUnderThePointer()
+    {
+        Bench bench;
+        bench.widget.grab(); // lays it out
+        bench.diagram.resize(1000, 100);
+        QList<float> samples(100'000, 0.0F);
+        samples[50'010] = 0.75F; // 50.01 seconds: column 500
+        samples[50'090] = -0.25F;
+        bench.widget.UpdateAudioSampleBuffer(samples);
+        const QPoint left = bench.diagram.pos();
+        QCOMPARE(bench.widget.GetLevelAt(left + QPoint(500, 7)), Pair(-0.25, 0.75));
+        QCOMPARE(bench.widget.GetLevelAt(left + QPoint(500, -5000)), Pair(-0.25, 0.75));
+        QCOMPARE(bench.widget.GetLevelAt(left + QPoint(499, 7)), Pair(0.0, 0.0));
+        QCOMPARE(bench.widget.GetLevelAt(left + QPoint(501, 7)), Pair(0.0, 0.0));
+    }
+
+    void tellsNoLevelWhereNoneIs_data()
+    {
+        QTest::addColumn<double>("duration");
+        QTest::addColumn<int>("x");
+        QTest::newRow("left of the waveform") << 100.0 << -1;
+        QTest::newRow("right of it") << 100.0 << 1000;
+        QTest::newRow("far away") << 100.0 << intMax / 2;
+        QTest::newRow("behind the samples") << 100.0 << 900;
+        QTest::newRow("no file") << 0.0 << 100;
+        QTest::newRow("no length") << std::numeric_limits<double>::quiet_NaN() << 100;
+        QTest::newRow("infinite length") << std::numeric_limits<double>::infinity() << 100;
+    }
+
+    void tellsNoLevelWhereNoneIs()
+    {
+        QFETCH(const double, duration);
+        QFETCH(const int, x);
+        Bench bench;
+        bench.widget.grab(); // lays it out
+        bench.diagram.resize(1000, 100);
+        bench.widget.Initilize(FormatOf(1000), duration);
+        bench.widget.UpdateAudioSampleBuffer(QList<float>(80'000, 0.5F));
+        const auto [low, high] = bench.widget.GetLevelAt(bench.diagram.pos() + QPoint(x, 10));
+        QVERIFY(std::isnan(low) && std::isnan(high));
     }
 
     void sceneRectRequestsAreBroughtIntoTheFile()

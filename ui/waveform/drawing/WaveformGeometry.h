@@ -3,6 +3,7 @@
 #include "render/bgfx/bgfx.h"
 #include "render/vantor3D/Vertex.h"
 #include "ui/waveform/drawing/DrawnVertices.h"
+#include "ui/waveform/drawing/LevelRange.h"
 #include "ui/waveform/drawing/SampleExtremes.h"
 #include "ui/waveform/drawing/WaveformVertices.h"
 
@@ -46,6 +47,12 @@ public:
     [[nodiscard]] bool IsEmpty() const { return m_strip.IsEmpty(); }
     /** The greatest magnitude of the samples; those that are infinite or not-a-number do not count. */
     [[nodiscard]] float Peak() const { return m_extremes.Peak(); }
+
+    /** See LevelsWithin(); the times count from the first vertex. */
+    [[nodiscard]] std::optional<LevelRange> LevelsBetween(float left, float right) const
+    {
+        return LevelsWithin(m_strip, m_extremes, left, right);
+    }
 
     /** Submits to a bgfx view what shows of the strip; uniforms are the caller's. */
     void Draw(bgfx::ViewId view, bgfx::ProgramHandle program, const StripView& visible);
