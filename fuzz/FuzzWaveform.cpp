@@ -66,6 +66,7 @@ private:
         case 7:
             m_widget->SetEditMode(m_input.ConsumeBool());
             m_widget->SetScrollBackToZoomOut(m_input.ConsumeBool());
+            Choose();
             break;
         case 8:
             Decorate();
@@ -73,6 +74,15 @@ private:
         default:
             m_widget->grab();
         }
+    }
+
+    void Choose()
+    {
+        m_widget->SetFollowsPosition(m_input.ConsumeBool());
+        m_widget->SetWheelZoomFactor(Number());
+        m_widget->SetLabelsFit(m_input.ConsumeBool());
+        m_widget->SetColorsFollowPalette(m_input.ConsumeBool());
+        m_widget->SetTakesFocus(m_input.ConsumeBool());
     }
 
     void ChangeFile()
@@ -176,6 +186,8 @@ private:
         Require(start == m_widget->GetSelectionStartTime() && end == m_widget->GetSelectionEndTime());
         Require(!m_wasToldTimes || std::isfinite(m_widget->GetAudioPosition()));
         Require(!m_wasToldTimes || std::isfinite(m_widget->GetDelay()));
+        const auto [low, high] = m_widget->GetLevelAt({80, 45});
+        Require(low <= high || (std::isnan(low) && std::isnan(high)));
     }
 
     Fuzzing::Input& m_input;

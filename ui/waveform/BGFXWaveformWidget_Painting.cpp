@@ -95,7 +95,8 @@ void BGFXWaveformWidget::DrawRulerThatFits(QPainter& painter, const std::vector<
         const double x = diagram.left() + XInDiagram(view, time, m_diagram->width());
         DrawRulerTick(painter, x, diagram);
         const int width = metrics.horizontalAdvance(UI::FormatToTime(time));
-        labels.push_back({.step = std::llround(time / m_scale), .left = x - width / 2, .width = double(width)});
+        const int halfWidth = width / 2;
+        labels.push_back({.step = std::llround(time / m_scale), .left = x - halfWidth, .width = double(width)});
     }
     // The topmost amplitude label reaches up to the ruler.
     const int left = diagram.left() - TickLength;
@@ -126,6 +127,7 @@ void BGFXWaveformWidget::DrawAmplitudeLabelsThatFit(QPainter& painter) const
 {
     const QRect diagram = m_diagram->geometry();
     const QFontMetrics metrics = painter.fontMetrics();
+    const int halfHeight = metrics.height() / 2;
     std::vector<QRectF> drawn;
     // The one in the middle comes last: a low diagram has no room for it.
     for (const int k : {0, 2, 1}) {
@@ -133,7 +135,7 @@ void BGFXWaveformWidget::DrawAmplitudeLabelsThatFit(QPainter& painter) const
         DrawAmplitudeTick(painter, y, diagram);
         const QString text = AmplitudeLabel(m_diagram->GetSceneRect().height(), k);
         const int width = metrics.horizontalAdvance(text);
-        const double top = std::max(0.0, std::min(y - metrics.height() / 2, double(height() - metrics.height())));
+        const double top = std::max(0.0, std::min(y - halfHeight, double(height() - metrics.height())));
         const QRectF place(diagram.left() - TickLength - width, top, width, metrics.height());
         if (std::none_of(drawn.begin(), drawn.end(),
                          [&](const QRectF& other) { return other.intersects(place); })) {

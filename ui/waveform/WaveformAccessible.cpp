@@ -41,11 +41,11 @@ public:
         if (type == QAccessible::Value) {
             return BGFXWaveformWidget::tr("%1 of %2").arg(FormatToTime(Position()), FormatToTime(Length()));
         }
-        const QString text = QAccessibleWidget::text(type);
-        if (type == QAccessible::Description) {
-            return text.isEmpty() ? Selection() : text + u' ' + Selection();
+        if (type != QAccessible::Description) {
+            return QAccessibleWidget::text(type);
         }
-        return text;
+        const QString own = QAccessibleWidget::text(type);
+        return own.isEmpty() ? Selection() : own + u' ' + Selection();
     }
 
     [[nodiscard]] QVariant currentValue() const override { return Position(); }

@@ -59,7 +59,7 @@ std::vector<RulerLabel> OnMultiplesOf(std::int64_t steps, const std::vector<Rule
 std::vector<RulerLabel> SparseEnough(const std::vector<RulerLabel>& labels, double gap)
 {
     for (const std::int64_t steps : {1, 2, 5, 10}) {
-        const auto found = OnMultiplesOf(steps, labels);
+        auto found = OnMultiplesOf(steps, labels);
         if (!found.empty() && AreAllApart(found, gap)) {
             return found;
         }
