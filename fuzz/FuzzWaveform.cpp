@@ -80,6 +80,7 @@ private:
     {
         m_widget->SetFollowsPosition(m_input.ConsumeBool());
         m_widget->SetWheelZoomFactor(Number());
+        m_widget->SetPositionRate(Number());
         m_widget->SetLabelsFit(m_input.ConsumeBool());
         m_widget->SetColorsFollowPalette(m_input.ConsumeBool());
         m_widget->SetTakesFocus(m_input.ConsumeBool());

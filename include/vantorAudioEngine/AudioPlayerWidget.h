@@ -234,6 +234,9 @@ public:
     void SetScaleColor(const QColor& color);
     void SetWaveformColor(const QColor& color);
     // The same of what programs may want otherwise, see there, too.
+    /** The position line moves as often as screens show a picture while the file plays, instead of with the
+     * player's reports. Off at first. */
+    void SetPositionMovesSmoothly(bool smoothly);
     void SetFollowsPosition(bool follows);
     void SetWheelZoomFactor(double factor);
     void SetLabelsFit(bool fit);

@@ -90,6 +90,13 @@ public:
      *  the position. AudioPositionChanged() is not emitted. */
     void SetAudioPosition(double position);
     [[nodiscard]] double GetAudioPosition() const;
+    /** How fast the position line moves on by itself between two calls of SetAudioPosition(), in seconds of the
+     * file a second: the speed of a file that plays, or 0, as at first, of one that does not. The line then moves
+     * as often as screens show a picture, for half a second at most without a call, and not beyond the end of the
+     * file; it waits rather than go back by less than a tenth of a second. GetAudioPosition() and the visible
+     * range know only what was set. A rate that is not above 0 and at most 16 counts as 0; Initilize() and
+     *  Reset() set it to 0. */
+    void SetPositionRate(double rate);
     /** Whether SetAudioPosition() moves the visible range, as at first, or only the line. */
     void SetFollowsPosition(bool follows);
     [[nodiscard]] bool GetFollowsPosition() const;

@@ -2,6 +2,7 @@
 #include "ui/player/Internals.h"
 #include "ui/player/LibraryIcon.h"
 
+#include <vantorAudioEngine/AudioPlayer.h>
 #include <vantorAudioEngine/AudioPlayerWidget.h>
 #include <vantorAudioEngine/BGFXWaveformWidget.h>
 
@@ -64,6 +65,23 @@ double AudioPlayerWidget::GetTimeAt(const QPoint& position) const
 std::pair<double, double> AudioPlayerWidget::GetLevelAt(const QPoint& position) const
 {
     return m_waveformWidget->GetLevelAt(m_waveformWidget->mapFrom(this, position));
+}
+
+void AudioPlayerWidget::SetPositionMovesSmoothly(bool smoothly)
+{
+    // The only connections between the two; all others pass through this widget.
+    disconnect(m_audioPlayer, nullptr, m_waveformWidget, nullptr);
+    if (!smoothly) {
+        m_waveformWidget->SetPositionRate(0.0);
+        return;
+    }
+    const auto passOn = [player = m_audioPlayer, view = m_waveformWidget] {
+        const bool isPlaying = player->playbackState() == QMediaPlayer::PlayingState;
+        view->SetPositionRate(isPlaying ? player->playbackRate() : 0.0);
+    };
+    connect(m_audioPlayer, &QMediaPlayer::playbackStateChanged, m_waveformWidget, passOn);
+    connect(m_audioPlayer, &QMediaPlayer::playbackRateChanged, m_waveformWidget, passOn);
+    passOn();
 }
 
 void AudioPlayerWidget::SetFollowsPosition(bool follows)

@@ -5,9 +5,18 @@
 
 #include <QtCore/QMutexLocker>
 
+#include <algorithm>
+#include <cmath>
 #include <limits>
 
 namespace vantoraudio::vantorAudioEngine::UI {
+namespace {
+
+constexpr double FastestRate = 16.0;
+/** Milliseconds: about as often as screens show a picture. */
+constexpr int LineInterval = 16;
+
+} // namespace
 
 BGFXWaveformDiagramWidget::BGFXWaveformDiagramWidget(QWidget* parent) : BGFXOffscreenWidget(parent)
 {
@@ -28,6 +37,7 @@ void BGFXWaveformDiagramWidget::Reset()
     m_audioPosition = 0.0;
     m_grab = {};
     m_borderScroll.stop();
+    m_lineTimer.stop();
     m_selection.isPresent = false;
     m_selectionAtGrab = {0.0, 0.0};
     if (Tell(&BGFXWaveformDiagramWidget::SelectionChanged, {0.0, 0.0})) {
@@ -60,6 +70,10 @@ void BGFXWaveformDiagramWidget::SetDelay(double delay)
 void BGFXWaveformDiagramWidget::SetAudioPosition(double position, bool clearSelection)
 {
     m_audioPosition = position;
+    if (m_lineTimer.isActive()) {
+        m_moving.Report(position, m_clock.elapsed());
+        m_shownPosition = LineAt(m_clock.elapsed());
+    }
     if (clearSelection) {
         m_selection.isPresent = false;
     }
@@ -74,6 +88,44 @@ void BGFXWaveformDiagramWidget::SetAudioPosition(double position, bool clearSele
         return;
     }
     Changed();
+}
+
+void BGFXWaveformDiagramWidget::SetPositionRate(double rate)
+{
+    if (!(rate > 0.0 && rate <= FastestRate)) {
+        if (m_lineTimer.isActive()) {
+            m_lineTimer.stop();
+            Changed();
+        }
+        return;
+    }
+    if (!m_lineTimer.isActive()) {
+        m_clock.start();
+        m_moving = MovingPosition(m_audioPosition);
+        m_shownPosition = m_audioPosition;
+        m_lineTimer.start(LineInterval, this);
+    }
+    m_moving.SetRate(rate, m_clock.elapsed());
+}
+
+/** The line waits at the end of the file. */
+double BGFXWaveformDiagramWidget::LineAt(qint64 now) const
+{
+    return std::min(m_moving.At(now), std::max(m_audioPosition, m_duration));
+}
+
+/** Only where it reaches another pixel. */
+void BGFXWaveformDiagramWidget::MoveLine()
+{
+    const auto pixelOf = [this](double time) {
+        return std::floor(PixelAtTime(View(), time, width()) * devicePixelRatioF());
+    };
+    const double former = GetShownPosition();
+    m_shownPosition = LineAt(m_clock.elapsed());
+    // Pixels are whole numbers, unless the position or the view is not finite.
+    if (isVisible() && HasAudio() && std::abs(pixelOf(GetShownPosition()) - pixelOf(former)) >= 1.0) {
+        Changed();
+    }
 }
 
 void BGFXWaveformDiagramWidget::SetSelectedSnippet(std::pair<double, double> snippet)

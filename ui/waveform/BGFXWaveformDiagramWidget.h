@@ -4,6 +4,7 @@
 #include "render/vantor3DQt/BGFXViewContext.h"
 #include "ui/waveform/drawing/WaveformGeometry.h"
 #include "ui/waveform/drawing/WaveformProgram.h"
+#include "ui/waveform/rules/MovingPosition.h"
 #include "ui/waveform/rules/Ruler.h"
 #include "ui/waveform/rules/SampleRequest.h"
 #include "ui/waveform/rules/SelectionRules.h"
@@ -11,6 +12,7 @@
 #include <vantorAudioEngine/BGFXWaveformWidget.h>
 
 #include <QtCore/QBasicTimer>
+#include <QtCore/QElapsedTimer>
 #include <QtCore/QList>
 #include <QtCore/QMutex>
 #include <QtCore/QPoint>
@@ -60,6 +62,15 @@ public:
     /** Moves the position line and lets the visible range follow it, unless that is to stay. */
     void SetAudioPosition(double position, bool clearSelection);
     [[nodiscard]] double GetAudioPosition() const { return m_audioPosition; }
+    /** How fast the position line moves between two positions that are set, in seconds a second; it stands still
+     * unless above 0 and at most 16. */
+    void SetPositionRate(double rate);
+    /** Where the line is drawn. */
+    [[nodiscard]] double GetShownPosition() const
+    {
+        return m_lineTimer.isActive() && m_moving.Reported() == m_audioPosition ? m_shownPosition
+                                                                                : m_audioPosition;
+    }
     void SetFollowsPosition(bool follows) { m_followsPosition = follows; }
     [[nodiscard]] bool GetFollowsPosition() const { return m_followsPosition; }
 
@@ -123,7 +134,7 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
-    /** A drag past the border scrolls. */
+    /** A drag past the border scrolls, and the position line moves. */
     void timerEvent(QTimerEvent* event) override;
 
 private:
@@ -165,6 +176,9 @@ private:
     bool SceneRectMoved();
     void Select(const SelectionTimes& candidate);
 
+    [[nodiscard]] double LineAt(qint64 now) const;
+    void MoveLine();
+    void ScrollAtBorder();
     void HoverAt(int x);
     [[nodiscard]] double DragTimeAt(int x) const;
     // False when a receiver of their signals has destroyed this widget.
@@ -194,6 +208,12 @@ private:
     double m_requestedStart = 0.0;
     int m_stepSize = 1;
     double m_audioPosition = 0.0;
+    /** Runs while the line moves by itself. Then the position may also be set in other ways than by a report; the
+     * line stands there until the next one. */
+    QBasicTimer m_lineTimer;
+    QElapsedTimer m_clock;
+    MovingPosition m_moving;
+    double m_shownPosition = 0.0;
     Selection m_selection;
     SelectionTimes m_selectionAtGrab{0.0, 0.0};
     BGFXWaveformWidget::Interactions m_interactions;

@@ -138,7 +138,7 @@ void BGFXWaveformDiagramWidget::DrawWaveform()
 void BGFXWaveformDiagramWidget::DrawPosition()
 {
     const std::array line = {
-        VerticalLine(m_audioPosition - m_buffer.start, m_amplitudeExtent, m_positionMarkerColor)};
+        VerticalLine(GetShownPosition() - m_buffer.start, m_amplitudeExtent, m_positionMarkerColor)};
     Renderer().DrawLines(m_overlayView, line);
 }
 

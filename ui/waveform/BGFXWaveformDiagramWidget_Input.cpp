@@ -140,10 +140,17 @@ void BGFXWaveformDiagramWidget::SetWheelZoomFactor(double factor)
 
 void BGFXWaveformDiagramWidget::timerEvent(QTimerEvent* event)
 {
-    if (event->timerId() != m_borderScroll.timerId()) {
+    if (event->timerId() == m_lineTimer.timerId()) {
+        MoveLine();
+    } else if (event->timerId() == m_borderScroll.timerId()) {
+        ScrollAtBorder();
+    } else {
         BGFXOffscreenWidget::timerEvent(event);
-        return;
     }
+}
+
+void BGFXWaveformDiagramWidget::ScrollAtBorder()
+{
     const double left = ScrolledByDrag(View(), m_dragPosition.x(), width(), GetTotalLength());
     if (left == m_sceneRect.left()) {
         m_borderScroll.stop();

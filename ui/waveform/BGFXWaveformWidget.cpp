@@ -169,6 +169,11 @@ double BGFXWaveformWidget::GetAudioPosition() const
     return m_diagram->GetAudioPosition();
 }
 
+void BGFXWaveformWidget::SetPositionRate(double rate)
+{
+    m_diagram->SetPositionRate(rate);
+}
+
 void BGFXWaveformWidget::SetFollowsPosition(bool follows)
 {
     m_diagram->SetFollowsPosition(follows);

@@ -149,7 +149,7 @@ void BGFXWaveformWidget::DrawPositionMarker(QPainter& painter) const
 {
     const QRect diagram = m_diagram->geometry();
     const ViewRange view = HorizontalRange(m_diagram->GetSceneRect());
-    const double x = XInDiagram(view, m_diagram->GetAudioPosition(), m_diagram->width());
+    const double x = XInDiagram(view, m_diagram->GetShownPosition(), m_diagram->width());
     if (!(0.0 <= x && x <= diagram.width())) {
         return;
     }

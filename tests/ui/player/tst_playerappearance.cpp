@@ -1,6 +1,7 @@
 #include "tests/support/SoundServer.h"
 #include "tests/support/Tone.h"
 #include "tests/ui/player/LoadedPlayer.h"
+#include "ui/waveform/BGFXWaveformDiagramWidget.h"
 
 #include <QtGui/QWheelEvent>
 #include <QtTest/QSignalSpy>
@@ -76,6 +77,7 @@ private Q_SLOTS:
     void theChoicesAreThoseOfTheWaveform();
     void theWheelZoomsAsTheWaveformIsTold();
     void timeAndLevelAreThoseOfTheWaveform();
+    void thePositionLineMovesBetweenReportsWhenToldTo();
     void theEditModeIsThatOfTheWaveform();
 };
 
@@ -233,6 +235,31 @@ void PlayerAppearanceTest::timeAndLevelAreThoseOfTheWaveform()
     QCOMPARE(player.widget.GetTimeAt(inPlayer), player.View().GetTimeAt(middle));
     QCOMPARE(player.widget.GetLevelAt(inPlayer), player.View().GetLevelAt(middle));
     QVERIFY(player.widget.GetLevelAt(inPlayer).first < player.widget.GetLevelAt(inPlayer).second);
+}
+
+void PlayerAppearanceTest::thePositionLineMovesBetweenReportsWhenToldTo()
+{
+    ShownPlayer player;
+    const auto& line = *player.widget.findChild<BGFXWaveformDiagramWidget*>();
+    player.widget.SetLoop(true);
+    player.widget.Play();
+    const double start = line.GetAudioPosition();
+    QTRY_VERIFY(line.GetAudioPosition() != start);
+    QCOMPARE(line.GetShownPosition(), line.GetAudioPosition());
+    // While it plays already, and when it goes on.
+    player.widget.SetPositionMovesSmoothly(true);
+    QTRY_VERIFY(line.GetShownPosition() > line.GetAudioPosition());
+    player.widget.Pause();
+    QTRY_COMPARE(line.GetShownPosition(), line.GetAudioPosition());
+    player.widget.Play();
+    QTRY_VERIFY(line.GetShownPosition() > line.GetAudioPosition());
+    player.widget.SetPositionMovesSmoothly(false);
+    QCOMPARE(line.GetShownPosition(), line.GetAudioPosition());
+    player.widget.Pause();
+    player.widget.Play();
+    const double paused = line.GetAudioPosition();
+    QTRY_VERIFY(line.GetAudioPosition() != paused);
+    QCOMPARE(line.GetShownPosition(), line.GetAudioPosition());
 }
 
 void PlayerAppearanceTest::theEditModeIsThatOfTheWaveform()

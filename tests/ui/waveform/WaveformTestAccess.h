@@ -37,6 +37,8 @@ public:
     static SelectionTimes SelectionAtGrab(const Diagram& diagram) { return diagram.m_selectionAtGrab; }
     static Grab& GrabOf(Diagram& diagram) { return diagram.m_grab; }
     static bool IsBorderScrolling(const Diagram& diagram) { return diagram.m_borderScroll.isActive(); }
+    static bool IsLineMoving(const Diagram& diagram) { return diagram.m_lineTimer.isActive(); }
+    static void TickLine(Diagram& diagram) { diagram.MoveLine(); }
     static bool ScrollBackToZoomOut(const Diagram& diagram) { return diagram.m_scrollBackToZoomOut; }
     static double AmplitudeExtentOf(const Diagram& diagram) { return diagram.m_amplitudeExtent; }
     static QMutex& BufferLock(Diagram& diagram) { return diagram.m_bufferLock; }
