@@ -26,3 +26,8 @@ QString DescribeExistingFile(const QString& path)
 {
     return Quoted("“%1” is there already: please choose another name.", path);
 }
+
+QString DescribeReplacement(const QString& path)
+{
+    return Quoted("“%1” is there already. Do you want to replace it?", path);
+}

@@ -11,3 +11,6 @@ QString DescribeChannelFailure(const QString& path);
 
 /** For a file that stands where another one is to be written. */
 QString DescribeExistingFile(const QString& path);
+
+/** Asks whether a file that stands there is to be replaced. */
+QString DescribeReplacement(const QString& path);

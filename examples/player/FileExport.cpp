@@ -2,7 +2,6 @@
 
 #include <QtConcurrent/QtConcurrentRun>
 #include <QtCore/QFileInfo>
-#include <QtCore/QThread>
 
 #include <chrono>
 
@@ -12,22 +11,16 @@ FileExport::FileExport(QObject* parent) : QObject(parent)
 {
     connect(&m_watcher, &QFutureWatcher<bool>::finished, this, &FileExport::OnFinished);
     m_refresh.setInterval(50ms);
-    m_refresh.callOnTimeout(this, [this] {
-        Q_EMIT Progressed(m_percent, 0, 100, tr("Exporting"));
-        AbortIfCancelled();
-    });
+    m_refresh.callOnTimeout(this, [this] { Q_EMIT Progressed(m_source->Percent(), 0, 100, tr("Exporting")); });
 }
 
 FileExport::~FileExport()
 {
     m_watcher.disconnect(this);
     Cancel();
-    while (m_watcher.isRunning()) {
-        AbortIfCancelled();
-        QThread::yieldCurrentThread();
-    }
-    if (m_isCancelled) {
-        QFile::remove(m_outPath);
+    if (IsRunning()) {
+        m_watcher.waitForFinished();
+        static_cast<void>(KeepsResult());
     }
 }
 
@@ -39,17 +32,14 @@ bool FileExport::IsRunning() const
 void FileExport::Start(const QString& sourcePath, WavFile::ChannelFormat channel, const QString& outPath,
                        Task task)
 {
-    m_source = std::make_unique<WavFile>();
+    m_source = std::make_unique<ExportSource>();
     m_source->SetLargeFiles(true);
+    m_source->SetKeepParts(false);
+    m_source->SetSelectedChannel(channel);
     m_outPath = outPath;
     m_isRunning = true;
     m_isCancelled = false;
-    m_percent = 0;
-    m_source->SetSelectedChannel(channel);
-    // Kept as a number and shown by the timer: a long file reports hundreds of thousands of blocks, which as
-    // events would keep the window busy for longer than the export takes.
-    const auto keepPercent = [this](int progress) { m_percent = progress; };
-    connect(m_source.get(), &WavFile::ProgressChanged, this, keepPercent, Qt::DirectConnection);
+    m_isNew = !QFileInfo::exists(outPath);
     // Opened at once: the file may have gone before a thread is free, because another one was loaded.
     const bool isOpen = m_source->Open(sourcePath) == WavFile::Success;
     m_watcher.setFuture(QtConcurrent::run(
@@ -59,31 +49,29 @@ void FileExport::Start(const QString& sourcePath, WavFile::ChannelFormat channel
 
 void FileExport::Cancel()
 {
-    if (!IsRunning()) {
-        return;
+    if (IsRunning()) {
+        m_isCancelled = true;
+        m_source->Cancel();
     }
-    m_isCancelled = true;
-    AbortIfCancelled();
 }
 
-/** A task that is still queued clears the flags when it starts, so they are set again and again. */
-void FileExport::AbortIfCancelled()
+/** Whether there is a new file that stays. The user may cancel in the moment in which it is finished. */
+bool FileExport::KeepsResult() const
 {
-    if (m_isCancelled) {
-        m_source->AbortWrite();
-        m_source->AbortChannelFilter();
+    if (!m_watcher.result()) {
+        return false;
     }
+    return !m_isCancelled || !m_isNew || !QFile::remove(m_outPath);
 }
 
 void FileExport::OnFinished()
 {
     m_isRunning = false;
     m_refresh.stop();
-    if (m_isCancelled) {
-        QFile::remove(m_outPath);
-        Q_EMIT Cancelled(m_outPath);
-    } else if (m_watcher.result()) {
+    if (KeepsResult()) {
         Q_EMIT Saved(m_outPath);
+    } else if (m_isCancelled) {
+        Q_EMIT Cancelled(m_outPath);
     } else {
         Q_EMIT Failed(m_outPath);
     }

@@ -1,22 +1,22 @@
 #pragma once
 
-#include <vantorAudioEngine/WavFile.h>
+#include "ExportSource.h"
 
 #include <QtCore/QFutureWatcher>
 #include <QtCore/QObject>
 #include <QtCore/QTimer>
 
-#include <atomic>
 #include <functional>
 #include <memory>
 
-/** Writes one file at a time in the background, from a source of its own, beside whatever the player does. */
+/** Writes one file at a time in the background, from a source of its own, beside whatever the player does. A
+ *  failed or cancelled export leaves nothing behind, and an older file of that name as it was. */
 class FileExport : public QObject
 {
     Q_OBJECT
 
 public:
-    /** Writes the file; false on failure. Runs on a worker thread. */
+    /** Writes the file; false on failure, which leaves nothing behind. Runs on a worker thread. */
     using Task = std::function<bool(WavFile& source)>;
 
     explicit FileExport(QObject* parent = nullptr);
@@ -27,7 +27,8 @@ public:
     /** Runs `task`, which writes `outPath`, on the file `sourcePath`, which may be removed as soon as this
      * returns. Not while another one runs. */
     void Start(const QString& sourcePath, WavFile::ChannelFormat channel, const QString& outPath, Task task);
-    /** Stops as soon as the task allows it, and removes what it wrote. */
+    /** Returns at once; Cancelled() follows. Saved() when the new file has taken the place of an older one
+     *  already. */
     void Cancel();
 
 Q_SIGNALS:
@@ -37,14 +38,14 @@ Q_SIGNALS:
     void Cancelled(const QString& path);
 
 private:
-    void AbortIfCancelled();
+    bool KeepsResult() const;
     void OnFinished();
 
-    std::unique_ptr<WavFile> m_source;
+    std::unique_ptr<ExportSource> m_source;
     QString m_outPath;
     QFutureWatcher<bool> m_watcher;
-    std::atomic<int> m_percent = 0;
     bool m_isRunning = false;
     bool m_isCancelled = false;
+    bool m_isNew = false;
     QTimer m_refresh;
 };

@@ -31,10 +31,16 @@ public:
     /** Shows the file as soon as it is ready to play, and ends with Opened(), OpenFailed() or OpenCancelled().
      *  After a failure a sentence above the waveform tells the reason. The former file stays until then. */
     void OpenFile(const QString& path);
-    /** These write a new file in the background and end with ExportEnded(). An existing file is left alone. */
-    void ExportSelection(const QString& outPath);
-    void ExportChannel(const QString& outPath, WavFile::ChannelFormat channel);
-    void ConvertFile(const QString& outPath, const QAudioFormat& format);
+    enum class Existing
+    {
+        Keep,
+        Replace
+    };
+    /** These write a new file in the background and end with ExportEnded(). An existing file is left alone, with a
+     *  sentence that says so, or replaced when the new one is whole. */
+    void ExportSelection(const QString& outPath, Existing existing = Existing::Keep);
+    void ExportChannel(const QString& outPath, WavFile::ChannelFormat channel, Existing existing = Existing::Keep);
+    void ConvertFile(const QString& outPath, const QAudioFormat& format, Existing existing = Existing::Keep);
     void CancelExport();
     /** Gives up what the user is waiting for: the file that is being opened, or else the export. */
     void CancelTask();
@@ -91,10 +97,11 @@ private:
     void ShowWhatCanBeCancelled();
     void EndProgressWhenIdle();
 
-    bool CanExportTo(const QString& outPath);
+    bool CanExportTo(const QString& outPath, Existing existing);
     void StartExport(const QString& outPath, WavFile::ChannelFormat channel, FileExport::Task task);
     void EndExport(const QString& message);
     QString AskForOutput(const QString& what);
+    bool MayReplace(const QString& path);
     void ShowWhatCanBeExported();
 
     void AskForSettings();

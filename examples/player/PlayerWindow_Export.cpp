@@ -4,13 +4,17 @@
 #include "TaskProgress.h"
 
 #include <QtCore/QDir>
+#include <QtCore/QFile>
 #include <QtCore/QFileInfo>
+#include <QtCore/QTemporaryDir>
 #include <QtWidgets/QFileDialog>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QMenu>
+#include <QtWidgets/QMessageBox>
 #include <QtWidgets/QStatusBar>
 
 #include <array>
+#include <cstdio>
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
@@ -41,6 +45,25 @@ QAudioFormat FormatOf(const Target& target)
     return format;
 }
 
+bool MoveOver(const QString& from, const QString& to)
+{
+    // QFile's own function never replaces a file.
+    return std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
+}
+
+/** FilterChannel() leaves an existing file alone, so the channel takes its place from beside it. */
+bool WriteChannel(WavFile& source, const QString& outPath)
+{
+    const QFileInfo former(outPath);
+    if (!former.exists()) {
+        return source.FilterChannel(outPath) == WavFile::Success;
+    }
+    const QTemporaryDir beside(former.canonicalPath() + u"/.export-XXXXXX"_s);
+    const QString written = beside.filePath(u"channel.wav"_s);
+    return beside.isValid() && source.FilterChannel(written) == WavFile::Success &&
+           MoveOver(written, former.canonicalFilePath());
+}
+
 } // namespace
 
 void PlayerWindow::BuildExport(QMenu* fileMenu)
@@ -57,24 +80,27 @@ void PlayerWindow::BuildExport(QMenu* fileMenu)
 
     m_exportMenu = fileMenu->addMenu(tr("&Export"));
     m_exportMenu->setObjectName("export"_L1);
-    m_selectionAction = m_exportMenu->addAction(tr("&Selection…"), QKeySequence::Save, this,
-                                                [this] { ExportSelection(AskForOutput(tr("selection"))); });
-    m_leftAction = m_exportMenu->addAction(
-        tr("&Left channel…"), this, [this] { ExportChannel(AskForOutput(tr("left")), WavFile::ChannelLeft); });
-    m_rightAction = m_exportMenu->addAction(
-        tr("&Right channel…"), this, [this] { ExportChannel(AskForOutput(tr("right")), WavFile::ChannelRight); });
+    m_selectionAction = m_exportMenu->addAction(tr("&Selection…"), QKeySequence::Save, this, [this] {
+        ExportSelection(AskForOutput(tr("selection")), Existing::Replace);
+    });
+    m_leftAction = m_exportMenu->addAction(tr("&Left channel…"), this, [this] {
+        ExportChannel(AskForOutput(tr("left")), WavFile::ChannelLeft, Existing::Replace);
+    });
+    m_rightAction = m_exportMenu->addAction(tr("&Right channel…"), this, [this] {
+        ExportChannel(AskForOutput(tr("right")), WavFile::ChannelRight, Existing::Replace);
+    });
     QMenu* conversions = m_exportMenu->addMenu(tr("&Whole file as"));
     for (const Target& target : targets) {
         conversions->addAction(tr(target.name), this, [this, format = FormatOf(target)] {
-            ConvertFile(AskForOutput(tr("converted")), format);
+            ConvertFile(AskForOutput(tr("converted")), format, Existing::Replace);
         });
     }
     ShowWhatCanBeExported();
 }
 
-void PlayerWindow::ExportSelection(const QString& outPath)
+void PlayerWindow::ExportSelection(const QString& outPath, Existing existing)
 {
-    if (!CanExportTo(outPath)) {
+    if (!CanExportTo(outPath, existing)) {
         return;
     }
     HideFailure();
@@ -87,16 +113,19 @@ void PlayerWindow::ExportSelection(const QString& outPath)
     ShowWhatCanBeExported();
 }
 
-void PlayerWindow::ExportChannel(const QString& outPath, WavFile::ChannelFormat channel)
+void PlayerWindow::ExportChannel(const QString& outPath, WavFile::ChannelFormat channel, Existing existing)
 {
-    StartExport(outPath, channel,
-                [=](WavFile& source) { return source.FilterChannel(outPath) == WavFile::Success; });
+    if (CanExportTo(outPath, existing)) {
+        StartExport(outPath, channel, [=](WavFile& source) { return WriteChannel(source, outPath); });
+    }
 }
 
-void PlayerWindow::ConvertFile(const QString& outPath, const QAudioFormat& format)
+void PlayerWindow::ConvertFile(const QString& outPath, const QAudioFormat& format, Existing existing)
 {
-    StartExport(outPath, WavFile::ChannelLeftRight,
-                [=](WavFile& source) { return source.Convert(format, outPath); });
+    if (CanExportTo(outPath, existing)) {
+        StartExport(outPath, WavFile::ChannelLeftRight,
+                    [=](WavFile& source) { return source.Convert(format, outPath); });
+    }
 }
 
 void PlayerWindow::CancelExport()
@@ -113,14 +142,13 @@ void PlayerWindow::CancelExport()
     }
 }
 
-bool PlayerWindow::CanExportTo(const QString& outPath)
+bool PlayerWindow::CanExportTo(const QString& outPath, Existing existing)
 {
     if (outPath.isEmpty() || m_player->GetAudioFileName().isEmpty() || m_export.IsRunning() ||
         !m_snippetPath.isEmpty()) {
         return false;
     }
-    // The library leaves existing channel files alone and would call that a success.
-    if (QFileInfo::exists(outPath)) {
+    if (existing == Existing::Keep && QFileInfo::exists(outPath)) {
         ShowFailure(DescribeExistingFile(outPath));
         return false;
     }
@@ -129,9 +157,6 @@ bool PlayerWindow::CanExportTo(const QString& outPath)
 
 void PlayerWindow::StartExport(const QString& outPath, WavFile::ChannelFormat channel, FileExport::Task task)
 {
-    if (!CanExportTo(outPath)) {
-        return;
-    }
     HideFailure();
     m_export.Start(m_player->GetAudioFileName(), channel, outPath, std::move(task));
     ShowWhatCanBeCancelled();
@@ -148,12 +173,29 @@ void PlayerWindow::EndExport(const QString& message)
     Q_EMIT ExportEnded();
 }
 
+/** Empty when the user gives up. An existing file may be replaced: the user has been asked. */
 QString PlayerWindow::AskForOutput(const QString& what)
 {
     const QFileInfo shown(m_player->GetOriginalAudioFilePath());
-    const QString proposal = shown.path() + u'/' + shown.completeBaseName() + u' ' + what + QStringLiteral(".wav");
-    return QFileDialog::getSaveFileName(this, tr("Export"), proposal, tr("WAV files (*.wav)"), nullptr,
-                                        QFileDialog::DontConfirmOverwrite);
+    QFileDialog dialog(this, tr("Export"), shown.path(), tr("WAV files (*.wav)"));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setDefaultSuffix(u"wav"_s);
+    dialog.selectFile(shown.completeBaseName() + u' ' + what + u".wav"_s);
+    if (dialog.exec() != QDialog::Accepted) {
+        return {};
+    }
+    const QString chosen = dialog.selectedFiles().constFirst();
+    if (chosen.endsWith(u".wav"_s, Qt::CaseInsensitive)) {
+        return chosen;
+    }
+    // The dialog adds the suffix to names without a dot only, and asks about the name that it knows.
+    const QString named = chosen + u".wav"_s;
+    return !QFileInfo::exists(named) || MayReplace(named) ? named : QString();
+}
+
+bool PlayerWindow::MayReplace(const QString& path)
+{
+    return QMessageBox::question(this, tr("Export"), DescribeReplacement(path)) == QMessageBox::Yes;
 }
 
 void PlayerWindow::ShowWhatCanBeExported()

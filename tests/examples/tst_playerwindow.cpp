@@ -1,6 +1,5 @@
 #include "DeviceMenu.h"
-#include "HostPlayer.h"
-#include "PlayerWindow.h"
+#include "PlayerWindows.h"
 #include "ScreenshotJob.h"
 #include "SettingsDialog.h"
 #include "TaskProgress.h"
@@ -13,10 +12,8 @@
 #include <QtCore/QFile>
 #include <QtCore/QMimeData>
 #include <QtCore/QProcess>
-#include <QtCore/QSemaphore>
 #include <QtCore/QStandardPaths>
 #include <QtCore/QTemporaryDir>
-#include <QtCore/QThreadPool>
 #include <QtCore/QTimer>
 #include <QtGui/QAction>
 #include <QtGui/QContextMenuEvent>
@@ -39,7 +36,6 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
-#include <memory>
 #include <string_view>
 
 using namespace Qt::Literals::StringLiterals;
@@ -49,70 +45,11 @@ namespace {
 
 const QString Recording = QStringLiteral(VANTOR_RECORDING);
 
-/** What a window has told since this was made. */
-class WindowLog
-{
-public:
-    explicit WindowLog(PlayerWindow& window)
-    {
-        QObject::connect(&window, &PlayerWindow::Opened, &m_context, [this] {
-            isOpened = true;
-            // One that was completed before is of the former file.
-            isCompleted = false;
-        });
-        QObject::connect(&window, &PlayerWindow::OpenFailed, &m_context, [this] { isRefused = true; });
-        QObject::connect(&window, &PlayerWindow::OpenCancelled, &m_context, [this] { isCancelled = true; });
-        QObject::connect(&window, &PlayerWindow::PictureCompleted, &m_context, [this] { isCompleted = true; });
-    }
-
-    bool HasEnded() const
-    {
-        return QTest::qWaitFor([this] { return isOpened || isRefused || isCancelled; }, 20000);
-    }
-    bool HasCompleted() const
-    {
-        return QTest::qWaitFor([this] { return isOpened && isCompleted; }, 10000);
-    }
-
-    bool isOpened = false;
-    bool isRefused = false;
-    bool isCancelled = false;
-    bool isCompleted = false;
-
-private:
-    QObject m_context;
-};
-
-/** False when the window refuses the file. */
-bool Open(PlayerWindow& window, const QString& path)
-{
-    const WindowLog log(window);
-    window.OpenFile(path);
-    return log.HasEnded() && log.isOpened;
-}
-
 bool Refuses(PlayerWindow& window, const QString& path)
 {
     const WindowLog log(window);
     window.OpenFile(path);
     return log.HasEnded() && log.isRefused && !log.isOpened;
-}
-
-bool OpenCompletely(PlayerWindow& window, const QString& path)
-{
-    const WindowLog log(window);
-    window.OpenFile(path);
-    return log.HasEnded() && log.isOpened && log.HasCompleted();
-}
-
-/** Keys reach an active window only; without a window manager one request for that can get lost. */
-bool Activate(PlayerWindow& window)
-{
-    window.show();
-    return QTest::qWaitFor([&] {
-        window.activateWindow();
-        return window.isActiveWindow();
-    });
 }
 
 BGFXWaveformWidget* WaveformOf(PlayerWindow& window)
@@ -160,22 +97,6 @@ QRect ContentOf(const QWidget& control)
     return hasBorder ? control.rect().adjusted(5, 4, -5, -4) : QRect();
 }
 
-QWidget* DiagramOf(PlayerWindow& window)
-{
-    return window.findChild<QWidget*>(u"BGFXWaveformDiagramWidget"_s);
-}
-
-template<typename Widget>
-Widget* ChildNamed(QWidget& window, const QString& name)
-{
-    return window.findChild<Widget*>(name);
-}
-
-HostPlayer* PlayerOf(PlayerWindow& window)
-{
-    return window.findChild<HostPlayer*>();
-}
-
 void Drop(QWidget& target, const QList<QUrl>& urls)
 {
     QMimeData data;
@@ -188,26 +109,6 @@ void Drop(QWidget& target, const QList<QUrl>& urls)
         QApplication::sendEvent(&target, &event);
     }
 }
-
-/** Keeps every thread of the global pool busy, so that what is started meanwhile waits for its turn. */
-class BusyPool
-{
-public:
-    BusyPool()
-    {
-        for (int i = 0; i < m_threads; ++i) {
-            QThreadPool::globalInstance()->start([gate = m_gate] { gate->acquire(); });
-        }
-    }
-    ~BusyPool() { Release(); }
-    Q_DISABLE_COPY_MOVE(BusyPool)
-
-    void Release() const { m_gate->release(m_threads); }
-
-private:
-    const int m_threads = QThreadPool::globalInstance()->maxThreadCount();
-    const std::shared_ptr<QSemaphore> m_gate = std::make_shared<QSemaphore>();
-};
 
 struct Outcome
 {
@@ -270,6 +171,9 @@ class PlayerWindowTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    /** What one test leaves there is none of the next one's business. */
+    void init() { QSettings().clear(); }
+
     void opensAFileAndShowsItWhole()
     {
         PlayerWindow window;
@@ -1018,15 +922,7 @@ private:
 
 int main(int argc, char* argv[])
 {
-    // The user's own settings and cache are none of a test's business; programs that it starts inherit this.
-    const QTemporaryDir home;
-    for (const char* name : {"XDG_CACHE_HOME", "XDG_CONFIG_HOME", "TMPDIR"}) {
-        qputenv(name, home.path().toLocal8Bit());
-    }
-    QApplication application(argc, argv);
-    QApplication::setApplicationName(u"vantoraudio-player"_s);
-    PlayerWindowTest test;
-    return QTest::qExec(&test, argc, argv);
+    return RunApart<PlayerWindowTest>(argc, argv);
 }
 
 #include "tst_playerwindow.moc"

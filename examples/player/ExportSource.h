@@ -1,0 +1,33 @@
+#pragma once
+
+#include <vantorAudioEngine/WavFile.h>
+
+#include <algorithm>
+#include <atomic>
+
+/** The file that an export reads. It counts what is read, and refuses to be read any further once the export is
+ *  cancelled, which ends every task of WavFile as a failure. Any thread. */
+class ExportSource : public WavFile
+{
+public:
+    void Cancel() { m_isCancelled = true; }
+
+    int Percent() const
+    {
+        // Not size(), which asks the file that a task is reading.
+        const qint64 percent = m_read * 100 / std::max(GetDataLength(), qint64(1));
+        return static_cast<int>(std::min(percent, qint64(100)));
+    }
+
+protected:
+    qint64 readData(char* data, qint64 maxSize) override
+    {
+        const qint64 count = m_isCancelled ? -1 : WavFile::readData(data, maxSize);
+        m_read += std::max(count, qint64(0));
+        return count;
+    }
+
+private:
+    std::atomic<bool> m_isCancelled = false;
+    std::atomic<qint64> m_read = 0;
+};

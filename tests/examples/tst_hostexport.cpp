@@ -1,0 +1,273 @@
+#include "PlayerWindows.h"
+#include "TaskProgress.h"
+#include "tests/support/FileSizeLimit.h"
+#include "tests/support/WavBytes.h"
+
+#include <QtCore/QDir>
+#include <QtTest/QSignalSpy>
+#include <QtWidgets/QFileDialog>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QMenu>
+#include <QtWidgets/QMessageBox>
+#include <QtWidgets/QProgressBar>
+#include <QtWidgets/QPushButton>
+#include <QtWidgets/QStatusBar>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+const QString Recording = QStringLiteral(VANTOR_RECORDING);
+
+QByteArray BytesOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+bool Write(const QString& path, const QByteArray& bytes)
+{
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+}
+
+/** Silence that takes the disk no room. */
+bool WriteSilence(const QString& path, quint32 minutes)
+{
+    WavTest::WavBytes wav;
+    wav.channels = 2;
+    wav.statedDataSize = minutes * 60 * 44100 * 4;
+    wav.statedRiffSize = wav.statedDataSize + 36;
+    const QByteArray header = wav.Build();
+    return Write(path, header) && QFile::resize(path, header.size() + wav.statedDataSize);
+}
+
+/** Of every kind, hidden ones too. */
+QStringList NamesIn(const QTemporaryDir& folder)
+{
+    return QDir(folder.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+}
+
+void TypeName(QFileDialog& dialog, const QString& path)
+{
+    auto* name = ChildNamed<QLineEdit>(dialog, u"fileNameEdit"_s);
+    name->selectAll();
+    QTest::keyClicks(name, path);
+    QTest::keyClick(name, Qt::Key_Return);
+}
+
+/** The second format, another rate. As the keyboard goes there: by the underlined letters of the menus. */
+void ChooseWholeFileAs(PlayerWindow& window)
+{
+    QTest::keyClick(&window, Qt::Key_F, Qt::AltModifier);
+    for (const Qt::Key key : {Qt::Key_E, Qt::Key_W, Qt::Key_Down, Qt::Key_Return}) {
+        QTest::keyClick(QApplication::activePopupWidget(), key);
+    }
+}
+
+} // namespace
+
+class HostExportTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { QSettings().clear(); }
+
+    void asksBeforeItReplacesAFile_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<bool>("isAgreed");
+        QTest::addRow("no, asked by the dialog") << u"dear.wav"_s << false;
+        QTest::addRow("yes, asked by the dialog") << u"dear.wav"_s << true;
+        QTest::addRow("no, for the suffix that is added to a name") << u"dear"_s << false;
+        QTest::addRow("no, for the suffix that is added to another one") << u"dear.mp3"_s << false;
+        QTest::addRow("yes, for the suffix that is added to another one") << u"dear.mp3"_s << true;
+    }
+    void asksBeforeItReplacesAFile()
+    {
+        QFETCH(const QString, typed);
+        QFETCH(const bool, isAgreed);
+        const QTemporaryDir folder;
+        const QString dear = folder.filePath(typed == u"dear.mp3"_s ? u"dear.mp3.wav"_s : u"dear.wav"_s);
+        QVERIFY(Write(dear, "dear"));
+        PlayerWindow window;
+        QVERIFY(Activate(window));
+        QVERIFY(OpenCompletely(window, Recording));
+        window.SelectRange(1.0, 2.0);
+        QSignalSpy ended(&window, &PlayerWindow::ExportEnded);
+        Answers answers;
+        answers.Add<QFileDialog>([&](QFileDialog& dialog) { TypeName(dialog, folder.filePath(typed)); });
+        answers.Add<QMessageBox>([&](QMessageBox& question) {
+            QTest::mouseClick(question.button(isAgreed ? QMessageBox::Yes : QMessageBox::No), Qt::LeftButton);
+        });
+        if (!isAgreed && typed != u"dear.mp3"_s) {
+            answers.Add<QFileDialog>([&](QFileDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
+        }
+        QTest::keyClick(&window, Qt::Key_S, Qt::ControlModifier);
+        QVERIFY(answers.AreGiven());
+        if (isAgreed) {
+            QTRY_COMPARE(ended.size(), 1);
+        }
+        QCOMPARE(NamesIn(folder), QStringList(QFileInfo(dear).fileName()));
+        QCOMPARE(BytesOf(dear) != "dear", isAgreed);
+        QCOMPARE(window.FailureText(), QString());
+    }
+
+    void addsTheSuffixThatIsMissing_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("written");
+        QTest::addRow("none") << u"take"_s << u"take.wav"_s;
+        QTest::addRow("a date") << u"take.2024"_s << u"take.2024.wav"_s;
+        QTest::addRow("there already") << u"take.wav"_s << u"take.wav"_s;
+        QTest::addRow("there already in capitals") << u"take.WAV"_s << u"take.WAV"_s;
+    }
+    void addsTheSuffixThatIsMissing()
+    {
+        QFETCH(const QString, typed);
+        QFETCH(const QString, written);
+        const QTemporaryDir folder;
+        PlayerWindow window;
+        QVERIFY(Activate(window));
+        QVERIFY(OpenCompletely(window, Recording));
+        window.SelectRange(1.0, 2.0);
+        QSignalSpy ended(&window, &PlayerWindow::ExportEnded);
+        Answers answers;
+        answers.Add<QFileDialog>([&](QFileDialog& dialog) { TypeName(dialog, folder.filePath(typed)); });
+        QTest::keyClick(&window, Qt::Key_S, Qt::ControlModifier);
+        QTRY_COMPARE(ended.size(), 1);
+        QCOMPARE(NamesIn(folder), QStringList(written));
+    }
+
+    void replacesAFileByEveryKindOfExport_data()
+    {
+        using Export = std::function<void(PlayerWindow&, const QString&)>;
+        QTest::addColumn<Export>("start");
+        QTest::addRow("selection") << Export([](PlayerWindow& window, const QString& path) {
+            window.SelectRange(1.0, 2.5);
+            window.ExportSelection(path, PlayerWindow::Existing::Replace);
+        });
+        QTest::addRow("left channel") << Export([](PlayerWindow& window, const QString& path) {
+            window.ExportChannel(path, WavFile::ChannelLeft, PlayerWindow::Existing::Replace);
+        });
+        QTest::addRow("converted") << Export([](PlayerWindow& window, const QString& path) {
+            QAudioFormat format;
+            format.setSampleFormat(QAudioFormat::Int16);
+            format.setSampleRate(16000);
+            format.setChannelCount(1);
+            window.ConvertFile(path, format, PlayerWindow::Existing::Replace);
+        });
+    }
+    void replacesAFileByEveryKindOfExport()
+    {
+        QFETCH(const std::function<void(PlayerWindow&, const QString&)>, start);
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(u"former.wav"_s);
+        QVERIFY(Write(path, "former"));
+        PlayerWindow window;
+        QVERIFY(OpenCompletely(window, Recording));
+        QSignalSpy ended(&window, &PlayerWindow::ExportEnded);
+        start(window, path);
+        QTRY_COMPARE(ended.size(), 1);
+        QCOMPARE(window.FailureText(), QString());
+        QCOMPARE(NamesIn(folder), QStringList(u"former.wav"_s));
+        WavFile written;
+        QCOMPARE(written.Open(path), WavFile::Success);
+        QCOMPARE(written.GetFileFormat().channelCount(), 1);
+    }
+
+    void aFailedExportLeavesNothingAndTheFormerFile_data() { replacesAFileByEveryKindOfExport_data(); }
+    void aFailedExportLeavesNothingAndTheFormerFile()
+    {
+        QFETCH(const std::function<void(PlayerWindow&, const QString&)>, start);
+        const QTemporaryDir folder;
+        const QString former = folder.filePath(u"former.wav"_s);
+        QVERIFY(Write(former, "former"));
+        PlayerWindow window;
+        QVERIFY(OpenCompletely(window, Recording));
+        for (const QString& path : {former, folder.filePath(u"new.wav"_s)}) {
+            QSignalSpy ended(&window, &PlayerWindow::ExportEnded);
+            const FileSizeLimit fullDisk(1000);
+            start(window, path);
+            QTRY_COMPARE(ended.size(), 1);
+            QVERIFY2(window.FailureText().startsWith(u"“%1” cannot be written"_s.arg(path)),
+                     qPrintable(window.FailureText()));
+            QCOMPARE(NamesIn(folder), QStringList(u"former.wav"_s));
+            QCOMPARE(BytesOf(former), "former");
+        }
+    }
+
+    void convertingAWholeFileShowsItsProgressAndCanBeCancelled()
+    {
+        const QTemporaryDir folder;
+        const QString source = folder.filePath(u"long.wav"_s);
+        const QString path = folder.filePath(u"former.wav"_s);
+        QVERIFY(WriteSilence(source, 40) && Write(path, "former"));
+        PlayerWindow window;
+        QVERIFY(Activate(window));
+        QVERIFY(OpenCompletely(window, source));
+        auto* progress = window.findChild<TaskProgress*>();
+        QTRY_VERIFY(progress->isHidden());
+        QSignalSpy ended(&window, &PlayerWindow::ExportEnded);
+        Answers answers;
+        answers.Add<QFileDialog>([&](QFileDialog& dialog) { TypeName(dialog, path); });
+        answers.Add<QMessageBox>(
+            [](QMessageBox& question) { QTest::mouseClick(question.button(QMessageBox::Yes), Qt::LeftButton); });
+        ChooseWholeFileAs(window);
+        QVERIFY(answers.AreGiven());
+        const auto* bar = progress->findChild<QProgressBar*>();
+        QTRY_VERIFY(progress->isVisible() && bar->value() > 0);
+        QVERIFY2(bar->text().startsWith(u"Exporting "_s), qPrintable(bar->text()));
+        QCOMPARE(ended.size(), 0);
+        QTest::mouseClick(progress->findChild<QPushButton*>(), Qt::LeftButton);
+        QTRY_COMPARE_WITH_TIMEOUT(ended.size(), 1, 1000);
+        QVERIFY(!progress->isVisible());
+        QCOMPARE(window.statusBar()->currentMessage(), u"Cancelled."_s);
+        QCOMPARE(NamesIn(folder), QStringList({u"former.wav"_s, u"long.wav"_s}));
+        QCOMPARE(BytesOf(path), "former");
+        QVERIFY(ChildNamed<QMenu>(window, u"export"_s)->isEnabled());
+    }
+
+    void anExportThatIsCancelledBeforeItsTurnLeavesItsNameFree()
+    {
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(u"left.wav"_s);
+        PlayerWindow window;
+        QVERIFY(OpenCompletely(window, Recording));
+        QSignalSpy ended(&window, &PlayerWindow::ExportEnded);
+        const BusyPool busy;
+        window.ExportChannel(path, WavFile::ChannelLeft);
+        window.CancelExport();
+        busy.Release();
+        QTRY_COMPARE(ended.size(), 1);
+        QCOMPARE(NamesIn(folder), QStringList());
+        window.ExportChannel(path, WavFile::ChannelLeft);
+        QTRY_COMPARE(ended.size(), 2);
+        QCOMPARE(NamesIn(folder), QStringList(u"left.wav"_s));
+    }
+
+    void theOpenDialogListsEveryFormatThatCanBeLoaded()
+    {
+        PlayerWindow window;
+        QVERIFY(Activate(window));
+        QStringList filters;
+        Answers answers;
+        answers.Add<QFileDialog>([&](QFileDialog& dialog) {
+            filters = dialog.nameFilters();
+            QTest::keyClick(&dialog, Qt::Key_Escape);
+        });
+        QTest::keyClick(&window, Qt::Key_O, Qt::ControlModifier);
+        QVERIFY(answers.AreGiven());
+        QCOMPARE(filters.join(u";;"_s), HostPlayer::GetLoadableFiles());
+        QVERIFY(filters.constFirst().contains(u"*.flac"_s));
+    }
+};
+
+int main(int argc, char* argv[])
+{
+    return RunApart<HostExportTest>(argc, argv);
+}
+
+#include "tst_hostexport.moc"
