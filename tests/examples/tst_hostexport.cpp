@@ -1,7 +1,7 @@
+#include "LongFile.h"
 #include "PlayerWindows.h"
 #include "TaskProgress.h"
 #include "tests/support/FileSizeLimit.h"
-#include "tests/support/WavBytes.h"
 
 #include <QtCore/QDir>
 #include <QtTest/QSignalSpy>
@@ -30,17 +30,6 @@ bool Write(const QString& path, const QByteArray& bytes)
 {
     QFile file(path);
     return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-}
-
-/** Silence that takes the disk no room. */
-bool WriteSilence(const QString& path, quint32 minutes)
-{
-    WavTest::WavBytes wav;
-    wav.channels = 2;
-    wav.statedDataSize = minutes * 60 * 44100 * 4;
-    wav.statedRiffSize = wav.statedDataSize + 36;
-    const QByteArray header = wav.Build();
-    return Write(path, header) && QFile::resize(path, header.size() + wav.statedDataSize);
 }
 
 /** Of every kind, hidden ones too. */
