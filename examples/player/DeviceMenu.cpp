@@ -1,10 +1,18 @@
 #include "DeviceMenu.h"
 
+#include <QtCore/QSettings>
 #include <QtGui/QActionGroup>
 
+#include <algorithm>
 #include <chrono>
 
 using namespace std::chrono_literals;
+
+namespace {
+
+constexpr QLatin1StringView Key("outputDevice");
+
+} // namespace
 
 DeviceMenu::DeviceMenu(QWidget* parent) : QMenu(tr("&Output device"), parent)
 {
@@ -17,9 +25,21 @@ DeviceMenu::DeviceMenu(QWidget* parent) : QMenu(tr("&Output device"), parent)
     Fill();
 }
 
+void DeviceMenu::Restore()
+{
+    const QByteArray id = QSettings().value(Key).toByteArray();
+    const auto device = std::find_if(m_listed.cbegin(), m_listed.cend(),
+                                     [&](const QAudioDevice& listed) { return listed.id() == id; });
+    if (device != m_listed.cend()) {
+        Choose(*device);
+        Fill();
+    }
+}
+
 void DeviceMenu::Choose(const QAudioDevice& device)
 {
     m_chosen = device;
+    QSettings().setValue(Key, device.id());
     Q_EMIT DeviceChosen(device);
 }
 

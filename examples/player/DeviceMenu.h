@@ -8,13 +8,17 @@
 #include <QtMultimedia/QMediaDevices>
 #include <QtWidgets/QMenu>
 
-/** A menu of the audio output devices, one of them chosen. It follows devices that come and go. */
+/** A menu of the audio output devices, one of them chosen. It follows devices that come and go, and remembers the
+ *  choice from one start to the next. */
 class DeviceMenu : public QMenu
 {
     Q_OBJECT
 
 public:
     explicit DeviceMenu(QWidget* parent = nullptr);
+
+    /** Chooses the remembered device again, if it is there. */
+    void Restore();
 
 Q_SIGNALS:
     void DeviceChosen(const QAudioDevice& device);

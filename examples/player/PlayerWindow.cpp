@@ -2,6 +2,8 @@
 
 #include "Failures.h"
 #include "HostPlayer.h"
+#include "RecentFiles.h"
+#include "Remembered.h"
 #include "SettingsDialog.h"
 #include "TaskProgress.h"
 
@@ -9,8 +11,10 @@
 #include <QtCore/QFileInfo>
 #include <QtCore/QMimeData>
 #include <QtCore/QSettings>
+#include <QtGui/QAction>
 #include <QtGui/QDragEnterEvent>
 #include <QtGui/QDropEvent>
+#include <QtGui/QIcon>
 #include <QtWidgets/QFileDialog>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
@@ -21,6 +25,7 @@
 
 using namespace std::chrono_literals;
 using namespace Qt::Literals::StringLiterals;
+using Actions = vantoraudio::vantorAudioEngine::UI::AudioPlayerActions;
 using Interaction = vantoraudio::vantorAudioEngine::UI::BGFXWaveformWidget::Interaction;
 
 namespace {
@@ -35,12 +40,13 @@ QString LocalFileOf(const QMimeData* data)
 
 PlayerWindow::PlayerWindow(QWidget* parent) : QMainWindow(parent), m_appearance(Appearance::Load())
 {
-    setWindowTitle(tr("Player"));
+    setWindowIcon(QIcon(u":/Resources/vantoraudioPlayer.svg"_s));
     setAcceptDrops(true);
     resize(1000, 480);
     BuildView();
     BuildMenus();
     ConnectPlayer();
+    ShowFileName();
     RestoreState();
 }
 
@@ -125,15 +131,15 @@ void PlayerWindow::RestoreState()
 {
     const QSettings settings;
     restoreGeometry(settings.value(u"geometry"_s).toByteArray());
-    m_player->SetAudioPlayBackVolume(settings.value(u"volume"_s, 99).toInt());
+    Remembered::RestorePlayer(*m_player);
+    m_actions->Get(Actions::Mute)->setChecked(m_player->GetAudioPlayBackMute());
     SetAppearance(m_appearance);
 }
 
 void PlayerWindow::SaveState() const
 {
-    QSettings settings;
-    settings.setValue(u"geometry"_s, saveGeometry());
-    settings.setValue(u"volume"_s, m_player->GetAudioPlayBackVolume());
+    QSettings().setValue(u"geometry"_s, saveGeometry());
+    Remembered::KeepPlayer(*m_player);
     m_appearance.Save();
 }
 
@@ -145,7 +151,10 @@ void PlayerWindow::OpenFile(const QString& path)
 void PlayerWindow::OnFileLoaded()
 {
     HideFailure();
-    setWindowTitle(QFileInfo(m_player->GetOriginalAudioFilePath()).fileName());
+    ShowFileName();
+    m_recentFiles->Add(m_player->GetOriginalAudioFilePath());
+    Remembered::KeepFolderOf(Remembered::Folder::Open, m_player->GetOriginalAudioFilePath());
+    Remembered::RestoreView(*m_player);
     m_player->setFocus();
     if (!m_snippetPath.isEmpty()) {
         // The file that it was taken from is gone.
@@ -154,12 +163,19 @@ void PlayerWindow::OnFileLoaded()
     ShowWhatCanBeExported();
 }
 
+void PlayerWindow::ShowFileName()
+{
+    const QString path = m_player->GetAudioFileName().isEmpty() ? QString() : m_player->GetOriginalAudioFilePath();
+    setWindowFilePath(path);
+    // Qt takes this for the place of a mark, and the doubled one for itself.
+    const QString name = QFileInfo(path).fileName().replace(u"[*]"_s, u"[*][*]"_s);
+    setWindowTitle(name.isEmpty() ? tr("Player") : name);
+}
+
 void PlayerWindow::OnLoadFailed(const QString& /*path*/, Problem /*problem*/, const QString& sentence)
 {
     ShowFailure(sentence);
-    if (m_player->GetAudioFileName().isEmpty()) {
-        setWindowTitle(tr("Player"));
-    }
+    ShowFileName();
     ShowWhatCanBeCancelled();
     ShowWhatCanBeExported();
     Q_EMIT OpenFailed();
@@ -281,7 +297,8 @@ void PlayerWindow::closeEvent(QCloseEvent* event)
 
 void PlayerWindow::AskForFile()
 {
-    const QString path = QFileDialog::getOpenFileName(this, tr("Open"), QString(), HostPlayer::GetLoadableFiles());
+    const QString path = QFileDialog::getOpenFileName(
+        this, tr("Open"), Remembered::GetFolder(Remembered::Folder::Open), HostPlayer::GetLoadableFiles());
     if (!path.isEmpty()) {
         OpenFile(path);
     }

@@ -16,6 +16,7 @@ class HostPlayer;
 class QAction;
 class QLabel;
 class QMenu;
+class RecentFiles;
 class TaskProgress;
 
 /** A small audio player: one file with its waveform, played whole or by the stretch that is selected in it. Parts
@@ -74,6 +75,7 @@ protected:
 private:
     void BuildView();
     void BuildMenus();
+    void BuildFileMenu();
     void BuildExport(QMenu* fileMenu);
     void BuildPlayerMenus();
     void ShowShortcuts();
@@ -85,6 +87,7 @@ private:
     void AskForFile();
     void ConnectLoading();
     void OnFileLoaded();
+    void ShowFileName();
     using Problem = vantoraudio::AudioEngine::AudioFileInfo::Problem;
     void OnLoadFailed(const QString& path, Problem problem, const QString& sentence);
     void OnFailure(WavFile::AudioEngineReturnValue error);
@@ -104,6 +107,9 @@ private:
     bool MayReplace(const QString& path);
     void ShowWhatCanBeExported();
 
+    void AskForPosition();
+    void GoToPosition(double seconds);
+    void ShowInformation();
     void AskForSettings();
     void ShowAbout();
     void SetAppearance(const Appearance& appearance);
@@ -123,6 +129,9 @@ private:
     bool m_isSnippetWaiting = false;
 
     vantoraudio::vantorAudioEngine::UI::AudioPlayerActions* m_actions = nullptr;
+    RecentFiles* m_recentFiles = nullptr;
+    QAction* m_informationAction = nullptr;
+    QAction* m_goToAction = nullptr;
     QMenu* m_exportMenu = nullptr;
     QAction* m_selectionAction = nullptr;
     QAction* m_leftAction = nullptr;

@@ -1,6 +1,7 @@
 #include "Failures.h"
 #include "HostPlayer.h"
 #include "PlayerWindow.h"
+#include "Remembered.h"
 #include "TaskProgress.h"
 
 #include <QtCore/QDir>
@@ -95,7 +96,6 @@ void PlayerWindow::BuildExport(QMenu* fileMenu)
             ConvertFile(AskForOutput(tr("converted")), format, Existing::Replace);
         });
     }
-    ShowWhatCanBeExported();
 }
 
 void PlayerWindow::ExportSelection(const QString& outPath, Existing existing)
@@ -177,7 +177,8 @@ void PlayerWindow::EndExport(const QString& message)
 QString PlayerWindow::AskForOutput(const QString& what)
 {
     const QFileInfo shown(m_player->GetOriginalAudioFilePath());
-    QFileDialog dialog(this, tr("Export"), shown.path(), tr("WAV files (*.wav)"));
+    QFileDialog dialog(this, tr("Export"), Remembered::GetFolder(Remembered::Folder::Export, shown.path()),
+                       tr("WAV files (*.wav)"));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setDefaultSuffix(u"wav"_s);
     dialog.selectFile(shown.completeBaseName() + u' ' + what + u".wav"_s);
@@ -185,6 +186,7 @@ QString PlayerWindow::AskForOutput(const QString& what)
         return {};
     }
     const QString chosen = dialog.selectedFiles().constFirst();
+    Remembered::KeepFolderOf(Remembered::Folder::Export, chosen);
     if (chosen.endsWith(u".wav"_s, Qt::CaseInsensitive)) {
         return chosen;
     }
@@ -205,6 +207,8 @@ void PlayerWindow::ShowWhatCanBeExported()
     const auto [start, end] = m_player->GetSelectedSnippet();
     const bool hasSelection = isLoaded && start < end;
     m_exportMenu->setEnabled(isLoaded && !m_export.IsRunning() && m_snippetPath.isEmpty());
+    m_informationAction->setEnabled(isLoaded);
+    m_goToAction->setEnabled(isLoaded);
     m_selectionAction->setEnabled(hasSelection);
     m_leftAction->setEnabled(isStereo);
     m_rightAction->setEnabled(isStereo);

@@ -1,6 +1,9 @@
 #include "DeviceMenu.h"
+#include "FileInformation.h"
+#include "GoTo.h"
 #include "HostPlayer.h"
 #include "PlayerWindow.h"
+#include "RecentFiles.h"
 
 #include <vantorAudioEngine/BGFXWaveformWidget.h>
 #include <vantorAudioEngine/Version.h>
@@ -14,33 +17,74 @@
 #include <QtWidgets/QMessageBox>
 #include <QtWidgets/QStyle>
 
+#include <algorithm>
+
 using namespace Qt::Literals::StringLiterals;
 using Actions = vantoraudio::vantorAudioEngine::UI::AudioPlayerActions;
 
 void PlayerWindow::BuildMenus()
 {
-    QMenu* fileMenu = menuBar()->addMenu(tr("&File"));
-    fileMenu->addAction(style()->standardIcon(QStyle::SP_DialogOpenButton), tr("&Open…"), QKeySequence::Open, this,
-                        &PlayerWindow::AskForFile);
-    BuildExport(fileMenu);
-    fileMenu->addAction(tr("S&ettings…"), this, &PlayerWindow::AskForSettings);
-    fileMenu->addAction(tr("&Quit"), QKeySequence::Quit, this, &QWidget::close);
-
+    BuildFileMenu();
     BuildPlayerMenus();
     auto* devices = new DeviceMenu(this);
     connect(devices, &DeviceMenu::DeviceChosen, m_player, &HostPlayer::SetAudioOutputDevice);
+    devices->Restore();
     menuBar()->addMenu(devices);
     QMenu* help = menuBar()->addMenu(tr("&Help"));
     help->addAction(tr("&Keys…"), QKeySequence::HelpContents, this, &PlayerWindow::ShowShortcuts);
     help->addAction(tr("&About…"), this, &PlayerWindow::ShowAbout);
+    ShowWhatCanBeExported();
+}
+
+void PlayerWindow::BuildFileMenu()
+{
+    QMenu* fileMenu = menuBar()->addMenu(tr("&File"));
+    fileMenu->addAction(style()->standardIcon(QStyle::SP_DialogOpenButton), tr("&Open…"), QKeySequence::Open, this,
+                        &PlayerWindow::AskForFile);
+    m_recentFiles = new RecentFiles(this);
+    connect(m_recentFiles, &RecentFiles::FileChosen, this, &PlayerWindow::OpenFile);
+    fileMenu->addMenu(m_recentFiles);
+    BuildExport(fileMenu);
+    m_informationAction =
+        fileMenu->addAction(tr("&Information…"), tr("Ctrl+I"), this, &PlayerWindow::ShowInformation);
+    fileMenu->addAction(tr("&Settings…"), this, &PlayerWindow::AskForSettings);
+    fileMenu->addAction(tr("&Quit"), QKeySequence::Quit, this, &QWidget::close);
 }
 
 void PlayerWindow::BuildPlayerMenus()
 {
     m_actions = new Actions(m_player);
-    menuBar()->addMenu(tr("&Playback"))->addActions(m_actions->All(Actions::Playback));
+    QMenu* playback = menuBar()->addMenu(tr("&Playback"));
+    playback->addActions(m_actions->All(Actions::Playback));
+    m_goToAction = playback->addAction(tr("&Go to…"), tr("Ctrl+G"), this, &PlayerWindow::AskForPosition);
     menuBar()->addMenu(tr("&View"))->addActions(m_actions->All(Actions::View));
     menuBar()->addMenu(tr("&Selection"))->addActions(m_actions->All(Actions::Selection));
+}
+
+void PlayerWindow::AskForPosition()
+{
+    GoTo dialog(m_player->GetAudioPosition(), this);
+    connect(&dialog, &GoTo::Chosen, this, &PlayerWindow::GoToPosition);
+    dialog.exec();
+}
+
+/** Times behind the end lead to the end. */
+void PlayerWindow::GoToPosition(double seconds)
+{
+    const double position = std::min(seconds, m_player->GetAudioDuration());
+    m_player->UpdateAudioPosition(position);
+    const auto [left, right] = m_player->GetVisibleRange();
+    if (position < left || position > right) {
+        const double half = (right - left) / 2.0;
+        const double start =
+            std::clamp(position - half, 0.0, std::max(0.0, m_player->GetAudioDuration() - 2.0 * half));
+        m_player->ShowRange(start, start + 2.0 * half);
+    }
+}
+
+void PlayerWindow::ShowInformation()
+{
+    FileInformation(*m_player, this).exec();
 }
 
 void PlayerWindow::ShowShortcuts()
@@ -54,6 +98,10 @@ void PlayerWindow::ShowShortcuts()
             table->addRow(action->shortcut().toString(QKeySequence::NativeText), new QLabel(action->text()));
         }
     }
+    for (const QAction* action : {m_goToAction, m_informationAction, m_selectionAction}) {
+        table->addRow(action->shortcut().toString(QKeySequence::NativeText),
+                      new QLabel(action->text().remove(u'&').remove(u'…')));
+    }
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
     connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
     table->addRow(buttons);
@@ -66,6 +114,7 @@ void PlayerWindow::ShowAbout()
     using Waveform = vantorAudioEngine::UI::BGFXWaveformWidget;
     auto* box = new QMessageBox(QMessageBox::Information, tr("About"),
                                 u"vantorAudioEngine "_s + AudioEngine::libVersionString(), QMessageBox::Ok, this);
+    box->setIconPixmap(windowIcon().pixmap(64));
     box->setInformativeText(tr("The waveform is drawn by %1.").arg(Waveform::GetDrawingDeviceName()));
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->open();

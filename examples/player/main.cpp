@@ -157,6 +157,8 @@ int main(int argc, char* argv[])
     QApplication application(argc, argv);
     QApplication::setOrganizationName(u"vantoraudio"_s);
     QApplication::setApplicationName(u"vantoraudio-player"_s);
+    // Behind the name of the file in the window's title.
+    QApplication::setApplicationDisplayName(u"vantorAudioEngine player"_s);
     QApplication::setApplicationVersion(vantoraudio::AudioEngine::libVersionString());
     // The waveform tells of each of its frames there, which helps its developers and nobody else.
     QLoggingCategory::setFilterRules(u"default.debug=false"_s);

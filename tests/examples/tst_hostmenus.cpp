@@ -1,0 +1,493 @@
+#include "DeviceMenu.h"
+#include "FileInformation.h"
+#include "GoTo.h"
+#include "PlayerWindows.h"
+#include "RecentFiles.h"
+#include "Times.h"
+
+#include <vantorAudioEngine/AudioPlayer.h>
+
+#include <QtCore/QDir>
+#include <QtCore/QProcess>
+#include <QtGui/QAction>
+#include <QtGui/QWindow>
+#include <QtMultimedia/QAudioOutput>
+#include <QtWidgets/QDialogButtonBox>
+#include <QtWidgets/QFileDialog>
+#include <QtWidgets/QFormLayout>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QMessageBox>
+#include <QtWidgets/QPushButton>
+
+#include <algorithm>
+#include <limits>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+const QString Recording = QStringLiteral(VANTOR_RECORDING);
+
+/** A folder with copies of the recording under these names. */
+class Copies
+{
+public:
+    explicit Copies(const QStringList& names)
+    {
+        for (const QString& name : names) {
+            QFile::copy(Recording, Path(name));
+        }
+    }
+
+    QString Path(const QString& name) const { return m_folder.filePath(name); }
+    QString Folder() const { return m_folder.path(); }
+
+private:
+    const QTemporaryDir m_folder;
+};
+
+/** The recent files as the keyboard opens them, and as they are written there. */
+QStringList ShowRecentFiles(PlayerWindow& window)
+{
+    QTest::keyClick(&window, Qt::Key_F, Qt::AltModifier);
+    QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_R);
+    QStringList texts;
+    for (const QAction* action : window.findChild<RecentFiles*>()->actions()) {
+        if (!action->isSeparator()) {
+            texts.append(action->text());
+        }
+    }
+    return texts;
+}
+
+void PressInMenu(Qt::Key key, int times = 1)
+{
+    for (int i = 0; i < times; ++i) {
+        QTest::keyClick(QApplication::activePopupWidget(), key);
+    }
+}
+
+void CloseMenus()
+{
+    while (QWidget* popup = QApplication::activePopupWidget()) {
+        popup->close();
+    }
+}
+
+/** Closes the window as a user does, so that it remembers. */
+void Close(PlayerWindow& window)
+{
+    QTest::keyClick(&window, Qt::Key_Q, Qt::ControlModifier);
+}
+
+QMap<QString, QString> RowsOf(const QDialog& dialog)
+{
+    QMap<QString, QString> rows;
+    const auto* table = qobject_cast<QFormLayout*>(dialog.layout());
+    for (int row = 0; row < table->rowCount(); ++row) {
+        const QLayoutItem* name = table->itemAt(row, QFormLayout::LabelRole);
+        const QLayoutItem* value = table->itemAt(row, QFormLayout::FieldRole);
+        if (name && value) {
+            rows.insert(qobject_cast<QLabel*>(name->widget())->text(),
+                        qobject_cast<QLabel*>(value->widget())->text());
+        }
+    }
+    return rows;
+}
+
+QString CheckedDevice(PlayerWindow& window)
+{
+    const QList<QAction*> actions = window.findChild<DeviceMenu*>()->actions();
+    const auto checked =
+        std::find_if(actions.cbegin(), actions.cend(), [](const QAction* action) { return action->isChecked(); });
+    return checked == actions.cend() ? QString() : (*checked)->text();
+}
+
+} // namespace
+
+class HostMenusTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { QSettings().clear(); }
+
+    void understandsATimeAsAPersonWritesIt_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<double>("seconds");
+        constexpr double none = -1.0;
+        for (const auto& [text, seconds] :
+             std::initializer_list<std::pair<const char*, double>>{{"7.5", 7.5},
+                                                                   {"7,5", 7.5},
+                                                                   {"0", 0.0},
+                                                                   {"007", 7.0},
+                                                                   {".25", 0.25},
+                                                                   {"3.", 3.0},
+                                                                   {" 1:30 ", 90.0},
+                                                                   {"1:30.5", 90.5},
+                                                                   {"90", 90.0},
+                                                                   {"90:00", 5400.0},
+                                                                   {"1:02:03.250", 3723.25},
+                                                                   {"1:02:03,250", 3723.25},
+                                                                   {"00:00:07.500", 7.5},
+                                                                   {"30:00:00", 108000.0},
+                                                                   {"999999999", 999999999.0},
+                                                                   {"", none},
+                                                                   {" ", none},
+                                                                   {":", none},
+                                                                   {"1:", none},
+                                                                   {":30", none},
+                                                                   {"1:60", none},
+                                                                   {"1:60:00", none},
+                                                                   {"1:2:3:4", none},
+                                                                   {"-1", none},
+                                                                   {"+1", none},
+                                                                   {"1e3", none},
+                                                                   {"inf", none},
+                                                                   {"nan", none},
+                                                                   {"1.2.3", none},
+                                                                   {"1.5:30", none},
+                                                                   {".", none},
+                                                                   {"seven", none},
+                                                                   {"7 s", none},
+                                                                   {"0x10", none},
+                                                                   {"9999999999", none},
+                                                                   {"1 : 30", none},
+                                                                   {"\u0661:\u0663\u0660", none}}) {
+            QTest::addRow("%s", text) << QString::fromUtf8(text) << seconds;
+        }
+    }
+    void understandsATimeAsAPersonWritesIt()
+    {
+        QFETCH(const QString, text);
+        QFETCH(const double, seconds);
+        QCOMPARE(ParseTime(text).value_or(-1.0), seconds);
+    }
+
+    void writesTimesThatItUnderstands_data()
+    {
+        QTest::addColumn<double>("seconds");
+        QTest::addColumn<QString>("text");
+        QTest::addRow("start") << 0.0 << u"0:00.000"_s;
+        QTest::addRow("milliseconds") << 7.0625 << u"0:07.063"_s;
+        QTest::addRow("rounded up") << 59.9999 << u"1:00.000"_s;
+        QTest::addRow("hours") << 3723.25 << u"1:02:03.250"_s;
+        QTest::addRow("days") << 360000.0 << u"100:00:00.000"_s;
+        QTest::addRow("below 0") << -1.0 << u"0:00.000"_s;
+        QTest::addRow("infinite") << std::numeric_limits<double>::infinity() << u"0:00.000"_s;
+        QTest::addRow("no number") << std::numeric_limits<double>::quiet_NaN() << u"0:00.000"_s;
+    }
+    void writesTimesThatItUnderstands()
+    {
+        QFETCH(const double, seconds);
+        QFETCH(const QString, text);
+        QCOMPARE(TextOfTime(seconds), text);
+        QVERIFY(ParseTime(text).has_value());
+    }
+
+    void goesToATypedTime_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<double>("position");
+        QTest::addRow("seconds") << u"7.5"_s << 7.5;
+        QTest::addRow("minutes") << u"0:12"_s << 12.0;
+        QTest::addRow("behind the end") << u"1:30"_s << -1.0;
+    }
+    void goesToATypedTime()
+    {
+        QFETCH(const QString, typed);
+        QFETCH(const double, position);
+        PlayerWindow window;
+        QVERIFY(Activate(window));
+        QVERIFY(OpenCompletely(window, Recording));
+        window.ShowRange(1.0, 3.0);
+        Answers answers;
+        answers.Add<GoTo>([&](GoTo& dialog) {
+            // What is there is selected, so typing replaces it.
+            QTest::keyClicks(QApplication::focusWidget(), typed);
+            QTest::keyClick(&dialog, Qt::Key_Return);
+        });
+        QTest::keyClick(&window, Qt::Key_G, Qt::ControlModifier);
+        QVERIFY(answers.AreGiven());
+        const double expected = position < 0.0 ? window.Duration() : position;
+        QTRY_VERIFY(std::abs(PlayerOf(window)->GetAudioPosition() - expected) < 0.01);
+        const auto [left, right] = PlayerOf(window)->GetVisibleRange();
+        QVERIFY(left <= expected && expected <= right + 0.001);
+        QVERIFY(std::abs(right - left - 2.0) < 0.001);
+    }
+
+    void doesNotGoToWhatIsNoTime()
+    {
+        PlayerWindow window;
+        QVERIFY(Activate(window));
+        QVERIFY(OpenCompletely(window, Recording));
+        Answers answers;
+        answers.Add<GoTo>([&](GoTo& dialog) {
+            QTest::keyClicks(QApplication::focusWidget(), u"1:75"_s);
+            QVERIFY(!dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok)->isEnabled());
+            QTest::keyClick(&dialog, Qt::Key_Return);
+            QVERIFY(dialog.isVisible());
+            QTest::keyClick(&dialog, Qt::Key_Escape);
+        });
+        QTest::keyClick(&window, Qt::Key_G, Qt::ControlModifier);
+        QVERIFY(answers.AreGiven());
+        QCOMPARE(PlayerOf(window)->GetAudioPosition(), 0.0);
+    }
+
+    void tellsWhatIsInTheFile()
+    {
+        const Copies copies({});
+        const QString path = copies.Path(u"spoken.mp3"_s);
+        QCOMPARE(
+            QProcess::execute(u"lame"_s, {u"--quiet"_s, u"--tt"_s, u"A <b>bold</b> title"_s, Recording, path}), 0);
+        PlayerWindow window;
+        QVERIFY(Activate(window));
+        QVERIFY(OpenCompletely(window, path));
+        QMap<QString, QString> rows;
+        Answers answers;
+        answers.Add<FileInformation>([&](FileInformation& dialog) {
+            rows = RowsOf(dialog);
+            QTest::keyClick(&dialog, Qt::Key_Escape);
+        });
+        QTest::keyClick(&window, Qt::Key_I, Qt::ControlModifier);
+        QVERIFY(answers.AreGiven());
+        QCOMPARE(rows.value(u"Name:"_s), u"spoken.mp3"_s);
+        QCOMPARE(rows.value(u"Folder:"_s), copies.Folder());
+        QCOMPARE(rows.value(u"Title:"_s), u"A <b>bold</b> title"_s);
+        QVERIFY(rows.value(u"Format:"_s).contains(u"MP2/3"_s));
+        QVERIFY(rows.value(u"Coding:"_s).contains(u"MP3"_s));
+        QCOMPARE(rows.value(u"Sample rate:"_s), u"%1 Hz"_s.arg(QLocale().toString(22050)));
+        QCOMPARE(rows.value(u"Channels:"_s), u"2"_s);
+        QVERIFY(!rows.contains(u"Bits of a sample:"_s));
+        QVERIFY2(rows.value(u"Length:"_s).startsWith(u"0:17."_s), qPrintable(rows.value(u"Length:"_s)));
+    }
+
+    void tellsOfAFileThatHasGoneWhatWasLoadedOfIt()
+    {
+        const Copies copies({u"take.wav"_s});
+        PlayerWindow window;
+        QVERIFY(Activate(window));
+        QVERIFY(OpenCompletely(window, copies.Path(u"take.wav"_s)));
+        QVERIFY(QFile::remove(copies.Path(u"take.wav"_s)));
+        QMap<QString, QString> rows;
+        Answers answers;
+        answers.Add<FileInformation>([&](FileInformation& dialog) {
+            rows = RowsOf(dialog);
+            QTest::keyClick(&dialog, Qt::Key_Escape);
+        });
+        QTest::keyClick(&window, Qt::Key_I, Qt::ControlModifier);
+        QVERIFY(answers.AreGiven());
+        QCOMPARE(rows.value(u"Name:"_s), u"take.wav"_s);
+        QCOMPARE(rows.value(u"Bits of a sample:"_s), u"16"_s);
+        QVERIFY(!rows.contains(u"Size:"_s));
+    }
+
+    void withoutAFileThereIsNoInformationAndNowhereToGo()
+    {
+        PlayerWindow window;
+        QVERIFY(Activate(window));
+        QTest::keyClick(&window, Qt::Key_I, Qt::ControlModifier);
+        QTest::keyClick(&window, Qt::Key_G, Qt::ControlModifier);
+        QCOMPARE(QApplication::activeModalWidget(), nullptr);
+    }
+
+    void theTitleNamesTheFile()
+    {
+        const Copies copies({u"a[*]b & c.wav"_s});
+        PlayerWindow window;
+        QVERIFY(Activate(window));
+        QCOMPARE(window.windowHandle()->title(), u"Player"_s);
+        QVERIFY(Open(window, copies.Path(u"a[*]b & c.wav"_s)));
+        QCOMPARE(window.windowHandle()->title(), u"a[*]b & c.wav"_s);
+        QCOMPARE(window.windowFilePath(), copies.Path(u"a[*]b & c.wav"_s));
+    }
+
+    void listsRecentFilesTheLatestFirst()
+    {
+        const Copies copies({u"a & b.wav"_s, u"gone.wav"_s, u"c.wav"_s});
+        {
+            PlayerWindow window;
+            for (const QString& name : {u"a & b.wav"_s, u"gone.wav"_s, u"c.wav"_s, u"a & b.wav"_s}) {
+                QVERIFY(Open(window, copies.Path(name)));
+            }
+        }
+        QVERIFY(QFile::remove(copies.Path(u"gone.wav"_s)));
+        PlayerWindow window;
+        QVERIFY(Activate(window));
+        const QStringList texts = ShowRecentFiles(window);
+        QCOMPARE(texts, QStringList({copies.Path(u"a && b.wav"_s), copies.Path(u"c.wav"_s), u"&Clear list"_s}));
+        const WindowLog log(window);
+        PressInMenu(Qt::Key_Down);
+        PressInMenu(Qt::Key_Return);
+        QVERIFY(log.HasEnded() && log.isOpened);
+        QCOMPARE(PlayerOf(window)->GetOriginalAudioFilePath(), copies.Path(u"c.wav"_s));
+    }
+
+    void listsNoMoreThanTenRecentFiles()
+    {
+        const QTemporaryDir folder;
+        RecentFiles menu;
+        QStringList added;
+        for (int i = 0; i < 12; ++i) {
+            added.prepend(folder.filePath(u"%1.wav"_s.arg(i)));
+            QVERIFY(QFile::copy(Recording, added.first()));
+            menu.Add(added.first());
+        }
+        QCOMPARE(QSettings().value(u"recentFiles"_s).toStringList(), added.first(10));
+    }
+
+    void clearsTheListOfRecentFiles()
+    {
+        PlayerWindow window;
+        QVERIFY(Activate(window));
+        QVERIFY(Open(window, Recording));
+        QCOMPARE(ShowRecentFiles(window).size(), 2);
+        PressInMenu(Qt::Key_C);
+        QVERIFY(!QApplication::activePopupWidget());
+        QCOMPARE(ShowRecentFiles(window), QStringList(u"No files"_s));
+        CloseMenus();
+    }
+
+    void remembersLoopMuteAndVolume()
+    {
+        {
+            PlayerWindow window;
+            QVERIFY(Activate(window));
+            QVERIFY(Open(window, Recording));
+            PlayerOf(window)->SetAudioPlayBackVolume(41);
+            QTest::keyClick(&window, Qt::Key_L);
+            QTest::keyClick(&window, Qt::Key_M);
+            Close(window);
+        }
+        PlayerWindow again;
+        QVERIFY(Activate(again));
+        QVERIFY(PlayerOf(again)->GetLoop());
+        QVERIFY(PlayerOf(again)->GetAudioPlayBackMute());
+        QCOMPARE(PlayerOf(again)->GetAudioPlayBackVolume(), 41);
+        // The menus show it, too: the next key switches it off.
+        QTest::keyClick(&again, Qt::Key_L);
+        QTest::keyClick(&again, Qt::Key_M);
+        QVERIFY(!PlayerOf(again)->GetLoop());
+        QVERIFY(!PlayerOf(again)->GetAudioPlayBackMute());
+    }
+
+    void remembersWhatShowedOfTheLastFile()
+    {
+        const Copies copies({u"other.wav"_s});
+        {
+            PlayerWindow window;
+            QVERIFY(Activate(window));
+            QVERIFY(OpenCompletely(window, Recording));
+            window.ShowRange(2.0, 5.0);
+            Close(window);
+        }
+        PlayerWindow again;
+        QVERIFY(Open(again, copies.Path(u"other.wav"_s)));
+        QCOMPARE(PlayerOf(again)->GetVisibleRange().first, 0.0);
+        QVERIFY(Open(again, Recording));
+        const auto [start, end] = PlayerOf(again)->GetVisibleRange();
+        QVERIFY(std::abs(start - 2.0) < 0.001 && std::abs(end - 5.0) < 0.001);
+    }
+
+    void takesNoHarmFromDamagedSettings()
+    {
+        QSettings settings;
+        for (const char* key : {"volume", "mute", "loop", "view/start", "view/end", "recentFiles", "outputDevice",
+                                "geometry", "folder/open", "folder/export"}) {
+            settings.setValue(QString::fromLatin1(key), u"nan"_s);
+        }
+        settings.setValue(u"volume"_s, 1e300);
+        settings.setValue(u"view/file"_s, Recording);
+        PlayerWindow window;
+        QVERIFY(Activate(window));
+        QVERIFY(OpenCompletely(window, Recording));
+        QCOMPARE(PlayerOf(window)->GetVisibleRange().first, 0.0);
+        QCOMPARE(ShowRecentFiles(window).size(), 2);
+        CloseMenus();
+    }
+
+    void remembersTheOutputDevice()
+    {
+        QString chosen;
+        {
+            PlayerWindow window;
+            QVERIFY(Activate(window));
+            if (window.findChild<DeviceMenu*>()->actions().size() < 2) {
+                QSKIP("There are no two devices to choose from.");
+            }
+            QTest::keyClick(&window, Qt::Key_O, Qt::AltModifier);
+            const QList<QAction*> devices = window.findChild<DeviceMenu*>()->actions();
+            const bool isFirst = devices.at(0)->isChecked();
+            chosen = devices.at(isFirst ? 1 : 0)->text();
+            PressInMenu(Qt::Key_Home);
+            PressInMenu(Qt::Key_Down, isFirst ? 1 : 0);
+            PressInMenu(Qt::Key_Return);
+            QCOMPARE(CheckedDevice(window), chosen);
+        }
+        PlayerWindow again;
+        QCOMPARE(CheckedDevice(again), chosen);
+        QCOMPARE(again.findChild<AudioPlayer*>()->audioOutput()->device().description(), chosen);
+    }
+
+    void theDialogsRememberTheirFolders()
+    {
+        const Copies opened({u"take.wav"_s});
+        const QTemporaryDir exported;
+        {
+            PlayerWindow window;
+            QVERIFY(Activate(window));
+            QVERIFY(OpenCompletely(window, opened.Path(u"take.wav"_s)));
+            window.SelectRange(1.0, 2.0);
+            Answers answers;
+            answers.Add<QFileDialog>([&](QFileDialog& dialog) {
+                QCOMPARE(dialog.directory().path(), opened.Folder());
+                auto* name = ChildNamed<QLineEdit>(dialog, u"fileNameEdit"_s);
+                QCOMPARE(name->text(), u"take selection.wav"_s);
+                name->selectAll();
+                QTest::keyClicks(name, exported.filePath(u"part"_s));
+                QTest::keyClick(name, Qt::Key_Return);
+            });
+            QTest::keyClick(&window, Qt::Key_S, Qt::ControlModifier);
+            QVERIFY(answers.AreGiven());
+        }
+        PlayerWindow again;
+        QVERIFY(Activate(again));
+        QVERIFY(OpenCompletely(again, opened.Path(u"take.wav"_s)));
+        again.SelectRange(1.0, 2.0);
+        QStringList folders;
+        Answers answers;
+        for (int i = 0; i < 2; ++i) {
+            answers.Add<QFileDialog>([&](QFileDialog& dialog) {
+                folders.append(dialog.directory().path());
+                QTest::keyClick(&dialog, Qt::Key_Escape);
+            });
+        }
+        QTest::keyClick(&again, Qt::Key_O, Qt::ControlModifier);
+        QVERIFY(Activate(again));
+        QTest::keyClick(&again, Qt::Key_S, Qt::ControlModifier);
+        QVERIFY(answers.AreGiven());
+        QCOMPARE(folders, QStringList({opened.Folder(), exported.path()}));
+    }
+
+    void theWindowAndTheAboutBoxHaveAnIcon()
+    {
+        PlayerWindow window;
+        QVERIFY(Activate(window));
+        QVERIFY(!window.windowIcon().pixmap(32).isNull());
+        QTest::keyClick(&window, Qt::Key_H, Qt::AltModifier);
+        PressInMenu(Qt::Key_A);
+        auto* box = window.findChild<QMessageBox*>();
+        QVERIFY(box);
+        QCOMPARE(box->iconPixmap().toImage(), window.windowIcon().pixmap(64).toImage());
+        box->close();
+    }
+};
+
+int main(int argc, char* argv[])
+{
+    return RunApart<HostMenusTest>(argc, argv);
+}
+
+#include "tst_hostmenus.moc"
