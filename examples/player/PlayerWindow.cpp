@@ -4,6 +4,7 @@
 #include "HostPlayer.h"
 #include "RecentFiles.h"
 #include "Remembered.h"
+#include "SelectionHistory.h"
 #include "SettingsDialog.h"
 #include "TaskProgress.h"
 

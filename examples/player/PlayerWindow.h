@@ -11,12 +11,14 @@
 #include <QtWidgets/QMainWindow>
 
 #include <functional>
+#include <memory>
 
 class HostPlayer;
 class QAction;
 class QLabel;
 class QMenu;
 class RecentFiles;
+class SelectionHistory;
 class TaskProgress;
 
 /** A small audio player: one file with its waveform, played whole or by the stretch that is selected in it. Parts
@@ -76,6 +78,7 @@ private:
     void BuildView();
     void BuildMenus();
     void BuildFileMenu();
+    void BuildEditMenu();
     void BuildExport(QMenu* fileMenu);
     void BuildPlayerMenus();
     void ShowShortcuts();
@@ -128,6 +131,7 @@ private:
     QString m_snippetPath;
     bool m_isSnippetWaiting = false;
 
+    std::unique_ptr<SelectionHistory> m_history;
     vantoraudio::vantorAudioEngine::UI::AudioPlayerActions* m_actions = nullptr;
     RecentFiles* m_recentFiles = nullptr;
     QAction* m_informationAction = nullptr;

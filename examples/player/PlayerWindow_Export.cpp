@@ -185,7 +185,7 @@ QString PlayerWindow::AskForOutput(const QString& what)
     if (dialog.exec() != QDialog::Accepted) {
         return {};
     }
-    const QString chosen = dialog.selectedFiles().constFirst();
+    QString chosen = dialog.selectedFiles().constFirst();
     Remembered::KeepFolderOf(Remembered::Folder::Export, chosen);
     if (chosen.endsWith(u".wav"_s, Qt::CaseInsensitive)) {
         return chosen;

@@ -4,6 +4,7 @@
 #include "HostPlayer.h"
 #include "PlayerWindow.h"
 #include "RecentFiles.h"
+#include "SelectionHistory.h"
 
 #include <vantorAudioEngine/BGFXWaveformWidget.h>
 #include <vantorAudioEngine/Version.h>
@@ -18,6 +19,8 @@
 #include <QtWidgets/QStyle>
 
 #include <algorithm>
+#include <array>
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 using Actions = vantoraudio::vantorAudioEngine::UI::AudioPlayerActions;
@@ -25,6 +28,7 @@ using Actions = vantoraudio::vantorAudioEngine::UI::AudioPlayerActions;
 void PlayerWindow::BuildMenus()
 {
     BuildFileMenu();
+    BuildEditMenu();
     BuildPlayerMenus();
     auto* devices = new DeviceMenu(this);
     connect(devices, &DeviceMenu::DeviceChosen, m_player, &HostPlayer::SetAudioOutputDevice);
@@ -49,6 +53,16 @@ void PlayerWindow::BuildFileMenu()
         fileMenu->addAction(tr("&Information…"), tr("Ctrl+I"), this, &PlayerWindow::ShowInformation);
     fileMenu->addAction(tr("&Settings…"), this, &PlayerWindow::AskForSettings);
     fileMenu->addAction(tr("&Quit"), QKeySequence::Quit, this, &QWidget::close);
+}
+
+void PlayerWindow::BuildEditMenu()
+{
+    m_history = std::make_unique<SelectionHistory>(*m_player);
+    QAction* undo = m_history->Stack().createUndoAction(this, tr("&Undo"));
+    QAction* redo = m_history->Stack().createRedoAction(this, tr("&Redo"));
+    undo->setShortcut(QKeySequence::Undo);
+    redo->setShortcut(QKeySequence::Redo);
+    menuBar()->addMenu(tr("&Edit"))->addActions({undo, redo});
 }
 
 void PlayerWindow::BuildPlayerMenus()
@@ -98,9 +112,17 @@ void PlayerWindow::ShowShortcuts()
             table->addRow(action->shortcut().toString(QKeySequence::NativeText), new QLabel(action->text()));
         }
     }
-    for (const QAction* action : {m_goToAction, m_informationAction, m_selectionAction}) {
-        table->addRow(action->shortcut().toString(QKeySequence::NativeText),
-                      new QLabel(action->text().remove(u'&').remove(u'…')));
+    const std::array<std::pair<QKeySequence, QString>, 7> own{{
+        {QKeySequence::Undo, tr("Take the last change of the selection back")},
+        {QKeySequence::Redo, tr("Change the selection once more")},
+        {m_goToAction->shortcut(), tr("Go to a time")},
+        {QKeySequence::Open, tr("Open a file")},
+        {QKeySequence::Save, tr("Export the selection")},
+        {m_informationAction->shortcut(), tr("Show what is in the file")},
+        {QKeySequence::Quit, tr("Quit")},
+    }};
+    for (const auto& [key, text] : own) {
+        table->addRow(key.toString(QKeySequence::NativeText), new QLabel(text));
     }
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
     connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);

@@ -81,6 +81,30 @@ void Close(PlayerWindow& window)
     QTest::keyClick(&window, Qt::Key_Q, Qt::ControlModifier);
 }
 
+QMenu* MenuNamed(PlayerWindow& window, const QString& title)
+{
+    const QList<QMenu*> menus = window.findChildren<QMenu*>();
+    const auto menu =
+        std::find_if(menus.cbegin(), menus.cend(), [&](const QMenu* each) { return each->title() == title; });
+    return menu == menus.cend() ? nullptr : *menu;
+}
+
+/** From one pixel column to another, by way of some between them. */
+void Drag(PlayerWindow& window, int from, int to)
+{
+    QWidget* diagram = DiagramOf(window);
+    const int y = diagram->height() / 2;
+    QTest::mousePress(diagram, Qt::LeftButton, Qt::NoModifier, QPoint(from, y));
+    for (int step = 1; step <= 4; ++step) {
+        const QPointF place(from + (to - from) * step / 4, y);
+        QMouseEvent move(QEvent::MouseMove, place, diagram->mapToGlobal(place), Qt::NoButton, Qt::LeftButton,
+                         Qt::NoModifier);
+        QApplication::sendEvent(diagram, &move);
+        QCoreApplication::processEvents();
+    }
+    QTest::mouseRelease(diagram, Qt::LeftButton, Qt::NoModifier, QPoint(to, y));
+}
+
 QMap<QString, QString> RowsOf(const QDialog& dialog)
 {
     QMap<QString, QString> rows;
@@ -469,6 +493,61 @@ private Q_SLOTS:
         QTest::keyClick(&again, Qt::Key_S, Qt::ControlModifier);
         QVERIFY(answers.AreGiven());
         QCOMPARE(folders, QStringList({opened.Folder(), exported.path()}));
+    }
+
+    void takesChangesOfTheSelectionBack()
+    {
+        PlayerWindow window;
+        QVERIFY(Activate(window));
+        QVERIFY(OpenCompletely(window, Recording));
+        const auto selection = [&] { return PlayerOf(window)->GetSelectedSnippet(); };
+        const auto undo = [&] { QTest::keyClick(&window, Qt::Key_Z, Qt::ControlModifier); };
+        const auto redo = [&] { QTest::keyClick(&window, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier); };
+        const QList<QAction*> actions = MenuNamed(window, u"&Edit"_s)->actions();
+        QVERIFY(!actions.at(0)->isEnabled());
+        Drag(window, 100, 300);
+        const auto first = selection();
+        QVERIFY(first.first < first.second);
+        QTRY_VERIFY(actions.at(0)->isEnabled());
+        QTest::keyClick(&window, Qt::Key_Right, Qt::ControlModifier);
+        const auto second = selection();
+        QVERIFY(second != first);
+        QTRY_COMPARE(actions.at(0)->text(), u"&Undo selection"_s);
+        QTest::qWait(0);
+        QTest::keyClick(&window, Qt::Key_Escape);
+        QCOMPARE(selection(), std::make_pair(0.0, 0.0));
+        QTest::qWait(0);
+
+        undo();
+        QCOMPARE(selection(), second);
+        undo();
+        QCOMPARE(selection(), first);
+        // All moves of the mouse in one step.
+        undo();
+        QCOMPARE(selection(), std::make_pair(0.0, 0.0));
+        QVERIFY(!actions.at(0)->isEnabled());
+        redo();
+        redo();
+        QCOMPARE(selection(), second);
+        QTest::qWait(0);
+        QVERIFY(actions.at(1)->isEnabled());
+        QTest::keyClick(&window, Qt::Key_Right, Qt::ControlModifier);
+        QTRY_VERIFY(!actions.at(1)->isEnabled());
+    }
+
+    void anotherFileStartsWithoutAPast()
+    {
+        const Copies copies({u"other.wav"_s});
+        PlayerWindow window;
+        QVERIFY(Activate(window));
+        QVERIFY(OpenCompletely(window, Recording));
+        Drag(window, 100, 300);
+        const QList<QAction*> actions = MenuNamed(window, u"&Edit"_s)->actions();
+        QTRY_VERIFY(actions.at(0)->isEnabled());
+        QVERIFY(OpenCompletely(window, copies.Path(u"other.wav"_s)));
+        QVERIFY(!actions.at(0)->isEnabled());
+        QTest::keyClick(&window, Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(PlayerOf(window)->GetSelectedSnippet(), std::make_pair(0.0, 0.0));
     }
 
     void theWindowAndTheAboutBoxHaveAnIcon()
