@@ -2,6 +2,7 @@
 
 #include "Failures.h"
 #include "HostPlayer.h"
+#include "PointerLabel.h"
 #include "RecentFiles.h"
 #include "Remembered.h"
 #include "SelectionHistory.h"
@@ -18,7 +19,6 @@
 #include <QtGui/QIcon>
 #include <QtWidgets/QFileDialog>
 #include <QtWidgets/QLabel>
-#include <QtWidgets/QLineEdit>
 #include <QtWidgets/QStatusBar>
 #include <QtWidgets/QVBoxLayout>
 
@@ -59,13 +59,14 @@ PlayerWindow::~PlayerWindow()
 void PlayerWindow::BuildView()
 {
     m_player = new HostPlayer(this);
-    // These fields are narrow for some systems' fonts. Not by a style sheet: under one, the palette is frozen.
-    for (const auto& name : {u"edCurrentPosition"_s, u"edTotalDuration"_s}) {
-        auto* field = m_player->findChild<QLineEdit*>(name);
-        QFont small = field->font();
-        small.setPointSize(8);
-        field->setFont(small);
-    }
+    m_player->UseFlexibleSizes();
+    m_player->SetLabelsFit(true);
+    m_player->SetWaveformTakesFocus(true);
+    m_player->SetPositionMovesSmoothly(true);
+    // Three notches of the wheel for twice the view.
+    m_player->SetWheelZoomFactor(1.26);
+    m_player->SetChannelChangeKeepsPlace(true);
+    m_player->SetKeepBothChannels(true);
     m_player->SetEditMode(true);
     m_player->SetInteractions(Interaction::SelectBeyondView | Interaction::MoveFromInside |
                               Interaction::ExtendWithShift | Interaction::LeftButtonOnly |
@@ -95,6 +96,7 @@ void PlayerWindow::BuildView()
     m_selectionLabel = new QLabel(this);
     m_progress = new TaskProgress(this);
     statusBar()->addWidget(m_selectionLabel);
+    statusBar()->addWidget(new PointerLabel(*m_player, this));
     statusBar()->addPermanentWidget(m_progress);
 }
 

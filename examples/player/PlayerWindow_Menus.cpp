@@ -9,6 +9,7 @@
 #include <vantorAudioEngine/BGFXWaveformWidget.h>
 #include <vantorAudioEngine/Version.h>
 
+#include <QtCore/QSettings>
 #include <QtGui/QAction>
 #include <QtWidgets/QDialog>
 #include <QtWidgets/QDialogButtonBox>
@@ -71,7 +72,17 @@ void PlayerWindow::BuildPlayerMenus()
     QMenu* playback = menuBar()->addMenu(tr("&Playback"));
     playback->addActions(m_actions->All(Actions::Playback));
     m_goToAction = playback->addAction(tr("&Go to…"), tr("Ctrl+G"), this, &PlayerWindow::AskForPosition);
-    menuBar()->addMenu(tr("&View"))->addActions(m_actions->All(Actions::View));
+    QMenu* view = menuBar()->addMenu(tr("&View"));
+    view->addActions(m_actions->All(Actions::View));
+    QAction* follow = view->addAction(tr("&Follow the position"), tr("F"));
+    follow->setObjectName("follow"_L1);
+    follow->setCheckable(true);
+    follow->setChecked(QSettings().value(u"follow"_s, true).toBool());
+    m_player->SetFollowsPosition(follow->isChecked());
+    connect(follow, &QAction::toggled, this, [this](bool follows) {
+        m_player->SetFollowsPosition(follows);
+        QSettings().setValue(u"follow"_s, follows);
+    });
     menuBar()->addMenu(tr("&Selection"))->addActions(m_actions->All(Actions::Selection));
 }
 

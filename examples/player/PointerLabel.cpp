@@ -1,0 +1,44 @@
+#include "PointerLabel.h"
+
+#include "HostPlayer.h"
+#include "Times.h"
+
+#include <vantorAudioEngine/BGFXWaveformWidget.h>
+
+#include <QtGui/QHoverEvent>
+
+#include <algorithm>
+#include <cmath>
+
+using vantoraudio::vantorAudioEngine::UI::BGFXWaveformWidget;
+
+PointerLabel::PointerLabel(const HostPlayer& player, QWidget* parent) : QLabel(parent), m_player(player)
+{
+    auto* view = player.findChild<BGFXWaveformWidget*>();
+    view->setAttribute(Qt::WA_Hover);
+    view->installEventFilter(this);
+}
+
+bool PointerLabel::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::HoverMove) {
+        const QPoint onView = static_cast<QHoverEvent*>(event)->position().toPoint();
+        Show(static_cast<QWidget*>(watched)->mapTo(&m_player, onView));
+    } else if (event->type() == QEvent::HoverLeave) {
+        clear();
+    }
+    return QLabel::eventFilter(watched, event);
+}
+
+void PointerLabel::Show(const QPoint& position)
+{
+    const auto [lowest, highest] = m_player.GetLevelAt(position);
+    const double level = std::max(std::abs(lowest), std::abs(highest));
+    if (!std::isfinite(level)) {
+        clear();
+        return;
+    }
+    const QString time = TextOfTime(m_player.GetTimeAt(position));
+    // Silence has no decibels.
+    setText(level > 0.0 ? tr("%1: %2 dB").arg(time, locale().toString(20.0 * std::log10(level), 'f', 1)) : time);
+}
