@@ -40,7 +40,7 @@ struct ViewColors;
  * upright grid lines are missing, and the wheel zooms to no such view: a file much longer shows as a whole only.
  *
  * Screen readers read position and length as the value of a slider that cannot be moved, and the selection as its
- * description.
+ * description; no change is announced to them.
  *
  * GUI thread only. Slots may call back into the widget from within any of its signals; to destroy it there they
  * use deleteLater().
