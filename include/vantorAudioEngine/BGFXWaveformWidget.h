@@ -173,9 +173,9 @@ public:
      * labels then stand at their ticks, whatever is there. */
     void SetLabelsFit(bool fit);
     [[nodiscard]] bool GetLabelsFit() const { return m_labelsFit; }
-    /** All colours but the marker's icon are those of the widget's palette, now and whenever that changes: labels
-     *  stand out from the window 4.5 to 1; waveform, selection and position from the background 3 to 1. Off at
-     *  first. Colours that were set, before or meanwhile, show when it is off again. */
+    /** All colours, that of the marker's icon, too, are those of the widget's palette, now and whenever that
+     * changes: labels stand out from the window 4.5 to 1; waveform, selection and position from the background 3
+     * to 1. Off at first. Colours that were set, before or meanwhile, show when it is off again. */
     void SetColorsFollowPalette(bool follow);
     [[nodiscard]] bool GetColorsFollowPalette() const { return m_setColors != nullptr; }
     /** The view takes the keyboard focus, by Tab and by a click, and shows it as a frame around the waveform that
@@ -262,6 +262,7 @@ private:
     [[nodiscard]] ViewColors ShownColors() const;
     void Show(const ViewColors& colors);
     void DrawPositionMarker(QPainter& painter) const;
+    void DrawTintedIcon(QPainter& painter, const QRectF& place) const;
 
     BGFXWaveformDiagramWidget* m_diagram;
     QColor m_frameColor{125, 125, 125, 255};

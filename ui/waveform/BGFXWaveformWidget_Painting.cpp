@@ -5,6 +5,7 @@
 
 #include <vantorAudioEngine/BGFXWaveformWidget.h>
 
+#include <QtGui/QImage>
 #include <QtGui/QPainter>
 #include <QtSvg/QSvgRenderer>
 
@@ -154,7 +155,25 @@ void BGFXWaveformWidget::DrawPositionMarker(QPainter& painter) const
         return;
     }
     DrawRulerTick(painter, diagram.left() + x, diagram);
-    m_positionIcon->render(&painter, QRectF(diagram.left() + x - 5, diagram.top() - 12, 10, 6));
+    const QRectF icon(diagram.left() + x - 5, diagram.top() - 12, 10, 6);
+    if (GetColorsFollowPalette()) {
+        DrawTintedIcon(painter, icon);
+    } else {
+        m_positionIcon->render(&painter, icon);
+    }
+}
+
+void BGFXWaveformWidget::DrawTintedIcon(QPainter& painter, const QRectF& place) const
+{
+    const double scale = painter.device()->devicePixelRatioF();
+    QImage icon((place.size() * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
+    icon.fill(Qt::transparent);
+    QPainter tint(&icon);
+    m_positionIcon->render(&tint);
+    tint.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    tint.fillRect(icon.rect(), m_positionMarkerColor);
+    tint.end();
+    painter.drawImage(place, icon);
 }
 
 } // namespace vantoraudio::vantorAudioEngine::UI

@@ -122,6 +122,28 @@ private Q_SLOTS:
         QTRY_VERIFY(diagramPaints.m_paints > 0);
     }
 
+    void theMarkersIconHasThePalettesColor()
+    {
+        BGFXWaveformWidget widget;
+        widget.resize(430, 160);
+        widget.setPalette(Light());
+        widget.SetFollowsPosition(false);
+        widget.Initilize({}, 10.0);
+        widget.SetAudioPosition(5.0);
+        widget.grab(); // lays it out
+        const QRect diagram = Access::DiagramOf(widget).geometry();
+        const double x = diagram.left() + diagram.width() / 2.0;
+        const auto icon = [&] { return WaveformPicture(widget).At(x, diagram.top() - 10.0); };
+        QVERIFY(WaveformPicture::IsAbout(icon(), QColor(0x73bfff)));
+        widget.SetColorsFollowPalette(true);
+        QVERIFY2(WaveformPicture::IsAbout(icon(), QColor(0x0060a0)), qPrintable(icon().name()));
+        widget.SetAudioPositionIcon(QStringLiteral(":/no/such.svg"));
+        QVERIFY(!WaveformPicture::IsAbout(icon(), QColor(0x0060a0)));
+        widget.SetColorsFollowPalette(false);
+        widget.SetAudioPositionIcon(QStringLiteral(":/Resources/vantoraudioArrowDownLightBlue.svg"));
+        QVERIFY(WaveformPicture::IsAbout(icon(), QColor(0x73bfff)));
+    }
+
     void thePictureHasThePalettesColors()
     {
         QVERIFY(UseDevice(vantoraudio::bgfx::device::Kind::Software));
