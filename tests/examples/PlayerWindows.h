@@ -123,7 +123,7 @@ public:
                 dialog->reject();
             }
         });
-        m_patience.start(std::chrono::seconds(5));
+        m_patience.start(std::chrono::seconds(20));
     }
 
     template<typename Dialog>
