@@ -26,6 +26,13 @@
 using namespace Qt::Literals::StringLiterals;
 using Actions = vantoraudio::vantorAudioEngine::UI::AudioPlayerActions;
 
+namespace {
+
+/** On some platforms Qt has no standard key for it. */
+constexpr QKeyCombination QuitKey(Qt::ControlModifier, Qt::Key_Q);
+
+} // namespace
+
 void PlayerWindow::BuildMenus()
 {
     BuildFileMenu();
@@ -53,7 +60,7 @@ void PlayerWindow::BuildFileMenu()
     m_informationAction =
         fileMenu->addAction(tr("&Information…"), tr("Ctrl+I"), this, &PlayerWindow::ShowInformation);
     fileMenu->addAction(tr("&Settings…"), this, &PlayerWindow::AskForSettings);
-    fileMenu->addAction(tr("&Quit"), QKeySequence::Quit, this, &QWidget::close);
+    fileMenu->addAction(tr("&Quit"), QuitKey, this, &QWidget::close);
 }
 
 void PlayerWindow::BuildEditMenu()
@@ -130,7 +137,7 @@ void PlayerWindow::ShowShortcuts()
         {QKeySequence::Open, tr("Open a file")},
         {QKeySequence::Save, tr("Export the selection")},
         {m_informationAction->shortcut(), tr("Show what is in the file")},
-        {QKeySequence::Quit, tr("Quit")},
+        {QuitKey, tr("Quit")},
     }};
     for (const auto& [key, text] : own) {
         table->addRow(key.toString(QKeySequence::NativeText), new QLabel(text));

@@ -5,6 +5,7 @@
 
 #include <vantorAudioEngine/BGFXWaveformWidget.h>
 
+#include <QtCore/QLocale>
 #include <QtGui/QHoverEvent>
 
 #include <algorithm>

@@ -408,7 +408,11 @@ private Q_SLOTS:
         QTest::addRow("selection") << Export([](PlayerWindow& window, const QString& path) {
             window.SelectRange(1.0, 2.5);
             window.ExportSelection(path);
-        }) << Direct([](WavFile& file, const QString& path) { file.CreateSnippet(path, 1.0, 2.5); });
+        }) << Direct([](WavFile& file, const QString& path) {
+            file.SetKeepBothChannels(true);
+            file.SetSelectedChannel(WavFile::ChannelLeftRight);
+            file.CreateSnippet(path, 1.0, 2.5);
+        });
         QTest::addRow("left channel") << Export([](PlayerWindow& window, const QString& path) {
             window.ExportChannel(path, WavFile::ChannelLeft);
         }) << Direct([](WavFile& file, const QString& path) {

@@ -38,7 +38,8 @@ void FitTime(QLineEdit& field)
 
 void FitIcon(QPushButton& button, const QSize& smallest)
 {
-    const int height = button.fontMetrics().height();
+    // In steps: pictures of odd sizes get blurred.
+    const int height = std::max(16, button.fontMetrics().height() / 4 * 4);
     button.setIconSize(QSize(height, height));
     button.setFixedSize(smallest.expandedTo({height + 12, height + 8}));
 }
