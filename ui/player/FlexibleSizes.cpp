@@ -125,7 +125,7 @@ void FlexibleSizes::GatherPosition()
     playing->addStretch();
     playing->addLayout(transport);
     playing->addStretch();
-    row->addLayout(playing);
+    row->addLayout(playing, 1);
     row->addLayout(position);
 }
 
