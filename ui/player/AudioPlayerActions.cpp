@@ -4,6 +4,7 @@
 #include <vantorAudioEngine/AudioPlayerWidget.h>
 #include <vantorAudioEngine/BGFXWaveformWidget.h>
 
+#include <QtCore/QCoreApplication>
 #include <QtCore/QMetaEnum>
 #include <QtGui/QAction>
 #include <QtGui/QKeyEvent>
@@ -98,7 +99,7 @@ AudioPlayerActions::AudioPlayerActions(AudioPlayerWidget* player)
     : QObject(player), m_internals(new Internals{*player})
 {
     for (const Entry& entry : Entries) {
-        auto* action = new QAction(tr(entry.text), this);
+        auto* action = new QAction(QCoreApplication::translate("AudioPlayerActions", entry.text), this);
         action->setObjectName(QString::fromLatin1(QMetaEnum::fromType<Command>().valueToKey(entry.command)));
         action->setShortcut(entry.key);
         action->setCheckable(entry.isSwitch);
