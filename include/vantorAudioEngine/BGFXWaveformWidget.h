@@ -57,7 +57,7 @@ public:
      *  1,080,000. */
     [[nodiscard]] static double CalculateScale(double span);
     /** The ruler's label for a time in seconds, for example "1:15.250 min". Below 0 and from 24 hours on only the
-     *  unit. */
+     *  unit, which is translated. */
     [[nodiscard]] static QString FormatToTime(double seconds);
 
     explicit BGFXWaveformWidget(QWidget* parent = nullptr);

@@ -2,6 +2,7 @@
 
 #include "engine/samples/Truncation.h"
 
+#include <QtCore/QCoreApplication>
 #include <QtCore/QTime>
 
 #include <array>
@@ -66,18 +67,18 @@ struct LabelFormat
 LabelFormat FormatFor(const ClockFields& fields)
 {
     if (fields.hours != 0) {
-        return {QStringLiteral("h:mm:ss.zzz"), QStringLiteral(" hr")};
+        return {QStringLiteral("h:mm:ss.zzz"), QCoreApplication::translate("TimeScale", "hr")};
     }
     if (fields.minutes != 0) {
-        return {QStringLiteral("m:ss.zzz"), QStringLiteral(" min")};
+        return {QStringLiteral("m:ss.zzz"), QCoreApplication::translate("TimeScale", "min")};
     }
     if (fields.seconds != 0) {
-        return {QStringLiteral("s.zzz"), QStringLiteral(" sec")};
+        return {QStringLiteral("s.zzz"), QCoreApplication::translate("TimeScale", "sec")};
     }
     if (fields.milliseconds != 0) {
-        return {QStringLiteral("zzz"), QStringLiteral(" msec")};
+        return {QStringLiteral("zzz"), QCoreApplication::translate("TimeScale", "msec")};
     }
-    return {QStringLiteral("s"), QStringLiteral(" sec")};
+    return {QStringLiteral("s"), QCoreApplication::translate("TimeScale", "sec")};
 }
 
 } // namespace
@@ -101,7 +102,7 @@ QString FormatToTime(double seconds)
     const ClockFields fields = SplitTime(seconds);
     const LabelFormat format = FormatFor(fields);
     const QTime clock(fields.hours, fields.minutes, fields.seconds, fields.milliseconds);
-    return clock.toString(format.clock) + format.unit;
+    return clock.toString(format.clock) + u' ' + format.unit;
 }
 
 } // namespace vantoraudio::vantorAudioEngine::UI

@@ -17,6 +17,7 @@ namespace vantoraudio::vantorAudioEngine::UI {
 /**
  * A time in seconds as ruler label, in the largest unit that it fills: "1:02:03.500 hr", "1:15.250 min",
  * "5.100 sec", "045 msec". Times below 0 and from 24 hours on have no clock text: only the unit remains (" hr").
+ * The unit is translated.
  */
 [[nodiscard]] QString FormatToTime(double seconds);
 
