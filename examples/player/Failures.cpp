@@ -14,20 +14,24 @@ QString Quoted(const char* sentence, const QString& path)
 
 QString DescribeExportFailure(const QString& path)
 {
-    return Quoted("“%1” cannot be written: is there room, and may you write there?", path);
+    return Quoted(QT_TRANSLATE_NOOP("Failures", "“%1” cannot be written: is there room, and may you write there?"),
+                  path);
 }
 
 QString DescribeChannelFailure(const QString& path)
 {
-    return Quoted("The channel of “%1” cannot be prepared: is there room, and is the file still there?", path);
+    return Quoted(
+        QT_TRANSLATE_NOOP("Failures",
+                          "The channel of “%1” cannot be prepared: is there room, and is the file still there?"),
+        path);
 }
 
 QString DescribeExistingFile(const QString& path)
 {
-    return Quoted("“%1” is there already: please choose another name.", path);
+    return Quoted(QT_TRANSLATE_NOOP("Failures", "“%1” is there already: please choose another name."), path);
 }
 
 QString DescribeReplacement(const QString& path)
 {
-    return Quoted("“%1” is there already. Do you want to replace it?", path);
+    return Quoted(QT_TRANSLATE_NOOP("Failures", "“%1” is there already. Do you want to replace it?"), path);
 }

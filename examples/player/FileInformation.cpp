@@ -63,5 +63,5 @@ void FileInformation::Add(const QString& name, const QString& value)
     text->setTextFormat(Qt::PlainText);
     text->setWordWrap(true);
     text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    m_table->addRow(name + u':', text);
+    m_table->addRow(tr("%1:").arg(name), text);
 }

@@ -58,7 +58,7 @@ void PlayerWindow::BuildFileMenu()
     fileMenu->addMenu(m_recentFiles);
     BuildExport(fileMenu);
     m_informationAction =
-        fileMenu->addAction(tr("&Information…"), tr("Ctrl+I"), this, &PlayerWindow::ShowInformation);
+        fileMenu->addAction(tr("&Information…"), Qt::CTRL | Qt::Key_I, this, &PlayerWindow::ShowInformation);
     fileMenu->addAction(tr("&Settings…"), this, &PlayerWindow::AskForSettings);
     fileMenu->addAction(tr("&Quit"), QuitKey, this, &QWidget::close);
 }
@@ -78,10 +78,10 @@ void PlayerWindow::BuildPlayerMenus()
     m_actions = new Actions(m_player);
     QMenu* playback = menuBar()->addMenu(tr("&Playback"));
     playback->addActions(m_actions->All(Actions::Playback));
-    m_goToAction = playback->addAction(tr("&Go to…"), tr("Ctrl+G"), this, &PlayerWindow::AskForPosition);
+    m_goToAction = playback->addAction(tr("&Go to…"), Qt::CTRL | Qt::Key_G, this, &PlayerWindow::AskForPosition);
     QMenu* view = menuBar()->addMenu(tr("&View"));
     view->addActions(m_actions->All(Actions::View));
-    QAction* follow = view->addAction(tr("&Follow the position"), tr("F"));
+    QAction* follow = view->addAction(tr("&Follow the position"), QKeySequence(Qt::Key_F));
     follow->setObjectName("follow"_L1);
     follow->setCheckable(true);
     follow->setChecked(QSettings().value(u"follow"_s, true).toBool());

@@ -16,6 +16,11 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
+struct Texts
+{
+    Q_DECLARE_TR_FUNCTIONS(main)
+};
+
 struct Range
 {
     double start;
@@ -58,8 +63,7 @@ std::optional<Range> RangeOption(QCommandLineParser& parser, const QCommandLineO
     }
     const std::optional<Range> range = ParseRange(parser.value(option));
     if (!range) {
-        QTextStream(stderr) << QCoreApplication::translate("main", "Not a range of seconds such as 1.5-3: %1")
-                                   .arg(parser.value(option))
+        QTextStream(stderr) << Texts::tr("Not a range of seconds such as 1.5-3: %1").arg(parser.value(option))
                             << Qt::endl;
         parser.showHelp(2);
     }
@@ -68,18 +72,17 @@ std::optional<Range> RangeOption(QCommandLineParser& parser, const QCommandLineO
 
 Options ParseOptions(const QCoreApplication& application)
 {
-    const auto tr = [](const char* text) { return QCoreApplication::translate("main", text); };
     QCommandLineParser parser;
-    parser.setApplicationDescription(tr("Shows and plays an audio file."));
+    parser.setApplicationDescription(Texts::tr("Shows and plays an audio file."));
     parser.addHelpOption();
     parser.addVersionOption();
-    const QCommandLineOption play(u"play"_s, tr("Start playing at once."));
-    const QCommandLineOption view(u"view"_s, tr("Show this range of seconds."), u"FROM-TO"_s);
-    const QCommandLineOption selection(u"selection"_s, tr("Select this range of seconds."), u"FROM-TO"_s);
+    const QCommandLineOption play(u"play"_s, Texts::tr("Start playing at once."));
+    const QCommandLineOption view(u"view"_s, Texts::tr("Show this range of seconds."), u"FROM-TO"_s);
+    const QCommandLineOption selection(u"selection"_s, Texts::tr("Select this range of seconds."), u"FROM-TO"_s);
     const QCommandLineOption screenshot(
-        u"screenshot"_s, tr("Save a picture of the window once it is complete, and quit."), u"FILE.png"_s);
+        u"screenshot"_s, Texts::tr("Save a picture of the window once it is complete, and quit."), u"FILE.png"_s);
     parser.addOptions({play, view, selection, screenshot});
-    parser.addPositionalArgument(u"FILE"_s, tr("The file to open."), u"[FILE]"_s);
+    parser.addPositionalArgument(u"FILE"_s, Texts::tr("The file to open."), u"[FILE]"_s);
     parser.process(application);
 
     return {parser.positionalArguments().value(0), parser.value(screenshot), RangeOption(parser, view),
