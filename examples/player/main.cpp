@@ -1,3 +1,4 @@
+#include "Languages.h"
 #include "PlayerWindow.h"
 #include "ScreenshotJob.h"
 
@@ -165,6 +166,7 @@ int main(int argc, char* argv[])
     QApplication::setApplicationVersion(vantoraudio::AudioEngine::libVersionString());
     // The waveform tells of each of its frames there, which helps its developers and nobody else.
     QLoggingCategory::setFilterRules(u"default.debug=false"_s);
+    InstallTranslations();
     const Options options = ParseOptions(application);
 
     PlayerWindow window;

@@ -158,8 +158,8 @@ private:
     QObject m_context;
 };
 
-/** Runs a test whose windows touch neither the settings nor the cache of the user, which is none of a test's
- *  business. Programs that it starts inherit this. */
+/** Runs a test in English whose windows touch neither the settings nor the cache of the user, which is none of a
+ *  test's business. Programs that it starts inherit this. */
 template<typename Test>
 int RunApart(int argc, char* argv[])
 {
@@ -167,6 +167,7 @@ int RunApart(int argc, char* argv[])
     for (const char* name : {"XDG_CACHE_HOME", "XDG_CONFIG_HOME", "TMPDIR"}) {
         qputenv(name, home.path().toLocal8Bit());
     }
+    qputenv("LANGUAGE", "en");
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("vantoraudio-player"));
     Test test;

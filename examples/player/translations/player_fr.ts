@@ -1,0 +1,435 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="fr_FR">
+<context>
+    <name>Appearance</name>
+    <message>
+        <source>Background</source>
+        <translation>Arrière-plan</translation>
+    </message>
+    <message>
+        <source>Waveform</source>
+        <translation>Forme d’onde</translation>
+    </message>
+    <message>
+        <source>Selection</source>
+        <translation>Sélection</translation>
+    </message>
+    <message>
+        <source>Position</source>
+        <translation>Position</translation>
+    </message>
+    <message>
+        <source>Grid</source>
+        <translation>Grille</translation>
+    </message>
+    <message>
+        <source>Frame</source>
+        <translation>Cadre</translation>
+    </message>
+    <message>
+        <source>Scale</source>
+        <translation>Échelle</translation>
+    </message>
+</context>
+<context>
+    <name>DeviceMenu</name>
+    <message>
+        <source>&amp;Output device</source>
+        <translation>&amp;Périphérique de sortie</translation>
+    </message>
+    <message>
+        <source>No output device</source>
+        <translation>Aucun périphérique de sortie</translation>
+    </message>
+</context>
+<context>
+    <name>Failures</name>
+    <message>
+        <source>“%1” cannot be written: is there room, and may you write there?</source>
+        <translation>« %1 » ne peut pas être écrit : y a-t-il de la place, et avez-vous le droit d’y écrire ?</translation>
+    </message>
+    <message>
+        <source>The channel of “%1” cannot be prepared: is there room, and is the file still there?</source>
+        <translation>Le canal de « %1 » ne peut pas être préparé : y a-t-il de la place, et le fichier est-il toujours là ?</translation>
+    </message>
+    <message>
+        <source>“%1” is there already: please choose another name.</source>
+        <translation>« %1 » existe déjà : veuillez choisir un autre nom.</translation>
+    </message>
+    <message>
+        <source>“%1” is there already. Do you want to replace it?</source>
+        <translation>« %1 » existe déjà. Voulez-vous le remplacer ?</translation>
+    </message>
+</context>
+<context>
+    <name>FileExport</name>
+    <message>
+        <source>Exporting</source>
+        <translation>Exportation</translation>
+    </message>
+</context>
+<context>
+    <name>FileInformation</name>
+    <message>
+        <source>Information</source>
+        <translation>Informations</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Nom</translation>
+    </message>
+    <message>
+        <source>Folder</source>
+        <translation>Dossier</translation>
+    </message>
+    <message>
+        <source>Title</source>
+        <translation>Titre</translation>
+    </message>
+    <message>
+        <source>Artist</source>
+        <translation>Artiste</translation>
+    </message>
+    <message>
+        <source>Format</source>
+        <translation>Format</translation>
+    </message>
+    <message>
+        <source>Coding</source>
+        <translation>Codage</translation>
+    </message>
+    <message>
+        <source>Sample rate</source>
+        <translation>Fréquence d’échantillonnage</translation>
+    </message>
+    <message>
+        <source>%1 Hz</source>
+        <translation>%1 Hz</translation>
+    </message>
+    <message>
+        <source>Channels</source>
+        <translation>Canaux</translation>
+    </message>
+    <message>
+        <source>Bits of a sample</source>
+        <translation>Bits par échantillon</translation>
+    </message>
+    <message>
+        <source>Length</source>
+        <translation>Durée</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Taille</translation>
+    </message>
+    <message>
+        <source>%1:</source>
+        <translation>%1 :</translation>
+    </message>
+</context>
+<context>
+    <name>GoTo</name>
+    <message>
+        <source>Go to</source>
+        <translation>Aller à</translation>
+    </message>
+    <message>
+        <source>&amp;Time:</source>
+        <translation>&amp;Temps :</translation>
+    </message>
+    <message>
+        <source>Such as 7.5, 1:30 or 1:02:03.250</source>
+        <translation>Par exemple 7,5, 1:30 ou 1:02:03,250</translation>
+    </message>
+</context>
+<context>
+    <name>PlayerWindow</name>
+    <message>
+        <source>Wheel: scroll   Ctrl + wheel: zoom   Double click: whole file   Drag: select   Space: play and pause   F1: all keys</source>
+        <translation>Molette : défiler   Ctrl + molette : zoom   Double-clic : fichier entier   Glisser : sélectionner   Espace : lecture et pause   F1 : toutes les touches</translation>
+    </message>
+    <message>
+        <source>Saved “%1”.</source>
+        <translation>« %1 » enregistré.</translation>
+    </message>
+    <message>
+        <source>Cancelled.</source>
+        <translation>Annulé.</translation>
+    </message>
+    <message>
+        <source>Player</source>
+        <translation>Lecteur</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Ouvrir</translation>
+    </message>
+    <message>
+        <source>44.1 kHz, stereo, 16 bit</source>
+        <translation>44,1 kHz, stéréo, 16 bits</translation>
+    </message>
+    <message>
+        <source>48 kHz, stereo, 16 bit</source>
+        <translation>48 kHz, stéréo, 16 bits</translation>
+    </message>
+    <message>
+        <source>48 kHz, stereo, 32 bit</source>
+        <translation>48 kHz, stéréo, 32 bits</translation>
+    </message>
+    <message>
+        <source>96 kHz, stereo, float</source>
+        <translation>96 kHz, stéréo, virgule flottante</translation>
+    </message>
+    <message>
+        <source>16 kHz, mono, 16 bit</source>
+        <translation>16 kHz, mono, 16 bits</translation>
+    </message>
+    <message>
+        <source>&amp;Export</source>
+        <translation>&amp;Exporter</translation>
+    </message>
+    <message>
+        <source>&amp;Selection…</source>
+        <translation>&amp;Sélection…</translation>
+    </message>
+    <message>
+        <source>selection</source>
+        <translation>sélection</translation>
+    </message>
+    <message>
+        <source>&amp;Left channel…</source>
+        <translation>Canal &amp;gauche…</translation>
+    </message>
+    <message>
+        <source>left</source>
+        <translation>gauche</translation>
+    </message>
+    <message>
+        <source>&amp;Right channel…</source>
+        <translation>Canal &amp;droit…</translation>
+    </message>
+    <message>
+        <source>right</source>
+        <translation>droit</translation>
+    </message>
+    <message>
+        <source>&amp;Whole file as</source>
+        <translation>&amp;Fichier entier en</translation>
+    </message>
+    <message>
+        <source>converted</source>
+        <translation>converti</translation>
+    </message>
+    <message>
+        <source>Export</source>
+        <translation>Exporter</translation>
+    </message>
+    <message>
+        <source>WAV files (*.wav)</source>
+        <translation>Fichiers WAV (*.wav)</translation>
+    </message>
+    <message>
+        <source>Selected: %1 s</source>
+        <translation>Sélectionné : %1 s</translation>
+    </message>
+    <message>
+        <source>&amp;Help</source>
+        <translation>Aid&amp;e</translation>
+    </message>
+    <message>
+        <source>&amp;Keys…</source>
+        <translation>&amp;Touches…</translation>
+    </message>
+    <message>
+        <source>&amp;About…</source>
+        <translation>À &amp;propos…</translation>
+    </message>
+    <message>
+        <source>&amp;File</source>
+        <translation>&amp;Fichier</translation>
+    </message>
+    <message>
+        <source>&amp;Open…</source>
+        <translation>&amp;Ouvrir…</translation>
+    </message>
+    <message>
+        <source>&amp;Information…</source>
+        <translation>&amp;Informations…</translation>
+    </message>
+    <message>
+        <source>&amp;Settings…</source>
+        <translation>&amp;Paramètres…</translation>
+    </message>
+    <message>
+        <source>&amp;Quit</source>
+        <translation>&amp;Quitter</translation>
+    </message>
+    <message>
+        <source>&amp;Undo</source>
+        <translation>&amp;Annuler</translation>
+    </message>
+    <message>
+        <source>&amp;Redo</source>
+        <translation>&amp;Rétablir</translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <translation>&amp;Édition</translation>
+    </message>
+    <message>
+        <source>&amp;Playback</source>
+        <translation>&amp;Lecture</translation>
+    </message>
+    <message>
+        <source>&amp;Go to…</source>
+        <translation>A&amp;ller à…</translation>
+    </message>
+    <message>
+        <source>&amp;View</source>
+        <translation>&amp;Affichage</translation>
+    </message>
+    <message>
+        <source>&amp;Selection</source>
+        <translation>&amp;Sélection</translation>
+    </message>
+    <message>
+        <source>Keys</source>
+        <translation>Touches</translation>
+    </message>
+    <message>
+        <source>Take the last change of the selection back</source>
+        <translation>Annuler le dernier changement de la sélection</translation>
+    </message>
+    <message>
+        <source>Change the selection once more</source>
+        <translation>Rétablir le changement de la sélection</translation>
+    </message>
+    <message>
+        <source>Go to a time</source>
+        <translation>Aller à un temps</translation>
+    </message>
+    <message>
+        <source>Open a file</source>
+        <translation>Ouvrir un fichier</translation>
+    </message>
+    <message>
+        <source>Export the selection</source>
+        <translation>Exporter la sélection</translation>
+    </message>
+    <message>
+        <source>Show what is in the file</source>
+        <translation>Afficher le contenu du fichier</translation>
+    </message>
+    <message>
+        <source>Quit</source>
+        <translation>Quitter</translation>
+    </message>
+    <message>
+        <source>About</source>
+        <translation>À propos</translation>
+    </message>
+    <message>
+        <source>The waveform is drawn by %1.</source>
+        <translation>La forme d’onde est dessinée par %1.</translation>
+    </message>
+    <message>
+        <source>&amp;Follow the position</source>
+        <translation>&amp;Suivre la position</translation>
+    </message>
+</context>
+<context>
+    <name>PointerLabel</name>
+    <message>
+        <source>%1: %2 dB</source>
+        <translation>%1 : %2 dB</translation>
+    </message>
+</context>
+<context>
+    <name>RecentFiles</name>
+    <message>
+        <source>Open &amp;recent</source>
+        <translation>Ouvrir un fichier &amp;récent</translation>
+    </message>
+    <message>
+        <source>No files</source>
+        <translation>Aucun fichier</translation>
+    </message>
+    <message>
+        <source>&amp;Clear list</source>
+        <translation>&amp;Vider la liste</translation>
+    </message>
+</context>
+<context>
+    <name>SelectionHistory</name>
+    <message>
+        <source>selection</source>
+        <translation>le changement de sélection</translation>
+    </message>
+</context>
+<context>
+    <name>SettingsDialog</name>
+    <message>
+        <source>Settings</source>
+        <translation>Paramètres</translation>
+    </message>
+    <message>
+        <source>As the system</source>
+        <translation>Comme le système</translation>
+    </message>
+    <message>
+        <source>Light</source>
+        <translation>Clair</translation>
+    </message>
+    <message>
+        <source>Dark</source>
+        <translation>Sombre</translation>
+    </message>
+    <message>
+        <source>Theme</source>
+        <translation>Thème</translation>
+    </message>
+    <message>
+        <source>Ctrl and the wheel toward you zooms out</source>
+        <translation>Ctrl et la molette vers vous : zoom arrière</translation>
+    </message>
+</context>
+<context>
+    <name>TaskProgress</name>
+    <message>
+        <source>Cancel</source>
+        <translation>Annuler</translation>
+    </message>
+</context>
+<context>
+    <name>main</name>
+    <message>
+        <source>Not a range of seconds such as 1.5-3: %1</source>
+        <translation>Ce n’est pas un intervalle de secondes tel que 1.5-3 : %1</translation>
+    </message>
+    <message>
+        <source>Shows and plays an audio file.</source>
+        <translation>Affiche et lit un fichier audio.</translation>
+    </message>
+    <message>
+        <source>Start playing at once.</source>
+        <translation>Commencer la lecture immédiatement.</translation>
+    </message>
+    <message>
+        <source>Show this range of seconds.</source>
+        <translation>Afficher cet intervalle de secondes.</translation>
+    </message>
+    <message>
+        <source>Select this range of seconds.</source>
+        <translation>Sélectionner cet intervalle de secondes.</translation>
+    </message>
+    <message>
+        <source>Save a picture of the window once it is complete, and quit.</source>
+        <translation>Enregistrer une image de la fenêtre dès qu’elle est complète, et quitter.</translation>
+    </message>
+    <message>
+        <source>The file to open.</source>
+        <translation>Le fichier à ouvrir.</translation>
+    </message>
+</context>
+</TS>

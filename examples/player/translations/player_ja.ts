@@ -1,0 +1,435 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="ja_JP">
+<context>
+    <name>Appearance</name>
+    <message>
+        <source>Background</source>
+        <translation>背景</translation>
+    </message>
+    <message>
+        <source>Waveform</source>
+        <translation>波形</translation>
+    </message>
+    <message>
+        <source>Selection</source>
+        <translation>選択範囲</translation>
+    </message>
+    <message>
+        <source>Position</source>
+        <translation>位置</translation>
+    </message>
+    <message>
+        <source>Grid</source>
+        <translation>グリッド</translation>
+    </message>
+    <message>
+        <source>Frame</source>
+        <translation>枠</translation>
+    </message>
+    <message>
+        <source>Scale</source>
+        <translation>目盛</translation>
+    </message>
+</context>
+<context>
+    <name>DeviceMenu</name>
+    <message>
+        <source>&amp;Output device</source>
+        <translation>出力デバイス(&amp;O)</translation>
+    </message>
+    <message>
+        <source>No output device</source>
+        <translation>出力デバイスがありません</translation>
+    </message>
+</context>
+<context>
+    <name>Failures</name>
+    <message>
+        <source>“%1” cannot be written: is there room, and may you write there?</source>
+        <translation>「%1」を書き込めません。空き容量と書き込み権限を確認してください。</translation>
+    </message>
+    <message>
+        <source>The channel of “%1” cannot be prepared: is there room, and is the file still there?</source>
+        <translation>「%1」のチャンネルを準備できません。空き容量とファイルの有無を確認してください。</translation>
+    </message>
+    <message>
+        <source>“%1” is there already: please choose another name.</source>
+        <translation>「%1」は既に存在します。別の名前を選んでください。</translation>
+    </message>
+    <message>
+        <source>“%1” is there already. Do you want to replace it?</source>
+        <translation>「%1」は既に存在します。置き換えますか？</translation>
+    </message>
+</context>
+<context>
+    <name>FileExport</name>
+    <message>
+        <source>Exporting</source>
+        <translation>書き出し中</translation>
+    </message>
+</context>
+<context>
+    <name>FileInformation</name>
+    <message>
+        <source>Information</source>
+        <translation>情報</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>名前</translation>
+    </message>
+    <message>
+        <source>Folder</source>
+        <translation>フォルダー</translation>
+    </message>
+    <message>
+        <source>Title</source>
+        <translation>タイトル</translation>
+    </message>
+    <message>
+        <source>Artist</source>
+        <translation>アーティスト</translation>
+    </message>
+    <message>
+        <source>Format</source>
+        <translation>形式</translation>
+    </message>
+    <message>
+        <source>Coding</source>
+        <translation>符号化方式</translation>
+    </message>
+    <message>
+        <source>Sample rate</source>
+        <translation>サンプルレート</translation>
+    </message>
+    <message>
+        <source>%1 Hz</source>
+        <translation>%1 Hz</translation>
+    </message>
+    <message>
+        <source>Channels</source>
+        <translation>チャンネル数</translation>
+    </message>
+    <message>
+        <source>Bits of a sample</source>
+        <translation>サンプルあたりのビット数</translation>
+    </message>
+    <message>
+        <source>Length</source>
+        <translation>長さ</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>サイズ</translation>
+    </message>
+    <message>
+        <source>%1:</source>
+        <translation>%1:</translation>
+    </message>
+</context>
+<context>
+    <name>GoTo</name>
+    <message>
+        <source>Go to</source>
+        <translation>移動</translation>
+    </message>
+    <message>
+        <source>&amp;Time:</source>
+        <translation>時間(&amp;T):</translation>
+    </message>
+    <message>
+        <source>Such as 7.5, 1:30 or 1:02:03.250</source>
+        <translation>例: 7.5、1:30、1:02:03.250</translation>
+    </message>
+</context>
+<context>
+    <name>PlayerWindow</name>
+    <message>
+        <source>Wheel: scroll   Ctrl + wheel: zoom   Double click: whole file   Drag: select   Space: play and pause   F1: all keys</source>
+        <translation>ホイール: スクロール   Ctrl + ホイール: ズーム   ダブルクリック: ファイル全体   ドラッグ: 選択   スペース: 再生と一時停止   F1: すべてのキー</translation>
+    </message>
+    <message>
+        <source>Saved “%1”.</source>
+        <translation>「%1」を保存しました。</translation>
+    </message>
+    <message>
+        <source>Cancelled.</source>
+        <translation>キャンセルしました。</translation>
+    </message>
+    <message>
+        <source>Player</source>
+        <translation>プレーヤー</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>開く</translation>
+    </message>
+    <message>
+        <source>44.1 kHz, stereo, 16 bit</source>
+        <translation>44.1 kHz、ステレオ、16 ビット</translation>
+    </message>
+    <message>
+        <source>48 kHz, stereo, 16 bit</source>
+        <translation>48 kHz、ステレオ、16 ビット</translation>
+    </message>
+    <message>
+        <source>48 kHz, stereo, 32 bit</source>
+        <translation>48 kHz、ステレオ、32 ビット</translation>
+    </message>
+    <message>
+        <source>96 kHz, stereo, float</source>
+        <translation>96 kHz、ステレオ、浮動小数点</translation>
+    </message>
+    <message>
+        <source>16 kHz, mono, 16 bit</source>
+        <translation>16 kHz、モノラル、16 ビット</translation>
+    </message>
+    <message>
+        <source>&amp;Export</source>
+        <translation>書き出し(&amp;E)</translation>
+    </message>
+    <message>
+        <source>&amp;Selection…</source>
+        <translation>選択範囲(&amp;S)…</translation>
+    </message>
+    <message>
+        <source>selection</source>
+        <translation>選択範囲</translation>
+    </message>
+    <message>
+        <source>&amp;Left channel…</source>
+        <translation>左チャンネル(&amp;L)…</translation>
+    </message>
+    <message>
+        <source>left</source>
+        <translation>左</translation>
+    </message>
+    <message>
+        <source>&amp;Right channel…</source>
+        <translation>右チャンネル(&amp;R)…</translation>
+    </message>
+    <message>
+        <source>right</source>
+        <translation>右</translation>
+    </message>
+    <message>
+        <source>&amp;Whole file as</source>
+        <translation>ファイル全体(&amp;W)</translation>
+    </message>
+    <message>
+        <source>converted</source>
+        <translation>変換済み</translation>
+    </message>
+    <message>
+        <source>Export</source>
+        <translation>書き出し</translation>
+    </message>
+    <message>
+        <source>WAV files (*.wav)</source>
+        <translation>WAV ファイル (*.wav)</translation>
+    </message>
+    <message>
+        <source>Selected: %1 s</source>
+        <translation>選択範囲: %1 秒</translation>
+    </message>
+    <message>
+        <source>&amp;Help</source>
+        <translation>ヘルプ(&amp;H)</translation>
+    </message>
+    <message>
+        <source>&amp;Keys…</source>
+        <translation>キー(&amp;K)…</translation>
+    </message>
+    <message>
+        <source>&amp;About…</source>
+        <translation>バージョン情報(&amp;A)…</translation>
+    </message>
+    <message>
+        <source>&amp;File</source>
+        <translation>ファイル(&amp;F)</translation>
+    </message>
+    <message>
+        <source>&amp;Open…</source>
+        <translation>開く(&amp;O)…</translation>
+    </message>
+    <message>
+        <source>&amp;Information…</source>
+        <translation>情報(&amp;I)…</translation>
+    </message>
+    <message>
+        <source>&amp;Settings…</source>
+        <translation>設定(&amp;S)…</translation>
+    </message>
+    <message>
+        <source>&amp;Quit</source>
+        <translation>終了(&amp;Q)</translation>
+    </message>
+    <message>
+        <source>&amp;Undo</source>
+        <translation>元に戻す(&amp;U)</translation>
+    </message>
+    <message>
+        <source>&amp;Redo</source>
+        <translation>やり直す(&amp;R)</translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <translation>編集(&amp;E)</translation>
+    </message>
+    <message>
+        <source>&amp;Playback</source>
+        <translation>再生(&amp;P)</translation>
+    </message>
+    <message>
+        <source>&amp;Go to…</source>
+        <translation>移動(&amp;G)…</translation>
+    </message>
+    <message>
+        <source>&amp;View</source>
+        <translation>表示(&amp;V)</translation>
+    </message>
+    <message>
+        <source>&amp;Selection</source>
+        <translation>選択範囲(&amp;S)</translation>
+    </message>
+    <message>
+        <source>Keys</source>
+        <translation>キー</translation>
+    </message>
+    <message>
+        <source>Take the last change of the selection back</source>
+        <translation>選択範囲の最後の変更を元に戻す</translation>
+    </message>
+    <message>
+        <source>Change the selection once more</source>
+        <translation>選択範囲の変更をやり直す</translation>
+    </message>
+    <message>
+        <source>Go to a time</source>
+        <translation>指定した時間へ移動</translation>
+    </message>
+    <message>
+        <source>Open a file</source>
+        <translation>ファイルを開く</translation>
+    </message>
+    <message>
+        <source>Export the selection</source>
+        <translation>選択範囲を書き出す</translation>
+    </message>
+    <message>
+        <source>Show what is in the file</source>
+        <translation>ファイルの内容を表示</translation>
+    </message>
+    <message>
+        <source>Quit</source>
+        <translation>終了</translation>
+    </message>
+    <message>
+        <source>About</source>
+        <translation>バージョン情報</translation>
+    </message>
+    <message>
+        <source>The waveform is drawn by %1.</source>
+        <translation>波形は %1 によって描画されています。</translation>
+    </message>
+    <message>
+        <source>&amp;Follow the position</source>
+        <translation>位置に追従(&amp;F)</translation>
+    </message>
+</context>
+<context>
+    <name>PointerLabel</name>
+    <message>
+        <source>%1: %2 dB</source>
+        <translation>%1: %2 dB</translation>
+    </message>
+</context>
+<context>
+    <name>RecentFiles</name>
+    <message>
+        <source>Open &amp;recent</source>
+        <translation>最近使ったファイル(&amp;R)</translation>
+    </message>
+    <message>
+        <source>No files</source>
+        <translation>ファイルがありません</translation>
+    </message>
+    <message>
+        <source>&amp;Clear list</source>
+        <translation>一覧を消去(&amp;C)</translation>
+    </message>
+</context>
+<context>
+    <name>SelectionHistory</name>
+    <message>
+        <source>selection</source>
+        <translation>選択範囲の変更</translation>
+    </message>
+</context>
+<context>
+    <name>SettingsDialog</name>
+    <message>
+        <source>Settings</source>
+        <translation>設定</translation>
+    </message>
+    <message>
+        <source>As the system</source>
+        <translation>システムに合わせる</translation>
+    </message>
+    <message>
+        <source>Light</source>
+        <translation>ライト</translation>
+    </message>
+    <message>
+        <source>Dark</source>
+        <translation>ダーク</translation>
+    </message>
+    <message>
+        <source>Theme</source>
+        <translation>テーマ</translation>
+    </message>
+    <message>
+        <source>Ctrl and the wheel toward you zooms out</source>
+        <translation>Ctrl を押しながらホイールを手前に回すと縮小</translation>
+    </message>
+</context>
+<context>
+    <name>TaskProgress</name>
+    <message>
+        <source>Cancel</source>
+        <translation>キャンセル</translation>
+    </message>
+</context>
+<context>
+    <name>main</name>
+    <message>
+        <source>Not a range of seconds such as 1.5-3: %1</source>
+        <translation>1.5-3 のような秒の範囲ではありません: %1</translation>
+    </message>
+    <message>
+        <source>Shows and plays an audio file.</source>
+        <translation>オーディオファイルを表示し、再生します。</translation>
+    </message>
+    <message>
+        <source>Start playing at once.</source>
+        <translation>すぐに再生を開始します。</translation>
+    </message>
+    <message>
+        <source>Show this range of seconds.</source>
+        <translation>この秒の範囲を表示します。</translation>
+    </message>
+    <message>
+        <source>Select this range of seconds.</source>
+        <translation>この秒の範囲を選択します。</translation>
+    </message>
+    <message>
+        <source>Save a picture of the window once it is complete, and quit.</source>
+        <translation>ウィンドウの表示が完了したら画像を保存して終了します。</translation>
+    </message>
+    <message>
+        <source>The file to open.</source>
+        <translation>開くファイル。</translation>
+    </message>
+</context>
+</TS>
