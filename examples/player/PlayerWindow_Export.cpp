@@ -59,10 +59,13 @@ bool WriteChannel(WavFile& source, const QString& outPath)
     if (!former.exists()) {
         return source.FilterChannel(outPath) == WavFile::Success;
     }
+    if (!former.isWritable()) {
+        return false;
+    }
     const QTemporaryDir beside(former.canonicalPath() + u"/.export-XXXXXX"_s);
     const QString written = beside.filePath(u"channel.wav"_s);
     return beside.isValid() && source.FilterChannel(written) == WavFile::Success &&
-           MoveOver(written, former.canonicalFilePath());
+           QFile::setPermissions(written, former.permissions()) && MoveOver(written, former.canonicalFilePath());
 }
 
 } // namespace
@@ -180,7 +183,6 @@ QString PlayerWindow::AskForOutput(const QString& what)
     QFileDialog dialog(this, tr("Export"), Remembered::GetFolder(Remembered::Folder::Export, shown.path()),
                        tr("WAV files (*.wav)"));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setDefaultSuffix(u"wav"_s);
     dialog.selectFile(shown.completeBaseName() + u' ' + what + u".wav"_s);
     if (dialog.exec() != QDialog::Accepted) {
         return {};
@@ -190,7 +192,7 @@ QString PlayerWindow::AskForOutput(const QString& what)
     if (chosen.endsWith(u".wav"_s, Qt::CaseInsensitive)) {
         return chosen;
     }
-    // The dialog adds the suffix to names without a dot only, and asks about the name that it knows.
+    // Not by the dialog: some do not ask about the name that they make.
     const QString named = chosen + u".wav"_s;
     return !QFileInfo::exists(named) || MayReplace(named) ? named : QString();
 }

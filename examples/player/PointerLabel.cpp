@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cmath>
 
+using namespace Qt::Literals::StringLiterals;
 using vantoraudio::vantorAudioEngine::UI::BGFXWaveformWidget;
 
 PointerLabel::PointerLabel(const HostPlayer& player, QWidget* parent) : QLabel(parent), m_player(player)
@@ -24,7 +25,11 @@ bool PointerLabel::eventFilter(QObject* watched, QEvent* event)
 {
     if (event->type() == QEvent::HoverMove) {
         const QPoint onView = static_cast<QHoverEvent*>(event)->position().toPoint();
-        Show(static_cast<QWidget*>(watched)->mapTo(&m_player, onView));
+        const auto* view = static_cast<QWidget*>(watched);
+        const QWidget* below = view->childAt(onView);
+        // Not over the ruler and the scroll bar.
+        const bool isOnWaveform = below && below->objectName() == "BGFXWaveformDiagramWidget"_L1;
+        isOnWaveform ? Show(view->mapTo(&m_player, onView)) : clear();
     } else if (event->type() == QEvent::HoverLeave) {
         clear();
     }

@@ -40,7 +40,9 @@ void Remembered::KeepPlayer(const HostPlayer& player)
 void Remembered::RestorePlayer(HostPlayer& player)
 {
     const QSettings settings;
-    player.SetAudioPlayBackVolume(std::clamp(settings.value(u"volume"_s, 99).toInt(), 0, 100));
+    bool isNumber = false;
+    const int volume = settings.value(u"volume"_s).toInt(&isNumber);
+    player.SetAudioPlayBackVolume(isNumber ? std::clamp(volume, 0, 100) : 99);
     player.SetAudioPlayBackMute(settings.value(u"mute"_s).toBool());
     player.SetLoop(settings.value(u"loop"_s).toBool());
 }

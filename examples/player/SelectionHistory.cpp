@@ -5,6 +5,7 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QEvent>
 #include <QtCore/QTimer>
+#include <QtGui/QGuiApplication>
 
 class SelectionHistory::Change : public QUndoCommand
 {
@@ -36,10 +37,7 @@ SelectionHistory::SelectionHistory(HostPlayer& player) : m_player(player)
 
 bool SelectionHistory::eventFilter(QObject* watched, QEvent* event)
 {
-    if (event->type() == QEvent::MouseButtonPress) {
-        m_isPressed = true;
-    } else if (event->type() == QEvent::MouseButtonRelease) {
-        m_isPressed = false;
+    if (event->type() == QEvent::MouseButtonRelease) {
         SettleSoon();
     }
     return QObject::eventFilter(watched, event);
@@ -54,7 +52,7 @@ void SelectionHistory::SettleSoon()
 void SelectionHistory::Settle()
 {
     const Selection selection = m_player.GetSelectedSnippet();
-    if (!m_isPressed && selection != m_settled) {
+    if (QGuiApplication::mouseButtons() == Qt::NoButton && selection != m_settled) {
         m_stack.push(new Change(*this, std::exchange(m_settled, selection), selection));
     }
 }

@@ -8,7 +8,7 @@
 class HostPlayer;
 
 /** Lets the user take back changes of the selection, and make them once more. What happens between the press and
- * the release of a mouse button is one change. Another file starts anew. */
+ * the release of a mouse button is one change. Another file starts again. */
 class SelectionHistory : public QObject
 {
     Q_OBJECT
@@ -34,5 +34,4 @@ private:
     QUndoStack m_stack;
     /** What the latest change led to. */
     Selection m_settled;
-    bool m_isPressed = false;
 };

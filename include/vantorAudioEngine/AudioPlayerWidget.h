@@ -220,8 +220,8 @@ public:
     [[nodiscard]] bool GetAudioPlayBackMute() const;
 
     /** From now on the controls are as large as the font of this widget needs, and their rows break where the
-     *  widget is too narrow for them; fixed sizes, which style sheets may count on, hold otherwise. Cannot be
-     * taken back. Call it once, after construction. */
+     *  widget is too narrow for them; otherwise their sizes are fixed, and style sheets may count on them. The
+     *  widget's minimum width is then that of the narrowest arrangement. Cannot be taken back. */
     void UseFlexibleSizes();
 
     // Colours and marker of the waveform, see BGFXWaveformWidget.

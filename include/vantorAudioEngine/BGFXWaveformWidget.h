@@ -122,7 +122,8 @@ public:
     [[nodiscard]] double GetTimeAt(const QPoint& position) const;
     /** The lowest and the highest sample in the pixel column of a place of this widget, as drawn: about -1.0
      * to 1.0, from the samples at hand. Where the samples lie farther apart than columns, both are the height of
-     * the line between them. Not-a-number without audio and outside the waveform. */
+     * the line between them. Not-a-number without audio and beside the waveform; above and below it its columns
+     * count. */
     [[nodiscard]] std::pair<double, double> GetLevelAt(const QPoint& position) const;
     /** The first and the last time that show. */
     [[nodiscard]] std::pair<double, double> GetVisibleRange() const;

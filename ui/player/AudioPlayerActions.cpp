@@ -152,8 +152,11 @@ void AudioPlayerActions::SetToolTips()
 {
     const AudioPlayerWidget& player = m_internals->player;
     const auto tell = [&player](const char* name, const QAction& action) {
-        const QString key = action.shortcut().toString(QKeySequence::NativeText);
-        player.findChild<QWidget*>(QLatin1StringView(name))->setToolTip(action.text() + u" (" + key + u')');
+        auto* control = player.findChild<QWidget*>(QLatin1StringView(name));
+        if (control->toolTip().isEmpty()) {
+            const QString key = action.shortcut().toString(QKeySequence::NativeText);
+            control->setToolTip(action.text() + u" (" + key + u')');
+        }
     };
     tell("btnPlayPause", *Get(PlayPause));
     tell("btnStop", *Get(Stop));

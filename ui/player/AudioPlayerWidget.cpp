@@ -1,5 +1,6 @@
 #include "engine/files/Leftovers.h"
 #include "ui/player/FileCopy.h"
+#include "ui/player/FlexibleSizes.h"
 #include "ui/player/GuardedSignalBlocker.h"
 #include "ui/player/Internals.h"
 #include "ui/player/TimeText.h"
@@ -58,6 +59,10 @@ AudioPlayerWidget::~AudioPlayerWidget()
         // Qt 6.8 goes on with a player after it has reported a position.
         m_audioPlayer->setParent(nullptr);
         m_audioPlayer->deleteLater();
+    }
+    for (QWidget* control : std::as_const(m_internals->telling)) {
+        control->setParent(nullptr);
+        control->deleteLater();
     }
 }
 
@@ -125,6 +130,10 @@ void AudioPlayerWidget::Internals::ShowLoadedFile(const QString& workingPath)
 {
     widget.EnableAudioControls(true);
     FillChannelSelector();
+    if (auto* sizes = widget.findChild<FlexibleSizes*>()) {
+        // The box may be wider now.
+        sizes->BreakRows();
+    }
     const double duration = loaded.File().GetDuration();
     // A receiver of the signals may destroy the widget.
     const QPointer<AudioPlayerWidget> self(&widget);

@@ -54,7 +54,9 @@ void AudioPlayerWidget::SetWaveformColor(const QColor& color)
 
 void AudioPlayerWidget::UseFlexibleSizes()
 {
-    new FlexibleSizes(*this, m_internals->controls);
+    if (!findChild<FlexibleSizes*>()) {
+        new FlexibleSizes(*this, m_internals->controls);
+    }
 }
 
 double AudioPlayerWidget::GetTimeAt(const QPoint& position) const

@@ -51,6 +51,7 @@ void AudioPlayerWidget::SetSelectedChannel(WavFile::ChannelFormat channel)
 
 void AudioPlayerWidget::OnCmbboxChannelSelectorCurrentIndexChanged(int /*index*/)
 {
+    const Internals::Telling telling(*this, m_internals->controls.cmbboxChannelSelector);
     const auto channel =
         m_internals->controls.cmbboxChannelSelector->currentData().value<WavFile::ChannelFormat>();
     m_previousChannel = m_internals->loaded.File().GetSelectedChannel();

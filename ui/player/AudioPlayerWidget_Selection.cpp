@@ -88,6 +88,7 @@ void AudioPlayerWidget::OnBtnIncSelectionEndClicked()
 
 void AudioPlayerWidget::OnSelectionStartEditingFinished()
 {
+    const Internals::Telling telling(*this, m_internals->controls.edSelectionStart);
     const double start = ConvertFromDisplayTimeFormat(m_internals->controls.edSelectionStart->text());
     if (!LiesInFile(start, GetAudioDuration())) {
         const QSignalBlocker blocker(m_internals->controls.edSelectionStart);
@@ -107,6 +108,7 @@ void AudioPlayerWidget::OnSelectionStartEditingFinished()
 
 void AudioPlayerWidget::OnSelectionEndEditingFinished()
 {
+    const Internals::Telling telling(*this, m_internals->controls.edSelectionEnd);
     const double end = ConvertFromDisplayTimeFormat(m_internals->controls.edSelectionEnd->text());
     if (!LiesInFile(end, GetAudioDuration())) {
         const QSignalBlocker blocker(m_internals->controls.edSelectionEnd);

@@ -292,6 +292,7 @@ double AudioPlayerWidget::GetAudioPosition() const
 
 void AudioPlayerWidget::OnCurrentPositionEditingFinished()
 {
+    const Internals::Telling telling(*this, m_internals->controls.edCurrentPosition);
     const double time = ConvertFromDisplayTimeFormat(m_internals->controls.edCurrentPosition->text());
     if (0.0 <= time && time <= GetAudioDuration() && !m_internals->GoToTyped(time)) {
         return;

@@ -21,6 +21,9 @@ class FlexibleSizes : public QObject
 public:
     FlexibleSizes(QWidget& player, const Controls& controls);
 
+    /** For the width of the player and what the controls show now. */
+    void BreakRows();
+
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -28,7 +31,6 @@ private:
     void ReleaseSizes();
     void GatherPosition();
     void FitToFont();
-    void BreakRows();
     [[nodiscard]] int NeededWidth() const;
 
     QWidget& m_player;

@@ -8,6 +8,9 @@
 
 #include <vantorAudioEngine/AudioPlayerWidget.h>
 
+#include <QtCore/QList>
+#include <QtCore/QPointer>
+
 class QLayout;
 
 namespace vantoraudio::vantorAudioEngine::UI {
@@ -26,6 +29,26 @@ struct AudioPlayerWidget::Internals
         std::pair<double, double> visibleRange;
         double position = 0.0;
         bool isPlaying = false;
+    };
+
+    /** While it lives a control tells of a change, and still uses itself when the slots have returned. */
+    class Telling
+    {
+    public:
+        Telling(AudioPlayerWidget& owner, QWidget* control) : m_owner(&owner)
+        {
+            owner.m_internals->telling.append(control);
+        }
+        ~Telling()
+        {
+            if (m_owner) {
+                m_owner->m_internals->telling.removeLast();
+            }
+        }
+        Q_DISABLE_COPY_MOVE(Telling)
+
+    private:
+        QPointer<AudioPlayerWidget> m_owner;
     };
 
     // Layout
@@ -94,6 +117,8 @@ struct AudioPlayerWidget::Internals
     bool typedPositionSeeks = false;
     bool editedPositionStays = false;
     bool channelChangeKeepsPlace = false;
+    /** Controls that tell of a change at this moment. */
+    QList<QWidget*> telling;
     /** How many reports of the player's position are under way, one within the other. */
     int positionReports = 0;
     /** Counts how often a busy time began or ended. */

@@ -71,8 +71,9 @@ void BGFXWaveformDiagramWidget::SetAudioPosition(double position, bool clearSele
 {
     m_audioPosition = position;
     if (m_lineTimer.isActive()) {
-        m_moving.Report(position, m_clock.elapsed());
-        m_shownPosition = LineAt(m_clock.elapsed());
+        const qint64 now = m_clock.elapsed();
+        m_moving.Report(position, now);
+        m_shownPosition = LineAt(now);
     }
     if (clearSelection) {
         m_selection.isPresent = false;

@@ -10,10 +10,13 @@
 #include <QtCore/QPointer>
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QThreadPool>
+#include <QtGui/QAccessible>
+#include <QtGui/QKeyEvent>
 #include <QtGui/QMouseEvent>
 #include <QtMultimedia/QMediaDevices>
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QSlider>
 
@@ -52,6 +55,13 @@ void Click(QWidget& widget)
     }
 }
 
+void Type(QLineEdit& field, const QString& text)
+{
+    field.setText(text);
+    QKeyEvent event(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+    QApplication::sendEvent(&field, &event);
+}
+
 /** Everything that makes the widgets emit, one thing after the other. */
 Things ThingsToDo(const QString& folder)
 {
@@ -60,6 +70,9 @@ Things ThingsToDo(const QString& folder)
         [](auto& w) { w.resize(800, 400); },
         [](auto& w) { w.show(); },
         [](auto& w) { w.SetEditMode(true); },
+        [](auto& w) { w.UseFlexibleSizes(); },
+        [](auto& w) { w.SetPositionMovesSmoothly(true); },
+        [](auto& w) { w.SetChannelChangeKeepsPlace(true); },
         [=](auto& w) { w.LoadFile(folder + u"/missing.wav"_s); },
         LetRest,
         [=](auto& w) { w.LoadFile(folder + u"/tone.wav"_s); },
@@ -81,6 +94,12 @@ Things ThingsToDo(const QString& folder)
         [](auto& w) { w.template findChild<QPushButton*>(u"btnStop"_s)->click(); },
         [](auto& w) { w.Play(); },
         [](auto& w) { w.UpdateAudioPosition(5.0); },
+        [](auto& w) {
+            w.SetSelectedSnippet({2.0, 4.0});
+        },
+        [](auto& w) { Type(*w.template findChild<QLineEdit*>(u"edSelectionStart"_s), u"00:00:03.000"_s); },
+        [](auto& w) { Type(*w.template findChild<QLineEdit*>(u"edSelectionEnd"_s), u"00:00:05.000"_s); },
+        [](auto& w) { Type(*w.template findChild<QLineEdit*>(u"edCurrentPosition"_s), u"00:00:07.000"_s); },
         [](auto& w) {
             w.SetSelectedSnippet({2.0, 4.0});
         },
@@ -114,6 +133,8 @@ Things ThingsToDo(const QString& folder)
 /** At the first emission, or only at one that comes while one thing is done. */
 int DeleteAt(bool isOfWaveform, int signal, const QString& folder, int onlyAt)
 {
+    // Qt then uses controls longer after their signals.
+    QAccessible::setActive(true);
     auto* const widget = new AudioPlayerWidget;
     auto* const waveform = widget->findChild<BGFXWaveformWidget*>();
     const QObject& sender = isOfWaveform ? static_cast<QObject&>(*waveform) : *widget;
