@@ -11,8 +11,7 @@ program=$(PATH="$(qmake6 -query QT_INSTALL_BINS 2>/dev/null || true):/usr/lib/qt
 
 # Without line numbers and texts that are gone, so that a difference shows what changed. Guesses are left out: a person
 # is to translate what is new.
-options=(-locations none -no-obsolete -disable-heuristic sametext -disable-heuristic similartext
-  -disable-heuristic number)
+options=(-locations none -no-obsolete -disable-heuristic sametext -disable-heuristic similartext)
 for language in de es fr ja; do
   "$program" "${options[@]}" include engine playback render ui -ts "$folder/translations/vantorAudioEngine_$language.ts"
   "$program" "${options[@]}" examples/player -ts "$folder/examples/player/translations/player_$language.ts"
