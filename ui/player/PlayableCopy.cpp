@@ -7,6 +7,7 @@
 #include <vantorAudioEngine/AudioImporter.h>
 
 #include <QtConcurrent/QtConcurrentRun>
+#include <QtCore/QDir>
 #include <QtCore/QPromise>
 
 using namespace Qt::Literals::StringLiterals;
@@ -31,18 +32,21 @@ bool HasMadeCopy(const ImportResult& result)
 
 PlayableCopy::PlayableCopy(const QString& path, const QString& directory) : m_path(path)
 {
-    m_folder = HiddenFolder::Make(directory, u"played"_s);
-    const QString copyPath = m_folder ? m_folder->FilePath(u"copy.wav"_s) : QString();
-    connect(&m_watcher, &QFutureWatcher<bool>::finished, this, [this, copyPath] {
-        if (m_watcher.result()) {
-            m_path = copyPath;
+    connect(&m_watcher, &QFutureWatcher<Made>::finished, this, [this] {
+        m_made = m_watcher.result();
+        if (!m_made.path.isEmpty()) {
+            m_path = m_made.path;
         }
         Q_EMIT Ended();
     });
-    // The task keeps the folder as long as it writes there.
-    const auto makeCopy = [folder = m_folder, path, copyPath](QPromise<bool>& promise) {
+    const auto makeCopy = [path, directory = QDir(directory).absolutePath()](QPromise<Made>& promise) {
         const auto goesOn = [&promise](int /*permille*/) { return !promise.isCanceled(); };
-        promise.addResult(folder && HasMadeCopy(AudioImporter::ImportNow(path, copyPath, playable, goesOn)));
+        Made made{HiddenFolder::Make(directory, u"played"_s), {}};
+        const QString copyPath = made.folder ? made.folder->FilePath(u"copy.wav"_s) : QString();
+        if (made.folder && HasMadeCopy(AudioImporter::ImportNow(path, copyPath, playable, goesOn))) {
+            made.path = copyPath;
+        }
+        promise.addResult(made);
     };
     m_watcher.setFuture(QtConcurrent::run(LoadThreads::Pool(), makeCopy));
 }

@@ -33,9 +33,16 @@ Q_SIGNALS:
     void Ended();
 
 private:
+    /** Without a path where there could be no copy. */
+    struct Made
+    {
+        std::shared_ptr<HiddenFolder> folder;
+        QString path;
+    };
+
     QString m_path;
-    std::shared_ptr<HiddenFolder> m_folder;
-    QFutureWatcher<bool> m_watcher;
+    Made m_made;
+    QFutureWatcher<Made> m_watcher;
 };
 
 } // namespace vantoraudio::vantorAudioEngine::UI

@@ -94,7 +94,7 @@ private Q_SLOTS:
             RecordingPlayerWidget widget;
             widget.SetWritableDirectoryPath(copies.Path(QString()));
             widget.SetAudioFile(files.Write(u"fast.wav"_s, FastTone(5.0)));
-            QCOMPARE(Copies(copies.Path(QString())).size(), 1);
+            QTRY_COMPARE_WITH_TIMEOUT(Copies(copies.Path(QString())).size(), 1, patience);
         }
         QTRY_VERIFY_WITH_TIMEOUT(Copies(copies.Path(QString())).isEmpty(), patience);
     }
