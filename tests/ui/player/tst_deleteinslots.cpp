@@ -1,173 +1,6 @@
-#include "tests/support/Deleter.h"
-#include "tests/support/SoundServer.h"
-#include "tests/support/Tone.h"
+#include "tests/ui/player/DeletedPlayers.h"
 
-#include <vantorAudioEngine/AudioPlayerWidget.h>
-#include <vantorAudioEngine/BGFXWaveformWidget.h>
-
-#include <QtCore/QDir>
-#include <QtCore/QMetaMethod>
-#include <QtCore/QPointer>
-#include <QtCore/QTemporaryDir>
-#include <QtCore/QThreadPool>
-#include <QtGui/QAccessible>
-#include <QtGui/QKeyEvent>
-#include <QtGui/QMouseEvent>
-#include <QtMultimedia/QMediaDevices>
-#include <QtTest/QTest>
-#include <QtWidgets/QApplication>
-#include <QtWidgets/QLineEdit>
-#include <QtWidgets/QPushButton>
-#include <QtWidgets/QSlider>
-
-#include <functional>
-#include <vector>
-
-using namespace Qt::Literals::StringLiterals;
-using vantoraudio::vantorAudioEngine::UI::AudioPlayerWidget;
-using vantoraudio::vantorAudioEngine::UI::BGFXWaveformWidget;
-using Things = std::vector<std::function<void(AudioPlayerWidget&)>>;
-
-namespace {
-
-constexpr int patience = 10000;
-constexpr int always = -1;
-
-void WaitFor(AudioPlayerWidget& widget, const std::function<bool(AudioPlayerWidget&)>& condition)
-{
-    const QPointer<AudioPlayerWidget> alive(&widget);
-    static_cast<void>(QTest::qWaitFor([&] { return !alive || condition(*alive); }, patience));
-}
-
-void LetRest(AudioPlayerWidget& widget)
-{
-    WaitFor(widget, [](auto& w) { return !w.IsBusy() && !w.IsReadingSamples() && !w.IsLoading(); });
-}
-
-/** Unlike QTest's, it does not ask for the widget afterwards. */
-void Click(QWidget& widget)
-{
-    const QPointF position(100.0, 50.0);
-    for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
-        QMouseEvent event(type, position, widget.mapToGlobal(position), Qt::LeftButton,
-                          type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton, Qt::NoModifier);
-        QApplication::sendEvent(&widget, &event);
-    }
-}
-
-void Type(QLineEdit& field, const QString& text)
-{
-    field.setText(text);
-    QKeyEvent event(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
-    QApplication::sendEvent(&field, &event);
-}
-
-/** What comes before the first position. */
-Things Preparations(const QString& folder)
-{
-    return {
-        [=](auto& w) { w.SetWritableDirectoryPath(folder + u"/copies"_s); },
-        [](auto& w) { w.resize(800, 400); },
-        [](auto& w) { w.show(); },
-        [](auto& w) { w.SetEditMode(true); },
-        [](auto& w) { w.UseFlexibleSizes(); },
-        [](auto& w) { w.SetPositionMovesSmoothly(true); },
-        [](auto& w) { w.SetChannelChangeKeepsPlace(true); },
-        [=](auto& w) { w.LoadFile(folder + u"/missing.wav"_s); },
-        LetRest,
-        [=](auto& w) { w.LoadFile(folder + u"/tone.wav"_s); },
-        [](auto& w) { w.CancelLoad(); },
-        [=](auto& w) { w.LoadFile(folder + u"/tone.wav"_s); },
-        LetRest,
-        [=](auto& w) { w.SetAudioFile(folder + u"/other.wav"_s); },
-        LetRest,
-    };
-}
-
-/** Everything that makes the widgets emit, one thing after the other. */
-Things ThingsToDo(const QString& folder)
-{
-    Things things = Preparations(folder);
-    const Things uses{
-        [](auto& w) { w.Play(); },
-        [](auto& w) { w.UpdateAudioPosition(5.0); },
-        [](auto& w) { QTest::qWait(w.IsPlaying() ? 300 : 0); },
-        [](auto& w) {
-            w.SetSelectedSnippet({2.0, 4.0});
-        },
-        [](auto& w) {
-            w.SetSelectedSnippet({0.0, 0.0});
-        },
-        [](auto& w) { w.ShowRange(1.0, 2.0); },
-        [](auto& w) { w.template findChild<QPushButton*>(u"btnStop"_s)->click(); },
-        [](auto& w) { w.Play(); },
-        [](auto& w) { w.UpdateAudioPosition(5.0); },
-        [](auto& w) {
-            w.SetSelectedSnippet({2.0, 4.0});
-        },
-        [](auto& w) { Type(*w.template findChild<QLineEdit*>(u"edSelectionStart"_s), u"00:00:03.000"_s); },
-        [](auto& w) { Type(*w.template findChild<QLineEdit*>(u"edSelectionEnd"_s), u"00:00:05.000"_s); },
-        [](auto& w) { Type(*w.template findChild<QLineEdit*>(u"edCurrentPosition"_s), u"00:00:07.000"_s); },
-        [](auto& w) {
-            w.SetSelectedSnippet({2.0, 4.0});
-        },
-        [](auto& w) { w.UpdateAudioPosition(3.0); },
-        [](auto& w) { w.template findChild<QPushButton*>(u"btnStop"_s)->click(); },
-        [](auto& w) { w.UpdateAudioPosition(5.0); },
-        [](auto& w) { w.SetAudioOutputDevice(QMediaDevices::defaultAudioOutput()); },
-        [](auto& w) { w.SetLoop(true); },
-        [](auto& w) { Click(*w.template findChild<QWidget*>(u"BGFXWaveformDiagramWidget"_s)); },
-        [](auto& w) { w.SetDelay(1.0); },
-        [](auto& w) { w.SetDelay(0.0); },
-        [](auto& w) { w.template findChild<QPushButton*>(u"btnSettings"_s)->click(); },
-        [](auto& w) { w.template findChild<QPushButton*>(u"btnMute"_s)->click(); },
-        [](auto& w) { w.template findChild<QSlider*>(u"hSliderVolume"_s)->setValue(30); },
-        LetRest,
-        [](auto& w) {
-            w.SetSelectedSnippet({2.0, 4.0});
-        },
-        LetRest,
-        [=](auto& w) { w.CreateSnippet(folder + u"/snippet.wav"_s); },
-        LetRest,
-        [](auto& w) { w.UpdateAudioPosition(5.0); },
-        [](auto& w) { w.SetSelectedChannel(WavFile::ChannelLeft); },
-        LetRest,
-        [](auto& w) { w.UpdateAudioPosition(5.0); },
-        [](auto& w) { w.StopPlayback(); },
-        [](auto& w) { w.Reset(); },
-    };
-    things.insert(things.end(), uses.begin(), uses.end());
-    return things;
-}
-
-/** At the first emission, or only at one that comes while one thing is done. */
-int DeleteAt(bool isOfWaveform, int signal, const QString& folder, int onlyAt)
-{
-    // Qt then uses controls longer after their signals.
-    QAccessible::setActive(true);
-    auto* const widget = new AudioPlayerWidget;
-    auto* const waveform = widget->findChild<BGFXWaveformWidget*>();
-    const QObject& sender = isOfWaveform ? static_cast<QObject&>(*waveform) : *widget;
-    Deleter deleter(*widget, sender, sender.metaObject()->method(signal));
-    const Things things = ThingsToDo(folder);
-    for (int i = 0; i < int(things.size()); ++i) {
-        deleter.SetArmed(onlyAt == always || onlyAt == i);
-        things[i](*widget);
-        if (deleter.HasDeleted()) {
-            // What was under way comes to its end.
-            QThreadPool::globalInstance()->waitForDone();
-            QTest::qWait(300);
-            return 0;
-        }
-        if (i == onlyAt) {
-            break;
-        }
-    }
-    delete widget;
-    return Deleter::neverEmitted;
-}
-
-} // namespace
+using namespace DeletedPlayers;
 
 /** Players that a receiver of any of their signals deletes. Each row is a program of its own, which may crash. */
 class DeleteInSlotsTest : public QObject
@@ -175,12 +8,7 @@ class DeleteInSlotsTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        QVERIFY(QDir(m_folder.path()).mkdir(u"copies"_s));
-        QVERIFY(WriteToneFile(m_folder.filePath(u"tone.wav"_s), {.seconds = 20.0}));
-        QVERIFY(WriteToneFile(m_folder.filePath(u"other.wav"_s), {.seconds = 20.0}));
-    }
+    void initTestCase() { QVERIFY(MakeFiles(m_folder)); }
 
     void aPlayerMayBeDeletedAtEverySignal_data()
     {
@@ -201,23 +29,7 @@ private Q_SLOTS:
     {
         QFETCH(bool, isOfWaveform);
         QFETCH(int, signal);
-        RunAsOwnProgram({u"delete"_s, QString::number(int(isOfWaveform)), QString::number(signal), m_folder.path(),
-                         QString::number(always)});
-    }
-
-    void aPlayerMayBeDeletedWhereverItReportsAPosition_data()
-    {
-        QTest::addColumn<int>("thing");
-        const QString folder = m_folder.path();
-        for (auto i = int(Preparations(folder).size()); i < int(ThingsToDo(folder).size()); ++i) {
-            QTest::addRow("thing %d", i) << i;
-        }
-    }
-    void aPlayerMayBeDeletedWhereverItReportsAPosition()
-    {
-        QFETCH(int, thing);
-        const int signal = QMetaMethod::fromSignal(&AudioPlayerWidget::AudioPositionChanged).methodIndex();
-        RunAsOwnProgram({u"delete"_s, u"0"_s, QString::number(signal), m_folder.path(), QString::number(thing)});
+        RunDeletion(isOfWaveform, signal, m_folder.path(), always);
     }
 
 private:
@@ -226,15 +38,7 @@ private:
 
 int main(int argc, char** argv)
 {
-    if (argc == 6 && qstrcmp(argv[1], "delete") == 0) {
-        const QApplication application(argc, argv);
-        return DeleteAt(QByteArray(argv[2]) == "1", QByteArray(argv[3]).toInt(), QString::fromLocal8Bit(argv[4]),
-                        QByteArray(argv[5]).toInt());
-    }
-    const SoundServer server({u"one"_s});
-    QApplication application(argc, argv);
-    DeleteInSlotsTest test;
-    return QTest::qExec(&test, argc, argv);
+    return Main<DeleteInSlotsTest>(argc, argv);
 }
 
 #include "tst_deleteinslots.moc"
