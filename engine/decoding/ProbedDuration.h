@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <limits>
 
 namespace vantoraudio::AudioEngine {
 
@@ -24,12 +25,12 @@ inline std::int64_t Milliseconds(const StreamDuration& stream)
 
 /**
  * Milliseconds from a container's duration in microseconds. Where that is less than one, the longer of it and the
- * stream's own duration. The product wraps at 64 bits, which turns FFmpeg's mark for "unknown" into 0.
+ * stream's own duration. The lowest number is FFmpeg's mark for "unknown", which counts as 0.
  */
 inline int DurationInMilliseconds(std::int64_t containerMicroseconds, const StreamDuration& stream)
 {
-    const auto product = static_cast<std::int64_t>(static_cast<std::uint64_t>(containerMicroseconds) * 1000U);
-    const std::int64_t container = product / 1'000'000;
+    const bool isKnown = containerMicroseconds != std::numeric_limits<std::int64_t>::min();
+    const std::int64_t container = isKnown ? containerMicroseconds / 1000 : 0;
     const bool asksStream = container < 1 && stream.isStated;
     const std::int64_t duration = asksStream ? std::max(container, Milliseconds(stream)) : container;
     return TruncateToInt32(static_cast<double>(duration));

@@ -20,6 +20,7 @@ private Q_SLOTS:
         QTest::addRow("less than a millisecond") << qint64(999) << 0;
         QTest::addRow("negative, toward zero") << qint64(-1999) << -1;
         QTest::addRow("unknown") << std::numeric_limits<qint64>::min() << 0;
+        QTest::addRow("hundreds of years") << std::numeric_limits<qint64>::max() << 2147483647;
         QTest::addRow("more than an int holds") << qint64(3'000'000'000'000) << 2147483647;
     }
     void takesTheContainersDuration()
