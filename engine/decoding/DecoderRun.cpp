@@ -62,16 +62,6 @@ bool CanBeRead(const QString& path)
     return IsRegularFile(path) && QFile(path).open(QIODevice::ReadOnly);
 }
 
-/** A file that never gives a sound is given up within two seconds, both attempts included. */
-SilenceLimits LimitsFor(const DecoderSource& source)
-{
-    SilenceLimits limits;
-    if (source.TellsOfFailure()) {
-        limits.beforeFirstSound *= 2;
-    }
-    return limits;
-}
-
 } // namespace
 
 WavFile::AudioEngineReturnValue Decoder::Run::Convert(const QString& inPath, const QString& outPath,
@@ -120,7 +110,7 @@ void Decoder::Run::Start()
     QObject::connect(m_source.get(), &DecoderSource::Finished, &m_loop, [this] { OnFinished(); });
     QObject::connect(m_source.get(), &DecoderSource::Failed, &m_loop,
                      [this] { End(WavFile::ErrorInvalidFormat); });
-    m_silence.Start(LimitsFor(*m_source));
+    m_silence.Start(m_source->LongestSilence());
     m_source->Start();
 }
 

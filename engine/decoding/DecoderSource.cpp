@@ -22,7 +22,7 @@ public:
     void Start() override { m_decoder.start(); }
     QAudioBuffer Read() override { return m_decoder.read(); }
     bool MayStandStill() const override { return QtDefects::MissesItsOwnSignals(); }
-    bool TellsOfFailure() const override { return !QtDefects::IsSilentAboutWhatItCannotDecode(); }
+    SilenceLimits LongestSilence() const override;
 
 private:
     using Clock = std::chrono::steady_clock;
@@ -59,6 +59,16 @@ void QtDecoderSource::SetFile(const QString& path)
     } else {
         m_decoder.setSource(url);
     }
+}
+
+/** A file that never gives a sound is given up within two seconds, both attempts included. */
+SilenceLimits QtDecoderSource::LongestSilence() const
+{
+    SilenceLimits limits;
+    if (!QtDefects::IsSilentAboutWhatItCannotDecode()) {
+        limits.beforeFirstSound *= 2;
+    }
+    return limits;
 }
 
 void QtDecoderSource::RestIfNeeded()

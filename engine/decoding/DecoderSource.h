@@ -1,5 +1,7 @@
 #pragma once
 
+#include "engine/decoding/SilenceWatch.h"
+
 #include <QtCore/QObject>
 #include <QtMultimedia/QAudioBuffer>
 
@@ -23,8 +25,8 @@ public:
 
     /** Whether it may fall silent without a reason, so that another one is worth a try. */
     virtual bool MayStandStill() const = 0;
-    /** Whether it tells of a file that it cannot decode. Others say nothing at all. */
-    virtual bool TellsOfFailure() const = 0;
+    /** How long it may say nothing before it is given up. */
+    virtual SilenceLimits LongestSilence() const = 0;
 
 Q_SIGNALS:
     void BufferReady();

@@ -35,6 +35,8 @@ public:
     void Stop();
 
 private:
+    friend class SilenceWatchTestAccess;
+
     void OnTick();
 
     const std::function<void()> m_onSilence;
