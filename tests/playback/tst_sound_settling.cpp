@@ -30,6 +30,7 @@ qint64 TimeToEndAfterPlayers(int count)
 
 } // namespace
 
+/** In real time, because the wait is all that there is; at least so long, however busy the machine is. */
 class SoundSettlingTest : public QObject
 {
     Q_OBJECT
