@@ -101,6 +101,15 @@ inline bool LosesSeeks()
     return IsBefore(6, 5);
 }
 
+/** A playback rate holds for the source that is there when it is set; the next one plays at 1, while
+ * playbackRate() tells the former rate. A change while a source plays drops what was decoded but not played yet,
+ * so that the position lags behind the sound from then on, until a seek. playbackRateChanged() is never emitted.
+ * Seen in 6.4.2, not in 6.8 by its sources. */
+inline bool LosesThePlaybackRate()
+{
+    return IsBefore(6, 5);
+}
+
 /** A source is loaded in the background, and a position that is set meanwhile is lost. Seen in 6.8.2; 6.4.2 loads
  *  while the caller waits, and so do all before 6.6.3 by their sources. */
 inline bool LosesSeeksWhileLoading()

@@ -31,6 +31,8 @@ namespace {
     qRegisterMetaType<QMediaPlayer::PlaybackState>("QMediaPlayer::PlaybackState");
 
 constexpr double millisecondsPerSecond = 1000.0;
+constexpr double slowestRate = 0.25;
+constexpr double fastestRate = 4.0;
 
 // Where names are garbled the backend opens the name that this encoding of the URL gives, and what stands before a
 // colon in a relative name is taken for a protocol.
@@ -84,6 +86,14 @@ AudioPlayer::AudioPlayer(QObject* parent) : QMediaPlayer(parent), m_audioOutput(
             LoadSource(source().toLocalFile());
         }
     });
+    if (QtDefects::LosesThePlaybackRate()) {
+        connect(this, &QMediaPlayer::sourceChanged, this, [this] {
+            // The former source's rate would count as no change.
+            setPlaybackRate(1.0);
+            ApplyPlaybackRate();
+        });
+    }
+    connect(this, &QMediaPlayer::audioOutputChanged, this, &AudioPlayer::ApplyPlaybackRate);
 }
 
 AudioPlayer::~AudioPlayer()
@@ -262,6 +272,36 @@ void AudioPlayer::SetMuted(bool muted)
 bool AudioPlayer::IsMuted() const
 {
     return m_audioOutput && m_audioOutput->isMuted();
+}
+
+void AudioPlayer::SetPlaybackRate(double rate)
+{
+    if (rate >= slowestRate && rate <= fastestRate) {
+        m_playbackRate = rate;
+        ApplyPlaybackRate();
+    }
+}
+
+double AudioPlayer::GetPlaybackRate() const
+{
+    return m_playbackRate;
+}
+
+void AudioPlayer::ApplyPlaybackRate()
+{
+    // The base class holds a float. Without an output the follower of devices sets a rate of its own.
+    const auto isThatOf = [this](double rate) {
+        return static_cast<float>(rate) == static_cast<float>(m_playbackRate);
+    };
+    if (!audioOutput() || isThatOf(playbackRate())) {
+        return;
+    }
+    const qint64 place = position();
+    const QPointer<AudioPlayer> self(this);
+    setPlaybackRate(m_playbackRate);
+    if (self && QtDefects::LosesThePlaybackRate() && playbackState() != StoppedState) {
+        SeekTo(place);
+    }
 }
 
 void AudioPlayer::SetAudioOutputDevice(const QAudioDevice& device)

@@ -104,6 +104,16 @@ public:
     void SetMuted(bool muted);
     bool IsMuted() const;
 
+    /** How fast the file plays, from 0.25 to 4; anything else is ignored. 1 at first. Holds for every source until
+     *  another rate is set; use it instead of the base class's setPlaybackRate(), which does not with Qt 6.4. The
+     *  pitch rises and falls with the rate: Qt 6.4 to 6.8 play the samples faster or slower. Positions come as
+     *  often as otherwise, so that playback may run past the selection's end by four times as much at a rate
+     *  of 4. With Qt 6.4 a change while the file plays goes back to the latest reported position.
+     *
+     *  While there is no output device the base class's playbackRate() may be another one. */
+    void SetPlaybackRate(double rate);
+    [[nodiscard]] double GetPlaybackRate() const;
+
     /** Plays on device from now on, also in the middle of playing. A device that QMediaDevices::audioOutputs()
      *  does not list, or that has gone, is ignored. */
     void SetAudioOutputDevice(const QAudioDevice& device);
@@ -130,12 +140,14 @@ private:
     qint64 PositionAt(double seconds) const;
     void LoadSource(const QString& filePath);
     void DropUnusedSourceFile();
+    void ApplyPlaybackRate();
 
     QAudioDevice m_audioOutputDevice;
     QAudioOutput* m_audioOutput;
     bool m_loop = false;
     double m_selectionStart = 0.0;
     double m_selectionEnd = 0.0;
+    double m_playbackRate = 1.0;
 
     bool m_restarting = false;
     std::unique_ptr<QIODevice> m_sourceFile;

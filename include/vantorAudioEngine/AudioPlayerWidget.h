@@ -209,6 +209,10 @@ public:
      *  change, whoever makes it. */
     void SetLoop(bool loop);
     [[nodiscard]] bool GetLoop() const;
+    /** How fast files play, from 0.25 to 4; anything else is ignored. 1 at first, and kept when another file is
+     *  loaded. The pitch changes with it, see AudioPlayer. No signal tells of it. */
+    void SetPlaybackRate(double rate);
+    [[nodiscard]] double GetPlaybackRate() const;
     /** Stops playback; it goes on, when the user wants it, on this device. */
     void SetAudioOutputDevice(const QAudioDevice& device);
     /** Percent. No signal tells of it. */

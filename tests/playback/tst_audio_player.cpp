@@ -6,6 +6,7 @@
 
 #include <QtCore/QBuffer>
 #include <QtCore/QCoreApplication>
+#include <QtCore/QElapsedTimer>
 #include <QtCore/QFile>
 #include <QtCore/QMetaMethod>
 #include <QtCore/QScopeGuard>
@@ -94,6 +95,10 @@ private Q_SLOTS:
     void setVolumeLeavesAnOutputThatHoldsTheValueQuiet();
     void volumeIsTruncatedNotRounded();
     void setMutedForwardsToTheOutput();
+    void playbackRateTakesWhatItCanPlay_data();
+    void playbackRateTakesWhatItCanPlay();
+    void playbackRateHoldsForEverySource();
+    void playbackRateWaitsForAnOutput();
     void everyOutputOperationIsHarmlessWithoutAnOutput();
 
     void acceptsOnlyListedDevices();
@@ -611,6 +616,59 @@ void AudioPlayerTest::setMutedForwardsToTheOutput()
     QVERIFY(player.audioOutput()->isMuted());
     player.SetMuted(false);
     QVERIFY(!player.IsMuted());
+}
+
+void AudioPlayerTest::playbackRateTakesWhatItCanPlay_data()
+{
+    QTest::addColumn<double>("rate");
+    QTest::addColumn<double>("result");
+    QTest::newRow("slowest") << 0.25 << 0.25;
+    QTest::newRow("no float") << 0.7 << 0.7;
+    QTest::newRow("fastest") << 4.0 << 4.0;
+    QTest::newRow("too slow") << 0.2499 << 1.5;
+    QTest::newRow("too fast") << 4.0001 << 1.5;
+    QTest::newRow("standing still") << 0.0 << 1.5;
+    QTest::newRow("backwards") << -1.0 << 1.5;
+    QTest::newRow("infinite") << std::numeric_limits<double>::infinity() << 1.5;
+    QTest::newRow("not a number") << std::numeric_limits<double>::quiet_NaN() << 1.5;
+}
+
+void AudioPlayerTest::playbackRateTakesWhatItCanPlay()
+{
+    QFETCH(double, rate);
+    QFETCH(double, result);
+    AudioPlayer player;
+    QCOMPARE(player.GetPlaybackRate(), 1.0);
+    player.SetPlaybackRate(1.5);
+    player.SetPlaybackRate(rate);
+    QCOMPARE(player.GetPlaybackRate(), result);
+    QCOMPARE(float(player.playbackRate()), float(result));
+}
+
+void AudioPlayerTest::playbackRateHoldsForEverySource()
+{
+    AudioPlayer player;
+    player.SetPlaybackRate(4.0);
+    for (const QString& file : {m_long, m_long}) {
+        Load(player, file);
+        QElapsedTimer clock;
+        clock.start();
+        player.play();
+        QTRY_VERIFY_WITH_TIMEOUT(player.position() > clock.elapsed() + 1000, patience);
+    }
+    QCOMPARE(player.GetPlaybackRate(), 4.0);
+}
+
+void AudioPlayerTest::playbackRateWaitsForAnOutput()
+{
+    AudioPlayer player;
+    Load(player, m_long);
+    player.setAudioOutput(nullptr);
+    player.SetPlaybackRate(2.0);
+    QCOMPARE(player.playbackRate(), 1.0);
+    QCOMPARE(player.GetPlaybackRate(), 2.0);
+    player.setAudioOutput(Access::Output(player));
+    QCOMPARE(player.playbackRate(), 2.0);
 }
 
 void AudioPlayerTest::everyOutputOperationIsHarmlessWithoutAnOutput()

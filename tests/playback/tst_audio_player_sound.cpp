@@ -6,12 +6,14 @@
 #include <vantorAudioEngine/AudioPlayer.h>
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QFile>
 #include <QtCore/QTemporaryDir>
 #include <QtMultimedia/QAudioOutput>
 #include <QtMultimedia/QMediaDevices>
 #include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -55,6 +57,10 @@ private Q_SLOTS:
     void muteIsSilence();
     void pauseIsSilenceAndResumeGoesOn();
     void movesToAnotherDeviceWhilePlaying();
+    void pitchFollowsTheRate_data();
+    void pitchFollowsTheRate();
+    void loopsOverTheSelectionAtAnotherRate();
+    void positionsStayTrueWhenTheRateChanges();
 
 private:
     QTemporaryDir m_folder;
@@ -203,6 +209,83 @@ void AudioPlayerSoundTest::movesToAnotherDeviceWhilePlaying()
     QTRY_VERIFY_WITH_TIMEOUT(HearsAmplitude(two, 0.2), patience);
     QTRY_VERIFY_WITH_TIMEOUT(one.IsSilent(), patience);
     QCOMPARE(player.playbackState(), QMediaPlayer::PlayingState);
+}
+
+void AudioPlayerSoundTest::pitchFollowsTheRate_data()
+{
+    QTest::addColumn<double>("rate");
+    QTest::addColumn<int>("left");
+    QTest::newRow("a quarter") << 0.25 << 110;
+    QTest::newRow("a half") << 0.5 << 220;
+    QTest::newRow("double") << 2.0 << 880;
+    QTest::newRow("fourfold") << 4.0 << 1760;
+}
+
+void AudioPlayerSoundTest::pitchFollowsTheRate()
+{
+    QFETCH(double, rate);
+    QFETCH(int, left);
+    SoundRecording one(QStringLiteral("one"));
+    AudioPlayer player;
+    player.SetAudioOutputDevice(Device("one"));
+    player.SetPlaybackRate(rate);
+    for (int source = 0; source < 2; ++source) {
+        player.SetAudio(m_file, 60.0);
+        one.Clear();
+        player.play();
+        QTRY_COMPARE_WITH_TIMEOUT(one.Frequency(SoundRecording::Left), left, patience);
+    }
+    player.SetPlaybackRate(1.0);
+    QTRY_VERIFY_WITH_TIMEOUT(Hears(one, 440, 880) && HearsAmplitude(one, 0.4), patience);
+}
+
+void AudioPlayerSoundTest::loopsOverTheSelectionAtAnotherRate()
+{
+    SoundRecording one(QStringLiteral("one"));
+    AudioPlayer player;
+    player.SetAudioOutputDevice(Device("one"));
+    player.SetPlaybackRate(2.0);
+    player.SetAudio(m_file, 60.0);
+    player.SetSelection(10.0, 11.0);
+    player.LoopPlayback(true);
+    int rounds = 0;
+    qint64 last = 0;
+    connect(&player, &QMediaPlayer::positionChanged, this, [&](qint64 position) {
+        rounds += position == 10000 ? 1 : 0;
+        last = std::max(last, position);
+    });
+    player.play();
+    QTRY_VERIFY_WITH_TIMEOUT(rounds >= 4, patience);
+    QVERIFY(last >= 11000);
+    player.LoopPlayback(false);
+    QTRY_COMPARE_WITH_TIMEOUT(player.playbackState(), QMediaPlayer::PausedState, patience);
+    QCOMPARE(player.position(), 10000);
+}
+
+/** The tone changes in the middle of the file. */
+void AudioPlayerSoundTest::positionsStayTrueWhenTheRateChanges()
+{
+    const QByteArray low = ToneFileBytes({.leftFrequency = 440, .seconds = 40.0});
+    const QByteArray high = ToneFileBytes({.leftFrequency = 1000, .seconds = 40.0});
+    const qsizetype half = low.size() / 2;
+    QFile file(m_folder.filePath(QStringLiteral("two tones.wav")));
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.write(low.left(half) + high.mid(half)) == low.size());
+    file.close();
+    SoundRecording one(QStringLiteral("one"));
+    AudioPlayer player;
+    player.SetAudioOutputDevice(Device("one"));
+    player.SetAudio(file.fileName(), 40.0);
+    player.play();
+    QTRY_COMPARE_WITH_TIMEOUT(one.Frequency(SoundRecording::Left), 440, patience);
+    const QSignalSpy positions(&player, &QMediaPlayer::positionChanged);
+    for (int i = 0; i < 30; ++i) {
+        player.SetPlaybackRate(i % 2 == 0 ? 1.25 : 1.0);
+        const qsizetype count = positions.count();
+        QTRY_VERIFY_WITH_TIMEOUT(positions.count() > count + 1, patience);
+    }
+    QVERIFY2(player.position() < 15000, qPrintable(QString::number(player.position())));
+    QTRY_COMPARE_WITH_TIMEOUT(one.Frequency(SoundRecording::Left), 1000, patience);
+    QVERIFY2(std::abs(player.position() - 20000) < 1500, qPrintable(QString::number(player.position())));
 }
 
 int main(int argc, char** argv)

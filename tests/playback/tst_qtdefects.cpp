@@ -3,6 +3,7 @@
 #include "tests/support/Tone.h"
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QElapsedTimer>
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QUrl>
 #include <QtMultimedia/QAudioDecoder>
@@ -102,6 +103,23 @@ private Q_SLOTS:
         player.setSource(QUrl::fromLocalFile(path));
         QTRY_VERIFY_WITH_TIMEOUT(player.mediaStatus() != QMediaPlayer::LoadingMedia, patience);
         QCOMPARE(player.duration() != 1000, QtDefects::GarblesNames());
+    }
+
+    void losesThePlaybackRate()
+    {
+        QMediaPlayer player;
+        QAudioOutput output;
+        player.setAudioOutput(&output);
+        player.setSource(QUrl::fromLocalFile(m_short));
+        player.setPlaybackRate(4.0);
+        player.setSource(QUrl::fromLocalFile(m_long));
+        QCOMPARE(player.playbackRate(), 4.0);
+        QTRY_COMPARE_WITH_TIMEOUT(player.mediaStatus(), QMediaPlayer::LoadedMedia, patience);
+        QElapsedTimer clock;
+        clock.start();
+        player.play();
+        QCOMPARE(!Happens([&] { return player.position() > clock.elapsed() + 500; }),
+                 QtDefects::LosesThePlaybackRate());
     }
 
     void reportsTheEndTwice()

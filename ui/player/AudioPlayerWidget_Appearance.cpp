@@ -69,23 +69,6 @@ std::pair<double, double> AudioPlayerWidget::GetLevelAt(const QPoint& position) 
     return m_waveformWidget->GetLevelAt(m_waveformWidget->mapFrom(this, position));
 }
 
-void AudioPlayerWidget::SetPositionMovesSmoothly(bool smoothly)
-{
-    // The only connections between the two; all others pass through this widget.
-    disconnect(m_audioPlayer, nullptr, m_waveformWidget, nullptr);
-    if (!smoothly) {
-        m_waveformWidget->SetPositionRate(0.0);
-        return;
-    }
-    const auto passOn = [player = m_audioPlayer, view = m_waveformWidget] {
-        const bool isPlaying = player->playbackState() == QMediaPlayer::PlayingState;
-        view->SetPositionRate(isPlaying ? player->playbackRate() : 0.0);
-    };
-    connect(m_audioPlayer, &QMediaPlayer::playbackStateChanged, m_waveformWidget, passOn);
-    connect(m_audioPlayer, &QMediaPlayer::playbackRateChanged, m_waveformWidget, passOn);
-    passOn();
-}
-
 void AudioPlayerWidget::SetFollowsPosition(bool follows)
 {
     m_waveformWidget->SetFollowsPosition(follows);

@@ -389,6 +389,7 @@ void AudioPlayerWidget::ConnectSignals()
 
     connect(m_audioPlayer, &QMediaPlayer::positionChanged, this, &Widget::OnAudioPositionChanged);
     connect(m_audioPlayer, &QMediaPlayer::playbackStateChanged, this, &Widget::OnAudioStateChanged);
+    connect(m_audioPlayer, &QMediaPlayer::playbackRateChanged, this, [this] { m_internals->LetPositionMove(); });
 }
 
 } // namespace vantoraudio::vantorAudioEngine::UI

@@ -76,6 +76,7 @@ void AudioPlayerWidget::OnBtnPlayPauseClicked()
 void AudioPlayerWidget::OnAudioStateChanged(QMediaPlayer::PlaybackState state)
 {
     m_internals->ShowAsPlaying(state == QMediaPlayer::PlayingState);
+    m_internals->LetPositionMove();
 }
 
 void AudioPlayerWidget::Internals::ShowAsPlaying(bool isPlaying)
@@ -212,6 +213,39 @@ void AudioPlayerWidget::SetAudioOutputDevice(const QAudioDevice& device)
     if (self) {
         m_audioOutputDevice = device;
         m_audioPlayer->SetAudioOutputDevice(device);
+    }
+}
+
+void AudioPlayerWidget::SetPlaybackRate(double rate)
+{
+    // A receiver of the signals may destroy the widget.
+    const QPointer<AudioPlayerWidget> self(this);
+    m_audioPlayer->SetPlaybackRate(rate);
+    // Not every version of Qt tells of it.
+    if (self) {
+        m_internals->LetPositionMove();
+    }
+}
+
+double AudioPlayerWidget::GetPlaybackRate() const
+{
+    return m_audioPlayer->GetPlaybackRate();
+}
+
+void AudioPlayerWidget::SetPositionMovesSmoothly(bool smoothly)
+{
+    if (m_internals->positionMovesSmoothly && !smoothly) {
+        m_waveformWidget->SetPositionRate(0.0);
+    }
+    m_internals->positionMovesSmoothly = smoothly;
+    m_internals->LetPositionMove();
+}
+
+/** Without this setting the rate of the line is the program's. */
+void AudioPlayerWidget::Internals::LetPositionMove() const
+{
+    if (positionMovesSmoothly) {
+        widget.m_waveformWidget->SetPositionRate(widget.IsPlaying() ? widget.m_audioPlayer->playbackRate() : 0.0);
     }
 }
 

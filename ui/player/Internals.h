@@ -84,6 +84,7 @@ struct AudioPlayerWidget::Internals
     [[nodiscard]] bool IsPositionEdited() const;
     [[nodiscard]] bool GoToTyped(double time);
     void CorrectLateReport(qint64 milliseconds);
+    void LetPositionMove() const;
     /** Gives the player a file and what of it is to be played, the whole if that is empty. A file that no output
      * can play is played from a copy, as soon as that is made, with the selection of that moment; until then the
      * player has no source. */
@@ -117,6 +118,7 @@ struct AudioPlayerWidget::Internals
     bool typedPositionSeeks = false;
     bool editedPositionStays = false;
     bool channelChangeKeepsPlace = false;
+    bool positionMovesSmoothly = false;
     /** Controls that tell of a change at this moment. */
     QList<QWidget*> telling;
     /** How many reports of the player's position are under way, one within the other. */

@@ -75,6 +75,7 @@ inline Things Preparations(const QString& folder)
         [](auto& w) { w.SetEditMode(true); },
         [](auto& w) { w.UseFlexibleSizes(); },
         [](auto& w) { w.SetPositionMovesSmoothly(true); },
+        [](auto& w) { w.SetPlaybackRate(2.0); },
         [](auto& w) { w.SetChannelChangeKeepsPlace(true); },
         [=](auto& w) { w.LoadFile(folder + u"/missing.wav"_s); },
         LetRest,

@@ -1,6 +1,7 @@
 #include "tests/support/SoundServer.h"
 #include "tests/support/Tone.h"
 #include "tests/ui/player/LoadedPlayer.h"
+#include "tests/ui/waveform/WaveformTestAccess.h"
 #include "ui/waveform/BGFXWaveformDiagramWidget.h"
 
 #include <QtGui/QWheelEvent>
@@ -78,6 +79,8 @@ private Q_SLOTS:
     void theWheelZoomsAsTheWaveformIsTold();
     void timeAndLevelAreThoseOfTheWaveform();
     void thePositionLineMovesBetweenReportsWhenToldTo();
+    void thePositionLineMovesAtThePlaybackRate();
+    void theProgramsOwnConnectionsStay();
     void theEditModeIsThatOfTheWaveform();
 };
 
@@ -260,6 +263,41 @@ void PlayerAppearanceTest::thePositionLineMovesBetweenReportsWhenToldTo()
     const double paused = line.GetAudioPosition();
     QTRY_VERIFY(line.GetAudioPosition() != paused);
     QCOMPARE(line.GetShownPosition(), line.GetAudioPosition());
+}
+
+void PlayerAppearanceTest::thePositionLineMovesAtThePlaybackRate()
+{
+    LoadedPlayer player;
+    player.widget.SetPlaybackRate(2.0);
+    player.widget.SetPlaybackRate(5.0);
+    QVERIFY(player.Load());
+    QCOMPARE(player.widget.GetPlaybackRate(), 2.0);
+    QCOMPARE(player.Player().GetPlaybackRate(), 2.0);
+    const auto& line = *player.widget.findChild<BGFXWaveformDiagramWidget*>();
+    const auto ahead = [&line] { return qRound((line.GetShownPosition() - line.GetAudioPosition()) * 1000.0); };
+    player.widget.SetPositionMovesSmoothly(true);
+    player.widget.Play();
+    // Without a report it moves for half a second.
+    const QSignalBlocker noReports(player.Player());
+    QTRY_COMPARE(ahead(), 1000);
+    player.widget.SetPlaybackRate(4.0);
+    QTRY_COMPARE(ahead(), 3000);
+}
+
+void PlayerAppearanceTest::theProgramsOwnConnectionsStay()
+{
+    LoadedPlayer player;
+    int reports = 0;
+    connect(&player.Player(), &QMediaPlayer::positionChanged, &player.Waveform(), [&reports] { ++reports; });
+    player.Waveform().SetPositionRate(1.0);
+    player.widget.SetPositionMovesSmoothly(false);
+    QVERIFY(WaveformTestAccess::IsLineMoving(WaveformTestAccess::DiagramOf(player.Waveform())));
+    player.widget.SetPositionMovesSmoothly(true);
+    player.widget.SetPositionMovesSmoothly(false);
+    QVERIFY(player.Load());
+    reports = 0;
+    player.widget.UpdateAudioPosition(3.0);
+    QVERIFY(reports > 0);
 }
 
 void PlayerAppearanceTest::theEditModeIsThatOfTheWaveform()
