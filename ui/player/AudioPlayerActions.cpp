@@ -81,6 +81,12 @@ constexpr std::array Entries{
           QT_TRANSLATE_NOOP("AudioPlayerActions", "Clear the selection"), Qt::Key_Escape},
 };
 
+QString ToolTipOf(const QAction& action)
+{
+    const QString key = action.shortcut().toString(QKeySequence::NativeText);
+    return key.isEmpty() ? action.toolTip() : action.toolTip() + u" (" + key + u')';
+}
+
 bool MovesWithinAControl(int key)
 {
     return key == Qt::Key_Left || key == Qt::Key_Right || key == Qt::Key_Home || key == Qt::Key_End;
@@ -151,17 +157,21 @@ void AudioPlayerActions::SetNightIcons(bool night)
 void AudioPlayerActions::SetToolTips()
 {
     const AudioPlayerWidget& player = m_internals->player;
-    const auto tell = [&player](const char* name, const QAction& action) {
+    const auto keepTelling = [&player](const char* name, const QAction* action) {
         auto* control = player.findChild<QWidget*>(QLatin1StringView(name));
-        if (control->toolTip().isEmpty()) {
-            const QString key = action.shortcut().toString(QKeySequence::NativeText);
-            control->setToolTip(action.text() + u" (" + key + u')');
-        }
+        auto tell = [control, action, own = QString()]() mutable {
+            if (control->toolTip() == own) {
+                own = ToolTipOf(*action);
+                control->setToolTip(own);
+            }
+        };
+        tell();
+        connect(action, &QAction::changed, control, tell);
     };
-    tell("btnPlayPause", *Get(PlayPause));
-    tell("btnStop", *Get(Stop));
-    tell("btnLoop", *Get(Loop));
-    tell("btnMute", *Get(Mute));
+    keepTelling("btnPlayPause", Get(PlayPause));
+    keepTelling("btnStop", Get(Stop));
+    keepTelling("btnLoop", Get(Loop));
+    keepTelling("btnMute", Get(Mute));
     for (QWidget* control : player.findChildren<QWidget*>()) {
         const bool isControl = !qobject_cast<QFrame*>(control) && !control->accessibleName().isEmpty();
         if (isControl && control->toolTip().isEmpty()) {

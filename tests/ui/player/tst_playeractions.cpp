@@ -53,6 +53,7 @@ private Q_SLOTS:
     void escapeClearsTheSelectionAndKeepsThePosition();
     void slidersAndBoxesKeepTheirKeys();
     void fieldsKeepTheirKeys();
+    void toolTipsNameTheKeysThatHold();
 
 private:
     void Press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier, QWidget* focused = nullptr)
@@ -282,6 +283,26 @@ void PlayerActionsTest::fieldsKeepTheirKeys()
     Press(Qt::Key_0, {}, &field);
     QCOMPARE(Player().position(), 10000);
     QCOMPARE(Shown().GetVisibleRange(), before);
+}
+
+void PlayerActionsTest::toolTipsNameTheKeysThatHold()
+{
+    QPushButton& button = *Controls().btnPlayPause;
+    const auto told = [](const QString& text, const QString& key) {
+        return u"%1 (%2)"_s.arg(text, QKeySequence(key).toString(QKeySequence::NativeText));
+    };
+    QCOMPARE(button.toolTip(), told(u"Play or pause"_s, u"Space"_s));
+    Get(Actions::PlayPause)->setShortcut(QKeySequence(u"Ctrl+P"_s));
+    QCOMPARE(button.toolTip(), told(u"Play or pause"_s, u"Ctrl+P"_s));
+    Press(Qt::Key_P, Qt::ControlModifier);
+    QVERIFY(Shown().IsPlaying());
+    Get(Actions::PlayPause)->setText(u"&Play"_s);
+    QCOMPARE(button.toolTip(), told(u"Play"_s, u"Ctrl+P"_s));
+    Get(Actions::PlayPause)->setShortcut({});
+    QCOMPARE(button.toolTip(), u"Play"_s);
+    button.setToolTip(u"The program's own"_s);
+    Get(Actions::PlayPause)->setShortcut(QKeySequence(u"Ctrl+P"_s));
+    QCOMPARE(button.toolTip(), u"The program's own"_s);
 }
 
 int main(int argc, char* argv[])
