@@ -88,7 +88,13 @@ QAccessibleInterface* Create(const QString& className, QObject* object)
 
 void InstallWaveformAccessible()
 {
-    QAccessible::installFactory(&Create);
+    // Its destructor runs when the library is unloaded, and ahead of that of Qt's list, which is older.
+    static const struct Installed
+    {
+        Installed() { QAccessible::installFactory(&Create); }
+        ~Installed() { QAccessible::removeFactory(&Create); }
+        Q_DISABLE_COPY_MOVE(Installed)
+    } installed;
 }
 
 } // namespace vantoraudio::vantorAudioEngine::UI
