@@ -192,8 +192,11 @@ public:
     void CreateSnippet(const QString& filePath);
     /** Stops the snippet that is being written and removes what there is of it; only one that is whole already and
      *  has taken the place of a file stays. The reports of progress that still wait and BusyChanged() come before
-     *  this returns; nothing else tells of it. Does nothing when none is being written. */
-    void CancelSnippet();
+     *  this returns; nothing else tells of it. True when nothing is left of the snippet, false when it stays.
+     *
+     *  Does nothing and returns false when none is being written, also when one has just been written whole, of
+     *  which CreateSnippetFinished() still tells. */
+    bool CancelSnippet();
 
     /** Plays from the current position; does nothing without a file, or while it plays. */
     void Play();

@@ -189,16 +189,17 @@ void AudioPlayerWidget::SetKeepBothChannels(bool keep)
     m_internals->loaded.File().SetKeepBothChannels(keep);
 }
 
-void AudioPlayerWidget::CancelSnippet()
+bool AudioPlayerWidget::CancelSnippet()
 {
     if (!m_snippetWatcher.isRunning()) {
-        return;
+        return false;
     }
-    m_internals->loaded.snippet.Stop();
+    const bool nothingIsLeft = m_internals->loaded.CancelSnippet();
     Forget(m_snippetWatcher);
     if (m_internals->TellAllReports()) {
         SetBusy(m_channelFilterWatcher.isRunning());
     }
+    return nothingIsLeft;
 }
 
 bool AudioPlayerWidget::Internals::TellAllReports()

@@ -1,10 +1,14 @@
 #include "ui/player/LoadedFile.h"
 
+#include "engine/files/FileState.h"
+
 #include <QtCore/QFile>
-#include <QtCore/QFileInfo>
 
 namespace vantoraudio::vantorAudioEngine::UI {
 namespace {
+
+using AudioEngine::FileState;
+using Result = LoadedFile::Result;
 
 void Release(WorkingFile* file)
 {
@@ -57,18 +61,44 @@ void LoadedFile::StopReading()
 
 QFuture<LoadedFile::Result> LoadedFile::WriteSnippet(const QString& path, const Selection& range)
 {
-    return snippet.Start(m_file, [=](WorkingFile& working, const std::atomic<bool>& isStopped) {
-        // Of a closed file only a header would be written, over what is there.
-        const bool hadFormer = QFileInfo::exists(path);
-        const Result result = working.file.isOpen() ? working.file.CreateSnippet(path, range.start, range.end)
-                                                    : WavFile::ErrorCreateSnippet;
-        // The stop may come when the snippet is whole already. One that has replaced a file stays: otherwise
-        // neither would be left.
-        if (isStopped && result == WavFile::Success && !hadFormer) {
-            QFile::remove(path);
-        }
-        return result;
-    });
+    m_snippet = std::make_shared<Snippet>(Snippet{.path = path});
+    return snippet.Start(m_file,
+                         [range, written = m_snippet](WorkingFile& working, const std::atomic<bool>& isStopped) {
+                             const Result result = written->WriteFrom(working.file, range);
+                             if (isStopped) {
+                                 written->RemoveIfNew();
+                             }
+                             return result;
+                         });
+}
+
+Result LoadedFile::Snippet::WriteFrom(WavFile& file, const Selection& range)
+{
+    const FileState former = FileState::Of(path);
+    // Of a closed file only a header would be written, over what is there.
+    const Result result =
+        file.isOpen() ? file.CreateSnippet(path, range.start, range.end) : WavFile::ErrorCreateSnippet;
+    // One that was aborted counts as a success, too.
+    const FileState now = FileState::Of(path);
+    isThere = result == WavFile::Success && now.IsFile() && now != former;
+    isNew = !former.IsFile();
+    return result;
+}
+
+/** One that has replaced a file stays: otherwise neither would be left. */
+void LoadedFile::Snippet::RemoveIfNew()
+{
+    if (isThere && isNew && QFile::remove(path)) {
+        isThere = false;
+    }
+}
+
+bool LoadedFile::CancelSnippet()
+{
+    snippet.Stop();
+    // The stop may come when the task has looked for it already.
+    m_snippet->RemoveIfNew();
+    return !m_snippet->isThere;
 }
 
 QFuture<LoadedFile::Result> LoadedFile::FilterInto(const QString& path)

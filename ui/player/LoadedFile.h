@@ -146,8 +146,10 @@ public:
     [[nodiscard]] QFuture<void> Read(double startTime, double endTime, int stepSize);
     /** Also drops the news of samples that were read. */
     void StopReading();
-    /** Nothing is left of a stopped one. */
+    /** Nothing is left of a stopped one, unless it is whole and has replaced a file. */
     [[nodiscard]] QFuture<Result> WriteSnippet(const QString& path, const Selection& range);
+    /** Stops the latest one. Whether nothing is left of it. */
+    [[nodiscard]] bool CancelSnippet();
     /** Nothing but a whole file is left of one that is stopped or fails. */
     [[nodiscard]] QFuture<Result> FilterInto(const QString& path);
 
@@ -159,7 +161,19 @@ public:
     WorkingCopy copy;
 
 private:
+    /** What a task has written. Its own until it has ended. */
+    struct Snippet
+    {
+        QString path;
+        bool isThere = false;
+        bool isNew = false;
+
+        Result WriteFrom(WavFile& file, const Selection& range);
+        void RemoveIfNew();
+    };
+
     std::shared_ptr<WorkingFile> m_file = WorkingFile::Create();
+    std::shared_ptr<Snippet> m_snippet;
 };
 
 /** Makes the watcher tell nothing more of its future, also not what is on its way already: a late report would be

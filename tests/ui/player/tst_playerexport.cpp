@@ -3,6 +3,7 @@
 #include "tests/support/TestAudio.h"
 #include "tests/ui/player/BlockedPool.h"
 #include "tests/ui/player/PlayerSetup.h"
+#include "tests/ui/waveform/InputBench.h"
 
 #include <QtWidgets/QApplication>
 
@@ -57,8 +58,11 @@ private Q_SLOTS:
     void aFailedSnippetIsReportedAndItsPathForgotten();
     void aSnippetThatVanishedIsReportedAsSuccess();
     void aSnippetOverTheWorkingCopyIsRefused();
+    void aSelectionThatIsMovedPastTheEndIsExportedFromWithinTheFile();
     void cancelsASnippet();
     void cancelsASnippetThatWaitsForItsTurn();
+    void tellsWhetherAnythingIsLeftOfACancelledSnippet_data();
+    void tellsWhetherAnythingIsLeftOfACancelledSnippet();
     void cancellingWithoutASnippetDoesNothing();
     void aSnippetAndAFilteringMayRunAtOnce();
     void ofTwoSnippetsAtOnceTheLatterIsAnnounced();
@@ -187,6 +191,29 @@ void PlayerExportTest::aSnippetOverTheWorkingCopyIsRefused()
     QCOMPARE(TemporaryFiles::Read(setup.Copy()), stereo.File());
 }
 
+void PlayerExportTest::aSelectionThatIsMovedPastTheEndIsExportedFromWithinTheFile()
+{
+    using Interaction = PlayerSetup::Waveform::Interaction;
+    namespace Mouse = vantoraudio::vantorAudioEngine::UI::testing;
+    ExportSetup setup;
+    setup.player->SetInteractions(Interaction::SelectBeyondView | Interaction::MoveFromInside);
+    setup.player->resize(800, 400);
+    setup.player->show();
+    QVERIFY(QTest::qWaitForWindowExposed(setup.player.get()) && setup.HasRead());
+    setup.player->SetSelectedSnippet({0.5, 0.75});
+    auto& diagram = *setup.player->findChild<QWidget*>(u"BGFXWaveformDiagramWidget"_s);
+    const int inside = int(diagram.width() * 0.6);
+    Mouse::Hover(diagram, inside);
+    Mouse::Press(diagram, inside);
+    Mouse::Move(diagram, diagram.width() - 1);
+    Mouse::Release(diagram, diagram.width() - 1);
+    QCOMPARE(setup.player->GetSelectedSnippet(), std::pair(0.75, 1.0));
+    setup.player->CreateSnippet(setup.Snippet());
+    QVERIFY(setup.IsIdle());
+    QCOMPARE(TemporaryFiles::Read(setup.Snippet()),
+             stereo.Exported(stereo.ExportedData(6000, 8000, WavFile::ChannelLeftRight), 4000));
+}
+
 void PlayerExportTest::cancelsASnippet()
 {
     ExportSetup setup;
@@ -213,7 +240,7 @@ void PlayerExportTest::cancelsASnippetThatWaitsForItsTurn()
     {
         const BlockedPool pool;
         setup.player->CreateSnippet(setup.Snippet());
-        setup.player->CancelSnippet();
+        QVERIFY(setup.player->CancelSnippet());
         QVERIFY(!setup.player->IsBusy());
     }
     QCoreApplication::processEvents();
@@ -223,10 +250,45 @@ void PlayerExportTest::cancelsASnippetThatWaitsForItsTurn()
     QVERIFY(setup.player->errors.isEmpty());
 }
 
+void PlayerExportTest::tellsWhetherAnythingIsLeftOfACancelledSnippet_data()
+{
+    QTest::addColumn<double>("end");
+    QTest::addColumn<bool>("hasFormer");
+    QTest::addColumn<bool>("isWritten");
+    // The task looks at its abort flag before each report, so one of a single block goes on to its end.
+    constexpr double singleBlock = 0.02;
+    QTest::newRow("in the middle") << 1.0 << false << false;
+    QTest::newRow("in the middle, over a file") << 1.0 << true << false;
+    QTest::newRow("when it is whole") << singleBlock << false << false;
+    QTest::newRow("when it is whole and has replaced a file") << singleBlock << true << true;
+}
+
+void PlayerExportTest::tellsWhetherAnythingIsLeftOfACancelledSnippet()
+{
+    QFETCH(double, end);
+    QFETCH(bool, hasFormer);
+    QFETCH(bool, isWritten);
+    ExportSetup setup;
+    if (hasFormer) {
+        setup.originals.Write(u"snippet.wav"_s, "former");
+    }
+    setup.player->SetSelectedSnippet({0.0, end});
+    HeldTask held(setup.File());
+    setup.player->CreateSnippet(setup.Snippet());
+    QVERIFY(held.HasBegun());
+    held.ReleaseUpon(WavFileTestAccess(setup.File()).IsWriteAborted());
+    QCOMPARE(setup.player->CancelSnippet(), !isWritten);
+    QVERIFY(!setup.player->IsBusy());
+    QCOMPARE(QFile::exists(setup.Snippet()), hasFormer);
+    QCOMPARE(TemporaryFiles::Read(setup.Snippet()).startsWith("RIFF"), isWritten);
+    QCoreApplication::processEvents();
+    QVERIFY(setup.finished.isEmpty());
+}
+
 void PlayerExportTest::cancellingWithoutASnippetDoesNothing()
 {
     ExportSetup setup;
-    setup.player->CancelSnippet();
+    QVERIFY(!setup.player->CancelSnippet());
     QVERIFY(setup.busy.isEmpty());
     setup.player->SetSelectedSnippet({0.25, 0.5});
     setup.player->CreateSnippet(setup.Snippet());
