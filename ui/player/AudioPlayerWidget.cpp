@@ -368,12 +368,27 @@ void AudioPlayerWidget::SetBusy(bool busy)
 {
     m_busy = busy;
     ++m_internals->busyCount;
+    const bool waveformHasFocus = window()->focusWidget() == m_waveformWidget;
     m_waveformWidget->setEnabled(!busy);
     m_internals->controls.btnLoadFile->setEnabled(!busy);
     m_internals->controls.frmSelectionStart->setEnabled(!busy);
     m_internals->controls.frmSelectionEnd->setEnabled(!busy);
     m_internals->controls.cmbboxChannelSelector->setEnabled(!busy);
+    if (busy && waveformHasFocus) {
+        m_internals->focusStandIn = window()->focusWidget();
+    } else if (!busy) {
+        m_internals->TakeFocusBack();
+    }
     Q_EMIT BusyChanged(busy);
+}
+
+/** Unless the user or the program has moved it on. */
+void AudioPlayerWidget::Internals::TakeFocusBack()
+{
+    const auto standIn = std::exchange(focusStandIn, std::nullopt);
+    if (standIn && widget.window()->focusWidget() == *standIn) {
+        widget.m_waveformWidget->setFocus();
+    }
 }
 
 } // namespace vantoraudio::vantorAudioEngine::UI

@@ -11,6 +11,8 @@
 #include <QtCore/QList>
 #include <QtCore/QPointer>
 
+#include <optional>
+
 class QLayout;
 
 namespace vantoraudio::vantorAudioEngine::UI {
@@ -85,6 +87,7 @@ struct AudioPlayerWidget::Internals
     [[nodiscard]] bool GoToTyped(double time);
     void CorrectLateReport(qint64 milliseconds);
     void LetPositionMove() const;
+    void TakeFocusBack();
     /** Gives the player a file and what of it is to be played, the whole if that is empty. A file that no output
      * can play is played from a copy, as soon as that is made, with the selection of that moment; until then the
      * player has no source. */
@@ -119,6 +122,8 @@ struct AudioPlayerWidget::Internals
     bool editedPositionStays = false;
     bool channelChangeKeepsPlace = false;
     bool positionMovesSmoothly = false;
+    /** Only while the busy waveform cannot have the focus that it had: what Qt gave it to, if anything. */
+    std::optional<QPointer<QWidget>> focusStandIn;
     /** Controls that tell of a change at this moment. */
     QList<QWidget*> telling;
     /** How many reports of the player's position are under way, one within the other. */

@@ -81,6 +81,8 @@ private Q_SLOTS:
     void thePositionLineMovesBetweenReportsWhenToldTo();
     void thePositionLineMovesAtThePlaybackRate();
     void theProgramsOwnConnectionsStay();
+    void theFocusComesBackToTheWaveformAfterABusyTime_data();
+    void theFocusComesBackToTheWaveformAfterABusyTime();
     void theEditModeIsThatOfTheWaveform();
 };
 
@@ -298,6 +300,46 @@ void PlayerAppearanceTest::theProgramsOwnConnectionsStay()
     reports = 0;
     player.widget.UpdateAudioPosition(3.0);
     QVERIFY(reports > 0);
+}
+
+void PlayerAppearanceTest::theFocusComesBackToTheWaveformAfterABusyTime_data()
+{
+    QTest::addColumn<bool>("hadFocus");
+    QTest::addColumn<bool>("usesAField");
+    QTest::addColumn<bool>("hasFocus");
+    QTest::newRow("as it was") << true << false << true;
+    QTest::newRow("the user has gone on") << true << true << false;
+    QTest::newRow("the focus was elsewhere") << false << false << false;
+}
+
+void PlayerAppearanceTest::theFocusComesBackToTheWaveformAfterABusyTime()
+{
+    QFETCH(bool, hadFocus);
+    QFETCH(bool, usesAField);
+    QFETCH(bool, hasFocus);
+    LoadedPlayer player;
+    player.widget.SetWaveformTakesFocus(true);
+    QVERIFY(player.Load());
+    QTest::mouseClick(&WaveformTestAccess::DiagramOf(player.Waveform()), Qt::LeftButton, {}, {100, 20});
+    QVERIFY(player.Waveform().hasFocus());
+    if (!hadFocus) {
+        QTest::keyClick(&player.Waveform(), Qt::Key_Tab);
+        QVERIFY(!player.Waveform().hasFocus());
+    }
+    player.widget.SetSelectedSnippet({1.0, 2.0});
+    player.widget.CreateSnippet(player.CopyPath(u"snippet.wav"_s));
+    QVERIFY(player.widget.IsBusy());
+    QVERIFY(!player.Waveform().hasFocus());
+    if (usesAField) {
+        QTest::mouseClick(player.Controls().edCurrentPosition, Qt::LeftButton);
+    }
+    QTRY_VERIFY(!player.widget.IsBusy());
+    QCOMPARE(player.Waveform().hasFocus(), hasFocus);
+    QCOMPARE(player.Controls().edCurrentPosition->hasFocus(), usesAField);
+    if (hasFocus) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+        QVERIFY(player.widget.IsPlaying());
+    }
 }
 
 void PlayerAppearanceTest::theEditModeIsThatOfTheWaveform()
