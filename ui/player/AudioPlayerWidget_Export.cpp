@@ -124,7 +124,7 @@ void AudioPlayerWidget::OnChannelSelectionFinished(int index)
 
 void AudioPlayerWidget::Internals::PlayFilteredFile()
 {
-    const Place place{widget.GetVisibleRange(), widget.GetAudioPosition(), widget.IsPlaying()};
+    const Place place = PlaceOfUser();
     // A receiver of the signals may destroy the widget.
     const QPointer<AudioPlayerWidget> self(&widget);
     widget.StopPlayback();
@@ -145,6 +145,14 @@ void AudioPlayerWidget::Internals::PlayFilteredFile()
     }
 }
 
+/** A player that still waits for what it is to play knows nothing of it. */
+AudioPlayerWidget::Internals::Place AudioPlayerWidget::Internals::PlaceOfUser() const
+{
+    const auto range = widget.GetVisibleRange();
+    return playsOnWithCopy ? Place{range, widget.m_waveformWidget->GetAudioPosition(), *playsOnWithCopy}
+                           : Place{range, widget.GetAudioPosition(), widget.IsPlaying()};
+}
+
 void AudioPlayerWidget::Internals::GoBackTo(const Place& place)
 {
     const QPointer<AudioPlayerWidget> self(&widget);
@@ -152,7 +160,9 @@ void AudioPlayerWidget::Internals::GoBackTo(const Place& place)
     if (self) {
         widget.ShowRange(place.visibleRange.first, place.visibleRange.second);
     }
-    if (self && place.isPlaying) {
+    if (self && AwaitsCopy()) {
+        playsOnWithCopy = place.isPlaying;
+    } else if (self && place.isPlaying) {
         widget.Play();
     }
 }

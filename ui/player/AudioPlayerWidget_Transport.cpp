@@ -16,6 +16,8 @@
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QSlider>
 
+#include <utility>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace vantoraudio::vantorAudioEngine::UI {
@@ -30,6 +32,7 @@ void AudioPlayerWidget::Play()
 
 void AudioPlayerWidget::Pause()
 {
+    m_internals->StayStoppedWithCopy();
     if (IsPlaying()) {
         m_audioPlayer->pause();
     }
@@ -43,16 +46,40 @@ bool AudioPlayerWidget::IsPlaying() const
 void AudioPlayerWidget::Internals::SetPlayedFile(const QString& path, const Selection& selection)
 {
     playableCopy.reset();
+    playsOnWithCopy.reset();
     if (AudioEngine::CanBePlayed(path)) {
         LetPlay(path, selection);
         return;
     }
     playableCopy = std::make_unique<PlayableCopy>(path, widget.m_writableDirectoryPath);
-    connect(playableCopy.get(), &PlayableCopy::Ended, &widget, [this] {
-        const auto [start, end] = widget.m_waveformWidget->GetSelectedSnippet();
-        LetPlay(playableCopy->GetPath(), {start, end});
-    });
+    connect(playableCopy.get(), &PlayableCopy::Ended, &widget, [this] { PlayCopy(); });
     widget.m_audioPlayer->setSource(QUrl());
+}
+
+void AudioPlayerWidget::Internals::PlayCopy()
+{
+    const std::optional<bool> playsOn = std::exchange(playsOnWithCopy, std::nullopt);
+    const Place place{widget.GetVisibleRange(), widget.m_waveformWidget->GetAudioPosition(),
+                      playsOn.value_or(false)};
+    const auto [start, end] = widget.m_waveformWidget->GetSelectedSnippet();
+    // A receiver of the signals may load another file or destroy the widget.
+    const QPointer<PlayableCopy> copy(playableCopy.get());
+    LetPlay(copy->GetPath(), {start, end});
+    if (copy && playsOn) {
+        GoBackTo(place);
+    }
+}
+
+bool AudioPlayerWidget::Internals::AwaitsCopy() const
+{
+    return playableCopy && widget.m_audioPlayer->source().isEmpty();
+}
+
+void AudioPlayerWidget::Internals::StayStoppedWithCopy()
+{
+    if (playsOnWithCopy) {
+        playsOnWithCopy = false;
+    }
 }
 
 void AudioPlayerWidget::Internals::LetPlay(const QString& path, const Selection& selection)
@@ -93,6 +120,7 @@ void AudioPlayerWidget::Internals::ShowPlayIcon(bool isPlaying)
 
 void AudioPlayerWidget::OnBtnStopClicked()
 {
+    m_internals->StayStoppedWithCopy();
     m_internals->ShowAsPlaying(false);
     // A receiver of the signals may destroy the widget.
     const QPointer<AudioPlayerWidget> self(this);
@@ -112,6 +140,7 @@ void AudioPlayerWidget::OnBtnStopClicked()
 
 void AudioPlayerWidget::StopPlayback()
 {
+    m_internals->StayStoppedWithCopy();
     m_internals->ShowAsPlaying(false);
     const QPointer<AudioPlayerWidget> self(this);
     m_audioPlayer->stop();
@@ -208,6 +237,7 @@ int AudioPlayerWidget::GetAudioPlayBackVolume() const
 void AudioPlayerWidget::SetAudioOutputDevice(const QAudioDevice& device)
 {
     const QPointer<AudioPlayerWidget> self(this);
+    m_internals->StayStoppedWithCopy();
     m_audioPlayer->ClearSelection();
     m_audioPlayer->stop();
     if (self) {

@@ -93,6 +93,9 @@ struct AudioPlayerWidget::Internals
      * player has no source. */
     void SetPlayedFile(const QString& path, const Selection& selection);
     void LetPlay(const QString& path, const Selection& selection);
+    void PlayCopy();
+    [[nodiscard]] bool AwaitsCopy() const;
+    void StayStoppedWithCopy();
 
     // Channels and tasks
     /** Passes on what was reported before a busy time ends. False: it is not the caller's to end any more, because
@@ -103,6 +106,7 @@ struct AudioPlayerWidget::Internals
     void OnNote(int note);
     [[nodiscard]] QString FilteredPathOf(WavFile::ChannelFormat channel) const;
     void PlayFilteredFile();
+    [[nodiscard]] Place PlaceOfUser() const;
     void GoBackTo(const Place& place);
     void GoBackToPreviousChannel();
     void DropFiltering();
@@ -114,6 +118,8 @@ struct AudioPlayerWidget::Internals
     std::unique_ptr<FileLoad> loading;
     /** Null when the player plays the file itself. */
     std::unique_ptr<PlayableCopy> playableCopy;
+    /** Only while a channel change that keeps the place waits for that copy: whether it plays on then. */
+    std::optional<bool> playsOnWithCopy;
     /** The volume that was set last, which the player may read back as one percent less. */
     int volume = 100;
     bool decodesToFloat = false;

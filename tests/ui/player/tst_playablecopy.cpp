@@ -6,10 +6,13 @@
 #include <QtCore/QDir>
 #include <QtTest/QSignalSpy>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QPushButton>
 
+#include <functional>
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
+using vantoraudio::vantorAudioEngine::UI::AudioPlayerWidget;
 using vantoraudio::vantorAudioEngine::UI::AudioPlayerWidgetTestAccess;
 using vantoraudio::vantorAudioEngine::UI::RecordingPlayerWidget;
 using WavTest::LittleEndian;
@@ -17,6 +20,8 @@ using WavTest::LittleEndian;
 namespace {
 
 constexpr int patience = 30000;
+
+using Step = std::function<void(AudioPlayerWidget&)>;
 
 /** The tone of 440 Hz and 880 Hz at ten times the usual rate. */
 QByteArray FastTone(double seconds)
@@ -84,6 +89,71 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(hasLoaded, patience);
         QCOMPARE(widget.GetOriginalAudioFilePath(), other);
         QVERIFY(widget.errors.isEmpty());
+    }
+
+    void anotherChannelIsPlayedFromTheSamePlace_data()
+    {
+        QTest::addColumn<Step>("meanwhile");
+        QTest::addColumn<bool>("plays");
+        QTest::addColumn<int>("position");
+        QTest::newRow("nothing else") << Step([](auto&) {}) << true << 6000;
+        QTest::newRow("a click on stop") << Step([](auto& widget) {
+            QTest::mouseClick(widget.template findChild<QPushButton*>(u"btnStop"_s), Qt::LeftButton);
+        }) << false << 0;
+        QTest::newRow("a pause") << Step([](auto& widget) { widget.Pause(); }) << false << 6000;
+        QTest::newRow("a stop by the program") << Step([](auto& widget) { widget.StopPlayback(); }) << false << 0;
+        QTest::newRow("another device")
+            << Step([](auto& widget) { widget.SetAudioOutputDevice({}); }) << false << 6000;
+        QTest::newRow("another position")
+            << Step([](auto& widget) { widget.UpdateAudioPosition(5.5); }) << true << 5500;
+        QTest::newRow("a click in the view") << Step([](auto& widget) {
+            auto* diagram = widget.template findChild<QWidget*>(u"BGFXWaveformDiagramWidget"_s);
+            QTest::mouseClick(diagram, Qt::LeftButton, {}, {diagram->width() / 2, 20});
+        }) << true << 7000;
+        QTest::newRow("yet another channel")
+            << Step([](auto& widget) { widget.SetSelectedChannel(WavFile::ChannelRight); }) << true << 6000;
+    }
+    void anotherChannelIsPlayedFromTheSamePlace()
+    {
+        QFETCH(const Step, meanwhile);
+        QFETCH(const bool, plays);
+        QFETCH(const int, position);
+        const TemporaryFiles files;
+        const TemporaryFiles copies;
+        RecordingPlayerWidget widget;
+        widget.SetWritableDirectoryPath(copies.Path(QString()));
+        widget.SetChannelChangeKeepsPlace(true);
+        widget.resize(800, 400);
+        widget.show();
+        widget.SetAudioFile(files.Write(u"fast.wav"_s, FastTone(10.0)));
+        const AudioPlayer& player = AudioPlayerWidgetTestAccess::Player(widget);
+        QTRY_COMPARE_WITH_TIMEOUT(player.duration(), 10000, patience);
+        widget.ShowRange(5.0, 9.0);
+        widget.UpdateAudioPosition(6.0);
+        widget.Play();
+        QTRY_VERIFY_WITH_TIMEOUT(widget.IsPlaying(), patience);
+        const QUrl former = player.source();
+        bool awaitedCopy = false;
+        const auto happens = [&] {
+            awaitedCopy = player.source().isEmpty();
+            meanwhile(widget);
+        };
+        // Ahead of the news of the copy, which the event loop brings, too.
+        connect(&player, &QMediaPlayer::sourceChanged, &widget, happens,
+                Qt::ConnectionType(Qt::QueuedConnection | Qt::SingleShotConnection));
+        widget.SetSelectedChannel(WavFile::ChannelLeft);
+        QTRY_VERIFY_WITH_TIMEOUT(awaitedCopy, patience);
+        QTRY_VERIFY_WITH_TIMEOUT(!player.source().isEmpty() && player.duration() > 0 && !widget.IsBusy(),
+                                 patience);
+        QVERIFY(player.source() != former);
+        QTRY_COMPARE_WITH_TIMEOUT(widget.IsPlaying(), plays, patience);
+        const auto isThere = [&] {
+            return player.position() >= position - 5 && player.position() < position + 2500;
+        };
+        QTRY_VERIFY2_WITH_TIMEOUT(isThere(), qPrintable(QString::number(player.position())), patience);
+        if (plays) {
+            QCOMPARE(widget.GetVisibleRange(), std::pair(5.0, 9.0));
+        }
     }
 
     void aWidgetThatIsDestroyedMeanwhileLeavesNothing()
