@@ -115,6 +115,11 @@ bool PendingFile::Commit(const CancelCheck& isCancelled)
     return Store() && IsSourceUnchanged() && (m_isBeside ? MoveOver() : CopyOver(isCancelled));
 }
 
+bool PendingFile::CommitToFreeName()
+{
+    return Store() && MoveIfFree();
+}
+
 bool PendingFile::CommitUnlessTaken()
 {
     return Store() && MoveUnlessTaken();
@@ -181,13 +186,20 @@ bool PendingFile::MoveOver()
     return isMoved;
 }
 
+bool PendingFile::MoveIfFree()
+{
+    if (HasFormer()) {
+        return false;
+    }
+    const QString name = m_file.fileName();
+    const bool isMoved = !name.isEmpty() && MoveToFree(name);
+    m_file.setAutoRemove(!isMoved);
+    return isMoved;
+}
+
 bool PendingFile::MoveUnlessTaken()
 {
-    if (!HasFormer()) {
-        const QString name = m_file.fileName();
-        m_file.setAutoRemove(name.isEmpty() || !MoveToFree(name));
-    }
-    return HasFormer();
+    return MoveIfFree() || HasFormer();
 }
 
 bool PendingFile::MoveToFree(const QString& name)

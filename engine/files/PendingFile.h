@@ -58,6 +58,9 @@ public:
      */
     [[nodiscard]] bool Commit(const CancelCheck& isCancelled = {});
 
+    /** The same where no other file has the name, not even one that came after Open(); otherwise false. */
+    [[nodiscard]] bool CommitToFreeName();
+
     /**
      * Puts the file under its name unless another one has it, even one that came after Open(). True when one of
      * the two has the name now.
@@ -78,6 +81,7 @@ private:
     bool OpenIn(const QString& folder);
     bool ReplacesSource() const;
     bool MoveOver();
+    bool MoveIfFree();
     bool MoveUnlessTaken();
     bool MoveToFree(const QString& name);
     bool CopyOver(const CancelCheck& isCancelled);

@@ -1,11 +1,13 @@
 #pragma once
 
 #include "engine/SharedValue.h"
+#include "engine/files/PendingFile.h"
 #include "engine/samples/StoredFormat.h"
 #include "engine/wav/ByteCounting.h"
 
 #include <vantorAudioEngine/WavFile.h>
 
+#include <QtCore/QFileInfo>
 #include <QtCore/QMutexLocker>
 
 namespace vantoraudio::AudioEngine {
@@ -22,6 +24,7 @@ struct WavAudio
         , allowsLargeFiles(file.GetLargeFiles())
         , keepsParts(file.GetKeepParts())
         , keepsBothChannels(file.GetKeepBothChannels())
+        , existingFile(file.GetExistingFile())
     {
     }
 
@@ -45,6 +48,18 @@ struct WavAudio
     bool keepsParts;
     /** In snippets. */
     bool keepsBothChannels;
+    WavFile::ExistingFile existingFile;
+
+    /** Whether a new file may not get this name, which another one has. */
+    bool Refuses(const QString& path) const
+    {
+        return existingFile == WavFile::ExistingFile::Refuse && QFileInfo::exists(path);
+    }
+    /** Gives the finished file its name. False where one has it that came meanwhile and is refused. */
+    bool TakeName(PendingFile& file) const
+    {
+        return existingFile == WavFile::ExistingFile::Refuse ? file.CommitToFreeName() : file.Commit();
+    }
 };
 
 /** For a task that starts now: clears its abort flag under the same lock, so that an abort that the task does not

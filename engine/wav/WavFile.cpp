@@ -33,7 +33,7 @@ WavFile::WavFile(QObject* parent) : QFile(parent)
 WavFile::~WavFile() = default;
 
 // It leaves out the flag of channel filtering, the sample size, SetLargeFiles(), SetKeepParts(),
-// SetKeepBothChannels() and all of the QFile on purpose.
+// SetKeepBothChannels(), SetExistingFile() and all of the QFile on purpose.
 WavFile& WavFile::operator=(const WavFile& other)
 {
     if (this == &other) {
@@ -146,6 +146,16 @@ bool WavFile::GetKeepBothChannels() const
 void WavFile::SetKeepBothChannels(bool keep)
 {
     StoreShared(m_keepsBothChannels, keep);
+}
+
+WavFile::ExistingFile WavFile::GetExistingFile() const
+{
+    return LoadShared(m_existingFile);
+}
+
+void WavFile::SetExistingFile(ExistingFile existing)
+{
+    StoreShared(m_existingFile, existing);
 }
 
 WavFile::ChannelFormat WavFile::GetSelectedChannel() const

@@ -69,9 +69,12 @@ bool Conversion::HasRoom(const QString& path) const
 
 bool Conversion::WriteTo(const QString& path)
 {
+    if (source.Refuses(path)) {
+        return false;
+    }
     PendingFile output(path);
     WavWriter writer(output);
-    if (Write(writer) && output.Commit()) {
+    if (Write(writer) && source.TakeName(output)) {
         return true;
     }
     if (source.keepsParts) {

@@ -43,20 +43,26 @@ struct ChannelCopy
     qint64 end = 0;
     /** Of the source when it was opened, in bytes. */
     qint64 sourceSize = 0;
-    /** Whether a file that has the name by the end stays. */
-    bool isNew = false;
+    /** Whether a file that has the name by the end stays and will do. */
+    bool keepsFormer = false;
     int outputChannels = 1;
 
     bool WriteTo(const QString& path, qint64 statedSize) const;
 
 private:
     WalkResult CopyInto(WavWriter& output) const;
-    bool TakeName(PendingFile& file) const { return isNew ? file.CommitUnlessTaken() : file.Commit(); }
+    bool TakeName(PendingFile& file) const
+    {
+        return keepsFormer ? file.CommitUnlessTaken() : audio.TakeName(file);
+    }
     void ResetProgress() const { Q_EMIT source.ProgressChanged(0, 0, 100, WavFile::tr("")); }
 };
 
 bool ChannelCopy::WriteTo(const QString& path, qint64 statedSize) const
 {
+    if (audio.Refuses(path)) {
+        return false;
+    }
     PendingFile file(path);
     WavWriter output(file);
     if (!output.Open(OutputFormat(audio.format, outputChannels), statedSize, audio.allowsLargeFiles)) {
@@ -118,9 +124,13 @@ WavFile::AudioEngineReturnValue WavFile::FilterChannel(const QString& outPath)
         return Success;
     }
     StoreAbortFlag(m_mutex, m_abortChannelFilter, false);
+    const bool keepsFormer = audio.existingFile == ExistingFile::Customary;
     // A channel file that is there already is used as it is.
-    if (QFileInfo::exists(outPath)) {
+    if (keepsFormer && QFileInfo::exists(outPath)) {
         return Success;
+    }
+    if (IsSameFile(fileName(), outPath)) {
+        return ErrorFilterChannel;
     }
     const double bytesPerSecond =
         double(audio.format.audio.sampleRate()) * OutputFormat(audio.format).bytesPerSample();
@@ -132,7 +142,7 @@ WavFile::AudioEngineReturnValue WavFile::FilterChannel(const QString& outPath)
                            .start = audio.dataOffset,
                            .end = audio.PositionOf(audio.duration),
                            .sourceSize = m_sizeAtOpening,
-                           .isNew = true};
+                           .keepsFormer = keepsFormer};
     return copy.WriteTo(outPath, audio.Counting().Truncate(audio.duration * bytesPerSecond)) ? Success
                                                                                              : ErrorFilterChannel;
 }

@@ -170,6 +170,9 @@ public:
     /** CreateSnippet() writes a stereo file where both channels of a stereo file are selected; otherwise their
      *  average. Holds for snippets that start from now on. */
     void SetKeepBothChannels(bool keep);
+    /** CreateSnippet() fails where a file has the name, also one that came while the snippet was written, and
+     *  leaves it alone; otherwise it replaces that file. Holds for snippets that start from now on. */
+    void SetKeepExistingFiles(bool keep);
     /** While the user types into the position field or has text selected there, playing does not write it over. */
     void SetEditedPositionStays(bool stays);
     /** Another channel keeps the visible range and the position, and plays on; otherwise it shows the whole file

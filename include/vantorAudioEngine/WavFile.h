@@ -59,6 +59,17 @@ public:
     };
     Q_ENUM(ChannelFormat)
 
+    /** What a task does where a file has the name of the one that it writes. */
+    enum class ExistingFile
+    {
+        /** CreateSnippet() and Convert() replace it; FilterChannel() leaves it alone, with Success. */
+        Customary,
+        /** It is replaced. */
+        Replace,
+        /** The task fails and leaves it alone, also when it came while the task worked. */
+        Refuse
+    };
+
     /** The channel counts that Convert() knows. */
     enum ChannelLayout
     {
@@ -73,9 +84,8 @@ public:
     /**
      * Copies what is known of the audio: format, offset, length, duration, samples, selected channel and the abort
      * flags of reading and writing. The file itself (name, open state, position), the sample size, the abort flag
-     * of channel filtering, SetLargeFiles(), SetKeepParts() and SetKeepBothChannels() stay the target's own. The
-     * library itself never
-     * calls it.
+     * of channel filtering, SetLargeFiles(), SetKeepParts(), SetKeepBothChannels() and SetExistingFile() stay the
+     * target's own. The library itself never calls it.
      */
     WavFile& operator=(const WavFile& other);
 
@@ -134,6 +144,11 @@ public:
     /** Applies to the tasks that start from now on. Any thread. */
     void SetKeepBothChannels(bool keep);
 
+    /** Customary after construction. */
+    [[nodiscard]] ExistingFile GetExistingFile() const;
+    /** Applies to the tasks that start from now on, but not to a conversion in place. Any thread. */
+    void SetExistingFile(ExistingFile existing);
+
     ChannelFormat GetSelectedChannel() const;
     /** Chooses the channel of the tasks that start from now on. */
     void SetSelectedChannel(ChannelFormat channel);
@@ -173,8 +188,9 @@ public:
      * or channel count is below 1 or its sample format Unknown or UInt8, when the file holds no frame, when no
      * frame comes out (of a few frames at another rate, or of samples that a header promises and that are not
      * there), when the file cannot be read to its end or is shorter than at Open(), when the disk has no room for
-     * the result or the file's rate is hundreds of times the target's (at once), and when the output cannot be
-     * written. What the resampler refuses, and that no frame comes out, is told on the standard error stream.
+     * the result or the file's rate is hundreds of times the target's (at once), when the output cannot be
+     * written, and when a file is refused (see SetExistingFile()). What the resampler refuses, and that no frame
+     * comes out, is told on the standard error stream.
      *
      * Throws std::bad_optional_access when one side has neither one nor two channels. No progress and no abort;
      * the object must not be used by anyone else meanwhile, except for the tasks in the background when the
@@ -194,22 +210,23 @@ public:
      *
      * Success also when AbortWrite() stopped it; what was written by then takes the name (see SetKeepParts()).
      * ErrorCreateSnippet when the output cannot be created or filled, which may leave a part of it where there was
-     * no file; when this file cannot be read or is shorter than at Open(), which leaves `outPath` as it was; and
-     * when `outPath` leads to this very file, which is not touched.
+     * no file; when this file cannot be read or is shorter than at Open(), which leaves `outPath` as it was; when
+     * `outPath` leads to this very file, which is not touched; and when a file is refused (see SetExistingFile()).
      */
     AudioEngineReturnValue CreateSnippet(const QString& outPath, double start, double end);
 
     /**
      * Writes the selected channel of a stereo file, ChannelLeft or ChannelRight, to the new file `outPath`, with
      * one channel and the sample format of this one, or Float for 24-bit data. Does nothing, with Success, when
-     * the file is not stereo, another channel is selected, or `outPath` exists.
+     * the file is not stereo, another channel is selected, or `outPath` exists (see SetExistingFile()).
      *
      * Returns when done; meant for a worker thread. Whole blocks of 200 frames are copied up to the end of the
      * audio, so that the data may be longer than the header states. Emits ProgressChanged for every block.
      *
      * Success also when AbortChannelFilter() stopped it; what was written by then takes the name (see
      * SetKeepParts()). ErrorFilterChannel when the output cannot be created or filled, which may leave a part of
-     * it; and when this file cannot be read or is shorter than at Open(), which leaves nothing.
+     * it; when this file cannot be read or is shorter than at Open(), which leaves nothing; and, after
+     * SetExistingFile(), when a file is refused or `outPath` leads to this very file, which is not touched.
      */
     AudioEngineReturnValue FilterChannel(const QString& outPath);
 
@@ -284,6 +301,7 @@ private:
     bool m_allowsLargeFiles = false;
     bool m_keepsParts = true;
     bool m_keepsBothChannels = false;
+    ExistingFile m_existingFile = ExistingFile::Customary;
     /** In bytes. */
     qint64 m_sizeAtOpening = 0;
 

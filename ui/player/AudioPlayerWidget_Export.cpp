@@ -199,6 +199,12 @@ void AudioPlayerWidget::SetKeepBothChannels(bool keep)
     m_internals->loaded.File().SetKeepBothChannels(keep);
 }
 
+void AudioPlayerWidget::SetKeepExistingFiles(bool keep)
+{
+    using Existing = WavFile::ExistingFile;
+    m_internals->loaded.File().SetExistingFile(keep ? Existing::Refuse : Existing::Customary);
+}
+
 bool AudioPlayerWidget::CancelSnippet()
 {
     if (!m_snippetWatcher.isRunning()) {

@@ -103,8 +103,10 @@ bool LoadedFile::CancelSnippet()
 
 QFuture<LoadedFile::Result> LoadedFile::FilterInto(const QString& path)
 {
-    return channelFilter.Start(
-        m_file, [path](WorkingFile& working, const auto&) { return working.file.FilterChannel(path); });
+    return channelFilter.Start(m_file, [path](WorkingFile& working, const auto&) {
+        // A channel file that is there already is played, also where snippets refuse what is there.
+        return QFileInfo::exists(path) ? WavFile::Success : working.file.FilterChannel(path);
+    });
 }
 
 } // namespace vantoraudio::vantorAudioEngine::UI

@@ -54,6 +54,8 @@ class PlayerExportTest : public QObject
 private Q_SLOTS:
     void writesTheSelectionOfTheSelectedChannel();
     void writesBothChannelsWhereItIsAskedTo();
+    void leavesAnExistingFileAloneWhereItIsAskedTo();
+    void playsTheChannelFileThatIsThereWhereSnippetsRefuseOne();
     void dropsASnippetWhileSamplesAreRead();
     void aFailedSnippetIsReportedAndItsPathForgotten();
     void aSnippetThatVanishedIsReportedAsSuccess();
@@ -132,6 +134,39 @@ void PlayerExportTest::writesBothChannelsWhereItIsAskedTo()
     QCOMPARE(written.Open(setup.Snippet()), WavFile::Success);
     QCOMPARE(written.GetFileFormat().channelCount(), 2);
     QCOMPARE(written.GetDuration(), 0.25);
+}
+
+void PlayerExportTest::leavesAnExistingFileAloneWhereItIsAskedTo()
+{
+    ExportSetup setup;
+    setup.player->SetKeepExistingFiles(true);
+    setup.player->SetSelectedSnippet({0.25, 0.5});
+    {
+        const BlockedPool pool;
+        setup.player->CreateSnippet(setup.Snippet());
+        setup.originals.Write(u"snippet.wav"_s, "another");
+    }
+    QVERIFY(setup.IsIdle());
+    QCOMPARE(setup.player->errors, Errors{WavFile::ErrorCreateSnippet});
+    QVERIFY(setup.finished.isEmpty());
+    QCOMPARE(TemporaryFiles::Read(setup.Snippet()), "another");
+    setup.player->SetKeepExistingFiles(false);
+    setup.player->CreateSnippet(setup.Snippet());
+    QVERIFY(setup.IsIdle());
+    QCOMPARE(setup.finished.size(), 1);
+    QCOMPARE(TemporaryFiles::Read(setup.Snippet()).size(), 4044);
+}
+
+void PlayerExportTest::playsTheChannelFileThatIsThereWhereSnippetsRefuseOne()
+{
+    ExportSetup setup;
+    setup.player->SetKeepExistingFiles(true);
+    for (const auto channel : {WavFile::ChannelLeft, WavFile::ChannelLeftRight, WavFile::ChannelLeft}) {
+        setup.player->SetSelectedChannel(channel);
+        QVERIFY(setup.IsIdle() && setup.HasRead());
+    }
+    QVERIFY(setup.player->errors.isEmpty());
+    QCOMPARE(setup.player->GetSelectedChannel(), WavFile::ChannelLeft);
 }
 
 void PlayerExportTest::dropsASnippetWhileSamplesAreRead()
