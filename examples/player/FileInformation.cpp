@@ -1,6 +1,7 @@
 #include "FileInformation.h"
 
 #include "HostPlayer.h"
+#include "Question.h"
 #include "Times.h"
 
 #include <vantorAudioEngine/AudioFileInfo.h>
@@ -12,15 +13,34 @@
 #include <QtWidgets/QFormLayout>
 #include <QtWidgets/QLabel>
 
+#include <chrono>
+
+using namespace std::chrono_literals;
 using vantoraudio::AudioEngine::AudioFileInfo;
 
 namespace {
 
-/** Of the file itself, or of its working copy when it has gone since it was loaded. */
-AudioFileInfo InformationOf(const HostPlayer& player)
+struct Facts
 {
-    const AudioFileInfo original = AudioFileInfo::Probe(player.GetOriginalAudioFilePath());
-    return original.CanBeLoaded() ? original : AudioFileInfo::Probe(player.GetAudioFileName());
+    AudioFileInfo info;
+    /** In bytes; -1 when there is no file. */
+    qint64 size = -1;
+};
+
+Facts FactsOf(const QString& path)
+{
+    const QFileInfo file(path);
+    return {AudioFileInfo::Probe(path), file.exists() ? file.size() : -1};
+}
+
+/** Of the file itself, or of its working copy when it has gone since it was loaded, or its disk does not answer.
+ */
+Facts FactsOf(const HostPlayer& player)
+{
+    Question<Facts> question([path = player.GetOriginalAudioFilePath()] { return FactsOf(path); });
+    const auto original = question.AnswerUntil(std::chrono::steady_clock::now() + 1s);
+    return original && original->info.CanBeLoaded() ? *original
+                                                    : Facts{AudioFileInfo::Probe(player.GetAudioFileName())};
 }
 
 } // namespace
@@ -30,7 +50,7 @@ FileInformation::FileInformation(const HostPlayer& player, QWidget* parent)
 {
     setWindowTitle(tr("Information"));
     const QFileInfo file(player.GetOriginalAudioFilePath());
-    const AudioFileInfo info = InformationOf(player);
+    const auto [info, size] = FactsOf(player);
     const QLocale locale;
     Add(tr("Name"), file.fileName());
     Add(tr("Folder"), QDir::toNativeSeparators(file.absolutePath()));
@@ -45,7 +65,7 @@ FileInformation::FileInformation(const HostPlayer& player, QWidget* parent)
         info.GetBitsPerSample() > 0 ? locale.toString(info.GetBitsPerSample()) : QString());
     // What the file itself says may be an estimate.
     Add(tr("Length"), TextOfTime(player.GetAudioDuration()));
-    Add(tr("Size"), file.exists() ? locale.formattedDataSize(file.size()) : QString());
+    Add(tr("Size"), size < 0 ? QString() : locale.formattedDataSize(size));
 
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);

@@ -1,9 +1,15 @@
 #include "RecentFiles.h"
 
+#include "Question.h"
+
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
 #include <QtCore/QSettings>
 
+#include <chrono>
+#include <vector>
+
+using namespace std::chrono_literals;
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
@@ -14,6 +20,23 @@ constexpr QLatin1StringView Key("recentFiles");
 QString AsMenuText(const QString& path)
 {
     return QDir::toNativeSeparators(path).replace(u'&', u"&&"_s);
+}
+
+/** Files on a disk that does not answer at once count as there: opening one tells more. */
+QStringList WithoutThoseThatAreGone(const QStringList& files)
+{
+    std::vector<Question<bool>> questions;
+    for (const QString& path : files) {
+        questions.emplace_back([path] { return QFileInfo(path).isFile(); });
+    }
+    const auto deadline = std::chrono::steady_clock::now() + 500ms;
+    QStringList rest;
+    for (std::size_t i = 0; i < questions.size(); ++i) {
+        if (questions[i].AnswerUntil(deadline).value_or(true)) {
+            rest.append(files.at(static_cast<qsizetype>(i)));
+        }
+    }
+    return rest;
 }
 
 } // namespace
@@ -35,11 +58,9 @@ void RecentFiles::Add(const QString& path)
 void RecentFiles::Fill()
 {
     clear();
-    const QStringList files = QSettings().value(Key).toStringList();
+    const QStringList files = WithoutThoseThatAreGone(QSettings().value(Key).toStringList());
     for (const QString& path : files) {
-        if (QFileInfo(path).isFile()) {
-            addAction(AsMenuText(path), this, [this, path] { Q_EMIT FileChosen(path); });
-        }
+        addAction(AsMenuText(path), this, [this, path] { Q_EMIT FileChosen(path); });
     }
     if (isEmpty()) {
         addAction(tr("No files"))->setEnabled(false);

@@ -2,8 +2,10 @@
 #include "FileInformation.h"
 #include "GoTo.h"
 #include "PlayerWindows.h"
+#include "Question.h"
 #include "RecentFiles.h"
 #include "Times.h"
+#include "tests/support/HeldFile.h"
 
 #include <vantorAudioEngine/AudioPlayer.h>
 
@@ -306,6 +308,41 @@ private Q_SLOTS:
         QCOMPARE(rows.value(u"Name:"_s), u"take.wav"_s);
         QCOMPARE(rows.value(u"Bits of a sample:"_s), u"16"_s);
         QVERIFY(!rows.contains(u"Size:"_s));
+    }
+
+    void tellsOfAFileWhoseDiskDoesNotAnswerWhatWasLoadedOfIt()
+    {
+        const Copies copies({u"take.wav"_s});
+        PlayerWindow window;
+        QVERIFY(Activate(window));
+        QVERIFY(OpenCompletely(window, copies.Path(u"take.wav"_s)));
+        const HeldFile held(copies.Path(u"take.wav"_s));
+        if (!held.IsHeld()) {
+            QSKIP("This file system lets every reader in.");
+        }
+        QMap<QString, QString> rows;
+        Answers answers;
+        answers.Add<FileInformation>([&](FileInformation& dialog) {
+            rows = RowsOf(dialog);
+            QTest::keyClick(&dialog, Qt::Key_Escape);
+        });
+        QTest::keyClick(&window, Qt::Key_I, Qt::ControlModifier);
+        QVERIFY(answers.AreGiven());
+        QCOMPARE(rows.value(u"Name:"_s), u"take.wav"_s);
+        QCOMPARE(rows.value(u"Bits of a sample:"_s), u"16"_s);
+    }
+
+    void anAnswerThatComesTooLateIsNotWaitedFor()
+    {
+        const auto gate = std::make_shared<QSemaphore>();
+        Question<int> late([gate] {
+            gate->acquire();
+            return 1;
+        });
+        QCOMPARE(late.AnswerUntil(std::chrono::steady_clock::now()), std::nullopt);
+        Question<int> early([] { return 1; });
+        QCOMPARE(early.AnswerUntil(std::chrono::steady_clock::now() + std::chrono::seconds(20)), 1);
+        gate->release();
     }
 
     void withoutAFileThereIsNoInformationAndNowhereToGo()
