@@ -2,6 +2,7 @@
 #include "PlayerWindow.h"
 #include "ScreenshotJob.h"
 
+#include <vantorAudioEngine/AudioImporter.h>
 #include <vantorAudioEngine/Version.h>
 
 #include <QtCore/QCommandLineParser>
@@ -158,6 +159,8 @@ void Start(PlayerWindow& window, const Options& options)
 int main(int argc, char* argv[])
 {
     ChooseMediaBackend();
+    // A broken file may ask FFmpeg for gigabytes. No real one needs as much as this in one piece.
+    vantoraudio::AudioEngine::AudioImporter::LimitAllocations(qint64(256) << 20);
     QApplication application(argc, argv);
     QApplication::setOrganizationName(u"vantoraudio"_s);
     QApplication::setApplicationName(u"vantoraudio-player"_s);

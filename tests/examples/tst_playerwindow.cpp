@@ -4,6 +4,7 @@
 #include "SettingsDialog.h"
 #include "TaskProgress.h"
 #include "tests/support/HeldFile.h"
+#include "tests/support/WavBytes.h"
 
 #include <vantorAudioEngine/BGFXWaveformWidget.h>
 
@@ -37,6 +38,7 @@
 #include <cmath>
 #include <functional>
 #include <string_view>
+#include <sys/resource.h>
 
 using namespace Qt::Literals::StringLiterals;
 using vantoraudio::vantorAudioEngine::UI::BGFXWaveformWidget;
@@ -893,6 +895,23 @@ private Q_SLOTS:
         QCOMPARE(outcome.exitCode, 1);
         QVERIFY2(outcome.message.contains(u"There is no file “/nowhere/take.wav”."_s),
                  qPrintable(outcome.message));
+    }
+
+    /** A tag that states a length of 1.2 GB, in a list that states even more. */
+    void theProgramTakesNoGigabytesForABrokenFile()
+    {
+        QTemporaryDir folder;
+        const QString broken = folder.filePath(u"tag.wav"_s);
+        const QByteArray tag = "INAM" + WavTest::LittleEndian(quint32(1'200'000'000));
+        QFile file(broken);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(WavTest::WavBytes{.beforeData = {{"LIST", "INFO" + tag, 1'300'000'000}}}.Build());
+        file.close();
+        const Outcome outcome = RunPlayer({u"--screenshot"_s, folder.filePath(u"picture.png"_s), broken});
+        QCOMPARE(outcome.exitCode, 1);
+        rusage children{};
+        ::getrusage(RUSAGE_CHILDREN, &children);
+        QVERIFY2(children.ru_maxrss < 1'000'000, qPrintable(QString::number(children.ru_maxrss)));
     }
 
     void theMinimalProgramOpensItsFile()
