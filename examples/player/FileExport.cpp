@@ -30,11 +30,12 @@ bool FileExport::IsRunning() const
 }
 
 void FileExport::Start(const QString& sourcePath, WavFile::ChannelFormat channel, const QString& outPath,
-                       Task task)
+                       WavFile::ExistingFile existing, Task task)
 {
     m_source = std::make_unique<ExportSource>();
     m_source->SetLargeFiles(true);
     m_source->SetKeepParts(false);
+    m_source->SetExistingFile(existing);
     m_source->SetSelectedChannel(channel);
     m_outPath = outPath;
     m_isRunning = true;
@@ -43,7 +44,7 @@ void FileExport::Start(const QString& sourcePath, WavFile::ChannelFormat channel
     // Opened at once: the file may have gone before a thread is free, because another one was loaded.
     const bool isOpen = m_source->Open(sourcePath) == WavFile::Success;
     m_watcher.setFuture(QtConcurrent::run(
-        [isOpen, source = m_source.get(), task = std::move(task)] { return isOpen && task(*source); }));
+        &m_pool, [isOpen, source = m_source.get(), task = std::move(task)] { return isOpen && task(*source); }));
     m_refresh.start();
 }
 

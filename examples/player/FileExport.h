@@ -4,6 +4,7 @@
 
 #include <QtCore/QFutureWatcher>
 #include <QtCore/QObject>
+#include <QtCore/QThreadPool>
 #include <QtCore/QTimer>
 
 #include <functional>
@@ -26,7 +27,8 @@ public:
     bool IsRunning() const;
     /** Runs `task`, which writes `outPath`, on the file `sourcePath`, which may be removed as soon as this
      * returns. Not while another one runs. */
-    void Start(const QString& sourcePath, WavFile::ChannelFormat channel, const QString& outPath, Task task);
+    void Start(const QString& sourcePath, WavFile::ChannelFormat channel, const QString& outPath,
+               WavFile::ExistingFile existing, Task task);
     /** Returns at once; Cancelled() follows. Saved() when the new file has taken the place of an older one
      *  already. */
     void Cancel();
@@ -41,6 +43,8 @@ private:
     bool KeepsResult() const;
     void OnFinished();
 
+    /** Of its own: Qt 6.4 also paints with the global one, and waits for it. */
+    QThreadPool m_pool;
     std::unique_ptr<ExportSource> m_source;
     QString m_outPath;
     QFutureWatcher<bool> m_watcher;

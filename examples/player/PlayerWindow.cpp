@@ -110,8 +110,7 @@ void PlayerWindow::ConnectPlayer()
     connect(m_player, &HostPlayer::WaveFormSelectionChanged, this, &PlayerWindow::ShowWhatCanBeExported);
     connect(m_player, &HostPlayer::ContextMenuRequested, this, &PlayerWindow::ShowContextMenu);
     connect(m_player, &HostPlayer::SettingsButtonClicked, this, &PlayerWindow::AskForSettings);
-    connect(m_player, &HostPlayer::CreateSnippetFinished, this,
-            [this](const QString& path) { EndExport(tr("Saved “%1”.").arg(QDir::toNativeSeparators(path))); });
+    connect(m_player, &HostPlayer::CreateSnippetFinished, this, &PlayerWindow::OnSaved);
     ConnectLoading();
     // A task reports its end a moment before it has ended.
     m_look.callOnTimeout(this, &PlayerWindow::CheckPicture);
@@ -161,7 +160,7 @@ void PlayerWindow::OnFileLoaded()
     m_player->setFocus();
     if (!m_snippetPath.isEmpty()) {
         // The file that it was taken from is gone.
-        EndExport(tr("Cancelled."));
+        EndCancelledSelection();
     }
     ShowWhatCanBeExported();
 }
@@ -189,8 +188,7 @@ void PlayerWindow::OnFailure(WavFile::AudioEngineReturnValue error)
 {
     const bool isOfExport = error == WavFile::ErrorCreateSnippet || error == WavFile::Success;
     if (isOfExport && !m_snippetPath.isEmpty()) {
-        ShowFailure(DescribeExportFailure(m_snippetPath));
-        EndExport(QString());
+        OnExportFailed(m_snippetPath);
     } else if (error == WavFile::ErrorFilterChannel || error == WavFile::Success) {
         ShowFailure(DescribeChannelFailure(m_player->GetOriginalAudioFilePath()));
     }
@@ -242,7 +240,7 @@ void PlayerWindow::CheckPicture()
     EndProgressWhenIdle();
     if (m_isSnippetWaiting) {
         m_isSnippetWaiting = false;
-        m_player->CreateSnippet(m_snippetPath);
+        WriteSelection();
     }
     Q_EMIT PictureCompleted();
 }

@@ -7,11 +7,13 @@
 #include <vantorAudioEngine/AudioFileInfo.h>
 #include <vantorAudioEngine/AudioPlayerActions.h>
 
+#include <QtCore/QDateTime>
 #include <QtCore/QTimer>
 #include <QtWidgets/QMainWindow>
 
 #include <functional>
 #include <memory>
+#include <utility>
 
 class HostPlayer;
 class QAction;
@@ -39,8 +41,8 @@ public:
         Keep,
         Replace
     };
-    /** These write a new file in the background and end with ExportEnded(). An existing file is left alone, with a
-     *  sentence that says so, or replaced when the new one is whole. */
+    /** These write a new file in the background and end with ExportEnded(). An existing file is left alone, also
+     *  one that comes meanwhile, with a sentence that says so, or replaced when the new one is whole. */
     void ExportSelection(const QString& outPath, Existing existing = Existing::Keep);
     void ExportChannel(const QString& outPath, WavFile::ChannelFormat channel, Existing existing = Existing::Keep);
     void ConvertFile(const QString& outPath, const QAudioFormat& format, Existing existing = Existing::Keep);
@@ -103,10 +105,19 @@ private:
     void ShowWhatCanBeCancelled();
     void EndProgressWhenIdle();
 
+    struct Output
+    {
+        QString path;
+        Existing existing = Existing::Keep;
+    };
     bool CanExportTo(const QString& outPath, Existing existing);
     void StartExport(const QString& outPath, WavFile::ChannelFormat channel, FileExport::Task task);
+    void WriteSelection();
+    void OnSaved(const QString& path);
+    void OnExportFailed(const QString& path);
+    void EndCancelledSelection();
     void EndExport(const QString& message);
-    QString AskForOutput(const QString& what);
+    Output AskForOutput(const QString& what);
     bool MayReplace(const QString& path);
     void ShowWhatCanBeExported();
 
@@ -130,6 +141,10 @@ private:
     /** The selection goes there; it waits while the waveform is being read. */
     QString m_snippetPath;
     bool m_isSnippetWaiting = false;
+    /** Size and time of what had its name. */
+    std::pair<qint64, QDateTime> m_stateOfFormer;
+    /** For the export that is running. */
+    Existing m_existing = Existing::Keep;
 
     std::unique_ptr<SelectionHistory> m_history;
     vantoraudio::vantorAudioEngine::UI::AudioPlayerActions* m_actions = nullptr;

@@ -4,10 +4,9 @@
 #include "Remembered.h"
 #include "TaskProgress.h"
 
+#include <QtCore/QDateTime>
 #include <QtCore/QDir>
-#include <QtCore/QFile>
 #include <QtCore/QFileInfo>
-#include <QtCore/QTemporaryDir>
 #include <QtWidgets/QFileDialog>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QMenu>
@@ -15,7 +14,6 @@
 #include <QtWidgets/QStatusBar>
 
 #include <array>
-#include <cstdio>
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
@@ -46,26 +44,11 @@ QAudioFormat FormatOf(const Target& target)
     return format;
 }
 
-bool MoveOver(const QString& from, const QString& to)
+/** Tells whether a file was replaced. */
+std::pair<qint64, QDateTime> StateOf(const QString& path)
 {
-    // QFile's own function never replaces a file.
-    return std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
-}
-
-/** FilterChannel() leaves an existing file alone, so the channel takes its place from beside it. */
-bool WriteChannel(WavFile& source, const QString& outPath)
-{
-    const QFileInfo former(outPath);
-    if (!former.exists()) {
-        return source.FilterChannel(outPath) == WavFile::Success;
-    }
-    if (!former.isWritable()) {
-        return false;
-    }
-    const QTemporaryDir beside(former.canonicalPath() + u"/.export-XXXXXX"_s);
-    const QString written = beside.filePath(u"channel.wav"_s);
-    return beside.isValid() && source.FilterChannel(written) == WavFile::Success &&
-           QFile::setPermissions(written, former.permissions()) && MoveOver(written, former.canonicalFilePath());
+    const QFileInfo file(path);
+    return {file.size(), file.lastModified()};
 }
 
 } // namespace
@@ -73,30 +56,30 @@ bool WriteChannel(WavFile& source, const QString& outPath)
 void PlayerWindow::BuildExport(QMenu* fileMenu)
 {
     connect(&m_export, &FileExport::Progressed, m_progress, &TaskProgress::ShowProgress);
-    connect(&m_export, &FileExport::Saved, this,
-            [this](const QString& path) { EndExport(tr("Saved “%1”.").arg(QDir::toNativeSeparators(path))); });
-    connect(&m_export, &FileExport::Failed, this, [this](const QString& path) {
-        ShowFailure(DescribeExportFailure(path));
-        EndExport(QString());
-    });
+    connect(&m_export, &FileExport::Saved, this, &PlayerWindow::OnSaved);
+    connect(&m_export, &FileExport::Failed, this, &PlayerWindow::OnExportFailed);
     connect(&m_export, &FileExport::Cancelled, this, [this] { EndExport(tr("Cancelled.")); });
     connect(m_progress, &TaskProgress::CancelRequested, this, &PlayerWindow::CancelTask);
 
     m_exportMenu = fileMenu->addMenu(tr("&Export"));
     m_exportMenu->setObjectName("export"_L1);
     m_selectionAction = m_exportMenu->addAction(tr("&Selection…"), QKeySequence::Save, this, [this] {
-        ExportSelection(AskForOutput(tr("selection")), Existing::Replace);
+        const auto [path, existing] = AskForOutput(tr("selection"));
+        ExportSelection(path, existing);
     });
     m_leftAction = m_exportMenu->addAction(tr("&Left channel…"), this, [this] {
-        ExportChannel(AskForOutput(tr("left")), WavFile::ChannelLeft, Existing::Replace);
+        const auto [path, existing] = AskForOutput(tr("left"));
+        ExportChannel(path, WavFile::ChannelLeft, existing);
     });
     m_rightAction = m_exportMenu->addAction(tr("&Right channel…"), this, [this] {
-        ExportChannel(AskForOutput(tr("right")), WavFile::ChannelRight, Existing::Replace);
+        const auto [path, existing] = AskForOutput(tr("right"));
+        ExportChannel(path, WavFile::ChannelRight, existing);
     });
     QMenu* conversions = m_exportMenu->addMenu(tr("&Whole file as"));
     for (const Target& target : targets) {
         conversions->addAction(tr(target.name), this, [this, format = FormatOf(target)] {
-            ConvertFile(AskForOutput(tr("converted")), format, Existing::Replace);
+            const auto [path, existing] = AskForOutput(tr("converted"));
+            ConvertFile(path, format, existing);
         });
     }
 }
@@ -111,15 +94,23 @@ void PlayerWindow::ExportSelection(const QString& outPath, Existing existing)
     // The player drops a request that comes while it reads the waveform.
     m_isSnippetWaiting = m_player->IsReadingSamples();
     if (!m_isSnippetWaiting) {
-        m_player->CreateSnippet(outPath);
+        WriteSelection();
     }
     ShowWhatCanBeExported();
+}
+
+void PlayerWindow::WriteSelection()
+{
+    m_stateOfFormer = StateOf(m_snippetPath);
+    m_player->SetKeepExistingFiles(m_existing == Existing::Keep);
+    m_player->CreateSnippet(m_snippetPath);
 }
 
 void PlayerWindow::ExportChannel(const QString& outPath, WavFile::ChannelFormat channel, Existing existing)
 {
     if (CanExportTo(outPath, existing)) {
-        StartExport(outPath, channel, [=](WavFile& source) { return WriteChannel(source, outPath); });
+        StartExport(outPath, channel,
+                    [=](WavFile& source) { return source.FilterChannel(outPath) == WavFile::Success; });
     }
 }
 
@@ -137,12 +128,21 @@ void PlayerWindow::CancelExport()
     if (m_snippetPath.isEmpty()) {
         return;
     }
-    m_isSnippetWaiting = false;
-    m_player->CancelSnippet();
-    // One that is complete already is still announced.
-    if (!m_player->IsBusy()) {
-        EndExport(tr("Cancelled."));
+    if (!m_isSnippetWaiting) {
+        m_player->CancelSnippet();
     }
+    // One that is complete already is still announced.
+    if (m_isSnippetWaiting || !m_player->IsBusy()) {
+        EndCancelledSelection();
+    }
+}
+
+/** A selection may be whole, and have replaced a file, in the moment in which it is cancelled. */
+void PlayerWindow::EndCancelledSelection()
+{
+    const bool hasReplaced = !m_isSnippetWaiting && m_existing == Existing::Replace &&
+                             QFileInfo::exists(m_snippetPath) && StateOf(m_snippetPath) != m_stateOfFormer;
+    hasReplaced ? OnSaved(m_snippetPath) : EndExport(tr("Cancelled."));
 }
 
 bool PlayerWindow::CanExportTo(const QString& outPath, Existing existing)
@@ -155,15 +155,31 @@ bool PlayerWindow::CanExportTo(const QString& outPath, Existing existing)
         ShowFailure(DescribeExistingFile(outPath));
         return false;
     }
+    m_existing = existing;
     return true;
 }
 
 void PlayerWindow::StartExport(const QString& outPath, WavFile::ChannelFormat channel, FileExport::Task task)
 {
     HideFailure();
-    m_export.Start(m_player->GetAudioFileName(), channel, outPath, std::move(task));
+    const auto existing =
+        m_existing == Existing::Keep ? WavFile::ExistingFile::Refuse : WavFile::ExistingFile::Replace;
+    m_export.Start(m_player->GetAudioFileName(), channel, outPath, existing, std::move(task));
     ShowWhatCanBeCancelled();
     ShowWhatCanBeExported();
+}
+
+void PlayerWindow::OnSaved(const QString& path)
+{
+    EndExport(tr("Saved “%1”.").arg(QDir::toNativeSeparators(path)));
+}
+
+void PlayerWindow::OnExportFailed(const QString& path)
+{
+    // The name was free when the user chose it.
+    const bool isTaken = m_existing == Existing::Keep && QFileInfo::exists(path);
+    ShowFailure(isTaken ? DescribeExistingFile(path) : DescribeExportFailure(path));
+    EndExport(QString());
 }
 
 void PlayerWindow::EndExport(const QString& message)
@@ -176,8 +192,9 @@ void PlayerWindow::EndExport(const QString& message)
     Q_EMIT ExportEnded();
 }
 
-/** Empty when the user gives up. An existing file may be replaced: the user has been asked. */
-QString PlayerWindow::AskForOutput(const QString& what)
+/** An empty path when the user gives up. A file that is there may be replaced: the user has been asked. One that
+ *  comes later may not. */
+PlayerWindow::Output PlayerWindow::AskForOutput(const QString& what)
 {
     const QFileInfo shown(m_player->GetOriginalAudioFilePath());
     QFileDialog dialog(this, tr("Export"), Remembered::GetFolder(Remembered::Folder::Export, shown.path()),
@@ -187,14 +204,15 @@ QString PlayerWindow::AskForOutput(const QString& what)
     if (dialog.exec() != QDialog::Accepted) {
         return {};
     }
-    QString chosen = dialog.selectedFiles().constFirst();
+    const QString chosen = dialog.selectedFiles().constFirst();
     Remembered::KeepFolderOf(Remembered::Folder::Export, chosen);
-    if (chosen.endsWith(u".wav"_s, Qt::CaseInsensitive)) {
-        return chosen;
+    const bool isNamed = chosen.endsWith(u".wav"_s, Qt::CaseInsensitive);
+    const QString path = isNamed ? chosen : chosen + u".wav"_s;
+    if (!QFileInfo::exists(path)) {
+        return {path, Existing::Keep};
     }
-    // Not by the dialog: some do not ask about the name that they make.
-    const QString named = chosen + u".wav"_s;
-    return !QFileInfo::exists(named) || MayReplace(named) ? named : QString();
+    // The suffix is not added by the dialog: some do not ask about the name that they make.
+    return isNamed || MayReplace(path) ? Output{path, Existing::Replace} : Output();
 }
 
 bool PlayerWindow::MayReplace(const QString& path)

@@ -4,6 +4,7 @@
 #include "tests/support/FileSizeLimit.h"
 
 #include <QtCore/QDir>
+#include <QtCore/QElapsedTimer>
 #include <QtTest/QSignalSpy>
 #include <QtWidgets/QFileDialog>
 #include <QtWidgets/QLabel>
@@ -166,6 +167,125 @@ private Q_SLOTS:
         QCOMPARE(written.Open(path), WavFile::Success);
         const bool isSelection = QLatin1StringView(QTest::currentDataTag()) == "selection"_L1;
         QCOMPARE(written.GetFileFormat().channelCount(), isSelection ? 2 : 1);
+    }
+
+    void leavesAFileAloneThatTakesTheNameMeanwhile_data()
+    {
+        using Export = std::function<void(PlayerWindow&, const QString&)>;
+        QTest::addColumn<Export>("start");
+        QTest::addColumn<bool>("isRunning");
+        const Export selection = [](PlayerWindow& window, const QString& path) {
+            window.SelectRange(0.0, window.Duration());
+            window.ExportSelection(path);
+        };
+        const Export channel = [](PlayerWindow& window, const QString& path) {
+            window.ExportChannel(path, WavFile::ChannelLeft);
+        };
+        const Export conversion = [](PlayerWindow& window, const QString& path) {
+            QAudioFormat format;
+            format.setSampleFormat(QAudioFormat::Int16);
+            format.setSampleRate(48000);
+            format.setChannelCount(2);
+            window.ConvertFile(path, format);
+        };
+        for (const bool isRunning : {false, true}) {
+            const char* when = isRunning ? "runs" : "waits";
+            QTest::addRow("selection, %s", when) << selection << isRunning;
+            QTest::addRow("left channel, %s", when) << channel << isRunning;
+            QTest::addRow("converted, %s", when) << conversion << isRunning;
+        }
+    }
+    void leavesAFileAloneThatTakesTheNameMeanwhile()
+    {
+        QFETCH(const std::function<void(PlayerWindow&, const QString&)>, start);
+        QFETCH(const bool, isRunning);
+        const QTemporaryDir folder;
+        const QString source = folder.filePath(u"long.wav"_s);
+        const QString path = folder.filePath(u"free.wav"_s);
+        QVERIFY(WriteSilence(source, 30));
+        PlayerWindow window;
+        QVERIFY(OpenCompletely(window, source));
+        QSignalSpy ended(&window, &PlayerWindow::ExportEnded);
+        const auto* bar = window.findChild<TaskProgress*>()->findChild<QProgressBar*>();
+        const auto hasBegun = [bar] {
+            return bar->text().startsWith(u"Exporting"_s) || bar->text().startsWith(u"Creating snippet"_s);
+        };
+        if (isRunning) {
+            start(window, path);
+            QTRY_VERIFY(hasBegun());
+            QVERIFY(!QFile::exists(path) && Write(path, "another"));
+        } else {
+            const BusyPool busy;
+            start(window, path);
+            QVERIFY(Write(path, "another"));
+        }
+        QTRY_COMPARE_WITH_TIMEOUT(ended.size(), 1, 30000);
+        QCOMPARE(window.FailureText(), u"“%1” is there already: please choose another name."_s.arg(path));
+        QCOMPARE(BytesOf(path), "another");
+        QCOMPARE(NamesIn(folder), QStringList({u"free.wav"_s, u"long.wav"_s}));
+        QVERIFY(ChildNamed<QMenu>(window, u"export"_s)->isEnabled());
+    }
+
+    void anAnswerOfTheDialogHoldsForWhatWasThereThen()
+    {
+        const QTemporaryDir folder;
+        const QString source = folder.filePath(u"long.wav"_s);
+        const QString path = folder.filePath(u"free.wav"_s);
+        QVERIFY(WriteSilence(source, 30));
+        PlayerWindow window;
+        QVERIFY(Activate(window));
+        QVERIFY(OpenCompletely(window, source));
+        window.SelectRange(0.0, window.Duration());
+        QSignalSpy ended(&window, &PlayerWindow::ExportEnded);
+        Answers answers;
+        answers.Add<QFileDialog>([&](QFileDialog& dialog) { TypeName(dialog, path); });
+        QTest::keyClick(&window, Qt::Key_S, Qt::ControlModifier);
+        QVERIFY(answers.AreGiven());
+        QVERIFY(!QFile::exists(path) && Write(path, "another"));
+        QTRY_COMPARE_WITH_TIMEOUT(ended.size(), 1, 30000);
+        QCOMPARE(window.FailureText(), u"“%1” is there already: please choose another name."_s.arg(path));
+        QCOMPARE(BytesOf(path), "another");
+    }
+
+    void saysThatASelectionWasCancelledBeforeItsTurn()
+    {
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(u"former.wav"_s);
+        QVERIFY(Write(path, "former"));
+        PlayerWindow window;
+        QVERIFY(OpenCompletely(window, Recording));
+        window.SelectRange(1.0, 2.0);
+        const QSignalSpy ended(&window, &PlayerWindow::ExportEnded);
+        const BusyPool busy;
+        window.ExportSelection(path, PlayerWindow::Existing::Replace);
+        window.CancelExport();
+        QCOMPARE(ended.size(), 1);
+        QCOMPARE(BytesOf(path), "former");
+        QCOMPARE(window.statusBar()->currentMessage(), u"Cancelled."_s);
+    }
+
+    /** It comes a moment before the task ends, which a single try may miss. */
+    void saysThatACancelledSelectionHasReplacedTheFile()
+    {
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(u"former.wav"_s);
+        PlayerWindow window;
+        QVERIFY(OpenCompletely(window, Recording));
+        window.SelectRange(1.0, 2.0);
+        QSignalSpy ended(&window, &PlayerWindow::ExportEnded);
+        for (int i = 1; i <= 30; ++i) {
+            QVERIFY(Write(path, "former"));
+            window.ExportSelection(path, PlayerWindow::Existing::Replace);
+            QElapsedTimer watch;
+            watch.start();
+            // Without the event loop, to notice it before the window does.
+            while (QFileInfo(path).size() == 6 && watch.elapsed() < 10000) {
+            }
+            window.CancelExport();
+            QTRY_COMPARE(ended.size(), i);
+            QVERIFY(BytesOf(path) != "former");
+            QCOMPARE(window.statusBar()->currentMessage(), u"Saved “%1”."_s.arg(path));
+        }
     }
 
     void aFailedExportLeavesNothingAndTheFormerFile_data() { replacesAFileByEveryKindOfExport_data(); }
