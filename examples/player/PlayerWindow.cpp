@@ -1,6 +1,7 @@
 #include "PlayerWindow.h"
 
 #include "Failures.h"
+#include "FileList.h"
 #include "HostPlayer.h"
 #include "PointerLabel.h"
 #include "RecentFiles.h"
@@ -17,6 +18,7 @@
 #include <QtGui/QDragEnterEvent>
 #include <QtGui/QDropEvent>
 #include <QtGui/QIcon>
+#include <QtWidgets/QApplication>
 #include <QtWidgets/QFileDialog>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QStatusBar>
@@ -31,10 +33,15 @@ using Interaction = vantoraudio::vantorAudioEngine::UI::BGFXWaveformWidget::Inte
 
 namespace {
 
-QString LocalFileOf(const QMimeData* data)
+QStringList LocalFilesOf(const QMimeData* data)
 {
-    const QList<QUrl> urls = data->urls();
-    return urls.size() == 1 ? urls.first().toLocalFile() : QString();
+    QStringList files;
+    for (const QUrl& url : data->urls()) {
+        if (url.isLocalFile()) {
+            files.append(url.toLocalFile());
+        }
+    }
+    return files;
 }
 
 } // namespace
@@ -98,6 +105,11 @@ void PlayerWindow::BuildView()
     statusBar()->addWidget(m_selectionLabel);
     statusBar()->addWidget(new PointerLabel(*m_player, this));
     statusBar()->addPermanentWidget(m_progress);
+
+    m_files = new FileList(this);
+    addDockWidget(Qt::RightDockWidgetArea, m_files);
+    resizeDocks({m_files}, {200}, Qt::Horizontal);
+    m_files->hide();
 }
 
 void PlayerWindow::ConnectPlayer()
@@ -124,7 +136,10 @@ void PlayerWindow::ConnectLoading()
          {&HostPlayer::LoadStarted, &HostPlayer::LoadFinished, &HostPlayer::LoadCancelled}) {
         connect(m_player, loadChanged, this, &PlayerWindow::ShowWhatCanBeCancelled);
     }
-    connect(m_player, &HostPlayer::LoadFinished, this, &PlayerWindow::Opened);
+    connect(m_player, &HostPlayer::LoadFinished, this, [this] {
+        m_files->MarkLoaded(m_player->GetOriginalAudioFilePath());
+        Q_EMIT Opened();
+    });
     connect(m_player, &HostPlayer::LoadFailed, this, &PlayerWindow::OnLoadFailed);
     connect(m_player, &HostPlayer::LoadCancelled, this, &PlayerWindow::OpenCancelled);
 }
@@ -150,6 +165,16 @@ void PlayerWindow::OpenFile(const QString& path)
     m_player->LoadFile(QFileInfo(path).absoluteFilePath());
 }
 
+void PlayerWindow::OpenFiles(const QStringList& paths)
+{
+    if (paths.size() > 1) {
+        m_files->SetFiles(paths);
+    }
+    if (!paths.isEmpty()) {
+        OpenFile(paths.constFirst());
+    }
+}
+
 void PlayerWindow::OnFileLoaded()
 {
     HideFailure();
@@ -157,7 +182,10 @@ void PlayerWindow::OnFileLoaded()
     m_recentFiles->Add(m_player->GetOriginalAudioFilePath());
     Remembered::KeepFolderOf(Remembered::Folder::Open, m_player->GetOriginalAudioFilePath());
     Remembered::RestoreView(*m_player);
-    m_player->setFocus();
+    // Who goes through the list of files goes on there.
+    if (!m_files->isAncestorOf(QApplication::focusWidget())) {
+        m_player->setFocus();
+    }
     if (!m_snippetPath.isEmpty()) {
         // The file that it was taken from is gone.
         EndCancelledSelection();
@@ -277,7 +305,7 @@ QString PlayerWindow::FailureText() const
 
 void PlayerWindow::dragEnterEvent(QDragEnterEvent* event)
 {
-    if (!LocalFileOf(event->mimeData()).isEmpty()) {
+    if (!LocalFilesOf(event->mimeData()).isEmpty()) {
         event->acceptProposedAction();
     }
 }
@@ -285,7 +313,7 @@ void PlayerWindow::dragEnterEvent(QDragEnterEvent* event)
 void PlayerWindow::dropEvent(QDropEvent* event)
 {
     event->acceptProposedAction();
-    OpenFile(LocalFileOf(event->mimeData()));
+    OpenFiles(LocalFilesOf(event->mimeData()));
 }
 
 void PlayerWindow::closeEvent(QCloseEvent* event)
@@ -296,13 +324,10 @@ void PlayerWindow::closeEvent(QCloseEvent* event)
     QMainWindow::closeEvent(event);
 }
 
-void PlayerWindow::AskForFile()
+void PlayerWindow::AskForFiles()
 {
-    const QString path = QFileDialog::getOpenFileName(
-        this, tr("Open"), Remembered::GetFolder(Remembered::Folder::Open), HostPlayer::GetLoadableFiles());
-    if (!path.isEmpty()) {
-        OpenFile(path);
-    }
+    OpenFiles(QFileDialog::getOpenFileNames(this, tr("Open"), Remembered::GetFolder(Remembered::Folder::Open),
+                                            HostPlayer::GetLoadableFiles()));
 }
 
 void PlayerWindow::ShowFailure(const QString& sentence)

@@ -15,6 +15,7 @@
 #include <memory>
 #include <utility>
 
+class FileList;
 class HostPlayer;
 class QAction;
 class QLabel;
@@ -36,6 +37,8 @@ public:
     /** Shows the file as soon as it is ready to play, and ends with Opened(), OpenFailed() or OpenCancelled().
      *  After a failure a sentence above the waveform tells the reason. The former file stays until then. */
     void OpenFile(const QString& path);
+    /** Opens the first one. Several of them become the list of files. */
+    void OpenFiles(const QStringList& paths);
     enum class Existing
     {
         Keep,
@@ -89,7 +92,7 @@ private:
     void RestoreState();
     void SaveState() const;
 
-    void AskForFile();
+    void AskForFiles();
     void ConnectLoading();
     void OnFileLoaded();
     void ShowFileName();
@@ -134,6 +137,7 @@ private:
     QLabel* m_failure = nullptr;
     QLabel* m_selectionLabel = nullptr;
     TaskProgress* m_progress = nullptr;
+    FileList* m_files = nullptr;
     FileExport m_export;
     /** Looks whether the picture is complete. */
     QTimer m_look;

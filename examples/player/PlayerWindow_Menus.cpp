@@ -1,5 +1,6 @@
 #include "DeviceMenu.h"
 #include "FileInformation.h"
+#include "FileList.h"
 #include "GoTo.h"
 #include "HostPlayer.h"
 #include "PlayerWindow.h"
@@ -52,10 +53,12 @@ void PlayerWindow::BuildFileMenu()
 {
     QMenu* fileMenu = menuBar()->addMenu(tr("&File"));
     fileMenu->addAction(style()->standardIcon(QStyle::SP_DialogOpenButton), tr("&Open…"), QKeySequence::Open, this,
-                        &PlayerWindow::AskForFile);
+                        &PlayerWindow::AskForFiles);
     m_recentFiles = new RecentFiles(this);
     connect(m_recentFiles, &RecentFiles::FileChosen, this, &PlayerWindow::OpenFile);
     fileMenu->addMenu(m_recentFiles);
+    connect(m_files, &FileList::FileChosen, this, &PlayerWindow::OpenFile);
+    fileMenu->addActions({m_files->Next(), m_files->Previous()});
     BuildExport(fileMenu);
     m_informationAction =
         fileMenu->addAction(tr("&Information…"), Qt::CTRL | Qt::Key_I, this, &PlayerWindow::ShowInformation);
@@ -90,6 +93,7 @@ void PlayerWindow::BuildPlayerMenus()
         m_player->SetFollowsPosition(follows);
         QSettings().setValue(u"follow"_s, follows);
     });
+    view->addAction(m_files->toggleViewAction());
     menuBar()->addMenu(tr("&Selection"))->addActions(m_actions->All(Actions::Selection));
 }
 

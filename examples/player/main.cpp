@@ -31,7 +31,7 @@ struct Range
 
 struct Options
 {
-    QString file;
+    QStringList files;
     QString screenshot;
     std::optional<Range> view;
     std::optional<Range> selection;
@@ -84,10 +84,10 @@ Options ParseOptions(const QCoreApplication& application)
     const QCommandLineOption screenshot(
         u"screenshot"_s, Texts::tr("Save a picture of the window once it is complete, and quit."), u"FILE.png"_s);
     parser.addOptions({play, view, selection, screenshot});
-    parser.addPositionalArgument(u"FILE"_s, Texts::tr("The file to open."), u"[FILE]"_s);
+    parser.addPositionalArgument(u"FILE"_s, Texts::tr("The files to open."), u"[FILE...]"_s);
     parser.process(application);
 
-    return {parser.positionalArguments().value(0), parser.value(screenshot), RangeOption(parser, view),
+    return {parser.positionalArguments(), parser.value(screenshot), RangeOption(parser, view),
             RangeOption(parser, selection), parser.isSet(play)};
 }
 
@@ -109,7 +109,7 @@ void TakeScreenshot(PlayerWindow& window, const Options& options, bool opened)
     if (options.screenshot.isEmpty()) {
         return;
     }
-    const bool playing = opened && options.play && !options.file.isEmpty();
+    const bool playing = opened && options.play && !options.files.isEmpty();
     auto* job = new ScreenshotJob(window, options.screenshot, playing);
     QObject::connect(job, &ScreenshotJob::Done, qApp,
                      [opened](bool saved) { QApplication::exit(opened && saved ? 0 : 1); });
@@ -142,12 +142,12 @@ void Open(PlayerWindow& window, const Options& options)
     upon(&PlayerWindow::Opened, &OnOpened);
     upon(&PlayerWindow::OpenFailed, &OnNotOpened);
     upon(&PlayerWindow::OpenCancelled, &OnNotOpened);
-    window.OpenFile(options.file);
+    window.OpenFiles(options.files);
 }
 
 void Start(PlayerWindow& window, const Options& options)
 {
-    if (options.file.isEmpty()) {
+    if (options.files.isEmpty()) {
         TakeScreenshot(window, options, true);
     } else {
         Open(window, options);

@@ -897,6 +897,22 @@ private Q_SLOTS:
                  qPrintable(outcome.message));
     }
 
+    void theProgramListsSeveralFiles()
+    {
+        QTemporaryDir folder;
+        const QString other = folder.filePath(u"other.wav"_s);
+        QVERIFY(QFile::copy(Recording, other));
+        const auto hasWaveformAtTheRight = [&](const QStringList& files) {
+            const QString picture = folder.filePath(u"picture.png"_s);
+            const Outcome outcome = RunPlayer(QStringList{u"--screenshot"_s, picture} + files);
+            QImage image(picture);
+            image = image.copy(image.width() - 150, 0, 150, image.height());
+            return outcome.exitCode == 0 && Shows(image, m_waveformColor);
+        };
+        QVERIFY(hasWaveformAtTheRight({Recording}));
+        QVERIFY(!hasWaveformAtTheRight({Recording, other}));
+    }
+
     /** A tag that states a length of 1.2 GB, in a list that states even more. */
     void theProgramTakesNoGigabytesForABrokenFile()
     {
