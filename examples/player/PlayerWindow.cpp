@@ -1,5 +1,6 @@
 #include "PlayerWindow.h"
 
+#include "DragHandle.h"
 #include "Failures.h"
 #include "FileList.h"
 #include "HostPlayer.h"
@@ -61,6 +62,8 @@ PlayerWindow::PlayerWindow(QWidget* parent) : QMainWindow(parent), m_appearance(
 PlayerWindow::~PlayerWindow()
 {
     m_player->Close();
+    // It writes to the folder that goes before the window's widgets do.
+    delete m_dragHandle;
 }
 
 void PlayerWindow::BuildView()
@@ -101,10 +104,12 @@ void PlayerWindow::BuildView()
     setCentralWidget(content);
 
     m_selectionLabel = new QLabel(this);
+    m_dragHandle = new DragHandle(*m_player, m_workingFolder.Path(), this);
     m_progress = new TaskProgress(this);
     statusBar()->addWidget(m_selectionLabel);
     statusBar()->addWidget(new PointerLabel(*m_player, this));
     statusBar()->addPermanentWidget(m_progress);
+    statusBar()->addPermanentWidget(m_dragHandle);
 
     m_files = new FileList(this);
     addDockWidget(Qt::RightDockWidgetArea, m_files);
@@ -123,6 +128,10 @@ void PlayerWindow::ConnectPlayer()
     connect(m_player, &HostPlayer::ContextMenuRequested, this, &PlayerWindow::ShowContextMenu);
     connect(m_player, &HostPlayer::SettingsButtonClicked, this, &PlayerWindow::AskForSettings);
     connect(m_player, &HostPlayer::CreateSnippetFinished, this, &PlayerWindow::OnSaved);
+    connect(m_dragHandle, &DragHandle::Progressed, m_progress, &TaskProgress::ShowProgress);
+    connect(m_dragHandle, &DragHandle::Ended, this, &PlayerWindow::ShowWhatCanBeCancelled);
+    connect(m_dragHandle, &DragHandle::Failed, this,
+            [this](const QString& path) { ShowFailure(DescribeExportFailure(path)); });
     ConnectLoading();
     // A task reports its end a moment before it has ended.
     m_look.callOnTimeout(this, &PlayerWindow::CheckPicture);
@@ -239,13 +248,15 @@ void PlayerWindow::OnBusyChanged()
 void PlayerWindow::ShowWhatCanBeCancelled()
 {
     const bool isWritingSelection = m_player->IsBusy() && !m_snippetPath.isEmpty();
-    m_progress->SetCancellable(m_player->IsLoading() || m_export.IsRunning() || isWritingSelection);
+    m_progress->SetCancellable(m_player->IsLoading() || m_export.IsRunning() || isWritingSelection ||
+                               m_dragHandle->IsWriting());
     EndProgressWhenIdle();
 }
 
 void PlayerWindow::EndProgressWhenIdle()
 {
-    if (!m_player->IsLoading() && !m_player->IsBusy() && !m_export.IsRunning() && IsPictureComplete()) {
+    if (!m_player->IsLoading() && !m_player->IsBusy() && !m_export.IsRunning() && !m_dragHandle->IsWriting() &&
+        IsPictureComplete()) {
         m_progress->End();
     }
 }
@@ -255,6 +266,7 @@ void PlayerWindow::CancelTask()
     if (m_player->IsLoading()) {
         m_player->CancelLoad();
     } else {
+        m_dragHandle->Cancel();
         CancelExport();
     }
 }
@@ -305,7 +317,8 @@ QString PlayerWindow::FailureText() const
 
 void PlayerWindow::dragEnterEvent(QDragEnterEvent* event)
 {
-    if (!LocalFilesOf(event->mimeData()).isEmpty()) {
+    // What is dragged out of this window is not meant to be opened in it.
+    if (!event->source() && !LocalFilesOf(event->mimeData()).isEmpty()) {
         event->acceptProposedAction();
     }
 }
@@ -320,6 +333,7 @@ void PlayerWindow::closeEvent(QCloseEvent* event)
 {
     SaveState();
     m_export.Cancel();
+    m_dragHandle->Cancel();
     m_player->Reset();
     QMainWindow::closeEvent(event);
 }

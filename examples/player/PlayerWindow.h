@@ -15,6 +15,7 @@
 #include <memory>
 #include <utility>
 
+class DragHandle;
 class FileList;
 class HostPlayer;
 class QAction;
@@ -136,6 +137,7 @@ private:
     HostPlayer* m_player = nullptr;
     QLabel* m_failure = nullptr;
     QLabel* m_selectionLabel = nullptr;
+    DragHandle* m_dragHandle = nullptr;
     TaskProgress* m_progress = nullptr;
     FileList* m_files = nullptr;
     FileExport m_export;

@@ -1,3 +1,4 @@
+#include "DragHandle.h"
 #include "Failures.h"
 #include "HostPlayer.h"
 #include "PlayerWindow.h"
@@ -232,5 +233,6 @@ void PlayerWindow::ShowWhatCanBeExported()
     m_selectionAction->setEnabled(hasSelection);
     m_leftAction->setEnabled(isStereo);
     m_rightAction->setEnabled(isStereo);
+    m_dragHandle->setEnabled(hasSelection);
     m_selectionLabel->setText(hasSelection ? tr("Selected: %1 s").arg(end - start, 0, 'f', 3) : QString());
 }

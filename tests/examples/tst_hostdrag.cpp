@@ -1,0 +1,269 @@
+#include "DragHandle.h"
+#include "LongFile.h"
+#include "PlayerWindows.h"
+
+#include <QtCore/QFileInfo>
+#include <QtCore/QMimeData>
+#include <QtCore/QPointer>
+#include <QtGui/QDrag>
+#include <QtGui/QDragEnterEvent>
+#include <QtTest/QSignalSpy>
+#include <QtWidgets/QToolButton>
+
+#include <functional>
+#include <optional>
+#include <utility>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+const QString Recording = QStringLiteral(VANTOR_RECORDING);
+
+QByteArray BytesOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/** Looks at every drag that starts, and ends it: QDrag::exec() returns with its end. */
+class Drags
+{
+public:
+    explicit Drags(DragHandle& handle)
+    {
+        m_look.callOnTimeout([this, &handle] {
+            auto* drag = handle.findChild<QDrag*>();
+            if (!drag) {
+                return;
+            }
+            // One that has ended is there for a moment.
+            if (drag != std::exchange(m_seen, drag)) {
+                paths.append(drag->mimeData()->urls().value(0).toLocalFile());
+                contents.append(BytesOf(paths.constLast()));
+                if (meanwhile) {
+                    meanwhile(*drag->mimeData());
+                }
+            }
+            QDrag::cancel();
+        });
+        m_look.start(std::chrono::milliseconds(5));
+    }
+
+    std::function<void(const QMimeData&)> meanwhile;
+    QStringList paths;
+    QList<QByteArray> contents;
+
+private:
+    QPointer<QDrag> m_seen;
+    QTimer m_look;
+};
+
+class Setup
+{
+public:
+    Setup()
+    {
+        QVERIFY(Activate(window));
+        QVERIFY(OpenCompletely(window, Recording));
+        window.SelectRange(1.0, 2.5);
+    }
+    /** What is selected of a file of so many minutes takes a while to write. */
+    explicit Setup(int minutes)
+    {
+        const QString path = folder.filePath(u"long.wav"_s);
+        QVERIFY(WriteSilence(path, minutes));
+        QVERIFY(Activate(window));
+        QVERIFY(OpenCompletely(window, path));
+        window.SelectRange(0.0, window.Duration());
+    }
+
+    DragHandle& Handle() { return *window.findChild<DragHandle*>(); }
+
+    void Press() { QTest::mousePress(&Handle(), Qt::LeftButton, {}, Handle().rect().center()); }
+    void Release() { QTest::mouseRelease(&Handle(), Qt::LeftButton, {}, Handle().rect().center()); }
+    void MoveBy(int pixels)
+    {
+        const QPointF place = Handle().rect().center() + QPoint(pixels, -pixels);
+        QMouseEvent move(QEvent::MouseMove, place, Handle().mapToGlobal(place), Qt::NoButton, Qt::LeftButton,
+                         Qt::NoModifier);
+        QApplication::sendEvent(&Handle(), &move);
+    }
+    /** Until the drag has ended. */
+    void Drag()
+    {
+        Press();
+        MoveBy(60);
+        QTRY_VERIFY(!Handle().IsWriting());
+    }
+
+    const QTemporaryDir folder;
+    PlayerWindow window;
+};
+
+} // namespace
+
+/** The selection that is dragged out of the window. */
+class HostDragTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { QSettings().clear(); }
+
+    void dragsAFileWithWhatAnExportWrites()
+    {
+        const QTemporaryDir folder;
+        const QString exported = folder.filePath(u"exported.wav"_s);
+        Setup setup;
+        QSignalSpy ended(&setup.window, &PlayerWindow::ExportEnded);
+        setup.window.ExportSelection(exported);
+        QTRY_COMPARE(ended.size(), 1);
+        Drags drags(setup.Handle());
+        setup.Drag();
+        QTRY_COMPARE(drags.paths.size(), 1);
+        QCOMPARE(QFileInfo(drags.paths[0]).fileName(), u"welcome selection.wav"_s);
+        QVERIFY(!drags.contents[0].isEmpty());
+        QCOMPARE(drags.contents[0], BytesOf(exported));
+        QCOMPARE(setup.window.FailureText(), QString());
+        QVERIFY(!setup.Handle().isDown());
+    }
+
+    void startsNoDragBeforeTheFileIsWhole()
+    {
+        Setup setup(5);
+        Drags drags(setup.Handle());
+        setup.Press();
+        setup.MoveBy(60);
+        setup.MoveBy(80);
+        QVERIFY(setup.Handle().IsWriting());
+        QVERIFY(drags.paths.isEmpty());
+        QTRY_COMPARE(drags.paths.size(), 1);
+        QVERIFY(drags.contents[0].size() >= qsizetype(5) * 60 * 44100 * 4);
+    }
+
+    void aReleaseBeforeThatStartsNone()
+    {
+        Setup setup(5);
+        Drags drags(setup.Handle());
+        setup.Press();
+        setup.MoveBy(60);
+        QVERIFY(setup.Handle().IsWriting());
+        setup.Release();
+        QTRY_VERIFY(!setup.Handle().IsWriting());
+        QVERIFY(!setup.Handle().findChild<QDrag*>());
+        // The file is there now, so the next one starts at once.
+        setup.Press();
+        QVERIFY(!setup.Handle().IsWriting());
+        setup.MoveBy(60);
+        QCOMPARE(drags.paths.size(), 1);
+    }
+
+    void aClickStartsNone()
+    {
+        Setup setup;
+        const Drags drags(setup.Handle());
+        setup.Press();
+        setup.MoveBy(1);
+        QTRY_VERIFY(!setup.Handle().IsWriting());
+        QVERIFY(!setup.Handle().findChild<QDrag*>());
+        setup.Release();
+    }
+
+    void eachSelectionIsAFileOfItsOwn()
+    {
+        Setup setup;
+        Drags drags(setup.Handle());
+        setup.Drag();
+        QTRY_COMPARE(drags.paths.size(), 1);
+        setup.Drag();
+        QTRY_COMPARE(drags.paths.size(), 2);
+        QCOMPARE(drags.paths[1], drags.paths[0]);
+        setup.window.SelectRange(3.0, 4.0);
+        setup.Drag();
+        QTRY_COMPARE(drags.paths.size(), 3);
+        QVERIFY(drags.paths[2] != drags.paths[0]);
+        QVERIFY(drags.contents[2].size() < drags.contents[0].size());
+        // Who took the first one may still read it.
+        QCOMPARE(BytesOf(drags.paths[0]), drags.contents[0]);
+    }
+
+    void anotherSelectionMeanwhileIsTheOneThatIsDragged()
+    {
+        Setup setup(5);
+        Drags drags(setup.Handle());
+        setup.Press();
+        setup.Release();
+        QVERIFY(setup.Handle().IsWriting());
+        setup.window.SelectRange(3.0, 4.0);
+        setup.Press();
+        setup.MoveBy(60);
+        QTRY_COMPARE(drags.paths.size(), 1);
+        const QTemporaryDir folder;
+        const QString exported = folder.filePath(u"exported.wav"_s);
+        QSignalSpy ended(&setup.window, &PlayerWindow::ExportEnded);
+        setup.window.ExportSelection(exported);
+        QTRY_COMPARE(ended.size(), 1);
+        QCOMPARE(drags.contents[0], BytesOf(exported));
+    }
+
+    void theFilesGoWithTheWindow()
+    {
+        auto setup = std::make_unique<Setup>();
+        QString path;
+        {
+            Drags drags(setup->Handle());
+            setup->Drag();
+            QTRY_COMPARE(drags.paths.size(), 1);
+            path = drags.paths[0];
+        }
+        QVERIFY(QFile::exists(path));
+        setup.reset();
+        QVERIFY(!QFile::exists(path));
+    }
+
+    void needsASelection()
+    {
+        Setup setup;
+        QVERIFY(setup.Handle().isEnabled());
+        QTest::keyClick(&setup.window, Qt::Key_Escape);
+        QTRY_VERIFY(!setup.Handle().isEnabled());
+    }
+
+    void theWindowDoesNotTakeItsOwnDrag()
+    {
+        Setup setup;
+        Drags drags(setup.Handle());
+        std::optional<bool> isTaken;
+        drags.meanwhile = [&](const QMimeData& data) {
+            QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+            QApplication::sendEvent(&setup.window, &enter);
+            isTaken = enter.isAccepted();
+        };
+        setup.Drag();
+        QTRY_COMPARE(drags.paths.size(), 1);
+        QCOMPARE(isTaken, std::optional(false));
+    }
+
+    void aLongSelectionShowsItsProgressAndCanBeCancelled()
+    {
+        Setup setup(60);
+        Drags drags(setup.Handle());
+        QSignalSpy ended(&setup.Handle(), &DragHandle::Ended);
+        QSignalSpy progressed(&setup.Handle(), &DragHandle::Progressed);
+        setup.Press();
+        setup.MoveBy(60);
+        QTRY_VERIFY(!progressed.isEmpty());
+        setup.window.CancelTask();
+        QTRY_COMPARE(ended.size(), 1);
+        QVERIFY(drags.paths.isEmpty());
+        QCOMPARE(setup.window.FailureText(), QString());
+    }
+};
+
+int main(int argc, char* argv[])
+{
+    return RunApart<HostDragTest>(argc, argv);
+}
+
+#include "tst_hostdrag.moc"
