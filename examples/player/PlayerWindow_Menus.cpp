@@ -6,23 +6,18 @@
 #include "PlayerWindow.h"
 #include "RecentFiles.h"
 #include "SelectionHistory.h"
+#include "ShortcutSheet.h"
 
 #include <vantorAudioEngine/BGFXWaveformWidget.h>
 #include <vantorAudioEngine/Version.h>
 
 #include <QtCore/QSettings>
 #include <QtGui/QAction>
-#include <QtWidgets/QDialog>
-#include <QtWidgets/QDialogButtonBox>
-#include <QtWidgets/QFormLayout>
-#include <QtWidgets/QLabel>
 #include <QtWidgets/QMenuBar>
 #include <QtWidgets/QMessageBox>
 #include <QtWidgets/QStyle>
 
 #include <algorithm>
-#include <array>
-#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 using Actions = vantoraudio::vantorAudioEngine::UI::AudioPlayerActions;
@@ -125,31 +120,7 @@ void PlayerWindow::ShowInformation()
 
 void PlayerWindow::ShowShortcuts()
 {
-    QDialog dialog(this);
-    dialog.setObjectName("keys"_L1);
-    dialog.setWindowTitle(tr("Keys"));
-    auto* table = new QFormLayout(&dialog);
-    for (const auto group : {Actions::Playback, Actions::View, Actions::Selection}) {
-        for (const QAction* action : m_actions->All(group)) {
-            table->addRow(action->shortcut().toString(QKeySequence::NativeText), new QLabel(action->text()));
-        }
-    }
-    const std::array<std::pair<QKeySequence, QString>, 7> own{{
-        {QKeySequence::Undo, tr("Take the last change of the selection back")},
-        {QKeySequence::Redo, tr("Change the selection once more")},
-        {m_goToAction->shortcut(), tr("Go to a time")},
-        {QKeySequence::Open, tr("Open a file")},
-        {QKeySequence::Save, tr("Export the selection")},
-        {m_informationAction->shortcut(), tr("Show what is in the file")},
-        {QuitKey, tr("Quit")},
-    }};
-    for (const auto& [key, text] : own) {
-        table->addRow(key.toString(QKeySequence::NativeText), new QLabel(text));
-    }
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
-    connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
-    table->addRow(buttons);
-    dialog.exec();
+    ShortcutSheet(*this).exec();
 }
 
 void PlayerWindow::ShowAbout()

@@ -26,6 +26,7 @@
 #include <QtWidgets/QCheckBox>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QDialogButtonBox>
+#include <QtWidgets/QFormLayout>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QMenu>
@@ -39,6 +40,7 @@
 #include <functional>
 #include <string_view>
 #include <sys/resource.h>
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 using vantoraudio::vantorAudioEngine::UI::BGFXWaveformWidget;
@@ -727,6 +729,45 @@ private Q_SLOTS:
         QTest::keyClick(&window, Qt::Key_F1);
         for (const QString& text : {u"Space"_s, u"Play or pause"_s, u"["_s, u"Zoom to the selection"_s}) {
             QVERIFY2(listed.contains(text), qPrintable(text));
+        }
+    }
+
+    void everyActionWithAKeyIsListedInHelp()
+    {
+        PlayerWindow window;
+        QVERIFY(Activate(window));
+        QMap<QString, QString> listed;
+        const auto look = [&] {
+            auto* dialog = QApplication::activeModalWidget();
+            QVERIFY(dialog);
+            const auto* table = dialog->findChild<QFormLayout*>();
+            for (int row = 0; row < table->rowCount(); ++row) {
+                const auto textAt = [&](QFormLayout::ItemRole role) {
+                    return qobject_cast<QLabel*>(table->itemAt(row, role)->widget())->text();
+                };
+                listed.insert(textAt(QFormLayout::LabelRole), textAt(QFormLayout::FieldRole));
+            }
+            QTest::keyClick(dialog, Qt::Key_Escape);
+        };
+        QTimer::singleShot(0, &window, look);
+        QTest::keyClick(&window, Qt::Key_F1);
+        int count = 0;
+        for (const QAction* action : window.findChildren<QAction*>()) {
+            const QString key = QKeySequence::listToString(action->shortcuts(), QKeySequence::NativeText);
+            QVERIFY2(key.isEmpty() || listed.contains(key), qPrintable(action->text()));
+            count += key.isEmpty() ? 0 : 1;
+        }
+        QCOMPARE(listed.size(), count);
+        QVERIFY(count > 30);
+        for (const auto& [key, text] :
+             std::initializer_list<std::pair<QString, QString>>{{u"F"_s, u"Follow the position"_s},
+                                                                {u"F1"_s, u"Keys"_s},
+                                                                {u"Ctrl+O"_s, u"Open"_s},
+                                                                {u"Ctrl+S"_s, u"Export: Selection"_s},
+                                                                {u"Ctrl+Z"_s, u"Undo"_s},
+                                                                {u"Del"_s, u"Remove from the list"_s},
+                                                                {u"Ctrl+Q"_s, u"Quit"_s}}) {
+            QCOMPARE(listed.value(key), text);
         }
     }
 
