@@ -129,11 +129,9 @@ void PlayerWindow::CancelExport()
     if (m_snippetPath.isEmpty()) {
         return;
     }
-    if (!m_isSnippetWaiting) {
-        m_player->CancelSnippet();
-    }
-    // One that is complete already is still announced.
-    if (m_isSnippetWaiting || !m_player->IsBusy()) {
+    const bool nothingIsLeft = m_isSnippetWaiting || m_player->CancelSnippet();
+    // One that is complete already is still announced. A channel may be busy all the same.
+    if (nothingIsLeft || !m_player->IsBusy()) {
         EndCancelledSelection();
     }
 }

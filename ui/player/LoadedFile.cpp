@@ -3,6 +3,7 @@
 #include "engine/files/FileState.h"
 
 #include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 
 namespace vantoraudio::vantorAudioEngine::UI {
 namespace {
