@@ -1,11 +1,14 @@
 #include "fuzz/WidgetFuzzing.h"
 
 #include <vantorAudioEngine/AudioImporter.h>
+#include <vantorAudioEngine/AudioPlayerActions.h>
 #include <vantorAudioEngine/AudioPlayerWidget.h>
 
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QPointer>
 #include <QtCore/QThreadPool>
+#include <QtGui/QAction>
+#include <QtGui/QContextMenuEvent>
 #include <QtMultimedia/QMediaDevices>
 #include <QtWidgets/QAbstractButton>
 #include <QtWidgets/QComboBox>
@@ -73,6 +76,9 @@ private:
     {
         m_player->SetWritableDirectoryPath(Fuzzing::Folder::Get().Path(QStringLiteral("copies")));
         m_player->resize(500, 250);
+        if (m_selectsInFile) {
+            m_player->SetInteractions(BGFXWaveformWidget::Interaction::SelectBeyondView);
+        }
         m_player->onError = [this] { CallBack(); };
         const auto upon = [this](auto signal) {
             QObject::connect(m_player, signal, m_player, [this] { CallBack(); });
@@ -90,11 +96,13 @@ private:
         upon(&AudioPlayerWidget::AudioPlayBackVolumeChanged);
         upon(&AudioPlayerWidget::AudioPlayBackMuteChanged);
         upon(&AudioPlayerWidget::SceneRectChanged);
+        upon(&AudioPlayerWidget::LoopChanged);
+        upon(&AudioPlayerWidget::ContextMenuRequested);
     }
 
     void Call()
     {
-        switch (m_input.ConsumeIntegralInRange(0, 9)) {
+        switch (m_input.ConsumeIntegralInRange(0, 11)) {
         case 0:
         case 1:
             Load();
@@ -119,6 +127,12 @@ private:
             break;
         case 8:
             ChangeSettings();
+            break;
+        case 9:
+            Choose();
+            break;
+        case 10:
+            UseActions();
             break;
         default:
             QCoreApplication::processEvents();
@@ -181,6 +195,63 @@ private:
         }
     }
 
+    /** What is off at first. */
+    void Choose()
+    {
+        constexpr std::array switches{&AudioPlayerWidget::SetTypedPositionSeeks,
+                                      &AudioPlayerWidget::SetKeepBothChannels,
+                                      &AudioPlayerWidget::SetEditedPositionStays,
+                                      &AudioPlayerWidget::SetChannelChangeKeepsPlace,
+                                      &AudioPlayerWidget::SetPositionMovesSmoothly,
+                                      &AudioPlayerWidget::SetFollowsPosition,
+                                      &AudioPlayerWidget::SetLabelsFit,
+                                      &AudioPlayerWidget::SetColorsFollowPalette,
+                                      &AudioPlayerWidget::SetWaveformTakesFocus,
+                                      &AudioPlayerWidget::SetNightIcons,
+                                      &AudioPlayerWidget::SetLoop};
+        switch (m_input.ConsumeIntegralInRange(0, 7)) {
+        case 0:
+            m_player->SetInteractions(Fuzzing::AnyInteractions(m_input) | Always());
+            break;
+        case 1:
+            m_player->SetWheelZoomFactor(Number());
+            break;
+        case 2:
+            m_player->SetPlaybackRate(Number());
+            break;
+        case 3:
+            m_player->UseFlexibleSizes();
+            break;
+        case 4:
+            m_player->setVisible(m_input.ConsumeBool());
+            break;
+        case 5:
+            AnyChild<QWidget>()->setFocus();
+            break;
+        default:
+            (m_player->*m_input.PickValueInArray(switches))(m_input.ConsumeBool());
+        }
+    }
+
+    BGFXWaveformWidget::Interactions Always() const
+    {
+        return m_selectsInFile ? BGFXWaveformWidget::Interaction::SelectBeyondView
+                               : BGFXWaveformWidget::Interactions();
+    }
+
+    void UseActions()
+    {
+        using Actions = AudioPlayerActions;
+        if (!m_actions) {
+            m_actions = new Actions(m_player);
+        } else if (m_input.ConsumeIntegralInRange(0, 15) == 0) {
+            delete m_actions;
+        } else {
+            const auto command = m_input.ConsumeIntegralInRange<int>(Actions::PlayPause, Actions::ClearSelection);
+            m_actions->Get(Actions::Command(command))->trigger();
+        }
+    }
+
     void Export()
     {
         constexpr std::array channels{WavFile::ChannelLeft, WavFile::ChannelRight, WavFile::ChannelLeftRight,
@@ -226,7 +297,7 @@ private:
     /** As the user does. The load button would open a dialog and wait. */
     void Use()
     {
-        switch (m_input.ConsumeIntegralInRange(0, 5)) {
+        switch (m_input.ConsumeIntegralInRange(0, 6)) {
         case 0:
             if (auto* button = AnyChild<QAbstractButton>(); button->objectName() != u"btnLoadFile") {
                 button->click();
@@ -244,9 +315,19 @@ private:
         case 4:
             AnyChild<QComboBox>()->setCurrentIndex(m_input.ConsumeIntegralInRange(-1, 3));
             break;
+        case 5:
+            AskForMenu();
+            break;
         default:
             UseWaveform();
         }
+    }
+
+    void AskForMenu()
+    {
+        const QPoint position(m_input.ConsumeIntegralInRange(-10, 600), m_input.ConsumeIntegralInRange(-10, 300));
+        QContextMenuEvent event(QContextMenuEvent::Mouse, position, m_player->mapToGlobal(position));
+        QApplication::sendEvent(m_player, &event);
     }
 
     void UseWaveform()
@@ -262,7 +343,7 @@ private:
 
     void ChangeSettings()
     {
-        switch (m_input.ConsumeIntegralInRange(0, 5)) {
+        switch (m_input.ConsumeIntegralInRange(0, 7)) {
         case 0:
             m_player->SetAudioPlayBackVolume(m_input.ConsumeIntegral<int>());
             break;
@@ -277,6 +358,12 @@ private:
             break;
         case 4:
             m_player->resize(m_input.ConsumeIntegralInRange(0, 600), m_input.ConsumeIntegralInRange(0, 300));
+            break;
+        case 5:
+            m_player->setFont(QFont(QString(), m_input.ConsumeIntegralInRange(1, 40)));
+            break;
+        case 6:
+            m_player->setPalette(QPalette(Fuzzing::AnyColor(m_input), Fuzzing::AnyColor(m_input)));
             break;
         default:
             m_player->SetWaveformColor(Fuzzing::AnyColor(m_input));
@@ -321,15 +408,21 @@ private:
         }
         const auto [start, end] = m_player->GetSelectedSnippet();
         Require(std::isfinite(start) && std::isfinite(end));
+        const double duration = m_player->GetAudioDuration();
+        Require(!m_selectsInFile || !(duration > 0.0) || (start >= 0.0 && end <= duration));
         Require(!m_wasToldTimes || std::isfinite(m_player->GetDelay()));
+        Require(m_player->GetPlaybackRate() >= 0.25 && m_player->GetPlaybackRate() <= 4.0);
+        Require(m_player->GetAudioPosition() >= 0.0);
         Require(m_player->GetAudioPlayBackVolume() >= 0 && m_player->GetAudioPlayBackVolume() <= 100);
         // A WAV file of SetAudioFile() that states no rate is as long as its header says: without end.
-        Require(std::isfinite(m_player->GetAudioDuration()) || m_player->GetAudioFileFormat().sampleRate() == 0);
+        Require(std::isfinite(duration) || m_player->GetAudioFileFormat().sampleRate() == 0);
     }
 
     Fuzzing::Input& m_input;
     QStringList m_files;
     QPointer<FuzzedPlayer> m_player = new FuzzedPlayer;
+    QPointer<AudioPlayerActions> m_actions;
+    const bool m_selectsInFile = m_input.ConsumeBool();
     bool m_wasToldTimes = true;
     int m_depth = 0;
 };

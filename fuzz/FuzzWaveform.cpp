@@ -78,6 +78,7 @@ private:
 
     void Choose()
     {
+        m_widget->SetInteractions(Fuzzing::AnyInteractions(m_input));
         m_widget->SetFollowsPosition(m_input.ConsumeBool());
         m_widget->SetWheelZoomFactor(Number());
         m_widget->SetPositionRate(Number());
@@ -102,12 +103,15 @@ private:
 
     void Select()
     {
-        switch (m_input.ConsumeIntegralInRange(0, 2)) {
+        switch (m_input.ConsumeIntegralInRange(0, 3)) {
         case 0:
             m_widget->SetSelectedSnippet({Number(), Number()});
             break;
         case 1:
             m_widget->SetSelectionStartTime(Number());
+            break;
+        case 2:
+            m_widget->ClearSelection();
             break;
         default:
             m_widget->SetSelectionEndTime(Number());

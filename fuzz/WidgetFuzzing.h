@@ -2,6 +2,8 @@
 
 #include "fuzz/Fuzzing.h"
 
+#include <vantorAudioEngine/BGFXWaveformWidget.h>
+
 #include <QtCore/QLoggingCategory>
 #include <QtGui/QColor>
 #include <QtGui/QKeyEvent>
@@ -46,16 +48,24 @@ inline QColor AnyColor(Input& input)
     return input.ConsumeBool() ? QColor() : QColor::fromRgba(input.ConsumeIntegral<std::uint32_t>());
 }
 
+inline vantoraudio::vantorAudioEngine::UI::BGFXWaveformWidget::Interactions AnyInteractions(Input& input)
+{
+    using Widget = vantoraudio::vantorAudioEngine::UI::BGFXWaveformWidget;
+    constexpr int all = 2 * int(Widget::Interaction::ForgetCleared) - 1;
+    return Widget::Interactions::fromInt(input.ConsumeIntegralInRange(0, all));
+}
+
 inline void SendMouse(Input& input, QWidget& widget)
 {
     constexpr std::array types{QEvent::MouseButtonPress, QEvent::MouseMove, QEvent::MouseButtonRelease,
                                QEvent::MouseButtonDblClick};
     constexpr std::array buttons{Qt::LeftButton, Qt::LeftButton, Qt::RightButton, Qt::NoButton};
+    constexpr std::array modifiers{Qt::NoModifier, Qt::NoModifier, Qt::NoModifier, Qt::ShiftModifier};
     const QPointF position(input.ConsumeIntegralInRange(-20, widget.width() + 20),
                            input.ConsumeIntegralInRange(-20, widget.height() + 20));
     const Qt::MouseButton button = input.PickValueInArray(buttons);
     QMouseEvent event(input.PickValueInArray(types), position, widget.mapToGlobal(position), button, button,
-                      Qt::NoModifier);
+                      input.PickValueInArray(modifiers));
     QApplication::sendEvent(&widget, &event);
 }
 
