@@ -13,6 +13,7 @@
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QThreadPool>
 #include <QtGui/QAccessible>
+#include <QtGui/QContextMenuEvent>
 #include <QtGui/QKeyEvent>
 #include <QtGui/QMouseEvent>
 #include <QtMultimedia/QMediaDevices>
@@ -31,7 +32,16 @@ namespace DeletedPlayers {
 using namespace Qt::Literals::StringLiterals;
 using vantoraudio::vantorAudioEngine::UI::AudioPlayerWidget;
 using vantoraudio::vantorAudioEngine::UI::BGFXWaveformWidget;
-using Things = std::vector<std::function<void(AudioPlayerWidget&)>>;
+
+struct Thing
+{
+    const char* name;
+    std::function<void(AudioPlayerWidget&)> what;
+    /** Whether a position must be reported because of it. Of the others, those that come while it plays are
+     * followed by the reports of playing, and the rest move nothing. */
+    bool movesPosition = false;
+};
+using Things = std::vector<Thing>;
 
 inline constexpr int patience = 10000;
 inline constexpr int always = -1;
@@ -65,86 +75,98 @@ inline void Type(QLineEdit& field, const QString& text)
     QApplication::sendEvent(&field, &event);
 }
 
-/** What comes before the first position. */
-inline Things Preparations(const QString& folder)
+inline void AskForMenu(AudioPlayerWidget& widget)
 {
-    return {
-        [=](auto& w) { w.SetWritableDirectoryPath(folder + u"/copies"_s); },
-        [](auto& w) { w.resize(800, 400); },
-        [](auto& w) { w.show(); },
-        [](auto& w) { w.SetEditMode(true); },
-        [](auto& w) { w.UseFlexibleSizes(); },
-        [](auto& w) { w.SetPositionMovesSmoothly(true); },
-        [](auto& w) { w.SetPlaybackRate(2.0); },
-        [](auto& w) { w.SetChannelChangeKeepsPlace(true); },
-        [=](auto& w) { w.LoadFile(folder + u"/missing.wav"_s); },
-        LetRest,
-        [=](auto& w) { w.LoadFile(folder + u"/tone.wav"_s); },
-        [](auto& w) { w.CancelLoad(); },
-        [=](auto& w) { w.LoadFile(folder + u"/tone.wav"_s); },
-        LetRest,
-        [=](auto& w) { w.SetAudioFile(folder + u"/other.wav"_s); },
-        LetRest,
-    };
+    const auto& waveform = *widget.findChild<QWidget*>(u"BGFXWaveformDiagramWidget"_s);
+    const QPoint position = waveform.mapTo(&widget, waveform.rect().center());
+    QContextMenuEvent event(QContextMenuEvent::Mouse, position, widget.mapToGlobal(position));
+    QApplication::sendEvent(&widget, &event);
+}
+
+/** Until it has reported some positions. */
+inline void PlayOn(AudioPlayerWidget& widget)
+{
+    int reports = 0;
+    const QObject context;
+    QObject::connect(&widget, &AudioPlayerWidget::AudioPositionChanged, &context, [&] { ++reports; });
+    WaitFor(widget, [&](auto& w) { return !w.IsPlaying() || reports > 3; });
 }
 
 /** Everything that makes the widgets emit, one thing after the other. */
 inline Things ThingsToDo(const QString& folder)
 {
-    Things things = Preparations(folder);
-    const Things uses{
-        [](auto& w) { w.Play(); },
-        [](auto& w) { w.UpdateAudioPosition(5.0); },
-        [](auto& w) { QTest::qWait(w.IsPlaying() ? 300 : 0); },
-        [](auto& w) {
-            w.SetSelectedSnippet({2.0, 4.0});
-        },
-        [](auto& w) {
-            w.SetSelectedSnippet({0.0, 0.0});
-        },
-        [](auto& w) { w.ShowRange(1.0, 2.0); },
-        [](auto& w) { w.template findChild<QPushButton*>(u"btnStop"_s)->click(); },
-        [](auto& w) { w.Play(); },
-        [](auto& w) { w.UpdateAudioPosition(5.0); },
-        [](auto& w) {
-            w.SetSelectedSnippet({2.0, 4.0});
-        },
-        [](auto& w) { Type(*w.template findChild<QLineEdit*>(u"edSelectionStart"_s), u"00:00:03.000"_s); },
-        [](auto& w) { Type(*w.template findChild<QLineEdit*>(u"edSelectionEnd"_s), u"00:00:05.000"_s); },
-        [](auto& w) { Type(*w.template findChild<QLineEdit*>(u"edCurrentPosition"_s), u"00:00:07.000"_s); },
-        [](auto& w) {
-            w.SetSelectedSnippet({2.0, 4.0});
-        },
-        [](auto& w) { w.UpdateAudioPosition(3.0); },
-        [](auto& w) { w.template findChild<QPushButton*>(u"btnStop"_s)->click(); },
-        [](auto& w) { w.UpdateAudioPosition(5.0); },
-        [](auto& w) { w.SetAudioOutputDevice(QMediaDevices::defaultAudioOutput()); },
-        [](auto& w) { w.SetLoop(true); },
-        [](auto& w) { Click(*w.template findChild<QWidget*>(u"BGFXWaveformDiagramWidget"_s)); },
-        [](auto& w) { w.SetDelay(1.0); },
-        [](auto& w) { w.SetDelay(0.0); },
-        [](auto& w) { w.template findChild<QPushButton*>(u"btnSettings"_s)->click(); },
-        [](auto& w) { w.template findChild<QPushButton*>(u"btnMute"_s)->click(); },
-        [](auto& w) { w.template findChild<QSlider*>(u"hSliderVolume"_s)->setValue(30); },
-        LetRest,
-        [](auto& w) {
-            w.SetSelectedSnippet({2.0, 4.0});
-        },
-        LetRest,
-        [=](auto& w) { w.CreateSnippet(folder + u"/snippet.wav"_s); },
-        LetRest,
-        [](auto& w) { w.UpdateAudioPosition(5.0); },
-        [](auto& w) { w.SetSelectedChannel(WavFile::ChannelLeft); },
-        LetRest,
-        [](auto& w) { w.UpdateAudioPosition(5.0); },
-        [](auto& w) { w.StopPlayback(); },
-        [](auto& w) { w.Reset(); },
+    const auto button = [](const char* name) {
+        return [name](auto& w) { w.template findChild<QPushButton*>(QLatin1StringView(name))->click(); };
     };
-    things.insert(things.end(), uses.begin(), uses.end());
-    return things;
+    const auto field = [](const char* name, const QString& text) {
+        return [name, text](auto& w) { Type(*w.template findChild<QLineEdit*>(QLatin1StringView(name)), text); };
+    };
+    const auto select = [](double start, double end) {
+        return [=](auto& w) { w.SetSelectedSnippet({start, end}); };
+    };
+    const auto seek = [](double seconds) { return [=](auto& w) { w.UpdateAudioPosition(seconds); }; };
+    return {
+        {"a folder", [=](auto& w) { w.SetWritableDirectoryPath(folder + u"/copies"_s); }},
+        {"a size", [](auto& w) { w.resize(800, 400); }},
+        {"showing", [](auto& w) { w.show(); }},
+        {"edit mode", [](auto& w) { w.SetEditMode(true); }},
+        {"flexible sizes", [](auto& w) { w.UseFlexibleSizes(); }},
+        {"smooth moves", [](auto& w) { w.SetPositionMovesSmoothly(true); }},
+        {"playing faster", [](auto& w) { w.SetPlaybackRate(2.0); }},
+        {"keeping the place", [](auto& w) { w.SetChannelChangeKeepsPlace(true); }},
+        {"loading nothing", [=](auto& w) { w.LoadFile(folder + u"/missing.wav"_s); }},
+        {"resting after nothing", LetRest},
+        {"loading", [=](auto& w) { w.LoadFile(folder + u"/tone.wav"_s); }},
+        {"no longer loading", [](auto& w) { w.CancelLoad(); }},
+        {"loading again", [=](auto& w) { w.LoadFile(folder + u"/tone.wav"_s); }},
+        {"resting when loaded", LetRest},
+        {"another file", [=](auto& w) { w.SetAudioFile(folder + u"/other.wav"_s); }},
+        {"resting with it", LetRest},
+        {"playing", [](auto& w) { w.Play(); }, true},
+        {"seeking while playing", seek(5.0), true},
+        {"playing on", PlayOn, true},
+        {"selecting while playing", select(2.0, 4.0), true},
+        {"selecting nothing while playing", select(0.0, 0.0)},
+        {"showing a range", [](auto& w) { w.ShowRange(1.0, 2.0); }},
+        {"showing everything", [](auto& w) { w.ShowRange(0.0, 20.0); }},
+        {"stopping", button("btnStop"), true},
+        {"playing again", [](auto& w) { w.Play(); }, true},
+        {"seeking while playing again", seek(5.0), true},
+        {"selecting while playing again", select(2.0, 4.0), true},
+        {"typing a start", field("edSelectionStart", u"00:00:03.000"_s), true},
+        {"typing an end", field("edSelectionEnd", u"00:00:05.000"_s)},
+        {"typing a position", field("edCurrentPosition", u"00:00:07.000"_s), true},
+        {"selecting behind it", select(2.0, 4.0), true},
+        {"seeking into it", seek(3.0), true},
+        {"stopping again", button("btnStop"), true},
+        {"seeking while stopped", seek(5.0), true},
+        {"a device", [](auto& w) { w.SetAudioOutputDevice(QMediaDevices::defaultAudioOutput()); }, true},
+        {"looping", [](auto& w) { w.SetLoop(true); }},
+        {"clicking", [](auto& w) { Click(*w.template findChild<QWidget*>(u"BGFXWaveformDiagramWidget"_s)); },
+         true},
+        {"a delay", [](auto& w) { w.SetDelay(1.0); }},
+        {"no delay", [](auto& w) { w.SetDelay(0.0); }},
+        {"settings", button("btnSettings")},
+        {"muting", button("btnMute")},
+        {"a volume", [](auto& w) { w.template findChild<QSlider*>(u"hSliderVolume"_s)->setValue(30); }},
+        {"resting after all that", LetRest},
+        {"selecting while stopped", select(2.0, 4.0), true},
+        {"resting with a selection", LetRest},
+        {"a snippet", [=](auto& w) { w.CreateSnippet(folder + u"/snippet.wav"_s); }},
+        {"resting after the snippet", LetRest},
+        {"seeking before the channel", seek(5.0), true},
+        {"a channel", [](auto& w) { w.SetSelectedChannel(WavFile::ChannelLeft); }, true},
+        {"resting with the channel", LetRest, true},
+        {"seeking in the channel", seek(6.0), true},
+        {"the left button only",
+         [](auto& w) { w.SetInteractions(BGFXWaveformWidget::Interaction::LeftButtonOnly); }},
+        {"asking for a menu", AskForMenu},
+        {"stopping playback", [](auto& w) { w.StopPlayback(); }, true},
+        {"no file", [](auto& w) { w.Reset(); }},
+    };
 }
 
-/** At the first emission, or only at one that comes while one thing is done. */
+/** At the first emission, or only at one that comes because of one thing. */
 inline int DeleteAt(bool isOfWaveform, int signal, const QString& folder, int onlyAt)
 {
     // Qt then uses controls longer after their signals.
@@ -156,10 +178,13 @@ inline int DeleteAt(bool isOfWaveform, int signal, const QString& folder, int on
     const Things things = ThingsToDo(folder);
     for (int i = 0; i < int(things.size()); ++i) {
         deleter.SetArmed(onlyAt == always || onlyAt == i);
-        things[i](*widget);
+        things[i].what(*widget);
+        if (i == onlyAt && !deleter.HasDeleted()) {
+            WaitFor(*widget, [](auto&) { return false; });
+        }
         if (deleter.HasDeleted()) {
-            // What was under way comes to its end.
             QThreadPool::globalInstance()->waitForDone();
+            // Nothing tells when what was under way in Qt has come to its end.
             QTest::qWait(300);
             return 0;
         }
@@ -183,7 +208,8 @@ inline bool MakeFiles(const QTemporaryDir& folder)
 inline void RunDeletion(bool isOfWaveform, int signal, const QString& folder, int onlyAt)
 {
     RunAsOwnProgram({u"delete"_s, QString::number(int(isOfWaveform)), QString::number(signal), folder,
-                     QString::number(onlyAt)});
+                     QString::number(onlyAt)},
+                    Silence::Fails);
 }
 
 template<typename Test>
