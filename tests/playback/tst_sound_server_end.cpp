@@ -29,6 +29,7 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 constexpr int patience = 30000;
+/** In real time, because that is what an end of the server must not cost. */
 constexpr qint64 longest = 100;
 
 /** Qt 6.4.2 keeps the lock of its connection if it writes just then; nothing sounds in this program any more. */
