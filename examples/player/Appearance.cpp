@@ -1,11 +1,15 @@
 #include "Appearance.h"
 
+#include "HighContrast.h"
+
 #include <QtCore/QSettings>
 #include <QtGui/QPalette>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QStyle>
 #include <QtWidgets/QStyleFactory>
 
+#include <algorithm>
+#include <cmath>
 #include <memory>
 
 using namespace Qt::Literals::StringLiterals;
@@ -26,6 +30,10 @@ constexpr std::array<Appearance::Role, Appearance::roleCount> roles{{
     {"frame", QT_TRANSLATE_NOOP("Appearance", "Frame"), 0xff9a9a9a, 0xff7d7d7d, &Player::SetFrameColor},
     {"scale", QT_TRANSLATE_NOOP("Appearance", "Scale"), 0xff5a5a5a, 0xff969696, &Player::SetScaleColor},
 }};
+
+constexpr std::array themeNames{QT_TRANSLATE_NOOP("Appearance", "As the system"),
+                                QT_TRANSLATE_NOOP("Appearance", "Light"), QT_TRANSLATE_NOOP("Appearance", "Dark"),
+                                QT_TRANSLATE_NOOP("Appearance", "High contrast")};
 
 QString ColorKey(const Appearance::Role& role)
 {
@@ -57,15 +65,30 @@ QPalette LightPalette()
     return style->standardPalette();
 }
 
+QPalette PaletteOf(Appearance::Theme theme, const QPalette& system)
+{
+    switch (theme) {
+    case Appearance::Theme::System:
+        return system;
+    case Appearance::Theme::Light:
+        return LightPalette();
+    case Appearance::Theme::Dark:
+        return DarkPalette();
+    case Appearance::Theme::HighContrast:
+        return HighContrastPalette();
+    }
+    return system;
+}
+
 void ApplyTheme(Appearance::Theme theme)
 {
     static const QPalette system = QApplication::palette();
-    if (theme != Appearance::Theme::System) {
+    if (theme == Appearance::Theme::HighContrast) {
+        QApplication::setStyle(new HighContrastStyle);
+    } else if (theme != Appearance::Theme::System || qobject_cast<HighContrastStyle*>(QApplication::style())) {
         QApplication::setStyle(u"Fusion"_s);
     }
-    QApplication::setPalette(theme == Appearance::Theme::System ? system
-                             : theme == Appearance::Theme::Dark ? DarkPalette()
-                                                                : LightPalette());
+    QApplication::setPalette(PaletteOf(theme, system));
 }
 
 } // namespace
@@ -75,13 +98,24 @@ std::span<const Appearance::Role> Appearance::Roles()
     return roles;
 }
 
+QStringList Appearance::ThemeNames()
+{
+    QStringList names;
+    for (const char* name : themeNames) {
+        names.append(QCoreApplication::translate("Appearance", name));
+    }
+    return names;
+}
+
 Appearance Appearance::Load()
 {
     const QSettings settings;
     Appearance appearance;
     const int theme = settings.value(u"theme"_s).toInt();
-    appearance.theme = theme == 1 ? Theme::Light : theme == 2 ? Theme::Dark : Theme::System;
+    appearance.theme = theme > 0 && theme < int(themeNames.size()) ? Theme(theme) : Theme::System;
     appearance.scrollBackToZoomOut = settings.value(u"scrollBackToZoomOut"_s, true).toBool();
+    const int notches = settings.value(u"zoomNotches"_s, appearance.zoomNotches).toInt();
+    appearance.zoomNotches = std::clamp(notches, 1, mostZoomNotches);
     for (std::size_t i = 0; i < roleCount; ++i) {
         appearance.colors[i] = settings.value(ColorKey(roles[i])).value<QColor>();
     }
@@ -93,6 +127,7 @@ void Appearance::Save() const
     QSettings settings;
     settings.setValue(u"theme"_s, static_cast<int>(theme));
     settings.setValue(u"scrollBackToZoomOut"_s, scrollBackToZoomOut);
+    settings.setValue(u"zoomNotches"_s, zoomNotches);
     for (std::size_t i = 0; i < roleCount; ++i) {
         if (colors[i].isValid()) {
             settings.setValue(ColorKey(roles[i]), colors[i]);
@@ -105,7 +140,15 @@ void Appearance::Save() const
 bool Appearance::IsDark() const
 {
     return theme == Theme::System ? QApplication::palette().color(QPalette::Window).lightness() < 128
-                                  : theme == Theme::Dark;
+                                  : theme == Theme::Dark || theme == Theme::HighContrast;
+}
+
+bool Appearance::IsHighContrast() const
+{
+    // Qt does not tell it of the system's theme, but other themes have no windows of pure black or white.
+    const QColor window = QApplication::palette().color(QPalette::Window);
+    return theme == Theme::HighContrast ||
+           (theme == Theme::System && (window == QColor(Qt::black) || window == QColor(Qt::white)));
 }
 
 QColor Appearance::ColorOf(std::size_t role) const
@@ -117,12 +160,14 @@ void Appearance::ApplyTo(Player& player) const
 {
     ApplyTheme(theme);
     player.SetScrollBackToZoomOut(scrollBackToZoomOut);
+    player.SetWheelZoomFactor(std::pow(2.0, 1.0 / zoomNotches));
     ApplyColorsTo(player);
 }
 
 void Appearance::ApplyColorsTo(Player& player) const
 {
     player.SetNightIcons(IsDark());
+    player.SetColorsFollowPalette(IsHighContrast());
     for (std::size_t i = 0; i < roleCount; ++i) {
         (player.*roles[i].apply)(ColorOf(i));
     }

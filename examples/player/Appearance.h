@@ -3,6 +3,7 @@
 #include <vantorAudioEngine/AudioPlayerWidget.h>
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QStringList>
 #include <QtGui/QColor>
 
 #include <array>
@@ -15,8 +16,11 @@ struct Appearance
     {
         System,
         Light,
-        Dark
+        Dark,
+        HighContrast
     };
+    /** For the user, in their order. */
+    static QStringList ThemeNames();
 
     using Player = vantoraudio::vantorAudioEngine::UI::AudioPlayerWidget;
 
@@ -35,6 +39,9 @@ struct Appearance
 
     Theme theme = Theme::System;
     bool scrollBackToZoomOut = true;
+    /** So many notches of the wheel for twice the view, 1 to 10. */
+    int zoomNotches = 3;
+    static constexpr int mostZoomNotches = 10;
     /** One for each role; an invalid one means that of the theme. */
     std::array<QColor, roleCount> colors;
 
@@ -42,6 +49,8 @@ struct Appearance
     void Save() const;
 
     bool IsDark() const;
+    /** The waveform has the colours of the palette. The chosen ones are for the other themes. */
+    bool IsHighContrast() const;
     QColor ColorOf(std::size_t role) const;
     void ApplyTo(Player& player) const;
     /** All but the theme: what follows a palette that changes while the program runs. */

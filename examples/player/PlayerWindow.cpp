@@ -10,6 +10,7 @@
 #include "SelectionHistory.h"
 #include "SettingsDialog.h"
 #include "TaskProgress.h"
+#include "ThemeMenu.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
@@ -73,8 +74,6 @@ void PlayerWindow::BuildView()
     m_player->SetLabelsFit(true);
     m_player->SetWaveformTakesFocus(true);
     m_player->SetPositionMovesSmoothly(true);
-    // Three notches of the wheel for twice the view.
-    m_player->SetWheelZoomFactor(1.26);
     m_player->SetChannelChangeKeepsPlace(true);
     m_player->SetKeepBothChannels(true);
     m_player->SetEditMode(true);
@@ -368,6 +367,12 @@ void PlayerWindow::SetAppearance(const Appearance& appearance)
 {
     m_appearance = appearance;
     m_appearance.ApplyTo(*m_player);
+    m_themes->Check(m_appearance.theme);
+    ShowNightIcons();
+}
+
+void PlayerWindow::ShowNightIcons()
+{
     m_actions->SetNightIcons(m_appearance.IsDark());
 }
 
@@ -377,6 +382,6 @@ void PlayerWindow::changeEvent(QEvent* event)
     // The system's palette became dark or light.
     if (event->type() == QEvent::PaletteChange && m_actions) {
         m_appearance.ApplyColorsTo(*m_player);
-        m_actions->SetNightIcons(m_appearance.IsDark());
+        ShowNightIcons();
     }
 }

@@ -24,6 +24,7 @@ class QMenu;
 class RecentFiles;
 class SelectionHistory;
 class TaskProgress;
+class ThemeMenu;
 
 /** A small audio player: one file with its waveform, played whole or by the stretch that is selected in it. Parts
  *  of it can be written to new files. */
@@ -131,6 +132,7 @@ private:
     void AskForSettings();
     void ShowAbout();
     void SetAppearance(const Appearance& appearance);
+    void ShowNightIcons();
 
     WorkingFolder m_workingFolder;
     Appearance m_appearance;
@@ -154,6 +156,7 @@ private:
 
     std::unique_ptr<SelectionHistory> m_history;
     vantoraudio::vantorAudioEngine::UI::AudioPlayerActions* m_actions = nullptr;
+    ThemeMenu* m_themes = nullptr;
     RecentFiles* m_recentFiles = nullptr;
     QAction* m_informationAction = nullptr;
     QAction* m_goToAction = nullptr;

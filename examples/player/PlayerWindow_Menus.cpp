@@ -7,6 +7,7 @@
 #include "RecentFiles.h"
 #include "SelectionHistory.h"
 #include "ShortcutSheet.h"
+#include "ThemeMenu.h"
 
 #include <vantorAudioEngine/BGFXWaveformWidget.h>
 #include <vantorAudioEngine/Version.h>
@@ -89,6 +90,14 @@ void PlayerWindow::BuildPlayerMenus()
         QSettings().setValue(u"follow"_s, follows);
     });
     view->addAction(m_files->toggleViewAction());
+    m_themes = new ThemeMenu(this);
+    connect(m_themes, &ThemeMenu::Chosen, this, [this](Appearance::Theme theme) {
+        Appearance appearance = m_appearance;
+        appearance.theme = theme;
+        appearance.Save();
+        SetAppearance(appearance);
+    });
+    view->addMenu(m_themes);
     menuBar()->addMenu(tr("&Selection"))->addActions(m_actions->All(Actions::Selection));
 }
 

@@ -7,6 +7,7 @@
 #include <QtWidgets/QDialogButtonBox>
 #include <QtWidgets/QFormLayout>
 #include <QtWidgets/QPushButton>
+#include <QtWidgets/QSpinBox>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -18,7 +19,7 @@ SettingsDialog::SettingsDialog(const Appearance& appearance, QWidget* parent)
 
     auto* theme = new QComboBox(this);
     theme->setObjectName("theme"_L1);
-    theme->addItems({tr("As the system"), tr("Light"), tr("Dark")});
+    theme->addItems(Appearance::ThemeNames());
     theme->setCurrentIndex(static_cast<int>(appearance.theme));
     connect(theme, &QComboBox::currentIndexChanged, this, [this](int index) {
         m_appearance.theme = static_cast<Appearance::Theme>(index);
@@ -43,16 +44,27 @@ SettingsDialog::SettingsDialog(const Appearance& appearance, QWidget* parent)
     });
     layout->addRow(scroll);
 
+    auto* notches = new QSpinBox(this);
+    notches->setObjectName("notches"_L1);
+    notches->setRange(1, Appearance::mostZoomNotches);
+    notches->setValue(appearance.zoomNotches);
+    connect(notches, &QSpinBox::valueChanged, this, [this](int value) {
+        m_appearance.zoomNotches = value;
+        Change();
+    });
+    layout->addRow(tr("Notches of the wheel for twice the view"), notches);
+
     auto* buttons = new QDialogButtonBox(
         QDialogButtonBox::Ok | QDialogButtonBox::Cancel | QDialogButtonBox::RestoreDefaults, this);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     connect(this, &QDialog::rejected, this, [this] { Q_EMIT Changed(m_before); });
     connect(buttons->button(QDialogButtonBox::RestoreDefaults), &QPushButton::clicked, this,
-            [this, theme, scroll] {
+            [this, theme, scroll, notches] {
                 m_appearance.colors = {};
                 theme->setCurrentIndex(0);
                 scroll->setChecked(true);
+                notches->setValue(Appearance().zoomNotches);
                 Change();
             });
     layout->addRow(buttons);
@@ -75,6 +87,7 @@ void SettingsDialog::ShowColors()
         swatch.fill(m_appearance.ColorOf(role));
         m_colorButtons[role]->setIconSize(swatch.size());
         m_colorButtons[role]->setIcon(swatch);
+        m_colorButtons[role]->setEnabled(!m_appearance.IsHighContrast());
     }
 }
 
