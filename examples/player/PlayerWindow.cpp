@@ -11,6 +11,7 @@
 #include "SettingsDialog.h"
 #include "TaskProgress.h"
 #include "ThemeMenu.h"
+#include "ZoomBar.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
@@ -55,6 +56,7 @@ PlayerWindow::PlayerWindow(QWidget* parent) : QMainWindow(parent), m_appearance(
     resize(1000, 480);
     BuildView();
     BuildMenus();
+    BuildTools();
     ConnectPlayer();
     ShowFileName();
     RestoreState();
@@ -374,13 +376,14 @@ void PlayerWindow::SetAppearance(const Appearance& appearance)
 void PlayerWindow::ShowNightIcons()
 {
     m_actions->SetNightIcons(m_appearance.IsDark());
+    m_zoom->SetNightIcons(m_appearance.IsDark());
 }
 
 void PlayerWindow::changeEvent(QEvent* event)
 {
     QMainWindow::changeEvent(event);
     // The system's palette became dark or light.
-    if (event->type() == QEvent::PaletteChange && m_actions) {
+    if (event->type() == QEvent::PaletteChange && m_zoom) {
         m_appearance.ApplyColorsTo(*m_player);
         ShowNightIcons();
     }

@@ -21,10 +21,13 @@ class HostPlayer;
 class QAction;
 class QLabel;
 class QMenu;
+class QToolButton;
 class RecentFiles;
 class SelectionHistory;
+class SpeedMenu;
 class TaskProgress;
 class ThemeMenu;
+class ZoomBar;
 
 /** A small audio player: one file with its waveform, played whole or by the stretch that is selected in it. Parts
  *  of it can be written to new files. */
@@ -88,6 +91,8 @@ private:
     void BuildEditMenu();
     void BuildExport(QMenu* fileMenu);
     void BuildPlayerMenus();
+    void BuildTools();
+    QToolButton* MakeSpeedButton();
     void ShowShortcuts();
     void ShowContextMenu(const QPoint& globalPosition);
     void ConnectPlayer();
@@ -157,6 +162,8 @@ private:
     std::unique_ptr<SelectionHistory> m_history;
     vantoraudio::vantorAudioEngine::UI::AudioPlayerActions* m_actions = nullptr;
     ThemeMenu* m_themes = nullptr;
+    SpeedMenu* m_speeds = nullptr;
+    ZoomBar* m_zoom = nullptr;
     RecentFiles* m_recentFiles = nullptr;
     QAction* m_informationAction = nullptr;
     QAction* m_goToAction = nullptr;

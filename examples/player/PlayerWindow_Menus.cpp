@@ -7,6 +7,7 @@
 #include "RecentFiles.h"
 #include "SelectionHistory.h"
 #include "ShortcutSheet.h"
+#include "SpeedMenu.h"
 #include "ThemeMenu.h"
 
 #include <vantorAudioEngine/BGFXWaveformWidget.h>
@@ -78,6 +79,8 @@ void PlayerWindow::BuildPlayerMenus()
     QMenu* playback = menuBar()->addMenu(tr("&Playback"));
     playback->addActions(m_actions->All(Actions::Playback));
     m_goToAction = playback->addAction(tr("&Go to…"), Qt::CTRL | Qt::Key_G, this, &PlayerWindow::AskForPosition);
+    m_speeds = new SpeedMenu(*m_player, this);
+    playback->addMenu(m_speeds);
     QMenu* view = menuBar()->addMenu(tr("&View"));
     view->addActions(m_actions->All(Actions::View));
     QAction* follow = view->addAction(tr("&Follow the position"), QKeySequence(Qt::Key_F));

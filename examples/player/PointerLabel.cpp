@@ -1,6 +1,7 @@
 #include "PointerLabel.h"
 
 #include "HostPlayer.h"
+#include "Level.h"
 #include "Times.h"
 
 #include <vantorAudioEngine/BGFXWaveformWidget.h>
@@ -46,5 +47,5 @@ void PointerLabel::Show(const QPoint& position)
     }
     const QString time = TextOfTime(m_player.GetTimeAt(position));
     // Silence has no decibels.
-    setText(level > 0.0 ? tr("%1: %2 dB").arg(time, locale().toString(20.0 * std::log10(level), 'f', 1)) : time);
+    setText(level > 0.0 ? tr("%1: %2 dB").arg(time, locale().toString(DecibelsOf(level), 'f', 1)) : time);
 }
