@@ -1,16 +1,15 @@
 #include "Appearance.h"
 
-#include "HighContrast.h"
+#include "ThemePalettes.h"
+#include "ThemeStyle.h"
 
 #include <QtCore/QSettings>
 #include <QtGui/QPalette>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QStyle>
-#include <QtWidgets/QStyleFactory>
 
 #include <algorithm>
 #include <cmath>
-#include <memory>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -21,7 +20,7 @@ using Player = Appearance::Player;
 constexpr std::array<Appearance::Role, Appearance::roleCount> roles{{
     {"background", QT_TRANSLATE_NOOP("Appearance", "Background"), 0xfffafafa, 0xff1c1c1c,
      &Player::SetBackgroundColor},
-    {"waveform", QT_TRANSLATE_NOOP("Appearance", "Waveform"), 0xff2b6ea8, 0xff9a9a9a, &Player::SetWaveformColor},
+    {"waveform", QT_TRANSLATE_NOOP("Appearance", "Waveform"), 0xff2b6ea8, 0xffc0ccd4, &Player::SetWaveformColor},
     {"selection", QT_TRANSLATE_NOOP("Appearance", "Selection"), 0xff4a90c8, 0xff7390a0,
      &Player::SetAudioSelectionColor},
     {"position", QT_TRANSLATE_NOOP("Appearance", "Position"), 0xffb03a2e, 0xff738cc8,
@@ -40,54 +39,41 @@ QString ColorKey(const Appearance::Role& role)
     return u"colors/"_s + QLatin1StringView(role.key);
 }
 
-QPalette DarkPalette()
-{
-    const QColor window(0x2b, 0x2b, 0x2b);
-    const QColor text(0xe6, 0xe6, 0xe6);
-    const QColor faint(0x80, 0x80, 0x80);
-    QPalette palette(QColor(0x3a, 0x3a, 0x3a), window);
-    palette.setColor(QPalette::Base, QColor(0x20, 0x20, 0x20));
-    palette.setColor(QPalette::AlternateBase, window);
-    palette.setColor(QPalette::Highlight, QColor(0x35, 0x89, 0xcd));
-    palette.setColor(QPalette::ToolTipBase, window);
-    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText,
-                            QPalette::HighlightedText}) {
-        palette.setColor(role, text);
-        palette.setColor(QPalette::Disabled, role, faint);
-    }
-    palette.setColor(QPalette::PlaceholderText, faint);
-    return palette;
-}
-
-QPalette LightPalette()
-{
-    const std::unique_ptr<QStyle> style(QStyleFactory::create(u"Fusion"_s));
-    return style->standardPalette();
-}
-
 QPalette PaletteOf(Appearance::Theme theme, const QPalette& system)
 {
     switch (theme) {
     case Appearance::Theme::System:
         return system;
     case Appearance::Theme::Light:
-        return LightPalette();
+        return ThemePalettes::Light();
     case Appearance::Theme::Dark:
-        return DarkPalette();
+        return ThemePalettes::Dark();
     case Appearance::Theme::HighContrast:
-        return HighContrastPalette();
+        return ThemePalettes::HighContrast();
     }
     return system;
+}
+
+void ApplyStyle(Appearance::Theme theme)
+{
+    static const QString systemStyle = QApplication::style()->name();
+    const auto* current = qobject_cast<const ThemeStyle*>(QApplication::style());
+    const bool hasOutlines = theme == Appearance::Theme::HighContrast;
+    if (theme == Appearance::Theme::System) {
+        if (current) {
+            QApplication::setStyle(systemStyle);
+        }
+    } else if (!current || current->HasOutlines() != hasOutlines) {
+        QApplication::setStyle(new ThemeStyle(hasOutlines));
+    }
 }
 
 void ApplyTheme(Appearance::Theme theme)
 {
     static const QPalette system = QApplication::palette();
-    if (theme == Appearance::Theme::HighContrast) {
-        QApplication::setStyle(new HighContrastStyle);
-    } else if (theme != Appearance::Theme::System || qobject_cast<HighContrastStyle*>(QApplication::style())) {
-        QApplication::setStyle(u"Fusion"_s);
-    }
+    // On the bar of the chosen entry no colour of theirs would stand out.
+    QCoreApplication::setAttribute(Qt::AA_DontShowIconsInMenus);
+    ApplyStyle(theme);
     QApplication::setPalette(PaletteOf(theme, system));
 }
 

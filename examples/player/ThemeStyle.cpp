@@ -1,4 +1,4 @@
-#include "HighContrast.h"
+#include "ThemeStyle.h"
 
 #include <QtGui/QPainter>
 #include <QtWidgets/QStyleOption>
@@ -22,35 +22,23 @@ void DrawOutlineOf(const QStyleOption& option, const QRect& rect, QPainter& pain
 
 } // namespace
 
-QPalette HighContrastPalette()
+ThemeStyle::ThemeStyle(bool hasOutlines) : QProxyStyle(u"Fusion"_s), m_hasOutlines(hasOutlines) {}
+
+int ThemeStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                          QStyleHintReturn* returnData) const
 {
-    const QColor black(0, 0, 0);
-    const QColor white(255, 255, 255);
-    const QColor yellow(255, 255, 0);
-    const QColor faint(0xa6, 0xa6, 0xa6);
-    QPalette palette(QColor(0x30, 0x30, 0x30), black);
-    for (const auto role : {QPalette::Base, QPalette::AlternateBase, QPalette::ToolTipBase}) {
-        palette.setColor(role, black);
-    }
-    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText}) {
-        palette.setColor(role, white);
-        palette.setColor(QPalette::Disabled, role, faint);
-    }
-    for (const auto role : {QPalette::Highlight, QPalette::Link, QPalette::LinkVisited}) {
-        palette.setColor(role, yellow);
-    }
-    palette.setColor(QPalette::Disabled, QPalette::Highlight, faint);
-    palette.setColor(QPalette::HighlightedText, black);
-    palette.setColor(QPalette::PlaceholderText, faint);
-    return palette;
+    // They are drawn for light windows only.
+    return hint == SH_DialogButtonBox_ButtonsHaveIcons ? 0
+                                                       : QProxyStyle::styleHint(hint, option, widget, returnData);
 }
 
-HighContrastStyle::HighContrastStyle() : QProxyStyle(u"Fusion"_s) {}
-
-void HighContrastStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
-                                      const QWidget* widget) const
+void ThemeStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                               const QWidget* widget) const
 {
     QProxyStyle::drawPrimitive(element, option, painter, widget);
+    if (!m_hasOutlines) {
+        return;
+    }
     switch (element) {
     case PE_PanelButtonCommand:
     case PE_PanelButtonTool:
@@ -64,19 +52,22 @@ void HighContrastStyle::drawPrimitive(PrimitiveElement element, const QStyleOpti
     }
 }
 
-void HighContrastStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
-                                    const QWidget* widget) const
+void ThemeStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                             const QWidget* widget) const
 {
     QProxyStyle::drawControl(element, option, painter, widget);
-    if (element == CE_ProgressBarGroove) {
+    if (m_hasOutlines && element == CE_ProgressBarGroove) {
         DrawOutlineOf(*option, option->rect, *painter);
     }
 }
 
-void HighContrastStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
-                                           QPainter* painter, const QWidget* widget) const
+void ThemeStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
+                                    const QWidget* widget) const
 {
     QProxyStyle::drawComplexControl(control, option, painter, widget);
+    if (!m_hasOutlines) {
+        return;
+    }
     switch (control) {
     case CC_ComboBox:
         DrawOutlineOf(*option, option->rect, *painter);
@@ -95,8 +86,8 @@ void HighContrastStyle::drawComplexControl(ComplexControl control, const QStyleO
     }
 }
 
-void HighContrastStyle::DrawOutline(QPainter& painter, const QStyleOptionComplex& option, ComplexControl control,
-                                    SubControl part, const QWidget* widget) const
+void ThemeStyle::DrawOutline(QPainter& painter, const QStyleOptionComplex& option, ComplexControl control,
+                             SubControl part, const QWidget* widget) const
 {
     DrawOutlineOf(option, subControlRect(control, &option, part, widget), painter);
 }
