@@ -133,6 +133,7 @@ void LevelMeter::paintEvent(QPaintEvent*)
                      Loudest() > lowest ? TextOfLevel(Loudest()) : QString());
 
     const double height = double(rect().height()) / double(m_levels.size());
+    painter.setPen(palette().color(QPalette::PlaceholderText));
     QRectF bar(0.5, 0.5, std::max(1, width() - textWidth - 1), height - 2.0);
     for (const double level : m_levels) {
         painter.fillRect(bar, palette().color(QPalette::Base));

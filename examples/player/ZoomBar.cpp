@@ -79,6 +79,7 @@ ZoomBar::ZoomBar(HostPlayer& player, const Actions& actions, QWidget* parent)
     }
     layout->insertWidget(1, m_slider);
     SetNightIcons(false);
+    FitToFont();
     connect(&m_player, &HostPlayer::SceneRectChanged, this, &ZoomBar::ShowView);
     connect(&m_player, &HostPlayer::AudioFileChanged, this, &ZoomBar::ShowView);
     ShowView();
@@ -117,6 +118,22 @@ bool ZoomBar::eventFilter(QObject* watched, QEvent* event)
         }
     }
     return QWidget::eventFilter(watched, event);
+}
+
+void ZoomBar::changeEvent(QEvent* event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::FontChange) {
+        FitToFont();
+    }
+}
+
+void ZoomBar::FitToFont()
+{
+    const int size = fontMetrics().height();
+    for (auto* button : findChildren<QToolButton*>()) {
+        button->setIconSize(QSize(size, size));
+    }
 }
 
 double ZoomBar::Length() const

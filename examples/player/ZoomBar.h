@@ -31,9 +31,11 @@ public:
 protected:
     /** Leaves the keys that move the slider to it. */
     bool eventFilter(QObject* watched, QEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
 private:
     double Length() const;
+    void FitToFont();
     void ShowView();
     void Zoom(double span);
 
