@@ -153,6 +153,9 @@ void Appearance::ApplyTo(Player& player) const
 void Appearance::ApplyColorsTo(Player& player) const
 {
     player.SetNightIcons(IsDark());
+    // The library's own marker is too light for a light window.
+    player.SetAudioPositionIcon(IsDark() ? u":/Resources/vantoraudioArrowDownLightBlue.svg"_s
+                                         : u":/Resources/vantoraudioArrowDown_day.svg"_s);
     player.SetColorsFollowPalette(IsHighContrast());
     for (std::size_t i = 0; i < roleCount; ++i) {
         (player.*roles[i].apply)(ColorOf(i));

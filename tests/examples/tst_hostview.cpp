@@ -205,6 +205,15 @@ private Q_SLOTS:
             const QRect inside = control->rect().adjusted(4, 4, -4, -4);
             QTRY_VERIFY2(ContrastIn(control->grab(inside).toImage()) >= 4.5, control->metaObject()->className());
         }
+        // The marker of the position, on the border above the diagram.
+        const QRect diagram = DiagramOf(window)->geometry();
+        QWidget* view = DiagramOf(window)->parentWidget();
+        PlayerOf(window)->UpdateAudioPosition(1.0);
+        const auto marker = [&] {
+            const int x = diagram.left() + int(diagram.width() * 1.0 / window.Duration());
+            return view->grab(QRect(x - 8, diagram.top() - 12, 16, 7)).toImage();
+        };
+        QTRY_VERIFY(ContrastIn(marker()) >= 4.5);
         // What is no text needs less. The slider's handle is the style's own.
         QTest::keyClick(&window, Qt::Key_Plus);
         QTRY_VERIFY(ContrastIn(SliderOf(window)->grab().toImage()) >= 3.0);
