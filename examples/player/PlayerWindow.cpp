@@ -72,6 +72,8 @@ PlayerWindow::~PlayerWindow()
 void PlayerWindow::BuildView()
 {
     m_player = new HostPlayer(this);
+    // Its rows break for this width until it gets its own; broken ones would make the window higher.
+    m_player->resize(size());
     m_player->UseFlexibleSizes();
     m_player->SetLabelsFit(true);
     m_player->SetWaveformTakesFocus(true);
