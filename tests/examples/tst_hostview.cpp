@@ -522,6 +522,13 @@ private Q_SLOTS:
         }
     }
 
+    void theWindowIsNoHigherThanItsWidthNeeds()
+    {
+        PlayerWindow window;
+        QVERIFY(Activate(window));
+        QCOMPARE(window.size(), QSize(1000, 480));
+    }
+
     void theWindowBecomesAsNarrowAs480Pixels()
     {
         PlayerWindow window;
