@@ -8,6 +8,7 @@
 #include <vantorAudioEngine/BGFXWaveformWidget.h>
 
 #include <QtCore/QDir>
+#include <QtCore/QList>
 #include <QtCore/QMetaMethod>
 #include <QtCore/QPointer>
 #include <QtCore/QTemporaryDir>
@@ -24,7 +25,6 @@
 #include <QtWidgets/QSlider>
 
 #include <functional>
-#include <vector>
 
 /** Programs that delete a player in a slot, at many moments of its life. */
 namespace DeletedPlayers {
@@ -41,7 +41,7 @@ struct Thing
      * followed by the reports of playing, and the rest move nothing. */
     bool movesPosition = false;
 };
-using Things = std::vector<Thing>;
+using Things = QList<Thing>;
 
 inline constexpr int patience = 10000;
 inline constexpr int always = -1;
@@ -176,7 +176,7 @@ inline int DeleteAt(bool isOfWaveform, int signal, const QString& folder, int on
     const QObject& sender = isOfWaveform ? static_cast<QObject&>(*waveform) : *widget;
     Deleter deleter(*widget, sender, sender.metaObject()->method(signal));
     const Things things = ThingsToDo(folder);
-    for (int i = 0; i < int(things.size()); ++i) {
+    for (int i = 0; i < things.size(); ++i) {
         deleter.SetArmed(onlyAt == always || onlyAt == i);
         things[i].what(*widget);
         if (i == onlyAt && !deleter.HasDeleted()) {

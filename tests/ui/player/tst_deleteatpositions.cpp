@@ -15,7 +15,7 @@ private Q_SLOTS:
     {
         QTest::addColumn<int>("thing");
         const Things things = ThingsToDo(m_folder.path());
-        for (int i = 0; i < int(things.size()); ++i) {
+        for (int i = 0; i < things.size(); ++i) {
             if (things[i].movesPosition) {
                 QTest::addRow("%s", things[i].name) << i;
             }
