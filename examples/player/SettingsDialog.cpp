@@ -83,7 +83,8 @@ void SettingsDialog::ChooseColor(std::size_t role)
 void SettingsDialog::ShowColors()
 {
     for (std::size_t role = 0; role < Appearance::roleCount; ++role) {
-        QPixmap swatch(48, 14);
+        const int height = fontMetrics().height();
+        QPixmap swatch(3 * height, height);
         swatch.fill(m_appearance.ColorOf(role));
         m_colorButtons[role]->setIconSize(swatch.size());
         m_colorButtons[role]->setIcon(swatch);

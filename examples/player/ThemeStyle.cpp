@@ -11,12 +11,15 @@ namespace {
 void DrawOutlineOf(const QStyleOption& option, const QRect& rect, QPainter& painter)
 {
     const bool stands = option.state & (QStyle::State_On | QStyle::State_HasFocus);
-    const int width = stands ? 2 : 1;
+    const double width = stands ? 2.0 : 1.0;
     painter.save();
-    painter.setRenderHint(QPainter::Antialiasing, false);
+    // Where a pixel of the program is one and a half of the screen, a line without this falls off the edge.
+    painter.setRenderHint(QPainter::Antialiasing);
     painter.setBrush(Qt::NoBrush);
-    painter.setPen(QPen(option.palette.color(stands ? QPalette::Highlight : QPalette::WindowText), width));
-    painter.drawRect(rect.adjusted(width / 2, width / 2, -1, -1));
+    painter.setPen(QPen(option.palette.color(stands ? QPalette::Highlight : QPalette::WindowText), width,
+                        Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
+    const double half = width / 2.0;
+    painter.drawRect(QRectF(rect).adjusted(half, half, -half, -half));
     painter.restore();
 }
 
