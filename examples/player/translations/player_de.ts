@@ -31,6 +31,22 @@
         <source>Scale</source>
         <translation>Skala</translation>
     </message>
+    <message>
+        <source>As the system</source>
+        <translation>Wie das System</translation>
+    </message>
+    <message>
+        <source>Light</source>
+        <translation>Hell</translation>
+    </message>
+    <message>
+        <source>Dark</source>
+        <translation>Dunkel</translation>
+    </message>
+    <message>
+        <source>High contrast</source>
+        <translation>Hoher Kontrast</translation>
+    </message>
 </context>
 <context>
     <name>DeviceMenu</name>
@@ -41,6 +57,21 @@
     <message>
         <source>No output device</source>
         <translation>Kein Ausgabegerät</translation>
+    </message>
+</context>
+<context>
+    <name>DragHandle</name>
+    <message>
+        <source>Drag the selection from here into another program</source>
+        <translation>Die Auswahl von hier in ein anderes Programm ziehen</translation>
+    </message>
+    <message>
+        <source>Drag selection</source>
+        <translation>Auswahl herausziehen</translation>
+    </message>
+    <message>
+        <source>%1 selection</source>
+        <translation>%1 Auswahl</translation>
     </message>
 </context>
 <context>
@@ -129,6 +160,29 @@
     </message>
 </context>
 <context>
+    <name>FileList</name>
+    <message>
+        <source>Files</source>
+        <translation>Dateien</translation>
+    </message>
+    <message>
+        <source>&amp;Next file</source>
+        <translation>&amp;Nächste Datei</translation>
+    </message>
+    <message>
+        <source>&amp;Previous file</source>
+        <translation>&amp;Vorige Datei</translation>
+    </message>
+    <message>
+        <source>&amp;Remove from the list</source>
+        <translation>Aus der Liste &amp;entfernen</translation>
+    </message>
+    <message>
+        <source>Loaded</source>
+        <translation>Geladen</translation>
+    </message>
+</context>
+<context>
     <name>GoTo</name>
     <message>
         <source>Go to</source>
@@ -141,6 +195,25 @@
     <message>
         <source>Such as 7.5, 1:30 or 1:02:03.250</source>
         <translation>Etwa 7,5, 1:30 oder 1:02:03,250</translation>
+    </message>
+</context>
+<context>
+    <name>LevelMeter</name>
+    <message>
+        <source>%1 dB</source>
+        <translation>%1 dB</translation>
+    </message>
+    <message>
+        <source>silent</source>
+        <translation>still</translation>
+    </message>
+    <message>
+        <source>Level</source>
+        <translation>Pegel</translation>
+    </message>
+    <message>
+        <source>Level of what is played, in decibels of full scale</source>
+        <translation>Pegel der Wiedergabe in Dezibel, bezogen auf Vollaussteuerung</translation>
     </message>
 </context>
 <context>
@@ -294,38 +367,6 @@
         <translation>A&amp;uswahl</translation>
     </message>
     <message>
-        <source>Keys</source>
-        <translation>Tasten</translation>
-    </message>
-    <message>
-        <source>Take the last change of the selection back</source>
-        <translation>Die letzte Änderung der Auswahl zurücknehmen</translation>
-    </message>
-    <message>
-        <source>Change the selection once more</source>
-        <translation>Die Änderung der Auswahl wiederholen</translation>
-    </message>
-    <message>
-        <source>Go to a time</source>
-        <translation>Zu einer Zeit gehen</translation>
-    </message>
-    <message>
-        <source>Open a file</source>
-        <translation>Eine Datei öffnen</translation>
-    </message>
-    <message>
-        <source>Export the selection</source>
-        <translation>Die Auswahl exportieren</translation>
-    </message>
-    <message>
-        <source>Show what is in the file</source>
-        <translation>Zeigen, was in der Datei ist</translation>
-    </message>
-    <message>
-        <source>Quit</source>
-        <translation>Beenden</translation>
-    </message>
-    <message>
         <source>About</source>
         <translation>Über</translation>
     </message>
@@ -336,6 +377,14 @@
     <message>
         <source>&amp;Follow the position</source>
         <translation>Der Position &amp;folgen</translation>
+    </message>
+    <message>
+        <source>Tools</source>
+        <translation>Werkzeuge</translation>
+    </message>
+    <message>
+        <source>Speed</source>
+        <translation>Geschwindigkeit</translation>
     </message>
 </context>
 <context>
@@ -374,18 +423,6 @@
         <translation>Einstellungen</translation>
     </message>
     <message>
-        <source>As the system</source>
-        <translation>Wie das System</translation>
-    </message>
-    <message>
-        <source>Light</source>
-        <translation>Hell</translation>
-    </message>
-    <message>
-        <source>Dark</source>
-        <translation>Dunkel</translation>
-    </message>
-    <message>
         <source>Theme</source>
         <translation>Erscheinungsbild</translation>
     </message>
@@ -393,12 +430,60 @@
         <source>Ctrl and the wheel toward you zooms out</source>
         <translation>Strg und das Rad zu Ihnen hin verkleinert</translation>
     </message>
+    <message>
+        <source>Notches of the wheel for twice the view</source>
+        <translation>Rasten des Mausrads für die doppelte Ansicht</translation>
+    </message>
+</context>
+<context>
+    <name>ShortcutSheet</name>
+    <message>
+        <source>Keys</source>
+        <translation>Tasten</translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <translation>%1: %2</translation>
+    </message>
+</context>
+<context>
+    <name>SpeedMenu</name>
+    <message>
+        <source>S&amp;peed</source>
+        <translation>&amp;Geschwindigkeit</translation>
+    </message>
+    <message>
+        <source>&amp;Slower</source>
+        <translation>&amp;Langsamer</translation>
+    </message>
+    <message>
+        <source>&amp;Faster</source>
+        <translation>&amp;Schneller</translation>
+    </message>
+    <message>
+        <source>&amp;Normal speed</source>
+        <translation>&amp;Normale Geschwindigkeit</translation>
+    </message>
 </context>
 <context>
     <name>TaskProgress</name>
     <message>
         <source>Cancel</source>
         <translation>Abbrechen</translation>
+    </message>
+</context>
+<context>
+    <name>ThemeMenu</name>
+    <message>
+        <source>&amp;Theme</source>
+        <translation>&amp;Design</translation>
+    </message>
+</context>
+<context>
+    <name>ZoomBar</name>
+    <message>
+        <source>Zoom</source>
+        <translation>Zoom</translation>
     </message>
 </context>
 <context>
@@ -428,8 +513,8 @@
         <translation>Ein Bild des Fensters speichern, sobald es vollständig ist, und beenden.</translation>
     </message>
     <message>
-        <source>The file to open.</source>
-        <translation>Die Datei, die geöffnet wird.</translation>
+        <source>The files to open.</source>
+        <translation>Die Dateien, die geöffnet werden.</translation>
     </message>
 </context>
 </TS>

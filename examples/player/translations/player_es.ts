@@ -31,6 +31,22 @@
         <source>Scale</source>
         <translation>Escala</translation>
     </message>
+    <message>
+        <source>As the system</source>
+        <translation>Como el sistema</translation>
+    </message>
+    <message>
+        <source>Light</source>
+        <translation>Claro</translation>
+    </message>
+    <message>
+        <source>Dark</source>
+        <translation>Oscuro</translation>
+    </message>
+    <message>
+        <source>High contrast</source>
+        <translation>Contraste alto</translation>
+    </message>
 </context>
 <context>
     <name>DeviceMenu</name>
@@ -41,6 +57,21 @@
     <message>
         <source>No output device</source>
         <translation>Ningún dispositivo de salida</translation>
+    </message>
+</context>
+<context>
+    <name>DragHandle</name>
+    <message>
+        <source>Drag the selection from here into another program</source>
+        <translation>Arrastre la selección desde aquí a otro programa</translation>
+    </message>
+    <message>
+        <source>Drag selection</source>
+        <translation>Arrastrar la selección</translation>
+    </message>
+    <message>
+        <source>%1 selection</source>
+        <translation>%1 selección</translation>
     </message>
 </context>
 <context>
@@ -129,6 +160,29 @@
     </message>
 </context>
 <context>
+    <name>FileList</name>
+    <message>
+        <source>Files</source>
+        <translation>Archivos</translation>
+    </message>
+    <message>
+        <source>&amp;Next file</source>
+        <translation>Archivo si&amp;guiente</translation>
+    </message>
+    <message>
+        <source>&amp;Previous file</source>
+        <translation>Archivo an&amp;terior</translation>
+    </message>
+    <message>
+        <source>&amp;Remove from the list</source>
+        <translation>&amp;Quitar de la lista</translation>
+    </message>
+    <message>
+        <source>Loaded</source>
+        <translation>Cargado</translation>
+    </message>
+</context>
+<context>
     <name>GoTo</name>
     <message>
         <source>Go to</source>
@@ -141,6 +195,25 @@
     <message>
         <source>Such as 7.5, 1:30 or 1:02:03.250</source>
         <translation>Por ejemplo 7,5, 1:30 o 1:02:03,250</translation>
+    </message>
+</context>
+<context>
+    <name>LevelMeter</name>
+    <message>
+        <source>%1 dB</source>
+        <translation>%1 dB</translation>
+    </message>
+    <message>
+        <source>silent</source>
+        <translation>en silencio</translation>
+    </message>
+    <message>
+        <source>Level</source>
+        <translation>Nivel</translation>
+    </message>
+    <message>
+        <source>Level of what is played, in decibels of full scale</source>
+        <translation>Nivel de lo que se reproduce, en decibelios respecto a la escala completa</translation>
     </message>
 </context>
 <context>
@@ -294,38 +367,6 @@
         <translation>&amp;Selección</translation>
     </message>
     <message>
-        <source>Keys</source>
-        <translation>Teclas</translation>
-    </message>
-    <message>
-        <source>Take the last change of the selection back</source>
-        <translation>Deshacer el último cambio de la selección</translation>
-    </message>
-    <message>
-        <source>Change the selection once more</source>
-        <translation>Rehacer el cambio de la selección</translation>
-    </message>
-    <message>
-        <source>Go to a time</source>
-        <translation>Ir a un tiempo</translation>
-    </message>
-    <message>
-        <source>Open a file</source>
-        <translation>Abrir un archivo</translation>
-    </message>
-    <message>
-        <source>Export the selection</source>
-        <translation>Exportar la selección</translation>
-    </message>
-    <message>
-        <source>Show what is in the file</source>
-        <translation>Mostrar qué contiene el archivo</translation>
-    </message>
-    <message>
-        <source>Quit</source>
-        <translation>Salir</translation>
-    </message>
-    <message>
         <source>About</source>
         <translation>Acerca de</translation>
     </message>
@@ -336,6 +377,14 @@
     <message>
         <source>&amp;Follow the position</source>
         <translation>&amp;Seguir la posición</translation>
+    </message>
+    <message>
+        <source>Tools</source>
+        <translation>Herramientas</translation>
+    </message>
+    <message>
+        <source>Speed</source>
+        <translation>Velocidad</translation>
     </message>
 </context>
 <context>
@@ -374,18 +423,6 @@
         <translation>Configuración</translation>
     </message>
     <message>
-        <source>As the system</source>
-        <translation>Como el sistema</translation>
-    </message>
-    <message>
-        <source>Light</source>
-        <translation>Claro</translation>
-    </message>
-    <message>
-        <source>Dark</source>
-        <translation>Oscuro</translation>
-    </message>
-    <message>
         <source>Theme</source>
         <translation>Tema</translation>
     </message>
@@ -393,12 +430,60 @@
         <source>Ctrl and the wheel toward you zooms out</source>
         <translation>Ctrl y la rueda hacia usted aleja</translation>
     </message>
+    <message>
+        <source>Notches of the wheel for twice the view</source>
+        <translation>Pasos de la rueda para una vista el doble de ancha</translation>
+    </message>
+</context>
+<context>
+    <name>ShortcutSheet</name>
+    <message>
+        <source>Keys</source>
+        <translation>Teclas</translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <translation>%1: %2</translation>
+    </message>
+</context>
+<context>
+    <name>SpeedMenu</name>
+    <message>
+        <source>S&amp;peed</source>
+        <translation>&amp;Velocidad</translation>
+    </message>
+    <message>
+        <source>&amp;Slower</source>
+        <translation>Más &amp;lento</translation>
+    </message>
+    <message>
+        <source>&amp;Faster</source>
+        <translation>Más &amp;rápido</translation>
+    </message>
+    <message>
+        <source>&amp;Normal speed</source>
+        <translation>Velocidad &amp;normal</translation>
+    </message>
 </context>
 <context>
     <name>TaskProgress</name>
     <message>
         <source>Cancel</source>
         <translation>Cancelar</translation>
+    </message>
+</context>
+<context>
+    <name>ThemeMenu</name>
+    <message>
+        <source>&amp;Theme</source>
+        <translation>&amp;Tema</translation>
+    </message>
+</context>
+<context>
+    <name>ZoomBar</name>
+    <message>
+        <source>Zoom</source>
+        <translation>Zoom</translation>
     </message>
 </context>
 <context>
@@ -428,8 +513,8 @@
         <translation>Guardar una imagen de la ventana cuando esté completa, y salir.</translation>
     </message>
     <message>
-        <source>The file to open.</source>
-        <translation>El archivo que se abre.</translation>
+        <source>The files to open.</source>
+        <translation>Los archivos que se abren.</translation>
     </message>
 </context>
 </TS>

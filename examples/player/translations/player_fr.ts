@@ -31,6 +31,22 @@
         <source>Scale</source>
         <translation>Échelle</translation>
     </message>
+    <message>
+        <source>As the system</source>
+        <translation>Comme le système</translation>
+    </message>
+    <message>
+        <source>Light</source>
+        <translation>Clair</translation>
+    </message>
+    <message>
+        <source>Dark</source>
+        <translation>Sombre</translation>
+    </message>
+    <message>
+        <source>High contrast</source>
+        <translation>Contraste élevé</translation>
+    </message>
 </context>
 <context>
     <name>DeviceMenu</name>
@@ -41,6 +57,21 @@
     <message>
         <source>No output device</source>
         <translation>Aucun périphérique de sortie</translation>
+    </message>
+</context>
+<context>
+    <name>DragHandle</name>
+    <message>
+        <source>Drag the selection from here into another program</source>
+        <translation>Faites glisser la sélection d’ici vers un autre programme</translation>
+    </message>
+    <message>
+        <source>Drag selection</source>
+        <translation>Glisser la sélection</translation>
+    </message>
+    <message>
+        <source>%1 selection</source>
+        <translation>%1 sélection</translation>
     </message>
 </context>
 <context>
@@ -129,6 +160,29 @@
     </message>
 </context>
 <context>
+    <name>FileList</name>
+    <message>
+        <source>Files</source>
+        <translation>Fichiers</translation>
+    </message>
+    <message>
+        <source>&amp;Next file</source>
+        <translation>Fichier &amp;suivant</translation>
+    </message>
+    <message>
+        <source>&amp;Previous file</source>
+        <translation>Fichier précé&amp;dent</translation>
+    </message>
+    <message>
+        <source>&amp;Remove from the list</source>
+        <translation>&amp;Retirer de la liste</translation>
+    </message>
+    <message>
+        <source>Loaded</source>
+        <translation>Chargé</translation>
+    </message>
+</context>
+<context>
     <name>GoTo</name>
     <message>
         <source>Go to</source>
@@ -141,6 +195,25 @@
     <message>
         <source>Such as 7.5, 1:30 or 1:02:03.250</source>
         <translation>Par exemple 7,5, 1:30 ou 1:02:03,250</translation>
+    </message>
+</context>
+<context>
+    <name>LevelMeter</name>
+    <message>
+        <source>%1 dB</source>
+        <translation>%1 dB</translation>
+    </message>
+    <message>
+        <source>silent</source>
+        <translation>silence</translation>
+    </message>
+    <message>
+        <source>Level</source>
+        <translation>Niveau</translation>
+    </message>
+    <message>
+        <source>Level of what is played, in decibels of full scale</source>
+        <translation>Niveau de ce qui est lu, en décibels par rapport à la pleine échelle</translation>
     </message>
 </context>
 <context>
@@ -294,38 +367,6 @@
         <translation>&amp;Sélection</translation>
     </message>
     <message>
-        <source>Keys</source>
-        <translation>Touches</translation>
-    </message>
-    <message>
-        <source>Take the last change of the selection back</source>
-        <translation>Annuler le dernier changement de la sélection</translation>
-    </message>
-    <message>
-        <source>Change the selection once more</source>
-        <translation>Rétablir le changement de la sélection</translation>
-    </message>
-    <message>
-        <source>Go to a time</source>
-        <translation>Aller à un temps</translation>
-    </message>
-    <message>
-        <source>Open a file</source>
-        <translation>Ouvrir un fichier</translation>
-    </message>
-    <message>
-        <source>Export the selection</source>
-        <translation>Exporter la sélection</translation>
-    </message>
-    <message>
-        <source>Show what is in the file</source>
-        <translation>Afficher le contenu du fichier</translation>
-    </message>
-    <message>
-        <source>Quit</source>
-        <translation>Quitter</translation>
-    </message>
-    <message>
         <source>About</source>
         <translation>À propos</translation>
     </message>
@@ -336,6 +377,14 @@
     <message>
         <source>&amp;Follow the position</source>
         <translation>&amp;Suivre la position</translation>
+    </message>
+    <message>
+        <source>Tools</source>
+        <translation>Outils</translation>
+    </message>
+    <message>
+        <source>Speed</source>
+        <translation>Vitesse</translation>
     </message>
 </context>
 <context>
@@ -374,18 +423,6 @@
         <translation>Paramètres</translation>
     </message>
     <message>
-        <source>As the system</source>
-        <translation>Comme le système</translation>
-    </message>
-    <message>
-        <source>Light</source>
-        <translation>Clair</translation>
-    </message>
-    <message>
-        <source>Dark</source>
-        <translation>Sombre</translation>
-    </message>
-    <message>
         <source>Theme</source>
         <translation>Thème</translation>
     </message>
@@ -393,12 +430,60 @@
         <source>Ctrl and the wheel toward you zooms out</source>
         <translation>Ctrl et la molette vers vous : zoom arrière</translation>
     </message>
+    <message>
+        <source>Notches of the wheel for twice the view</source>
+        <translation>Crans de la molette pour une vue deux fois plus large</translation>
+    </message>
+</context>
+<context>
+    <name>ShortcutSheet</name>
+    <message>
+        <source>Keys</source>
+        <translation>Touches</translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <translation>%1 : %2</translation>
+    </message>
+</context>
+<context>
+    <name>SpeedMenu</name>
+    <message>
+        <source>S&amp;peed</source>
+        <translation>&amp;Vitesse</translation>
+    </message>
+    <message>
+        <source>&amp;Slower</source>
+        <translation>Plus &amp;lent</translation>
+    </message>
+    <message>
+        <source>&amp;Faster</source>
+        <translation>Plus &amp;rapide</translation>
+    </message>
+    <message>
+        <source>&amp;Normal speed</source>
+        <translation>Vitesse &amp;normale</translation>
+    </message>
 </context>
 <context>
     <name>TaskProgress</name>
     <message>
         <source>Cancel</source>
         <translation>Annuler</translation>
+    </message>
+</context>
+<context>
+    <name>ThemeMenu</name>
+    <message>
+        <source>&amp;Theme</source>
+        <translation>&amp;Thème</translation>
+    </message>
+</context>
+<context>
+    <name>ZoomBar</name>
+    <message>
+        <source>Zoom</source>
+        <translation>Zoom</translation>
     </message>
 </context>
 <context>
@@ -428,8 +513,8 @@
         <translation>Enregistrer une image de la fenêtre dès qu’elle est complète, et quitter.</translation>
     </message>
     <message>
-        <source>The file to open.</source>
-        <translation>Le fichier à ouvrir.</translation>
+        <source>The files to open.</source>
+        <translation>Les fichiers à ouvrir.</translation>
     </message>
 </context>
 </TS>

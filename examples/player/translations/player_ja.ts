@@ -31,6 +31,22 @@
         <source>Scale</source>
         <translation>目盛</translation>
     </message>
+    <message>
+        <source>As the system</source>
+        <translation>システムに合わせる</translation>
+    </message>
+    <message>
+        <source>Light</source>
+        <translation>ライト</translation>
+    </message>
+    <message>
+        <source>Dark</source>
+        <translation>ダーク</translation>
+    </message>
+    <message>
+        <source>High contrast</source>
+        <translation>ハイコントラスト</translation>
+    </message>
 </context>
 <context>
     <name>DeviceMenu</name>
@@ -41,6 +57,21 @@
     <message>
         <source>No output device</source>
         <translation>出力デバイスがありません</translation>
+    </message>
+</context>
+<context>
+    <name>DragHandle</name>
+    <message>
+        <source>Drag the selection from here into another program</source>
+        <translation>ここから選択範囲を別のプログラムへドラッグします</translation>
+    </message>
+    <message>
+        <source>Drag selection</source>
+        <translation>選択範囲をドラッグ</translation>
+    </message>
+    <message>
+        <source>%1 selection</source>
+        <translation>%1 選択範囲</translation>
     </message>
 </context>
 <context>
@@ -129,6 +160,29 @@
     </message>
 </context>
 <context>
+    <name>FileList</name>
+    <message>
+        <source>Files</source>
+        <translation>ファイル</translation>
+    </message>
+    <message>
+        <source>&amp;Next file</source>
+        <translation>次のファイル(&amp;N)</translation>
+    </message>
+    <message>
+        <source>&amp;Previous file</source>
+        <translation>前のファイル(&amp;P)</translation>
+    </message>
+    <message>
+        <source>&amp;Remove from the list</source>
+        <translation>一覧から削除(&amp;R)</translation>
+    </message>
+    <message>
+        <source>Loaded</source>
+        <translation>読み込み済み</translation>
+    </message>
+</context>
+<context>
     <name>GoTo</name>
     <message>
         <source>Go to</source>
@@ -141,6 +195,25 @@
     <message>
         <source>Such as 7.5, 1:30 or 1:02:03.250</source>
         <translation>例: 7.5、1:30、1:02:03.250</translation>
+    </message>
+</context>
+<context>
+    <name>LevelMeter</name>
+    <message>
+        <source>%1 dB</source>
+        <translation>%1 dB</translation>
+    </message>
+    <message>
+        <source>silent</source>
+        <translation>無音</translation>
+    </message>
+    <message>
+        <source>Level</source>
+        <translation>レベル</translation>
+    </message>
+    <message>
+        <source>Level of what is played, in decibels of full scale</source>
+        <translation>再生音のレベル（フルスケール基準、デシベル）</translation>
     </message>
 </context>
 <context>
@@ -294,38 +367,6 @@
         <translation>選択範囲(&amp;S)</translation>
     </message>
     <message>
-        <source>Keys</source>
-        <translation>キー</translation>
-    </message>
-    <message>
-        <source>Take the last change of the selection back</source>
-        <translation>選択範囲の最後の変更を元に戻す</translation>
-    </message>
-    <message>
-        <source>Change the selection once more</source>
-        <translation>選択範囲の変更をやり直す</translation>
-    </message>
-    <message>
-        <source>Go to a time</source>
-        <translation>指定した時間へ移動</translation>
-    </message>
-    <message>
-        <source>Open a file</source>
-        <translation>ファイルを開く</translation>
-    </message>
-    <message>
-        <source>Export the selection</source>
-        <translation>選択範囲を書き出す</translation>
-    </message>
-    <message>
-        <source>Show what is in the file</source>
-        <translation>ファイルの内容を表示</translation>
-    </message>
-    <message>
-        <source>Quit</source>
-        <translation>終了</translation>
-    </message>
-    <message>
         <source>About</source>
         <translation>バージョン情報</translation>
     </message>
@@ -336,6 +377,14 @@
     <message>
         <source>&amp;Follow the position</source>
         <translation>位置に追従(&amp;F)</translation>
+    </message>
+    <message>
+        <source>Tools</source>
+        <translation>ツール</translation>
+    </message>
+    <message>
+        <source>Speed</source>
+        <translation>速度</translation>
     </message>
 </context>
 <context>
@@ -374,18 +423,6 @@
         <translation>設定</translation>
     </message>
     <message>
-        <source>As the system</source>
-        <translation>システムに合わせる</translation>
-    </message>
-    <message>
-        <source>Light</source>
-        <translation>ライト</translation>
-    </message>
-    <message>
-        <source>Dark</source>
-        <translation>ダーク</translation>
-    </message>
-    <message>
         <source>Theme</source>
         <translation>テーマ</translation>
     </message>
@@ -393,12 +430,60 @@
         <source>Ctrl and the wheel toward you zooms out</source>
         <translation>Ctrl を押しながらホイールを手前に回すと縮小</translation>
     </message>
+    <message>
+        <source>Notches of the wheel for twice the view</source>
+        <translation>表示幅を2倍にするホイールの目盛り数</translation>
+    </message>
+</context>
+<context>
+    <name>ShortcutSheet</name>
+    <message>
+        <source>Keys</source>
+        <translation>キー</translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <translation>%1: %2</translation>
+    </message>
+</context>
+<context>
+    <name>SpeedMenu</name>
+    <message>
+        <source>S&amp;peed</source>
+        <translation>速度(&amp;P)</translation>
+    </message>
+    <message>
+        <source>&amp;Slower</source>
+        <translation>遅く(&amp;S)</translation>
+    </message>
+    <message>
+        <source>&amp;Faster</source>
+        <translation>速く(&amp;F)</translation>
+    </message>
+    <message>
+        <source>&amp;Normal speed</source>
+        <translation>標準の速度(&amp;N)</translation>
+    </message>
 </context>
 <context>
     <name>TaskProgress</name>
     <message>
         <source>Cancel</source>
         <translation>キャンセル</translation>
+    </message>
+</context>
+<context>
+    <name>ThemeMenu</name>
+    <message>
+        <source>&amp;Theme</source>
+        <translation>テーマ(&amp;T)</translation>
+    </message>
+</context>
+<context>
+    <name>ZoomBar</name>
+    <message>
+        <source>Zoom</source>
+        <translation>ズーム</translation>
     </message>
 </context>
 <context>
@@ -428,7 +513,7 @@
         <translation>ウィンドウの表示が完了したら画像を保存して終了します。</translation>
     </message>
     <message>
-        <source>The file to open.</source>
+        <source>The files to open.</source>
         <translation>開くファイル。</translation>
     </message>
 </context>
