@@ -450,7 +450,7 @@
     <name>SpeedMenu</name>
     <message>
         <source>S&amp;peed</source>
-        <translation>&amp;Geschwindigkeit</translation>
+        <translation>Ge&amp;schwindigkeit</translation>
     </message>
     <message>
         <source>&amp;Slower</source>
