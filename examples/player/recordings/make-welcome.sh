@@ -19,7 +19,7 @@ voice() { # FILE LENGTH NOTE...
     fi
     place=$((place + 1))
   done
-  sox -m "${parts[@]}" "$work/$file" pad 0 1 trim 0 17 norm -6
+  sox -m "${parts[@]}" "$work/$file" pad 0 1 trim 0 17.05 norm -6
   rm "${parts[@]}"
 }
 
