@@ -247,6 +247,7 @@ private Q_SLOTS:
         QVERIFY(Activate(window));
         QVERIFY(OpenCompletely(window, Recording));
         PlayerOf(window)->UpdateAudioPosition(4.0);
+        QTRY_COMPARE(PlayerOf(window)->GetAudioPosition(), 4.0);
         QSlider* slider = SliderOf(window);
         slider->setFocus(Qt::TabFocusReason);
         QTest::keyClick(slider, Qt::Key_Right);
