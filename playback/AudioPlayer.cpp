@@ -88,9 +88,11 @@ AudioPlayer::AudioPlayer(QObject* parent) : QMediaPlayer(parent), m_audioOutput(
     });
     if (QtDefects::LosesThePlaybackRate()) {
         connect(this, &QMediaPlayer::sourceChanged, this, [this] {
-            // The former source's rate would count as no change.
-            setPlaybackRate(1.0);
-            ApplyPlaybackRate();
+            if (m_playbackRate) {
+                // The former source's rate would count as no change.
+                setPlaybackRate(1.0);
+                ApplyPlaybackRate();
+            }
         });
     }
     connect(this, &QMediaPlayer::audioOutputChanged, this, &AudioPlayer::ApplyPlaybackRate);
@@ -284,21 +286,21 @@ void AudioPlayer::SetPlaybackRate(double rate)
 
 double AudioPlayer::GetPlaybackRate() const
 {
-    return m_playbackRate;
+    return m_playbackRate.value_or(1.0);
 }
 
 void AudioPlayer::ApplyPlaybackRate()
 {
     // The base class holds a float. Without an output the follower of devices sets a rate of its own.
     const auto isThatOf = [this](double rate) {
-        return static_cast<float>(rate) == static_cast<float>(m_playbackRate);
+        return static_cast<float>(rate) == static_cast<float>(*m_playbackRate);
     };
-    if (!audioOutput() || isThatOf(playbackRate())) {
+    if (!m_playbackRate || !audioOutput() || isThatOf(playbackRate())) {
         return;
     }
     const qint64 place = position();
     const QPointer<AudioPlayer> self(this);
-    setPlaybackRate(m_playbackRate);
+    setPlaybackRate(*m_playbackRate);
     if (self && QtDefects::LosesThePlaybackRate() && playbackState() != StoppedState) {
         SeekTo(place);
     }

@@ -46,6 +46,8 @@ struct ChannelCopy
     /** Whether a file that has the name by the end stays and will do. */
     bool keepsFormer = false;
     int outputChannels = 1;
+    /** Becomes true when the new file has its name; may be null. */
+    bool* hasName = nullptr;
 
     bool WriteTo(const QString& path, qint64 statedSize) const;
 
@@ -54,6 +56,12 @@ private:
     bool TakeName(PendingFile& file) const
     {
         return keepsFormer ? file.CommitUnlessTaken() : audio.TakeName(file);
+    }
+    void TellOfName() const
+    {
+        if (hasName) {
+            StoreShared(*hasName, true);
+        }
     }
     void ResetProgress() const { Q_EMIT source.ProgressChanged(0, 0, 100, WavFile::tr("")); }
 };
@@ -77,6 +85,7 @@ bool ChannelCopy::WriteTo(const QString& path, qint64 statedSize) const
         return true;
     }
     if (result != WalkResult::Stopped && TakeName(file)) {
+        TellOfName();
         return true;
     }
     if (audio.keepsParts) {
@@ -147,8 +156,14 @@ WavFile::AudioEngineReturnValue WavFile::FilterChannel(const QString& outPath)
                                                                                              : ErrorFilterChannel;
 }
 
+bool WavFile::HasWrittenSnippet() const
+{
+    return LoadShared(m_hasWrittenSnippet);
+}
+
 WavFile::AudioEngineReturnValue WavFile::CreateSnippet(const QString& outPath, double start, double end)
 {
+    StoreShared(m_hasWrittenSnippet, false);
     // The audio that the snippet is taken from is not to be replaced by it.
     if (IsSameFile(fileName(), outPath)) {
         return ErrorCreateSnippet;
@@ -171,6 +186,7 @@ WavFile::AudioEngineReturnValue WavFile::CreateSnippet(const QString& outPath, d
                            .start = audio.PositionOf(start),
                            .end = audio.PositionOf(end),
                            .sourceSize = m_sizeAtOpening,
-                           .outputChannels = outputChannels};
+                           .outputChannels = outputChannels,
+                           .hasName = &m_hasWrittenSnippet};
     return copy.WriteTo(outPath, statedSize) ? Success : ErrorCreateSnippet;
 }

@@ -64,6 +64,15 @@ void DragHandle::mouseReleaseEvent(QMouseEvent* event)
     LetGo();
 }
 
+/** A disabled button is not told when the mouse lets go of it. */
+void DragHandle::changeEvent(QEvent* event)
+{
+    QToolButton::changeEvent(event);
+    if (event->type() == QEvent::EnabledChange && !isEnabled()) {
+        LetGo();
+    }
+}
+
 DragHandle::Piece DragHandle::SelectedPiece() const
 {
     return {m_player.GetAudioFileName(), m_player.GetSelectedChannel(), m_player.GetSelectedSnippet()};

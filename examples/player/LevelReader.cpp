@@ -29,7 +29,9 @@ void LevelReader::Close()
 double LevelReader::PeakOf(WavFile::ChannelFormat channel, double seconds)
 {
     m_file.SetSelectedChannel(channel);
-    m_file.ReadData(std::max(0.0, seconds - 0.05), seconds, 1);
+    // Some headers state rates of gigahertz.
+    const double length = std::min(0.05, 20000.0 / m_file.GetFileFormat().sampleRate());
+    m_file.ReadData(std::max(0.0, seconds - length), seconds, 1);
     double peak = 0.0;
     for (const float sample : m_file.GetSamples()) {
         // What is no number counts as silence.

@@ -4,6 +4,7 @@
 #include <functional>
 #include <future>
 #include <optional>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -19,14 +20,19 @@ public:
     explicit Question(std::function<Answer()> ask)
     {
         std::packaged_task<Answer()> task(std::move(ask));
-        m_answer = task.get_future();
-        std::thread(std::move(task)).detach();
+        try {
+            auto answer = task.get_future();
+            std::thread(std::move(task)).detach();
+            m_answer = std::move(answer);
+        } catch (const std::system_error&) {
+            // No thread can be had: there is no answer then.
+        }
     }
 
     /** Waits for it until `deadline`; empty without it. To be called once. */
     [[nodiscard]] std::optional<Answer> AnswerUntil(Time deadline)
     {
-        const bool isKnown = m_answer.wait_until(deadline) == std::future_status::ready;
+        const bool isKnown = m_answer.valid() && m_answer.wait_until(deadline) == std::future_status::ready;
         return isKnown ? std::optional(m_answer.get()) : std::nullopt;
     }
 

@@ -8,6 +8,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 class QAudioOutput;
@@ -147,7 +148,8 @@ private:
     bool m_loop = false;
     double m_selectionStart = 0.0;
     double m_selectionEnd = 0.0;
-    double m_playbackRate = 1.0;
+    /** Empty until it is set: the base class's rate is not touched then. */
+    std::optional<double> m_playbackRate;
 
     bool m_restarting = false;
     std::unique_ptr<QIODevice> m_sourceFile;

@@ -214,6 +214,9 @@ public:
      * `outPath` leads to this very file, which is not touched; and when a file is refused (see SetExistingFile()).
      */
     AudioEngineReturnValue CreateSnippet(const QString& outPath, double start, double end);
+    /** Whether the latest CreateSnippet() gave a whole file, or what there was of it when it was aborted, the
+     * name. An aborted one that left nothing (see SetKeepParts()) is a success, too. Any thread. */
+    [[nodiscard]] bool HasWrittenSnippet() const;
 
     /**
      * Writes the selected channel of a stereo file, ChannelLeft or ChannelRight, to the new file `outPath`, with
@@ -302,6 +305,7 @@ private:
     bool m_keepsParts = true;
     bool m_keepsBothChannels = false;
     ExistingFile m_existingFile = ExistingFile::Customary;
+    bool m_hasWrittenSnippet = false;
     /** In bytes. */
     qint64 m_sizeAtOpening = 0;
 

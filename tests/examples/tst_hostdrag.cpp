@@ -166,8 +166,25 @@ private Q_SLOTS:
         setup.Press();
         setup.MoveBy(1);
         QTRY_VERIFY(!setup.Handle().IsWriting());
-        QVERIFY(!setup.Handle().findChild<QDrag*>());
+        QCoreApplication::processEvents();
         setup.Release();
+        QVERIFY(!setup.Handle().findChild<QDrag*>() && drags.paths.isEmpty());
+    }
+
+    void losingTheSelectionStartsNone()
+    {
+        Setup setup(30);
+        const Drags drags(setup.Handle());
+        QSignalSpy ended(&setup.Handle(), &DragHandle::Ended);
+        setup.Press();
+        setup.MoveBy(60);
+        QVERIFY(setup.Handle().IsWriting());
+        setup.window.SelectRange(0.0, 0.0);
+        QVERIFY(!setup.Handle().isEnabled());
+        QVERIFY(!setup.Handle().isDown());
+        QTRY_COMPARE_WITH_TIMEOUT(ended.size(), 1, 30000);
+        QVERIFY(!setup.Handle().IsWriting());
+        QVERIFY(!setup.Handle().findChild<QDrag*>() && drags.paths.isEmpty());
     }
 
     void eachSelectionIsAFileOfItsOwn()

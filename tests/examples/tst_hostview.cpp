@@ -518,6 +518,8 @@ private Q_SLOTS:
                 // Qt's own button for what has no room.
                 if (isTool && control->objectName() != "qt_toolbar_ext_button"_L1) {
                     QVERIFY(!control->toolTip().isEmpty());
+                    auto* accessible = QAccessible::queryAccessibleInterface(const_cast<QWidget*>(control));
+                    QVERIFY(accessible && !accessible->text(QAccessible::Name).isEmpty());
                 }
             }
         }

@@ -98,6 +98,7 @@ private Q_SLOTS:
     void playbackRateTakesWhatItCanPlay_data();
     void playbackRateTakesWhatItCanPlay();
     void playbackRateHoldsForEverySource();
+    void leavesTheBaseClasssRateAlone();
     void playbackRateWaitsForAnOutput();
     void everyOutputOperationIsHarmlessWithoutAnOutput();
 
@@ -657,6 +658,17 @@ void AudioPlayerTest::playbackRateHoldsForEverySource()
         QTRY_VERIFY_WITH_TIMEOUT(player.position() > clock.elapsed() + 1000, patience);
     }
     QCOMPARE(player.GetPlaybackRate(), 4.0);
+}
+
+void AudioPlayerTest::leavesTheBaseClasssRateAlone()
+{
+    AudioPlayer player;
+    player.setPlaybackRate(2.0);
+    player.setAudioOutput(nullptr);
+    player.setAudioOutput(Access::Output(player));
+    QCOMPARE(player.playbackRate(), 2.0);
+    Load(player, m_long);
+    QCOMPARE(player.playbackRate(), 2.0);
 }
 
 void AudioPlayerTest::playbackRateWaitsForAnOutput()

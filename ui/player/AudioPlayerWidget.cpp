@@ -199,12 +199,13 @@ void AudioPlayerWidget::Close()
     m_internals->DropFiltering();
     m_internals->playableCopy.reset();
     const bool isWriting = m_snippetWatcher.isRunning();
-    m_internals->loaded.snippet.Stop();
-    m_internals->loaded.File().close();
     // A snippet that was written whole is still announced.
     if (isWriting) {
+        static_cast<void>(m_internals->loaded.CancelSnippet());
         Forget(m_snippetWatcher);
     }
+    m_internals->loaded.snippet.Stop();
+    m_internals->loaded.File().close();
     const QPointer<AudioPlayerWidget> self(this);
     if (m_busy && m_internals->TellAllReports()) {
         SetBusy(false);
@@ -375,6 +376,7 @@ void AudioPlayerWidget::SetBusy(bool busy)
     m_internals->controls.frmSelectionEnd->setEnabled(!busy);
     m_internals->controls.cmbboxChannelSelector->setEnabled(!busy);
     if (busy && waveformHasFocus) {
+        m_internals->awaitsFocus = true;
         m_internals->focusStandIn = window()->focusWidget();
     } else if (!busy) {
         m_internals->TakeFocusBack();
@@ -385,8 +387,7 @@ void AudioPlayerWidget::SetBusy(bool busy)
 /** Unless the user or the program has moved it on. */
 void AudioPlayerWidget::Internals::TakeFocusBack()
 {
-    const auto standIn = std::exchange(focusStandIn, std::nullopt);
-    if (standIn && widget.window()->focusWidget() == *standIn) {
+    if (std::exchange(awaitsFocus, false) && widget.window()->focusWidget() == focusStandIn) {
         widget.m_waveformWidget->setFocus();
     }
 }

@@ -128,8 +128,10 @@ struct AudioPlayerWidget::Internals
     bool editedPositionStays = false;
     bool channelChangeKeepsPlace = false;
     bool positionMovesSmoothly = false;
-    /** Only while the busy waveform cannot have the focus that it had: what Qt gave it to, if anything. */
-    std::optional<QPointer<QWidget>> focusStandIn;
+    /** The waveform had the focus, which it cannot have while it is busy. */
+    bool awaitsFocus = false;
+    /** What Qt gave it to meanwhile, if anything. */
+    QPointer<QWidget> focusStandIn;
     /** Controls that tell of a change at this moment. */
     QList<QWidget*> telling;
     /** How many reports of the player's position are under way, one within the other. */

@@ -1,7 +1,5 @@
 #include "ui/player/LoadedFile.h"
 
-#include "engine/files/FileState.h"
-
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 
@@ -75,22 +73,23 @@ QFuture<LoadedFile::Result> LoadedFile::WriteSnippet(const QString& path, const 
 
 Result LoadedFile::Snippet::WriteFrom(WavFile& file, const Selection& range)
 {
-    const FileState former = FileState::Of(path);
+    const bool hadFormer = QFileInfo::exists(path);
     // Of a closed file only a header would be written, over what is there.
     const Result result =
         file.isOpen() ? file.CreateSnippet(path, range.start, range.end) : WavFile::ErrorCreateSnippet;
-    // One that was aborted counts as a success, too.
-    const FileState now = FileState::Of(path);
-    isThere = result == WavFile::Success && now.IsFile() && now != former;
-    isNew = !former.IsFile();
+    if (result == WavFile::Success && file.HasWrittenSnippet()) {
+        written = FileState::Of(path);
+        isNew = !hadFormer;
+    }
     return result;
 }
 
-/** One that has replaced a file stays: otherwise neither would be left. */
+/** One that has replaced a file stays: otherwise neither would be left. So does what another program has put in
+ * its place. */
 void LoadedFile::Snippet::RemoveIfNew()
 {
-    if (isThere && isNew && QFile::remove(path)) {
-        isThere = false;
+    if (written.IsFile() && isNew && FileState::Of(path) == written && QFile::remove(path)) {
+        written = {};
     }
 }
 
@@ -99,7 +98,7 @@ bool LoadedFile::CancelSnippet()
     snippet.Stop();
     // The stop may come when the task has looked for it already.
     m_snippet->RemoveIfNew();
-    return !m_snippet->isThere;
+    return !m_snippet->written.IsFile();
 }
 
 QFuture<LoadedFile::Result> LoadedFile::FilterInto(const QString& path)

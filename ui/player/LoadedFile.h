@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/files/FileState.h"
 #include "ui/player/FileLoad.h"
 #include "ui/player/ProgressQueue.h"
 #include "ui/player/SelectionSteps.h"
@@ -122,6 +123,8 @@ private:
             (task.file->file.*m_abort)();
             QThread::usleep(100);
         }
+        // isFinished() alone does not make what the task has written visible here.
+        task.future.waitForFinished();
     }
 
     AbortFunction m_abort;
@@ -165,7 +168,8 @@ private:
     struct Snippet
     {
         QString path;
-        bool isThere = false;
+        /** No file unless it has its name. */
+        AudioEngine::FileState written = {};
         bool isNew = false;
 
         Result WriteFrom(WavFile& file, const Selection& range);

@@ -88,13 +88,15 @@ QAccessibleInterface* Create(const QString& className, QObject* object)
 
 void InstallWaveformAccessible()
 {
+    // Each time: Qt forgets it with every application object, and does not install it twice.
+    QAccessible::installFactory(&Create);
     // Its destructor runs when the library is unloaded, and ahead of that of Qt's list, which is older.
-    static const struct Installed
+    static const struct Removal
     {
-        Installed() { QAccessible::installFactory(&Create); }
-        ~Installed() { QAccessible::removeFactory(&Create); }
-        Q_DISABLE_COPY_MOVE(Installed)
-    } installed;
+        Removal() = default;
+        ~Removal() { QAccessible::removeFactory(&Create); }
+        Q_DISABLE_COPY_MOVE(Removal)
+    } removal;
 }
 
 } // namespace vantoraudio::vantorAudioEngine::UI

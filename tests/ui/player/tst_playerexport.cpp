@@ -65,6 +65,7 @@ private Q_SLOTS:
     void cancelsASnippetThatWaitsForItsTurn();
     void tellsWhetherAnythingIsLeftOfACancelledSnippet_data();
     void tellsWhetherAnythingIsLeftOfACancelledSnippet();
+    void cancellingLeavesAFileAloneThatTookTheName();
     void cancellingWithoutASnippetDoesNothing();
     void aSnippetAndAFilteringMayRunAtOnce();
     void ofTwoSnippetsAtOnceTheLatterIsAnnounced();
@@ -318,6 +319,19 @@ void PlayerExportTest::tellsWhetherAnythingIsLeftOfACancelledSnippet()
     QCOMPARE(TemporaryFiles::Read(setup.Snippet()).startsWith("RIFF"), isWritten);
     QCoreApplication::processEvents();
     QVERIFY(setup.finished.isEmpty());
+}
+
+void PlayerExportTest::cancellingLeavesAFileAloneThatTookTheName()
+{
+    ExportSetup setup;
+    setup.player->SetSelectedSnippet({0.0, 1.0});
+    HeldTask held(setup.File());
+    setup.player->CreateSnippet(setup.Snippet());
+    QVERIFY(held.HasBegun());
+    setup.originals.Write(u"snippet.wav"_s, "another");
+    held.ReleaseUpon(WavFileTestAccess(setup.File()).IsWriteAborted());
+    QVERIFY(setup.player->CancelSnippet());
+    QCOMPARE(TemporaryFiles::Read(setup.Snippet()), "another");
 }
 
 void PlayerExportTest::cancellingWithoutASnippetDoesNothing()
