@@ -188,9 +188,9 @@ public:
      * or channel count is below 1 or its sample format Unknown or UInt8, when the file holds no frame, when no
      * frame comes out (of a few frames at another rate, or of samples that a header promises and that are not
      * there), when the file cannot be read to its end or is shorter than at Open(), when the disk has no room for
-     * the result or the file's rate is hundreds of times the target's (at once), when the output cannot be
-     * written, and when a file is refused (see SetExistingFile()). What the resampler refuses, and that no frame
-     * comes out, is told on the standard error stream.
+     * the result, the file's rate is hundreds of times the target's or the target's more than 200,000 times the
+     * file's (at once), when the output cannot be written, and when a file is refused (see SetExistingFile()).
+     * What the resampler refuses, and that no frame comes out, is told on the standard error stream.
      *
      * Throws std::bad_optional_access when one side has neither one nor two channels. No progress and no abort;
      * the object must not be used by anyone else meanwhile, except for the tasks in the background when the

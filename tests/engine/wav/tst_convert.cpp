@@ -109,6 +109,7 @@ private Q_SLOTS:
     void failsForARateThatCannotBeResampled_data();
     void failsForARateThatCannotBeResampled();
     void failsForRatesTooFarApart();
+    void failsWhereTheRateRisesTooFar();
     void refusesAtOnceWhatNoDiskCanHold();
 
     void copiesWhatNeedsNoConversion_data();
@@ -321,6 +322,22 @@ void TestConvert::failsForRatesTooFarApart()
     QVERIFY(!file.Convert(Format(QAudioFormat::Float, 1, 600000), m_out));
     QCOMPARE(OwnLines(capture.Text()), QByteArray("Could not allocate destination samples\n"));
     QCOMPARE(Names(), QStringList({u"source.wav"_s}));
+}
+
+/** What the resampler holds back would take a gigabyte, though the file has few frames. */
+void TestConvert::failsWhereTheRateRisesTooFar()
+{
+    WavBytes wav = Tones(50, 1, 8000);
+    wav.sampleRate = 1;
+    WavFile file;
+    QCOMPARE(file.Open(Write(wav)), WavFile::Success);
+    {
+        StandardErrorCapture capture;
+        QVERIFY(!file.Convert(Format(QAudioFormat::Float, 1, 200001), m_out));
+        QCOMPARE(OwnLines(capture.Text()), QByteArray("Could not allocate destination samples\n"));
+    }
+    QCOMPARE(Names(), QStringList({u"source.wav"_s}));
+    QVERIFY(file.Convert(Format(QAudioFormat::Float, 1, 192000), m_out));
 }
 
 /** A megabyte that becomes almost half a terabyte. */
