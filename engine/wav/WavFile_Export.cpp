@@ -1,6 +1,7 @@
 #include "engine/files/BlockWalk.h"
 #include "engine/files/FileReplacement.h"
 #include "engine/samples/SampleEncoding.h"
+#include "engine/wav/SnippetExport.h"
 #include "engine/wav/WavAudio.h"
 #include "engine/wav/WavHeader.h"
 #include "engine/wav/WavWriter.h"
@@ -29,6 +30,14 @@ QAudioFormat OutputFormat(const StoredFormat& source, int channelCount = 1)
     return output;
 }
 
+enum class CopyEnd
+{
+    Failed,
+    /** An abort that leaves nothing. */
+    NothingLeft,
+    HasName
+};
+
 /** One channel, or both, of a stretch of a file on its way into another file. */
 struct ChannelCopy
 {
@@ -46,10 +55,8 @@ struct ChannelCopy
     /** Whether a file that has the name by the end stays and will do. */
     bool keepsFormer = false;
     int outputChannels = 1;
-    /** Becomes true when the new file has its name; may be null. */
-    bool* hasName = nullptr;
 
-    bool WriteTo(const QString& path, qint64 statedSize) const;
+    CopyEnd WriteTo(const QString& path, qint64 statedSize) const;
 
 private:
     WalkResult CopyInto(WavWriter& output) const;
@@ -57,41 +64,34 @@ private:
     {
         return keepsFormer ? file.CommitUnlessTaken() : audio.TakeName(file);
     }
-    void TellOfName() const
-    {
-        if (hasName) {
-            StoreShared(*hasName, true);
-        }
-    }
     void ResetProgress() const { Q_EMIT source.ProgressChanged(0, 0, 100, WavFile::tr("")); }
 };
 
-bool ChannelCopy::WriteTo(const QString& path, qint64 statedSize) const
+CopyEnd ChannelCopy::WriteTo(const QString& path, qint64 statedSize) const
 {
     if (audio.Refuses(path)) {
-        return false;
+        return CopyEnd::Failed;
     }
     PendingFile file(path);
     WavWriter output(file);
     if (!output.Open(OutputFormat(audio.format, outputChannels), statedSize, audio.allowsLargeFiles)) {
-        return false;
+        return CopyEnd::Failed;
     }
     const WalkResult result = CopyInto(output);
     if (result == WalkResult::FileFailed) {
         // Its header would state more than there is to be had: it would look whole.
-        return false;
+        return CopyEnd::Failed;
     }
     if (result == WalkResult::Aborted && !audio.keepsParts) {
-        return true;
+        return CopyEnd::NothingLeft;
     }
     if (result != WalkResult::Stopped && TakeName(file)) {
-        TellOfName();
-        return true;
+        return CopyEnd::HasName;
     }
     if (audio.keepsParts) {
         output.KeepPart();
     }
-    return false;
+    return CopyEnd::Failed;
 }
 
 /** Stopped when the output could not be filled. An abort and the end of the source are no failures. */
@@ -152,41 +152,41 @@ WavFile::AudioEngineReturnValue WavFile::FilterChannel(const QString& outPath)
                            .end = audio.PositionOf(audio.duration),
                            .sourceSize = m_sizeAtOpening,
                            .keepsFormer = keepsFormer};
-    return copy.WriteTo(outPath, audio.Counting().Truncate(audio.duration * bytesPerSecond)) ? Success
-                                                                                             : ErrorFilterChannel;
-}
-
-bool WavFile::HasWrittenSnippet() const
-{
-    return LoadShared(m_hasWrittenSnippet);
+    const qint64 statedSize = audio.Counting().Truncate(audio.duration * bytesPerSecond);
+    return copy.WriteTo(outPath, statedSize) == CopyEnd::Failed ? ErrorFilterChannel : Success;
 }
 
 WavFile::AudioEngineReturnValue WavFile::CreateSnippet(const QString& outPath, double start, double end)
 {
-    StoreShared(m_hasWrittenSnippet, false);
+    return SnippetExport::Write(*this, outPath, start, end).code;
+}
+
+SnippetResult SnippetExport::Write(WavFile& file, const QString& outPath, double start, double end)
+{
     // The audio that the snippet is taken from is not to be replaced by it.
-    if (IsSameFile(fileName(), outPath)) {
-        return ErrorCreateSnippet;
+    if (IsSameFile(file.fileName(), outPath)) {
+        return {WavFile::ErrorCreateSnippet};
     }
-    const WavAudio audio = StartTask(*this, m_mutex, m_abortWrite);
+    const WavAudio audio = StartTask(file, file.m_mutex, file.m_abortWrite);
     // Counted in whole milliseconds, so the stated size may differ from the size of the range. A snippet without a
     // frame states -1.
     const double milliseconds = std::round((end - start) * 1000.0);
     const qint64 frames =
         audio.Counting().Truncate(double(audio.format.audio.sampleRate()) * milliseconds / 1000.0);
-    const bool isStereo = audio.format.audio.channelCount() == 2 && audio.channel == ChannelLeftRight;
+    const bool isStereo = audio.format.audio.channelCount() == 2 && audio.channel == WavFile::ChannelLeftRight;
     const int outputChannels = isStereo && audio.keepsBothChannels ? 2 : 1;
-    const qint64 statedSize = vantoraudio::AudioEngine::SamplesToBytes(
-        frames, OutputFormat(audio.format).bytesPerSample(), outputChannels, audio.Counting());
-    const ChannelCopy copy{.source = *this,
-                           .deviceMutex = m_deviceMutex,
+    const qint64 statedSize =
+        SamplesToBytes(frames, OutputFormat(audio.format).bytesPerSample(), outputChannels, audio.Counting());
+    const ChannelCopy copy{.source = file,
+                           .deviceMutex = file.m_deviceMutex,
                            .audio = audio,
-                           .abortFlag = m_abortWrite,
-                           .progressText = tr("Creating snippet..."),
+                           .abortFlag = file.m_abortWrite,
+                           .progressText = WavFile::tr("Creating snippet..."),
                            .start = audio.PositionOf(start),
                            .end = audio.PositionOf(end),
-                           .sourceSize = m_sizeAtOpening,
-                           .outputChannels = outputChannels,
-                           .hasName = &m_hasWrittenSnippet};
-    return copy.WriteTo(outPath, statedSize) ? Success : ErrorCreateSnippet;
+                           .sourceSize = file.m_sizeAtOpening,
+                           .outputChannels = outputChannels};
+    const CopyEnd copyEnd = copy.WriteTo(outPath, statedSize);
+    return {.code = copyEnd == CopyEnd::Failed ? WavFile::ErrorCreateSnippet : WavFile::Success,
+            .hasName = copyEnd == CopyEnd::HasName};
 }

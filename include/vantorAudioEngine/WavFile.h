@@ -10,6 +10,10 @@
 
 #include <optional>
 
+namespace vantoraudio::AudioEngine {
+struct SnippetExport;
+} // namespace vantoraudio::AudioEngine
+
 /**
  * One RIFF/WAVE file on disk: its sample format, where its sample data lies, how long it lasts, and the
  * decimated samples that a waveform view draws of it.
@@ -214,9 +218,6 @@ public:
      * `outPath` leads to this very file, which is not touched; and when a file is refused (see SetExistingFile()).
      */
     AudioEngineReturnValue CreateSnippet(const QString& outPath, double start, double end);
-    /** Whether the latest CreateSnippet() gave a whole file, or what there was of it when it was aborted, the
-     * name. An aborted one that left nothing (see SetKeepParts()) is a success, too. Any thread. */
-    [[nodiscard]] bool HasWrittenSnippet() const;
 
     /**
      * Writes the selected channel of a stereo file, ChannelLeft or ChannelRight, to the new file `outPath`, with
@@ -241,6 +242,7 @@ Q_SIGNALS:
 
 private:
     friend class WavFileTestAccess;
+    friend struct vantoraudio::AudioEngine::SnippetExport;
 
     /** Reads the header of the open file into the fields; they keep what was read before a failing check, and the
      *  file stays where reading stopped. */
@@ -305,7 +307,6 @@ private:
     bool m_keepsParts = true;
     bool m_keepsBothChannels = false;
     ExistingFile m_existingFile = ExistingFile::Customary;
-    bool m_hasWrittenSnippet = false;
     /** In bytes. */
     qint64 m_sizeAtOpening = 0;
 

@@ -1,5 +1,7 @@
 #include "ui/player/LoadedFile.h"
 
+#include "engine/wav/SnippetExport.h"
+
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 
@@ -7,6 +9,7 @@ namespace vantoraudio::vantorAudioEngine::UI {
 namespace {
 
 using AudioEngine::FileState;
+using AudioEngine::SnippetExport;
 using Result = LoadedFile::Result;
 
 void Release(WorkingFile* file)
@@ -75,13 +78,15 @@ Result LoadedFile::Snippet::WriteFrom(WavFile& file, const Selection& range)
 {
     const bool hadFormer = QFileInfo::exists(path);
     // Of a closed file only a header would be written, over what is there.
-    const Result result =
-        file.isOpen() ? file.CreateSnippet(path, range.start, range.end) : WavFile::ErrorCreateSnippet;
-    if (result == WavFile::Success && file.HasWrittenSnippet()) {
+    if (!file.isOpen()) {
+        return WavFile::ErrorCreateSnippet;
+    }
+    const auto [code, hasName] = SnippetExport::Write(file, path, range.start, range.end);
+    if (hasName) {
         written = FileState::Of(path);
         isNew = !hadFormer;
     }
-    return result;
+    return code;
 }
 
 /** One that has replaced a file stays: otherwise neither would be left. So does what another program has put in

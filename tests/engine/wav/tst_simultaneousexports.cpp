@@ -1,3 +1,4 @@
+#include "engine/wav/SnippetExport.h"
 #include "tests/support/TemporaryFiles.h"
 #include "tests/support/TestAudio.h"
 
@@ -24,6 +25,7 @@ private Q_SLOTS:
     void anExportBesideAnExtractionGivesTheSameBytesAsAlone();
     void aConversionBesideOthersGivesTheSameBytesAsAlone();
     void abortingOneLeavesTheOtherAlone();
+    void eachSnippetKnowsWhetherItHasItsName();
 
 private:
     using Task = std::function<void()>;
@@ -145,6 +147,29 @@ void TestSimultaneousExports::abortingOneLeavesTheOtherAlone()
     QCOMPARE((first.size() - 44) % 400, 0);
     QVERIFY(Read(u"second.wav"_s) ==
             m_audio.Exported(m_audio.ExportedData(0, 150000, WavFile::ChannelRight), 300000));
+}
+
+/** Both run on one thread here: one begins and ends while the other is at its first block, and aborts it then. */
+void TestSimultaneousExports::eachSnippetKnowsWhetherItHasItsName()
+{
+    using vantoraudio::AudioEngine::SnippetExport;
+    using vantoraudio::AudioEngine::SnippetResult;
+    m_file->SetKeepParts(false);
+    SnippetResult inner;
+    connect(
+        m_file.get(), &WavFile::ProgressChanged, this,
+        [&] {
+            inner = SnippetExport::Write(*m_file, Path(u"second.wav"_s), 0, 4);
+            m_file->AbortWrite();
+        },
+        Qt::SingleShotConnection);
+    const SnippetResult outer = SnippetExport::Write(*m_file, Path(u"first.wav"_s), 0, 4);
+    QCOMPARE(inner.code, WavFile::Success);
+    QVERIFY(inner.hasName);
+    QVERIFY(QFile::exists(Path(u"second.wav"_s)));
+    QCOMPARE(outer.code, WavFile::Success);
+    QVERIFY(!outer.hasName);
+    QVERIFY(!QFile::exists(Path(u"first.wav"_s)));
 }
 
 QTEST_GUILESS_MAIN(TestSimultaneousExports)
