@@ -20,9 +20,6 @@ namespace {
 
 /** How much a block may become at once; what is more is handed over in parts. */
 constexpr int64_t mostTargetFrames = 1 << 20;
-/** By how many times the rate may rise: the resampler holds back some tens of source frames, for which it makes
- * room several times over. From 1 Hz to 768 kHz that took a gigabyte. */
-constexpr int steepestRise = 200000;
 
 /** The planes of interleaved samples: one pointer to one buffer. */
 class SampleArray
@@ -88,7 +85,6 @@ private:
     bool MakeRoom(int frames);
     int TargetFrames(int64_t sourceFrames) const;
     bool CanCountTarget(int blockFrames) const;
-    bool CanHoldTail() const;
 
     PcmLayout m_source;
     PcmLayout m_target;
@@ -118,8 +114,7 @@ bool PcmResampler::Data::SetUp()
     // FFmpeg may accept a missing sample format where it has nothing to resample.
     const bool hasFormats =
         m_source.sampleFormat != AV_SAMPLE_FMT_NONE && m_target.sampleFormat != AV_SAMPLE_FMT_NONE;
-    return (hasFormats && CanBeResampled(m_source.sampleRate, m_target.sampleRate) &&
-            swr_init(m_context.get()) >= 0) ||
+    return (hasFormats && CanFall(m_source.sampleRate, m_target.sampleRate) && swr_init(m_context.get()) >= 0) ||
            Complain("Failed to initialize the resampling context\n");
 }
 
@@ -134,14 +129,9 @@ bool PcmResampler::Data::AllocateSamples(int blockFrames)
     const int64_t bearable = av_rescale(mostTargetFrames, m_source.sampleRate, m_target.sampleRate);
     m_blockFrames = static_cast<int>(std::clamp<int64_t>(bearable, 1, blockFrames));
     m_targetCapacity = TargetFrames(m_blockFrames);
-    return (CanCountTarget(blockFrames) && CanHoldTail() &&
+    return (CanCountTarget(blockFrames) && CanRise(m_source.sampleRate, m_target.sampleRate) &&
             m_targetSamples.Allocate(m_target, m_targetCapacity) >= 0) ||
            Complain("Could not allocate destination samples\n");
-}
-
-bool PcmResampler::Data::CanHoldTail() const
-{
-    return m_target.sampleRate / m_source.sampleRate <= steepestRise;
 }
 
 /** Rates that are too far apart for a whole block are refused, though a part of it would find room. */

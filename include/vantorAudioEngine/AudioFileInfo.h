@@ -46,8 +46,9 @@ public:
         TooLong,
         /** The disk has too little room for the WAV file. */
         NoSpace,
-        /** No WAV file is made at ImportOptions::sampleRate, or not from a rate as high as the file's own: above
-         *  some 200 times the target a conversion may take gigabytes. */
+        /** No WAV file is made at ImportOptions::sampleRate, or not from the file's own rate: a conversion from
+         *  more than some 200 times the target, or to more than 200,000 times the file's rate, may take gigabytes.
+         */
         UnsupportedRate,
         /** No file of that name may be written there. */
         CannotBeCreated,

@@ -452,6 +452,11 @@ void TestAudioImporter::refusesAtOnceWhatTheResamplerCannotBear()
     QCOMPARE(FilesIn(files.Path({})), QStringList{u"fast.wav"_s});
     // As it is, it needs no resampler.
     QVERIFY(AudioImporter::ImportNow(source, out).IsSuccess());
+
+    const WavBytes slow{.sampleRate = 1, .data = QByteArray(200, '\x11')};
+    const QString slowSource = files.Write(u"slow.wav"_s, slow.Build());
+    QCOMPARE(AudioImporter::ImportNow(slowSource, out, {.sampleRate = 200001}).problem, Problem::UnsupportedRate);
+    QVERIFY(AudioImporter::ImportNow(slowSource, out, {.sampleRate = 192000}).IsSuccess());
 }
 
 void TestAudioImporter::staysCancelledWhateverIsAnsweredLater()
