@@ -10,8 +10,6 @@ chmod 700 "$runtime"
 export XDG_RUNTIME_DIR="$runtime"
 export PULSE_RUNTIME_PATH="$runtime/pulse"
 export PULSE_SERVER="unix:$runtime/pulse/native"
-export QT_QPA_PLATFORM=xcb
-unset WAYLAND_DISPLAY DISPLAY
 
 pulseaudio -n --daemonize=no --exit-idle-time=-1 --log-target=file:"$runtime/pulse.log" \
   --load="module-native-protocol-unix socket=$runtime/pulse/native" \
@@ -31,5 +29,4 @@ for _ in $(seq 100); do
 done
 pactl info >/dev/null || { echo "private-session: the sound server did not start" >&2; exit 1; }
 
-# Without -noreset the display starts again whenever its last window program ends, and refuses one that comes just then.
-xvfb-run --auto-servernum --server-args="-screen 0 1600x900x24 -noreset" "$@"
+"$(dirname "$0")/private-display.sh" "$@"
