@@ -36,12 +36,17 @@ void FitTime(QLineEdit& field)
     field.setFixedWidth(std::max(80, around + metrics.horizontalAdvance(u"00:00:00.000 "_s)));
 }
 
-void FitIcon(QPushButton& button, const QSize& smallest)
+/** In steps: pictures of odd sizes get blurred. */
+void FitIcon(QPushButton& button)
 {
-    // In steps: pictures of odd sizes get blurred.
     const int height = std::max(16, button.fontMetrics().height() / 4 * 4);
     button.setIconSize(QSize(height, height));
-    button.setFixedSize(smallest.expandedTo({height + 12, height + 8}));
+}
+
+void FitButton(QPushButton& button, const QSize& smallest)
+{
+    FitIcon(button);
+    button.setFixedSize(smallest.expandedTo(button.iconSize() + QSize(12, 8)));
 }
 
 /** Layouts within layouts notice changes only when they are used again, which is too late for measuring. */
@@ -112,10 +117,12 @@ void FlexibleSizes::GatherPosition()
     QLayout* const transport = m_player.findChild<QLayout*>(u"playerContolsHLayout"_s);
     auto* const playing = new QHBoxLayout;
     auto* const position = new QHBoxLayout;
+    position->addStretch();
     for (const auto& name :
          {"lblCurrentPos"_L1, "edCurrentPosition"_L1, "lblHeaderTotal"_L1, "edTotalDuration"_L1}) {
         position->addWidget(m_player.findChild<QWidget*>(name));
     }
+    position->addStretch();
     while (QLayoutItem* const item = row->takeAt(0)) {
         if (item->spacerItem()) {
             delete item;
@@ -137,12 +144,13 @@ void FlexibleSizes::FitToFont()
     }
     for (QPushButton* button : {m_controls.btnMute, m_controls.btnStop, m_controls.btnPlayPause,
                                 m_controls.btnLoop, m_controls.btnSettings}) {
-        FitIcon(*button, {28, 22});
+        FitButton(*button, {28, 22});
     }
     for (QPushButton* button : {m_controls.btnDecSelectionStart, m_controls.btnIncSelectionStart,
                                 m_controls.btnDecSelectionEnd, m_controls.btnIncSelectionEnd}) {
-        FitIcon(*button, {20, 22});
+        FitButton(*button, {20, 22});
     }
+    FitIcon(*m_controls.btnLoadFile);
     BreakRows();
 }
 

@@ -706,6 +706,9 @@ void PlayerLayoutTest::rowsBreakWhereThePlayerIsNarrow()
     player.resize(480, 600);
     QCOMPARE(player.width(), 480);
     QTRY_VERIFY(topOf(u"lblAudio"_s) < topOf(u"lblSelection"_s));
+    const auto* total = player.findChild<QLabel*>(u"lblHeaderTotal"_s);
+    const auto* totalField = player.findChild<QLineEdit*>(u"edTotalDuration"_s);
+    QVERIFY(totalField->x() - total->geometry().right() < 10 && total->width() <= total->sizeHint().width());
     player.resize(1400, 600);
     QTRY_COMPARE(topOf(u"lblAudio"_s), topOf(u"lblSelection"_s));
 }
@@ -714,15 +717,18 @@ void PlayerLayoutTest::sizesFollowTheFont()
 {
     AudioPlayerWidget player;
     player.UseFlexibleSizes();
-    const QLineEdit* const field = player.findChild<QLineEdit*>(u"edCurrentPosition"_s);
+    const auto* field = player.findChild<QLineEdit*>(u"edCurrentPosition"_s);
+    const auto* button = player.findChild<QPushButton*>(u"btnLoadFile"_s);
     QFont font = player.font();
     font.setPointSize(24);
     player.setFont(font);
     const int large = field->width();
+    QVERIFY(button->iconSize().height() > 30);
     font.setPointSize(6);
     player.setFont(font);
     QVERIFY(field->width() < large);
     QVERIFY(field->width() >= 80);
+    QCOMPARE(button->iconSize(), QSize(16, 16));
 }
 
 int main(int argc, char* argv[])
