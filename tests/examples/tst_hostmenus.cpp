@@ -122,6 +122,19 @@ QMap<QString, QString> RowsOf(const QDialog& dialog)
     return rows;
 }
 
+/** What the information about the file says. Nothing if it was not shown, or could not be closed. */
+QMap<QString, QString> ShowInformation(PlayerWindow& window)
+{
+    QMap<QString, QString> rows;
+    Answers answers;
+    answers.Add<FileInformation>([&](FileInformation& dialog) {
+        rows = RowsOf(dialog);
+        QTest::keyClick(&dialog, Qt::Key_Escape);
+    });
+    QTest::keyClick(&window, Qt::Key_I, Qt::ControlModifier);
+    return answers.AreGiven() ? rows : QMap<QString, QString>();
+}
+
 QString CheckedDevice(PlayerWindow& window)
 {
     const QList<QAction*> actions = window.findChild<DeviceMenu*>()->actions();
@@ -271,14 +284,7 @@ private Q_SLOTS:
         PlayerWindow window;
         QVERIFY(Activate(window));
         QVERIFY(OpenCompletely(window, path));
-        QMap<QString, QString> rows;
-        Answers answers;
-        answers.Add<FileInformation>([&](FileInformation& dialog) {
-            rows = RowsOf(dialog);
-            QTest::keyClick(&dialog, Qt::Key_Escape);
-        });
-        QTest::keyClick(&window, Qt::Key_I, Qt::ControlModifier);
-        QVERIFY(answers.AreGiven());
+        const QMap<QString, QString> rows = ShowInformation(window);
         QCOMPARE(rows.value(u"Name:"_s), u"spoken.mp3"_s);
         QCOMPARE(rows.value(u"Folder:"_s), copies.Folder());
         QCOMPARE(rows.value(u"Title:"_s), u"A <b>bold</b> title"_s);
@@ -297,14 +303,7 @@ private Q_SLOTS:
         QVERIFY(Activate(window));
         QVERIFY(OpenCompletely(window, copies.Path(u"take.wav"_s)));
         QVERIFY(QFile::remove(copies.Path(u"take.wav"_s)));
-        QMap<QString, QString> rows;
-        Answers answers;
-        answers.Add<FileInformation>([&](FileInformation& dialog) {
-            rows = RowsOf(dialog);
-            QTest::keyClick(&dialog, Qt::Key_Escape);
-        });
-        QTest::keyClick(&window, Qt::Key_I, Qt::ControlModifier);
-        QVERIFY(answers.AreGiven());
+        const QMap<QString, QString> rows = ShowInformation(window);
         QCOMPARE(rows.value(u"Name:"_s), u"take.wav"_s);
         QCOMPARE(rows.value(u"Bits of a sample:"_s), u"16"_s);
         QVERIFY(!rows.contains(u"Size:"_s));
@@ -320,14 +319,7 @@ private Q_SLOTS:
         if (!held.IsHeld()) {
             QSKIP("This file system lets every reader in.");
         }
-        QMap<QString, QString> rows;
-        Answers answers;
-        answers.Add<FileInformation>([&](FileInformation& dialog) {
-            rows = RowsOf(dialog);
-            QTest::keyClick(&dialog, Qt::Key_Escape);
-        });
-        QTest::keyClick(&window, Qt::Key_I, Qt::ControlModifier);
-        QVERIFY(answers.AreGiven());
+        const QMap<QString, QString> rows = ShowInformation(window);
         QCOMPARE(rows.value(u"Name:"_s), u"take.wav"_s);
         QCOMPARE(rows.value(u"Bits of a sample:"_s), u"16"_s);
     }
