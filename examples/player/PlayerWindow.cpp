@@ -200,7 +200,7 @@ void PlayerWindow::OnFileLoaded()
     }
     if (!m_snippetPath.isEmpty()) {
         // The file that it was taken from is gone.
-        EndCancelledSelection();
+        EndExport(tr("Cancelled."));
     }
     ShowWhatCanBeExported();
 }

@@ -7,13 +7,11 @@
 #include <vantorAudioEngine/AudioFileInfo.h>
 #include <vantorAudioEngine/AudioPlayerActions.h>
 
-#include <QtCore/QDateTime>
 #include <QtCore/QTimer>
 #include <QtWidgets/QMainWindow>
 
 #include <functional>
 #include <memory>
-#include <utility>
 
 class DragHandle;
 class FileList;
@@ -125,7 +123,6 @@ private:
     void WriteSelection();
     void OnSaved(const QString& path);
     void OnExportFailed(const QString& path);
-    void EndCancelledSelection();
     void EndExport(const QString& message);
     Output AskForOutput(const QString& what);
     bool MayReplace(const QString& path);
@@ -154,8 +151,6 @@ private:
     /** The selection goes there; it waits while the waveform is being read. */
     QString m_snippetPath;
     bool m_isSnippetWaiting = false;
-    /** Size and time of what had its name. */
-    std::pair<qint64, QDateTime> m_stateOfFormer;
     /** For the export that is running. */
     Existing m_existing = Existing::Keep;
 

@@ -5,7 +5,6 @@
 #include "Remembered.h"
 #include "TaskProgress.h"
 
-#include <QtCore/QDateTime>
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
 #include <QtWidgets/QFileDialog>
@@ -43,13 +42,6 @@ QAudioFormat FormatOf(const Target& target)
     format.setSampleRate(target.sampleRate);
     format.setChannelCount(target.channelCount);
     return format;
-}
-
-/** Tells whether a file was replaced. */
-std::pair<qint64, QDateTime> StateOf(const QString& path)
-{
-    const QFileInfo file(path);
-    return {file.size(), file.lastModified()};
 }
 
 } // namespace
@@ -102,7 +94,6 @@ void PlayerWindow::ExportSelection(const QString& outPath, Existing existing)
 
 void PlayerWindow::WriteSelection()
 {
-    m_stateOfFormer = StateOf(m_snippetPath);
     m_player->SetKeepExistingFiles(m_existing == Existing::Keep);
     m_player->CreateSnippet(m_snippetPath);
 }
@@ -129,19 +120,10 @@ void PlayerWindow::CancelExport()
     if (m_snippetPath.isEmpty()) {
         return;
     }
-    const bool nothingIsLeft = m_isSnippetWaiting || m_player->CancelSnippet();
-    // One that is complete already is still announced. A channel may be busy all the same.
-    if (nothingIsLeft || !m_player->IsBusy()) {
-        EndCancelledSelection();
+    // One that is whole already is still announced.
+    if (m_isSnippetWaiting || m_player->CancelSnippet()) {
+        EndExport(tr("Cancelled."));
     }
-}
-
-/** A selection may be whole, and have replaced a file, in the moment in which it is cancelled. */
-void PlayerWindow::EndCancelledSelection()
-{
-    const bool hasReplaced = !m_isSnippetWaiting && m_existing == Existing::Replace &&
-                             QFileInfo::exists(m_snippetPath) && StateOf(m_snippetPath) != m_stateOfFormer;
-    hasReplaced ? OnSaved(m_snippetPath) : EndExport(tr("Cancelled."));
 }
 
 bool PlayerWindow::CanExportTo(const QString& outPath, Existing existing)

@@ -193,12 +193,12 @@ public:
     /** Writes the selection of the selected channel to a new file, in the background. Ends with
      *  CreateSnippetFinished() or ErrorHandler(). Dropped without a word while samples are being read. */
     void CreateSnippet(const QString& filePath);
-    /** Stops the snippet that is being written and removes what there is of it; only one that is whole already and
-     *  has taken the place of a file stays. The reports of progress that still wait and BusyChanged() come before
-     *  this returns; nothing else tells of it. True when nothing is left of the snippet, false when it stays.
+    /** Stops the snippet that is being written and removes what there is of it. The reports of progress that still
+     *  wait and BusyChanged() come before this returns true; nothing else tells of it.
      *
-     *  Does nothing and returns false when none is being written, also when one has just been written whole, of
-     *  which CreateSnippetFinished() still tells. */
+     *  False when there is nothing to cancel: no snippet is being written, or it is whole already, of which
+     *  CreateSnippetFinished() still tells. One that is whole can only be removed where it has not taken the place
+     *  of another file. */
     bool CancelSnippet();
 
     /** Plays from the current position; does nothing without a file, or while it plays. */

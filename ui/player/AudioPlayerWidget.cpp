@@ -198,10 +198,8 @@ void AudioPlayerWidget::Close()
     m_internals->loaded.StopReading();
     m_internals->DropFiltering();
     m_internals->playableCopy.reset();
-    const bool isWriting = m_snippetWatcher.isRunning();
     // A snippet that was written whole is still announced.
-    if (isWriting) {
-        static_cast<void>(m_internals->loaded.CancelSnippet());
+    if (m_snippetWatcher.isRunning() && m_internals->loaded.CancelSnippet()) {
         Forget(m_snippetWatcher);
     }
     m_internals->loaded.snippet.Stop();

@@ -207,15 +207,14 @@ void AudioPlayerWidget::SetKeepExistingFiles(bool keep)
 
 bool AudioPlayerWidget::CancelSnippet()
 {
-    if (!m_snippetWatcher.isRunning()) {
+    if (!m_snippetWatcher.isRunning() || !m_internals->loaded.CancelSnippet()) {
         return false;
     }
-    const bool nothingIsLeft = m_internals->loaded.CancelSnippet();
     Forget(m_snippetWatcher);
     if (m_internals->TellAllReports()) {
         SetBusy(m_channelFilterWatcher.isRunning());
     }
-    return nothingIsLeft;
+    return true;
 }
 
 bool AudioPlayerWidget::Internals::TellAllReports()

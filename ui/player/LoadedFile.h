@@ -151,7 +151,7 @@ public:
     void StopReading();
     /** Nothing is left of a stopped one, unless it is whole and has replaced a file. */
     [[nodiscard]] QFuture<Result> WriteSnippet(const QString& path, const Selection& range);
-    /** Stops the latest one. Whether nothing is left of it. */
+    /** Stops the latest one. Whether nothing is left of it; otherwise it ends as a whole one. */
     [[nodiscard]] bool CancelSnippet();
     /** Nothing but a whole file is left of one that is stopped or fails. */
     [[nodiscard]] QFuture<Result> FilterInto(const QString& path);

@@ -63,8 +63,8 @@ private Q_SLOTS:
     void aSelectionThatIsMovedPastTheEndIsExportedFromWithinTheFile();
     void cancelsASnippet();
     void cancelsASnippetThatWaitsForItsTurn();
-    void tellsWhetherAnythingIsLeftOfACancelledSnippet_data();
-    void tellsWhetherAnythingIsLeftOfACancelledSnippet();
+    void tellsWhetherASnippetIsCancelledInTime_data();
+    void tellsWhetherASnippetIsCancelledInTime();
     void cancellingLeavesAFileAloneThatTookTheName();
     void cancellingWithoutASnippetDoesNothing();
     void aSnippetAndAFilteringMayRunAtOnce();
@@ -286,7 +286,7 @@ void PlayerExportTest::cancelsASnippetThatWaitsForItsTurn()
     QVERIFY(setup.player->errors.isEmpty());
 }
 
-void PlayerExportTest::tellsWhetherAnythingIsLeftOfACancelledSnippet_data()
+void PlayerExportTest::tellsWhetherASnippetIsCancelledInTime_data()
 {
     QTest::addColumn<double>("end");
     QTest::addColumn<bool>("hasFormer");
@@ -299,7 +299,7 @@ void PlayerExportTest::tellsWhetherAnythingIsLeftOfACancelledSnippet_data()
     QTest::newRow("when it is whole and has replaced a file") << singleBlock << true << true;
 }
 
-void PlayerExportTest::tellsWhetherAnythingIsLeftOfACancelledSnippet()
+void PlayerExportTest::tellsWhetherASnippetIsCancelledInTime()
 {
     QFETCH(double, end);
     QFETCH(bool, hasFormer);
@@ -314,11 +314,13 @@ void PlayerExportTest::tellsWhetherAnythingIsLeftOfACancelledSnippet()
     QVERIFY(held.HasBegun());
     held.ReleaseUpon(WavFileTestAccess(setup.File()).IsWriteAborted());
     QCOMPARE(setup.player->CancelSnippet(), !isWritten);
-    QVERIFY(!setup.player->IsBusy());
+    QCOMPARE(setup.player->IsBusy(), isWritten);
     QCOMPARE(QFile::exists(setup.Snippet()), hasFormer);
     QCOMPARE(TemporaryFiles::Read(setup.Snippet()).startsWith("RIFF"), isWritten);
+    QVERIFY(setup.IsIdle());
     QCoreApplication::processEvents();
-    QVERIFY(setup.finished.isEmpty());
+    QCOMPARE(setup.finished.size(), isWritten ? 1 : 0);
+    QCOMPARE(setup.busy, (States{{true}, {false}}));
 }
 
 void PlayerExportTest::cancellingLeavesAFileAloneThatTookTheName()
