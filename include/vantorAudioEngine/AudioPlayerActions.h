@@ -23,10 +23,10 @@ class AudioPlayerWidget;
  * keys changes the actions. Text fields keep the keys that they need, and so do sliders and boxes of the player
  * while they have the focus. Without a file the actions do nothing.
  *
- * Controls of the player that have no tool tip get one. Where an action does the same, it names the action's key
- * and follows the action's text and key, until the program sets another tool tip. Loop and Mute are checked while
- * they are on. After a SetAudioPlayBackMute() of the program, of which no signal tells, Mute is so from its next
- * use on.
+ * Controls of the player that have no tool tip get one, which outlives this object. Where an action does the same,
+ * it names the action's key and follows the action's text and key, until the program sets another tool tip. Loop
+ * and Mute are checked while they are on. After a SetAudioPlayBackMute() of the program, of which no signal tells,
+ * Mute is so from its next use on.
  *
  * GUI thread only. The actions belong to this object, and it belongs to the player, which must not be null.
  */

@@ -193,12 +193,11 @@ public:
     /** Writes the selection of the selected channel to a new file, in the background. Ends with
      *  CreateSnippetFinished() or ErrorHandler(). Dropped without a word while samples are being read. */
     void CreateSnippet(const QString& filePath);
-    /** Stops the snippet that is being written and removes what there is of it. The reports of progress that still
-     *  wait and BusyChanged() come before this returns true; nothing else tells of it.
+    /** Stops the snippet that is being written; nothing is left of it. The reports of progress that still wait and
+     *  BusyChanged() come before this returns true; nothing else tells of it.
      *
-     *  False when there is nothing to cancel: no snippet is being written, or it is whole already, of which
-     *  CreateSnippetFinished() still tells. One that is whole can only be removed where it has not taken the place
-     *  of another file. */
+     *  False when no snippet is being written, or it has ended already, of which CreateSnippetFinished() or
+     *  ErrorHandler() still tells. A whole snippet stays. */
     bool CancelSnippet();
 
     /** Plays from the current position; does nothing without a file, or while it plays. */

@@ -365,6 +365,8 @@ void AudioPlayerWidget::EnableAudioControls(bool canPlay)
  *  hidden. */
 void AudioPlayerWidget::SetBusy(bool busy)
 {
+    // A receiver of what the focus makes Qt tell may destroy the widget.
+    const QPointer<AudioPlayerWidget> self(this);
     m_busy = busy;
     ++m_internals->busyCount;
     const bool waveformHasFocus = window()->focusWidget() == m_waveformWidget;
@@ -379,7 +381,9 @@ void AudioPlayerWidget::SetBusy(bool busy)
     } else if (!busy) {
         m_internals->TakeFocusBack();
     }
-    Q_EMIT BusyChanged(busy);
+    if (self) {
+        Q_EMIT BusyChanged(busy);
+    }
 }
 
 /** Unless the user or the program has moved it on. */

@@ -24,6 +24,7 @@ namespace vantoraudio::vantorAudioEngine::UI {
 
 void AudioPlayerWidget::Play()
 {
+    m_internals->PlayOnWithCopy(true);
     const bool hasFile = m_internals->controls.btnPlayPause->isEnabledTo(this);
     if (hasFile && !IsPlaying()) {
         m_audioPlayer->play();
@@ -32,7 +33,7 @@ void AudioPlayerWidget::Play()
 
 void AudioPlayerWidget::Pause()
 {
-    m_internals->StayStoppedWithCopy();
+    m_internals->PlayOnWithCopy(false);
     if (IsPlaying()) {
         m_audioPlayer->pause();
     }
@@ -75,10 +76,10 @@ bool AudioPlayerWidget::Internals::AwaitsCopy() const
     return playableCopy && widget.m_audioPlayer->source().isEmpty();
 }
 
-void AudioPlayerWidget::Internals::StayStoppedWithCopy()
+void AudioPlayerWidget::Internals::PlayOnWithCopy(bool plays)
 {
     if (playsOnWithCopy) {
-        playsOnWithCopy = false;
+        playsOnWithCopy = plays;
     }
 }
 
@@ -93,6 +94,7 @@ void AudioPlayerWidget::Internals::LetPlay(const QString& path, const Selection&
 
 void AudioPlayerWidget::OnBtnPlayPauseClicked()
 {
+    m_internals->PlayOnWithCopy(m_internals->controls.btnPlayPause->isChecked());
     const QPointer<AudioPlayerWidget> self(this);
     m_audioPlayer->PauseResume();
     if (self) {
@@ -120,7 +122,7 @@ void AudioPlayerWidget::Internals::ShowPlayIcon(bool isPlaying)
 
 void AudioPlayerWidget::OnBtnStopClicked()
 {
-    m_internals->StayStoppedWithCopy();
+    m_internals->PlayOnWithCopy(false);
     m_internals->ShowAsPlaying(false);
     // A receiver of the signals may destroy the widget.
     const QPointer<AudioPlayerWidget> self(this);
@@ -140,7 +142,7 @@ void AudioPlayerWidget::OnBtnStopClicked()
 
 void AudioPlayerWidget::StopPlayback()
 {
-    m_internals->StayStoppedWithCopy();
+    m_internals->PlayOnWithCopy(false);
     m_internals->ShowAsPlaying(false);
     const QPointer<AudioPlayerWidget> self(this);
     m_audioPlayer->stop();
@@ -237,7 +239,7 @@ int AudioPlayerWidget::GetAudioPlayBackVolume() const
 void AudioPlayerWidget::SetAudioOutputDevice(const QAudioDevice& device)
 {
     const QPointer<AudioPlayerWidget> self(this);
-    m_internals->StayStoppedWithCopy();
+    m_internals->PlayOnWithCopy(false);
     m_audioPlayer->ClearSelection();
     m_audioPlayer->stop();
     if (self) {

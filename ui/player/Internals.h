@@ -95,7 +95,7 @@ struct AudioPlayerWidget::Internals
     void LetPlay(const QString& path, const Selection& selection);
     void PlayCopy();
     [[nodiscard]] bool AwaitsCopy() const;
-    void StayStoppedWithCopy();
+    void PlayOnWithCopy(bool plays);
 
     // Channels and tasks
     /** Passes on what was reported before a busy time ends. False: it is not the caller's to end any more, because

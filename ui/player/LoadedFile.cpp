@@ -2,13 +2,11 @@
 
 #include "engine/wav/SnippetExport.h"
 
-#include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 
 namespace vantoraudio::vantorAudioEngine::UI {
 namespace {
 
-using AudioEngine::FileState;
 using AudioEngine::SnippetExport;
 using Result = LoadedFile::Result;
 
@@ -48,7 +46,7 @@ LoadedFile::~LoadedFile()
 QFuture<void> LoadedFile::Read(double startTime, double endTime, int stepSize)
 {
     StopReading();
-    return samples.Start(m_file, [=](WorkingFile& working, const auto&) {
+    return samples.Start(m_file, [=](WorkingFile& working) {
         working.file.ReadData(startTime, endTime, stepSize);
         working.progress.Leave(WorkingFile::ReadingEnded);
     });
@@ -63,54 +61,33 @@ void LoadedFile::StopReading()
 
 QFuture<LoadedFile::Result> LoadedFile::WriteSnippet(const QString& path, const Selection& range)
 {
-    m_snippet = std::make_shared<Snippet>(Snippet{.path = path});
-    return snippet.Start(m_file,
-                         [range, written = m_snippet](WorkingFile& working, const std::atomic<bool>& isStopped) {
-                             const Result result = written->WriteFrom(working.file, range);
-                             if (isStopped) {
-                                 written->RemoveIfNew();
-                             }
-                             return result;
-                         });
+    m_isSnippetWhole = std::make_shared<bool>(false);
+    return snippet.Start(m_file, [=, isWhole = m_isSnippetWhole](WorkingFile& working) {
+        // Of a closed file only a header would be written, over what is there.
+        if (!working.file.isOpen()) {
+            return WavFile::ErrorCreateSnippet;
+        }
+        const auto [code, hasName] = SnippetExport::Write(working.file, path, range.start, range.end);
+        *isWhole = hasName;
+        return code;
+    });
 }
 
-Result LoadedFile::Snippet::WriteFrom(WavFile& file, const Selection& range)
-{
-    const bool hadFormer = QFileInfo::exists(path);
-    // Of a closed file only a header would be written, over what is there.
-    if (!file.isOpen()) {
-        return WavFile::ErrorCreateSnippet;
-    }
-    const auto [code, hasName] = SnippetExport::Write(file, path, range.start, range.end);
-    if (hasName) {
-        written = FileState::Of(path);
-        isNew = !hadFormer;
-    }
-    return code;
-}
-
-/** One that has replaced a file stays: otherwise neither would be left. So does what another program has put in
- * its place. */
-void LoadedFile::Snippet::RemoveIfNew()
-{
-    if (written.IsFile() && isNew && FileState::Of(path) == written && QFile::remove(path)) {
-        written = {};
-    }
-}
-
+/** A whole one stays: it may have replaced a file, and then neither would be left. */
 bool LoadedFile::CancelSnippet()
 {
     snippet.Stop();
-    // The stop may come when the task has looked for it already.
-    m_snippet->RemoveIfNew();
-    return !m_snippet->written.IsFile();
+    return !*m_isSnippetWhole;
 }
 
 QFuture<LoadedFile::Result> LoadedFile::FilterInto(const QString& path)
 {
-    return channelFilter.Start(m_file, [path](WorkingFile& working, const auto&) {
-        // A channel file that is there already is played, also where snippets refuse what is there.
-        return QFileInfo::exists(path) ? WavFile::Success : working.file.FilterChannel(path);
+    return channelFilter.Start(m_file, [path](WorkingFile& working) {
+        // A channel file that is there already, or comes meanwhile, is played, also where snippets refuse what is
+        // there.
+        const bool isThere = QFileInfo::exists(path);
+        const Result result = isThere ? WavFile::Success : working.file.FilterChannel(path);
+        return QFileInfo::exists(path) ? WavFile::Success : result;
     });
 }
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "engine/files/FileState.h"
 #include "ui/player/FileLoad.h"
 #include "ui/player/ProgressQueue.h"
 #include "ui/player/SelectionSteps.h"
@@ -61,8 +60,7 @@ template<typename Result>
 class FileTasks
 {
 public:
-    /** Works on the file; the flag tells whether it was stopped, which it may have to clear up after. */
-    using Work = std::function<Result(WorkingFile&, const std::atomic<bool>& isStopped)>;
+    using Work = std::function<Result(WorkingFile&)>;
     using AbortFunction = void (WavFile::*)();
 
     explicit FileTasks(AbortFunction abort) : m_abort(abort) {}
@@ -75,7 +73,7 @@ public:
         auto run = [file, stage, work = std::move(work)] {
             stage->hasBegun = true;
             const ProgressQueue::Task task(file->progress);
-            return stage->isStopped ? Result() : work(*file, stage->isStopped);
+            return stage->isStopped ? Result() : work(*file);
         };
         m_tasks.push_back({QtConcurrent::run(QThreadPool::globalInstance(), std::move(run)), file, stage});
         return m_tasks.back().future;
@@ -149,9 +147,9 @@ public:
     [[nodiscard]] QFuture<void> Read(double startTime, double endTime, int stepSize);
     /** Also drops the news of samples that were read. */
     void StopReading();
-    /** Nothing is left of a stopped one, unless it is whole and has replaced a file. */
+    /** Nothing is left of one that is stopped before it is whole. */
     [[nodiscard]] QFuture<Result> WriteSnippet(const QString& path, const Selection& range);
-    /** Stops the latest one. Whether nothing is left of it; otherwise it ends as a whole one. */
+    /** Stops the latest one. Whether that came in time; otherwise it ends as a whole one. */
     [[nodiscard]] bool CancelSnippet();
     /** Nothing but a whole file is left of one that is stopped or fails. */
     [[nodiscard]] QFuture<Result> FilterInto(const QString& path);
@@ -164,20 +162,9 @@ public:
     WorkingCopy copy;
 
 private:
-    /** What a task has written. Its own until it has ended. */
-    struct Snippet
-    {
-        QString path;
-        /** No file unless it has its name. */
-        AudioEngine::FileState written = {};
-        bool isNew = false;
-
-        Result WriteFrom(WavFile& file, const Selection& range);
-        void RemoveIfNew();
-    };
-
     std::shared_ptr<WorkingFile> m_file = WorkingFile::Create();
-    std::shared_ptr<Snippet> m_snippet;
+    /** Of the latest one. Its task's own until that has ended. */
+    std::shared_ptr<bool> m_isSnippetWhole;
 };
 
 /** Makes the watcher tell nothing more of its future, also not what is on its way already: a late report would be

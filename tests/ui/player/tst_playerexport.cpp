@@ -66,6 +66,7 @@ private Q_SLOTS:
     void tellsWhetherASnippetIsCancelledInTime_data();
     void tellsWhetherASnippetIsCancelledInTime();
     void cancellingLeavesAFileAloneThatTookTheName();
+    void tellsOfASnippetThatIsWholeWhenThePlayerIsClosed();
     void cancellingWithoutASnippetDoesNothing();
     void aSnippetAndAFilteringMayRunAtOnce();
     void ofTwoSnippetsAtOnceTheLatterIsAnnounced();
@@ -295,7 +296,7 @@ void PlayerExportTest::tellsWhetherASnippetIsCancelledInTime_data()
     constexpr double singleBlock = 0.02;
     QTest::newRow("in the middle") << 1.0 << false << false;
     QTest::newRow("in the middle, over a file") << 1.0 << true << false;
-    QTest::newRow("when it is whole") << singleBlock << false << false;
+    QTest::newRow("when it is whole") << singleBlock << false << true;
     QTest::newRow("when it is whole and has replaced a file") << singleBlock << true << true;
 }
 
@@ -315,7 +316,7 @@ void PlayerExportTest::tellsWhetherASnippetIsCancelledInTime()
     held.ReleaseUpon(WavFileTestAccess(setup.File()).IsWriteAborted());
     QCOMPARE(setup.player->CancelSnippet(), !isWritten);
     QCOMPARE(setup.player->IsBusy(), isWritten);
-    QCOMPARE(QFile::exists(setup.Snippet()), hasFormer);
+    QCOMPARE(QFile::exists(setup.Snippet()), hasFormer || isWritten);
     QCOMPARE(TemporaryFiles::Read(setup.Snippet()).startsWith("RIFF"), isWritten);
     QVERIFY(setup.IsIdle());
     QCoreApplication::processEvents();
@@ -334,6 +335,20 @@ void PlayerExportTest::cancellingLeavesAFileAloneThatTookTheName()
     held.ReleaseUpon(WavFileTestAccess(setup.File()).IsWriteAborted());
     QVERIFY(setup.player->CancelSnippet());
     QCOMPARE(TemporaryFiles::Read(setup.Snippet()), "another");
+}
+
+void PlayerExportTest::tellsOfASnippetThatIsWholeWhenThePlayerIsClosed()
+{
+    ExportSetup setup;
+    setup.player->SetSelectedSnippet({0.0, 0.02});
+    HeldTask held(setup.File());
+    setup.player->CreateSnippet(setup.Snippet());
+    QVERIFY(held.HasBegun());
+    held.ReleaseUpon(WavFileTestAccess(setup.File()).IsWriteAborted());
+    setup.player->Close();
+    QVERIFY(!setup.player->IsBusy());
+    QTRY_COMPARE(setup.finished, States{{setup.Snippet()}});
+    QVERIFY(TemporaryFiles::Read(setup.Snippet()).startsWith("RIFF"));
 }
 
 void PlayerExportTest::cancellingWithoutASnippetDoesNothing()
