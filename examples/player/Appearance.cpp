@@ -131,7 +131,7 @@ bool Appearance::IsDark() const
 
 bool Appearance::IsHighContrast() const
 {
-    // Qt does not tell it of the system's theme, but other themes have no windows of pure black or white.
+    // Qt does not tell it of the system's theme. Few other themes have windows of pure black or white.
     const QColor window = QApplication::palette().color(QPalette::Window);
     return theme == Theme::HighContrast ||
            (theme == Theme::System && (window == QColor(Qt::black) || window == QColor(Qt::white)));

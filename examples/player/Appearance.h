@@ -53,6 +53,6 @@ struct Appearance
     bool IsHighContrast() const;
     QColor ColorOf(std::size_t role) const;
     void ApplyTo(Player& player) const;
-    /** All but the theme: what follows a palette that changes while the program runs. */
+    /** Colours and icons: what follows a palette that changes while the program runs. */
     void ApplyColorsTo(Player& player) const;
 };

@@ -2,6 +2,7 @@
 
 #include "HostPlayer.h"
 
+#include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QMimeData>
 #include <QtCore/QTemporaryDir>
@@ -14,6 +15,19 @@
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+/** File systems take names of 255 bytes, and something is added to this one. */
+QString Shortened(QString name)
+{
+    while (QFile::encodeName(name).size() > 200) {
+        name.chop(1);
+    }
+    return name;
+}
+
+} // namespace
 
 DragHandle::DragHandle(const HostPlayer& player, QString folder, QWidget* parent)
     : QToolButton(parent), m_player(player), m_folder(std::move(folder))
@@ -94,7 +108,7 @@ void DragHandle::Write(const Piece& piece)
 {
     QTemporaryDir folder(m_folder + u"/dragged-XXXXXX"_s);
     folder.setAutoRemove(false);
-    const QString name = QFileInfo(m_player.GetOriginalAudioFilePath()).completeBaseName();
+    const QString name = Shortened(QFileInfo(m_player.GetOriginalAudioFilePath()).completeBaseName());
     const QString path = folder.filePath(tr("%1 selection").arg(name) + u".wav"_s);
     if (!folder.isValid()) {
         OnFailed(path);
@@ -102,6 +116,7 @@ void DragHandle::Write(const Piece& piece)
     }
     m_piece = piece;
     m_path.clear();
+    Q_EMIT Started();
     m_export.Start(piece.source, piece.channel, path, WavFile::ExistingFile::Refuse, [=](WavFile& source) {
         source.SetKeepBothChannels(true);
         return source.CreateSnippet(path, piece.range.first, piece.range.second) == WavFile::Success;

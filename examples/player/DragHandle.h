@@ -26,6 +26,8 @@ public:
 
 Q_SIGNALS:
     void Progressed(int progress, int min, int max, const QString& text);
+    /** A file is being written. */
+    void Started();
     /** The file is written, or was given up. */
     void Ended();
     void Failed(const QString& path);

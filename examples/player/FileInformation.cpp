@@ -66,6 +66,7 @@ FileInformation::FileInformation(const HostPlayer& player, QWidget* parent)
     // What the file itself says may be an estimate.
     Add(tr("Length"), TextOfTime(player.GetAudioDuration()));
     Add(tr("Size"), size < 0 ? QString() : locale.formattedDataSize(size));
+    Add(tr("Note"), size < 0 ? tr("The file cannot be read now. This is what was loaded of it.") : QString());
 
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);

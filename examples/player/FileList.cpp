@@ -3,6 +3,7 @@
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
 #include <QtGui/QAction>
+#include <QtGui/QKeyEvent>
 #include <QtWidgets/QListWidget>
 
 using namespace Qt::Literals::StringLiterals;
@@ -10,6 +11,15 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 constexpr int PathRole = Qt::UserRole;
+
+/** The first letters of a name, too, lead to it. */
+bool MovesInAList(const QKeyEvent& event)
+{
+    const QString text = event.text();
+    const bool isOfName = !text.isEmpty() && text[0].isLetterOrNumber();
+    const bool isPlain = (event.modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier)) == Qt::NoModifier;
+    return isPlain && (event.key() == Qt::Key_Home || event.key() == Qt::Key_End || isOfName);
+}
 
 QString PathOf(const QListWidgetItem& item)
 {
@@ -25,6 +35,7 @@ FileList::FileList(QWidget* parent) : QDockWidget(tr("Files"), parent), m_list(n
     m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_list->setMinimumWidth(120);
     m_list->setAccessibleName(windowTitle());
+    m_list->installEventFilter(this);
     setWidget(m_list);
     BuildActions();
     connect(m_list, &QListWidget::itemActivated, this,
@@ -47,6 +58,15 @@ void FileList::BuildActions()
     connect(remove, &QAction::triggered, this, &FileList::RemoveCurrent);
     m_list->addAction(remove);
     m_list->setContextMenuPolicy(Qt::ActionsContextMenu);
+}
+
+bool FileList::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::ShortcutOverride && MovesInAList(*static_cast<QKeyEvent*>(event))) {
+        event->accept();
+        return true;
+    }
+    return QDockWidget::eventFilter(watched, event);
 }
 
 void FileList::SetFiles(const QStringList& paths)

@@ -25,6 +25,9 @@ public:
 Q_SIGNALS:
     void FileChosen(const QString& path);
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     void BuildActions();
     void Choose(int row);

@@ -79,7 +79,6 @@ void PlayerWindow::BuildView()
     m_player->SetWaveformTakesFocus(true);
     m_player->SetPositionMovesSmoothly(true);
     m_player->SetChannelChangeKeepsPlace(true);
-    m_player->SetKeepBothChannels(true);
     m_player->SetEditMode(true);
     m_player->SetInteractions(Interaction::SelectBeyondView | Interaction::MoveFromInside |
                               Interaction::ExtendWithShift | Interaction::LeftButtonOnly |
@@ -130,8 +129,8 @@ void PlayerWindow::ConnectPlayer()
     connect(m_player, &HostPlayer::WaveFormSelectionChanged, this, &PlayerWindow::ShowWhatCanBeExported);
     connect(m_player, &HostPlayer::ContextMenuRequested, this, &PlayerWindow::ShowContextMenu);
     connect(m_player, &HostPlayer::SettingsButtonClicked, this, &PlayerWindow::AskForSettings);
-    connect(m_player, &HostPlayer::CreateSnippetFinished, this, &PlayerWindow::OnSaved);
     connect(m_dragHandle, &DragHandle::Progressed, m_progress, &TaskProgress::ShowProgress);
+    connect(m_dragHandle, &DragHandle::Started, this, &PlayerWindow::HideFailure);
     connect(m_dragHandle, &DragHandle::Ended, this, &PlayerWindow::ShowWhatCanBeCancelled);
     connect(m_dragHandle, &DragHandle::Failed, this,
             [this](const QString& path) { ShowFailure(DescribeExportFailure(path)); });
@@ -148,8 +147,9 @@ void PlayerWindow::ConnectLoading()
          {&HostPlayer::LoadStarted, &HostPlayer::LoadFinished, &HostPlayer::LoadCancelled}) {
         connect(m_player, loadChanged, this, &PlayerWindow::ShowWhatCanBeCancelled);
     }
-    connect(m_player, &HostPlayer::LoadFinished, this, [this] {
-        m_files->MarkLoaded(m_player->GetOriginalAudioFilePath());
+    // Another path may lead to the file that is loaded already.
+    connect(m_player, &HostPlayer::LoadFinished, this, [this](const QString& path) {
+        m_files->MarkLoaded(path);
         Q_EMIT Opened();
     });
     connect(m_player, &HostPlayer::LoadFailed, this, &PlayerWindow::OnLoadFailed);
@@ -198,10 +198,6 @@ void PlayerWindow::OnFileLoaded()
     if (!m_files->isAncestorOf(QApplication::focusWidget())) {
         m_player->setFocus();
     }
-    if (!m_snippetPath.isEmpty()) {
-        // The file that it was taken from is gone.
-        EndExport(tr("Cancelled."));
-    }
     ShowWhatCanBeExported();
 }
 
@@ -226,10 +222,7 @@ void PlayerWindow::OnLoadFailed(const QString& /*path*/, Problem /*problem*/, co
 /** Of what follows opening; OnLoadFailed() tells more of a file that cannot be opened. */
 void PlayerWindow::OnFailure(WavFile::AudioEngineReturnValue error)
 {
-    const bool isOfExport = error == WavFile::ErrorCreateSnippet || error == WavFile::Success;
-    if (isOfExport && !m_snippetPath.isEmpty()) {
-        OnExportFailed(m_snippetPath);
-    } else if (error == WavFile::ErrorFilterChannel || error == WavFile::Success) {
+    if (error == WavFile::ErrorFilterChannel || error == WavFile::Success) {
         ShowFailure(DescribeChannelFailure(m_player->GetOriginalAudioFilePath()));
     }
 }
@@ -250,9 +243,7 @@ void PlayerWindow::OnBusyChanged()
 
 void PlayerWindow::ShowWhatCanBeCancelled()
 {
-    const bool isWritingSelection = m_player->IsBusy() && !m_snippetPath.isEmpty();
-    m_progress->SetCancellable(m_player->IsLoading() || m_export.IsRunning() || isWritingSelection ||
-                               m_dragHandle->IsWriting());
+    m_progress->SetCancellable(m_player->IsLoading() || m_export.IsRunning() || m_dragHandle->IsWriting());
     EndProgressWhenIdle();
 }
 
@@ -281,10 +272,6 @@ void PlayerWindow::CheckPicture()
     }
     m_look.stop();
     EndProgressWhenIdle();
-    if (m_isSnippetWaiting) {
-        m_isSnippetWaiting = false;
-        WriteSelection();
-    }
     Q_EMIT PictureCompleted();
 }
 

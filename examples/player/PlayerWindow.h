@@ -10,7 +10,6 @@
 #include <QtCore/QTimer>
 #include <QtWidgets/QMainWindow>
 
-#include <functional>
 #include <memory>
 
 class DragHandle;
@@ -120,11 +119,11 @@ private:
     };
     bool CanExportTo(const QString& outPath, Existing existing);
     void StartExport(const QString& outPath, WavFile::ChannelFormat channel, FileExport::Task task);
-    void WriteSelection();
     void OnSaved(const QString& path);
     void OnExportFailed(const QString& path);
     void EndExport(const QString& message);
     Output AskForOutput(const QString& what);
+    Output ChooseOutput(const QString& what);
     bool MayReplace(const QString& path);
     void ShowWhatCanBeExported();
 
@@ -148,9 +147,6 @@ private:
     /** Looks whether the picture is complete. */
     QTimer m_look;
 
-    /** The selection goes there; it waits while the waveform is being read. */
-    QString m_snippetPath;
-    bool m_isSnippetWaiting = false;
     /** For the export that is running. */
     Existing m_existing = Existing::Keep;
 

@@ -79,28 +79,18 @@ void PlayerWindow::BuildExport(QMenu* fileMenu)
 
 void PlayerWindow::ExportSelection(const QString& outPath, Existing existing)
 {
-    if (!CanExportTo(outPath, existing)) {
-        return;
+    const auto [start, end] = m_player->GetSelectedSnippet();
+    if (CanExportTo(outPath, existing) && start < end) {
+        StartExport(outPath, m_player->GetSelectedChannel(), [outPath, start = start, end = end](WavFile& source) {
+            source.SetKeepBothChannels(true);
+            return source.CreateSnippet(outPath, start, end) == WavFile::Success;
+        });
     }
-    HideFailure();
-    m_snippetPath = outPath;
-    // The player drops a request that comes while it reads the waveform.
-    m_isSnippetWaiting = m_player->IsReadingSamples();
-    if (!m_isSnippetWaiting) {
-        WriteSelection();
-    }
-    ShowWhatCanBeExported();
-}
-
-void PlayerWindow::WriteSelection()
-{
-    m_player->SetKeepExistingFiles(m_existing == Existing::Keep);
-    m_player->CreateSnippet(m_snippetPath);
 }
 
 void PlayerWindow::ExportChannel(const QString& outPath, WavFile::ChannelFormat channel, Existing existing)
 {
-    if (CanExportTo(outPath, existing)) {
+    if (CanExportTo(outPath, existing) && m_player->GetAudioFileFormat().channelCount() == 2) {
         StartExport(outPath, channel,
                     [=](WavFile& source) { return source.FilterChannel(outPath) == WavFile::Success; });
     }
@@ -117,19 +107,11 @@ void PlayerWindow::ConvertFile(const QString& outPath, const QAudioFormat& forma
 void PlayerWindow::CancelExport()
 {
     m_export.Cancel();
-    if (m_snippetPath.isEmpty()) {
-        return;
-    }
-    // One that is whole already is still announced.
-    if (m_isSnippetWaiting || m_player->CancelSnippet()) {
-        EndExport(tr("Cancelled."));
-    }
 }
 
 bool PlayerWindow::CanExportTo(const QString& outPath, Existing existing)
 {
-    if (outPath.isEmpty() || m_player->GetAudioFileName().isEmpty() || m_export.IsRunning() ||
-        !m_snippetPath.isEmpty()) {
+    if (outPath.isEmpty() || m_player->GetAudioFileName().isEmpty() || m_export.IsRunning()) {
         return false;
     }
     if (existing == Existing::Keep && QFileInfo::exists(outPath)) {
@@ -165,17 +147,31 @@ void PlayerWindow::OnExportFailed(const QString& path)
 
 void PlayerWindow::EndExport(const QString& message)
 {
-    m_snippetPath.clear();
-    m_isSnippetWaiting = false;
     ShowWhatCanBeCancelled();
     statusBar()->showMessage(message, 5000);
     ShowWhatCanBeExported();
     Q_EMIT ExportEnded();
 }
 
+/** An empty path when the user gives up, or when another file was loaded meanwhile: it is not what was asked
+ * about.
+ */
+PlayerWindow::Output PlayerWindow::AskForOutput(const QString& what)
+{
+    bool isStillLoaded = true;
+    const auto watch = connect(m_player, &HostPlayer::AudioFileChanged, this, [&] { isStillLoaded = false; });
+    const Output output = ChooseOutput(what);
+    disconnect(watch);
+    if (!isStillLoaded) {
+        ShowFailure(tr("Nothing was exported: another file was loaded meanwhile."));
+        return {};
+    }
+    return output;
+}
+
 /** An empty path when the user gives up. A file that is there may be replaced: the user has been asked. One that
  *  comes later may not. */
-PlayerWindow::Output PlayerWindow::AskForOutput(const QString& what)
+PlayerWindow::Output PlayerWindow::ChooseOutput(const QString& what)
 {
     const QFileInfo shown(m_player->GetOriginalAudioFilePath());
     QFileDialog dialog(this, tr("Export"), Remembered::GetFolder(Remembered::Folder::Export, shown.path()),
@@ -207,7 +203,7 @@ void PlayerWindow::ShowWhatCanBeExported()
     const bool isStereo = isLoaded && m_player->GetAudioFileFormat().channelCount() == 2;
     const auto [start, end] = m_player->GetSelectedSnippet();
     const bool hasSelection = isLoaded && start < end;
-    m_exportMenu->setEnabled(isLoaded && !m_export.IsRunning() && m_snippetPath.isEmpty());
+    m_exportMenu->setEnabled(isLoaded && !m_export.IsRunning());
     m_informationAction->setEnabled(isLoaded);
     m_goToAction->setEnabled(isLoaded);
     m_selectionAction->setEnabled(hasSelection);

@@ -17,7 +17,6 @@
 #include <QtGui/QAction>
 #include <QtWidgets/QMenuBar>
 #include <QtWidgets/QMessageBox>
-#include <QtWidgets/QStyle>
 
 #include <algorithm>
 
@@ -49,8 +48,7 @@ void PlayerWindow::BuildMenus()
 void PlayerWindow::BuildFileMenu()
 {
     QMenu* fileMenu = menuBar()->addMenu(tr("&File"));
-    fileMenu->addAction(style()->standardIcon(QStyle::SP_DialogOpenButton), tr("&Open…"), QKeySequence::Open, this,
-                        &PlayerWindow::AskForFiles);
+    fileMenu->addAction(tr("&Open…"), QKeySequence::Open, this, &PlayerWindow::AskForFiles);
     m_recentFiles = new RecentFiles(this);
     connect(m_recentFiles, &RecentFiles::FileChosen, this, &PlayerWindow::OpenFile);
     fileMenu->addMenu(m_recentFiles);
@@ -153,6 +151,6 @@ void PlayerWindow::ShowContextMenu(const QPoint& globalPosition)
     menu.addActions({m_actions->Get(Actions::PlayPause), m_actions->Get(Actions::ShowSelection),
                      m_actions->Get(Actions::ShowAll), m_actions->Get(Actions::ClearSelection)});
     menu.addSeparator();
-    menu.addAction(m_selectionAction);
+    menu.addMenu(m_exportMenu);
     menu.exec(globalPosition);
 }

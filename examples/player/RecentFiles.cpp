@@ -52,13 +52,13 @@ void RecentFiles::Add(const QString& path)
     QStringList files = settings.value(Key).toStringList();
     files.removeAll(path);
     files.prepend(path);
-    settings.setValue(Key, QStringList(files.first(mostFiles < files.size() ? mostFiles : files.size())));
+    settings.setValue(Key, files.mid(0, mostFiles));
 }
 
 void RecentFiles::Fill()
 {
     clear();
-    const QStringList files = WithoutThoseThatAreGone(QSettings().value(Key).toStringList());
+    const QStringList files = WithoutThoseThatAreGone(QSettings().value(Key).toStringList().mid(0, mostFiles));
     for (const QString& path : files) {
         addAction(AsMenuText(path), this, [this, path] { Q_EMIT FileChosen(path); });
     }

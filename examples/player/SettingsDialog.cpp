@@ -92,6 +92,15 @@ void SettingsDialog::ShowColors()
     }
 }
 
+void SettingsDialog::changeEvent(QEvent* event)
+{
+    QDialog::changeEvent(event);
+    // The system's palette became dark or light; the buttons come after the first ones of these events.
+    if (event->type() == QEvent::PaletteChange && m_colorButtons.back()) {
+        ShowColors();
+    }
+}
+
 void SettingsDialog::Change()
 {
     Q_EMIT Changed(m_appearance);

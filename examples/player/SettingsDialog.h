@@ -8,7 +8,8 @@
 
 class QPushButton;
 
-/** Lets the user choose colours, theme and wheel direction. Every change is seen at once; Cancel takes it back. */
+/** Lets the user choose theme, colours and what the wheel does. Every change is seen at once; Cancel takes it
+ * back. */
 class SettingsDialog : public QDialog
 {
     Q_OBJECT
@@ -18,6 +19,9 @@ public:
 
 Q_SIGNALS:
     void Changed(const Appearance& appearance);
+
+protected:
+    void changeEvent(QEvent* event) override;
 
 private:
     void ChooseColor(std::size_t role);

@@ -133,6 +133,35 @@ private Q_SLOTS:
         QCOMPARE(takes.Title(), u"b.wav"_s);
     }
 
+    void goesOnBehindALinkToTheLoadedFile()
+    {
+        Takes takes;
+        const QString link = takes.folder.filePath(u"link.wav"_s);
+        QVERIFY(QFile::link(takes.paths[0], link));
+        takes.paths.insert(1, link);
+        QVERIFY(takes.OpenAll());
+        QVERIFY(takes.PressLoads(Qt::Key_PageDown));
+        QCOMPARE(takes.Marked(), QStringList(u"link.wav"_s));
+        QVERIFY(takes.PressLoads(Qt::Key_PageDown));
+        QCOMPARE(takes.Title(), u"b.wav"_s);
+    }
+
+    void theListHasItsOwnKeysWhileItHasTheFocus()
+    {
+        Takes takes;
+        QVERIFY(Activate(takes.window));
+        QVERIFY(takes.OpenAll());
+        takes.List().setFocus();
+        PlayerOf(takes.window)->UpdateAudioPosition(0.2);
+        QTest::keyClick(&takes.List(), Qt::Key_End);
+        QCOMPARE(takes.List().currentRow(), 2);
+        QTest::keyClick(&takes.List(), Qt::Key_B);
+        QCOMPARE(takes.List().currentRow(), 1);
+        QTest::keyClick(&takes.List(), Qt::Key_Home);
+        QCOMPARE(takes.List().currentRow(), 0);
+        QCOMPARE(PlayerOf(takes.window)->GetAudioPosition(), 0.2);
+    }
+
     void oneFileMakesNoList()
     {
         Takes takes;

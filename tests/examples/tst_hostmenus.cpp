@@ -307,6 +307,7 @@ private Q_SLOTS:
         QCOMPARE(rows.value(u"Name:"_s), u"take.wav"_s);
         QCOMPARE(rows.value(u"Bits of a sample:"_s), u"16"_s);
         QVERIFY(!rows.contains(u"Size:"_s));
+        QCOMPARE(rows.value(u"Note:"_s), u"The file cannot be read now. This is what was loaded of it."_s);
     }
 
     void tellsOfAFileWhoseDiskDoesNotAnswerWhatWasLoadedOfIt()

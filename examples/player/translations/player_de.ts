@@ -158,6 +158,14 @@
         <source>%1:</source>
         <translation>%1:</translation>
     </message>
+    <message>
+        <source>Note</source>
+        <translation>Hinweis</translation>
+    </message>
+    <message>
+        <source>The file cannot be read now. This is what was loaded of it.</source>
+        <translation>Die Datei ist jetzt nicht lesbar. Dies ist, was von ihr geladen wurde.</translation>
+    </message>
 </context>
 <context>
     <name>FileList</name>
@@ -385,6 +393,10 @@
     <message>
         <source>Speed</source>
         <translation>Geschwindigkeit</translation>
+    </message>
+    <message>
+        <source>Nothing was exported: another file was loaded meanwhile.</source>
+        <translation>Nichts wurde exportiert: Inzwischen wurde eine andere Datei geladen.</translation>
     </message>
 </context>
 <context>

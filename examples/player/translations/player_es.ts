@@ -158,6 +158,14 @@
         <source>%1:</source>
         <translation>%1:</translation>
     </message>
+    <message>
+        <source>Note</source>
+        <translation>Nota</translation>
+    </message>
+    <message>
+        <source>The file cannot be read now. This is what was loaded of it.</source>
+        <translation>Ahora no se puede leer el archivo. Esto es lo que se cargó de él.</translation>
+    </message>
 </context>
 <context>
     <name>FileList</name>
@@ -385,6 +393,10 @@
     <message>
         <source>Speed</source>
         <translation>Velocidad</translation>
+    </message>
+    <message>
+        <source>Nothing was exported: another file was loaded meanwhile.</source>
+        <translation>No se exportó nada: entretanto se cargó otro archivo.</translation>
     </message>
 </context>
 <context>

@@ -158,6 +158,14 @@
         <source>%1:</source>
         <translation>%1 :</translation>
     </message>
+    <message>
+        <source>Note</source>
+        <translation>Remarque</translation>
+    </message>
+    <message>
+        <source>The file cannot be read now. This is what was loaded of it.</source>
+        <translation>Le fichier est illisible pour le moment. Voici ce qui en a été chargé.</translation>
+    </message>
 </context>
 <context>
     <name>FileList</name>
@@ -385,6 +393,10 @@
     <message>
         <source>Speed</source>
         <translation>Vitesse</translation>
+    </message>
+    <message>
+        <source>Nothing was exported: another file was loaded meanwhile.</source>
+        <translation>Rien n’a été exporté : un autre fichier a été chargé entre-temps.</translation>
     </message>
 </context>
 <context>

@@ -158,6 +158,14 @@
         <source>%1:</source>
         <translation>%1:</translation>
     </message>
+    <message>
+        <source>Note</source>
+        <translation>注記</translation>
+    </message>
+    <message>
+        <source>The file cannot be read now. This is what was loaded of it.</source>
+        <translation>現在このファイルは読み取れません。読み込み済みの内容を表示しています。</translation>
+    </message>
 </context>
 <context>
     <name>FileList</name>
@@ -385,6 +393,10 @@
     <message>
         <source>Speed</source>
         <translation>速度</translation>
+    </message>
+    <message>
+        <source>Nothing was exported: another file was loaded meanwhile.</source>
+        <translation>何も書き出されませんでした。その間に別のファイルが読み込まれました。</translation>
     </message>
 </context>
 <context>
