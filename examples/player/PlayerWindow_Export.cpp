@@ -160,7 +160,7 @@ PlayerWindow::Output PlayerWindow::AskForOutput(const QString& what)
 {
     bool isStillLoaded = true;
     const auto watch = connect(m_player, &HostPlayer::AudioFileChanged, this, [&] { isStillLoaded = false; });
-    const Output output = ChooseOutput(what);
+    Output output = ChooseOutput(what);
     disconnect(watch);
     if (!isStillLoaded) {
         ShowFailure(tr("Nothing was exported: another file was loaded meanwhile."));
