@@ -3,14 +3,14 @@
 #include <QtCore/QSemaphore>
 #include <QtCore/QThreadPool>
 
-/** Occupies every thread of the global pool, so that tasks wait in its queue for as long as this lives. */
+/** Occupies every thread of a pool, so that tasks wait in its queue for as long as this lives. */
 class BlockedPool
 {
 public:
-    BlockedPool()
+    explicit BlockedPool(QThreadPool& pool = *QThreadPool::globalInstance()) : m_pool(pool)
     {
         for (int i = 0; i < m_count; ++i) {
-            QThreadPool::globalInstance()->start([this] {
+            m_pool.start([this] {
                 m_occupied.release();
                 m_freed.acquire();
             });
@@ -20,12 +20,13 @@ public:
     ~BlockedPool()
     {
         m_freed.release(m_count);
-        QThreadPool::globalInstance()->waitForDone();
+        m_pool.waitForDone();
     }
     Q_DISABLE_COPY_MOVE(BlockedPool)
 
 private:
-    const int m_count = QThreadPool::globalInstance()->maxThreadCount();
+    QThreadPool& m_pool;
+    const int m_count = m_pool.maxThreadCount();
     QSemaphore m_occupied;
     QSemaphore m_freed;
 };
