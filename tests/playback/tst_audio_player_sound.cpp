@@ -257,6 +257,8 @@ void AudioPlayerSoundTest::loopsOverTheSelectionAtAnotherRate()
     player.play();
     QTRY_VERIFY_WITH_TIMEOUT(rounds >= 4, patience);
     QVERIFY(last >= 11000);
+    one.Clear();
+    QTRY_VERIFY_WITH_TIMEOUT(Hears(one, 880, 1760), patience);
     player.LoopPlayback(false);
     QTRY_COMPARE_WITH_TIMEOUT(player.playbackState(), QMediaPlayer::PausedState, patience);
     QCOMPARE(player.position(), 10000);
