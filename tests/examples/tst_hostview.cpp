@@ -7,8 +7,6 @@
 #include "ZoomBar.h"
 #include "tests/support/WavBytes.h"
 
-#include <vantorAudioEngine/AudioPlayer.h>
-
 #include <QtGui/QAccessible>
 #include <QtGui/QAction>
 #include <QtGui/QWheelEvent>
@@ -98,7 +96,7 @@ QToolButton* SpeedButtonOf(PlayerWindow& window)
 
 double RateOf(PlayerWindow& window)
 {
-    return window.findChild<AudioPlayer*>()->playbackRate();
+    return PlayerOf(window)->GetPlaybackRate();
 }
 
 /** Stereo, 16 bit: the left channel at half of full scale throughout, the right one silent. */
@@ -455,7 +453,7 @@ private Q_SLOTS:
             QVERIFY(OpenCompletely(window, Recording));
             QTest::keyClick(&window, Qt::Key_Greater);
             QVERIFY(OpenCompletely(window, WriteLeftOnly(folder, 44100)));
-            QTRY_COMPARE(RateOf(window), 1.25);
+            QCOMPARE(RateOf(window), 1.25);
             QCOMPARE(SpeedButtonOf(window)->text(), u"%1×"_s.arg(QLocale().toString(1.25)));
             Close(window);
         }
