@@ -200,6 +200,7 @@ private:
     {
         constexpr std::array switches{&AudioPlayerWidget::SetTypedPositionSeeks,
                                       &AudioPlayerWidget::SetKeepBothChannels,
+                                      &AudioPlayerWidget::SetKeepExistingFiles,
                                       &AudioPlayerWidget::SetEditedPositionStays,
                                       &AudioPlayerWidget::SetChannelChangeKeepsPlace,
                                       &AudioPlayerWidget::SetPositionMovesSmoothly,

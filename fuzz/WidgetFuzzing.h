@@ -48,11 +48,11 @@ inline QColor AnyColor(Input& input)
     return input.ConsumeBool() ? QColor() : QColor::fromRgba(input.ConsumeIntegral<std::uint32_t>());
 }
 
+/** Also flags that do not exist yet, so that this need not know the last one. */
 inline vantoraudio::vantorAudioEngine::UI::BGFXWaveformWidget::Interactions AnyInteractions(Input& input)
 {
-    using Widget = vantoraudio::vantorAudioEngine::UI::BGFXWaveformWidget;
-    constexpr int all = 2 * int(Widget::Interaction::ForgetCleared) - 1;
-    return Widget::Interactions::fromInt(input.ConsumeIntegralInRange(0, all));
+    return vantoraudio::vantorAudioEngine::UI::BGFXWaveformWidget::Interactions::fromInt(
+        input.ConsumeIntegral<std::uint8_t>());
 }
 
 inline void SendMouse(Input& input, QWidget& widget)
