@@ -92,6 +92,7 @@ private Q_SLOTS:
     void goesOnWhenTheFirstDeviceAppears();
     void playsOnANewDeviceWhenTheLastOneLeftWhilePausedOrStopped_data();
     void playsOnANewDeviceWhenTheLastOneLeftWhilePausedOrStopped();
+    void playsAtTheRateThatWasSetWithoutADevice();
     void goesOnWhenTheLastRealDeviceLeavesWhilePlaying();
     void playsElsewhereWhenItsDeviceLeftWhileStopped();
     void goesOnElsewhereWhenItsDeviceLeavesWhilePlaying();
@@ -245,6 +246,26 @@ void DeviceFollowerTest::playsOnANewDeviceWhenTheLastOneLeftWhilePausedOrStopped
     SetSinks({QStringLiteral("two")});
     const SoundRecording two(QStringLiteral("two"));
     QTRY_VERIFY_WITH_TIMEOUT(HearsTheTone(two), patience);
+}
+
+void DeviceFollowerTest::playsAtTheRateThatWasSetWithoutADevice()
+{
+    SetSinks({QStringLiteral("one")});
+    const auto player = Player();
+    player->SetPlaybackRate(2.0);
+    player->play();
+    QTRY_VERIFY_WITH_TIMEOUT(player->position() > 0, patience);
+    player->pause();
+    SetSinks({});
+    player->play();
+    QTRY_VERIFY_WITH_TIMEOUT(!player->audioOutput(), patience);
+    player->SetPlaybackRate(3.0);
+    LetRun(*player);
+
+    SetSinks({QStringLiteral("two")});
+    const SoundRecording two(QStringLiteral("two"));
+    QTRY_COMPARE_WITH_TIMEOUT(two.Frequency(SoundRecording::Left), 3 * 440, patience);
+    QCOMPARE(player->GetPlaybackRate(), 3.0);
 }
 
 void DeviceFollowerTest::goesOnWhenTheLastRealDeviceLeavesWhilePlaying()
