@@ -66,7 +66,7 @@ std::vector<std::function<void(AudioPlayer&)>> ThingsToDo(const QString& folder)
         [](AudioPlayer& player) { player.SetSelection(5.0, 6.0); },
         [](AudioPlayer& player) { player.SetAudioOutputDevice(QMediaDevices::audioOutputs().constLast()); },
         [](AudioPlayer& player) { player.SetAudioOutputDevice(QMediaDevices::audioOutputs().constFirst()); },
-        [](AudioPlayer& player) { player.setPlaybackRate(2.0); },
+        [](AudioPlayer& player) { player.SetPlaybackRate(2.0); },
         [](AudioPlayer& player) { player.setLoops(2); },
         [](AudioPlayer& player) { player.PauseResume(); },
         [](AudioPlayer& player) { player.PauseResume(); },
