@@ -105,6 +105,15 @@ private Q_SLOTS:
             QTest::mouseClick(widget.template findChild<QPushButton*>(u"btnStop"_s), Qt::LeftButton);
         }) << false << 0;
         QTest::newRow("a pause") << Step([](auto& widget) { widget.Pause(); }) << false << 6000;
+        QTest::newRow("a pause and going on") << Step([](auto& widget) {
+            widget.Pause();
+            widget.Play();
+        }) << true << 6000;
+        QTest::newRow("two clicks on play") << Step([](auto& widget) {
+            auto* play = widget.template findChild<QPushButton*>(u"btnPlayPause"_s);
+            QTest::mouseClick(play, Qt::LeftButton);
+            QTest::mouseClick(play, Qt::LeftButton);
+        }) << false << 6000;
         QTest::newRow("a stop by the program") << Step([](auto& widget) { widget.StopPlayback(); }) << false << 0;
         QTest::newRow("another device")
             << Step([](auto& widget) { widget.SetAudioOutputDevice({}); }) << false << 6000;
