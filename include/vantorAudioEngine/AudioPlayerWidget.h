@@ -96,7 +96,9 @@ public:
     void Reset();
     /** Cancels LoadFile(), stops the tasks in the background, waits for their end and closes the file. What there
      *  is of an unfinished snippet or channel file is removed. The view and the player stay as they are. While it
-     *  is busy, the reports of progress that still wait and BusyChanged(false) come before this returns. */
+     *  is busy, the reports of progress that still wait and BusyChanged(false) come before this returns. A snippet
+     *  that was whole already stays; CreateSnippetFinished() tells of it later, after one more BusyChanged(false).
+     */
     void Close();
 
     /** For the program; nothing in here calls it. Converts another file in place, as WavFile::Convert() does with

@@ -365,7 +365,6 @@ void AudioPlayerWidget::EnableAudioControls(bool canPlay)
  *  hidden. */
 void AudioPlayerWidget::SetBusy(bool busy)
 {
-    // A receiver of what the focus makes Qt tell may destroy the widget.
     const QPointer<AudioPlayerWidget> self(this);
     m_busy = busy;
     ++m_internals->busyCount;
@@ -381,6 +380,7 @@ void AudioPlayerWidget::SetBusy(bool busy)
     } else if (!busy) {
         m_internals->TakeFocusBack();
     }
+    // Fields tell of their text when they lose the focus, and a receiver may destroy the widget.
     if (self) {
         Q_EMIT BusyChanged(busy);
     }

@@ -354,6 +354,8 @@ void AudioPlayerWidget::ConnectSignals()
     using Widget = AudioPlayerWidget;
     const Controls& c = m_internals->controls;
     connect(c.btnMute, &QPushButton::clicked, this, &Widget::OnBtnMuteClicked);
+    connect(c.btnPlayPause, &QPushButton::toggled, this,
+            [this](bool plays) { m_internals->PlayOnWithCopy(plays); });
     connect(c.btnPlayPause, &QPushButton::clicked, this, &Widget::OnBtnPlayPauseClicked);
     connect(c.btnStop, &QPushButton::clicked, this, &Widget::OnBtnStopClicked);
     connect(c.btnLoop, &QPushButton::clicked, this, &Widget::OnBtnLoopClicked);

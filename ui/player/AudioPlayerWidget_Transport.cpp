@@ -94,7 +94,6 @@ void AudioPlayerWidget::Internals::LetPlay(const QString& path, const Selection&
 
 void AudioPlayerWidget::OnBtnPlayPauseClicked()
 {
-    m_internals->PlayOnWithCopy(m_internals->controls.btnPlayPause->isChecked());
     const QPointer<AudioPlayerWidget> self(this);
     m_audioPlayer->PauseResume();
     if (self) {
@@ -393,6 +392,7 @@ void AudioPlayerWidget::keyPressEvent(QKeyEvent* event)
     if (event->matches(QKeySequence::SelectAll)) {
         SetSelectedSnippet({0.0, GetAudioDuration()});
     } else if (event->key() == Qt::Key_Space) {
+        m_internals->PlayOnWithCopy(true);
         OnBtnPlayPauseClicked();
     } else {
         event->ignore();

@@ -149,7 +149,7 @@ public:
     void StopReading();
     /** Nothing is left of one that is stopped before it is whole. */
     [[nodiscard]] QFuture<Result> WriteSnippet(const QString& path, const Selection& range);
-    /** Stops the latest one. Whether that came in time; otherwise it ends as a whole one. */
+    /** Stops all. Whether nothing is left of the latest one; otherwise it is whole. */
     [[nodiscard]] bool CancelSnippet();
     /** Nothing but a whole file is left of one that is stopped or fails. */
     [[nodiscard]] QFuture<Result> FilterInto(const QString& path);

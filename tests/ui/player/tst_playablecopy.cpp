@@ -109,6 +109,10 @@ private Q_SLOTS:
             widget.Pause();
             widget.Play();
         }) << true << 6000;
+        QTest::newRow("a pause and the space key") << Step([](auto& widget) {
+            widget.Pause();
+            QTest::keyClick(&widget, Qt::Key_Space);
+        }) << true << 6000;
         QTest::newRow("two clicks on play") << Step([](auto& widget) {
             auto* play = widget.template findChild<QPushButton*>(u"btnPlayPause"_s);
             QTest::mouseClick(play, Qt::LeftButton);

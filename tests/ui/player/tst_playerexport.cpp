@@ -348,6 +348,7 @@ void PlayerExportTest::tellsOfASnippetThatIsWholeWhenThePlayerIsClosed()
     setup.player->Close();
     QVERIFY(!setup.player->IsBusy());
     QTRY_COMPARE(setup.finished, States{{setup.Snippet()}});
+    QCOMPARE(setup.busy, (States{{true}, {false}, {false}}));
     QVERIFY(TemporaryFiles::Read(setup.Snippet()).startsWith("RIFF"));
 }
 
