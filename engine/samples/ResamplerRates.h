@@ -25,8 +25,9 @@ namespace vantoraudio::AudioEngine {
 }
 
 /**
- * Whether it may raise it. The resampler holds back some tens of source frames, for which it makes room several
- * times over: from 1 Hz to 768 kHz that takes a gigabyte, to 192 kHz a third of one.
+ * Whether FFmpeg's resampler may raise one rate to the other. The resampler holds back some tens of source frames,
+ * for which it makes room several times over: from 1 Hz to 768 kHz that takes a gigabyte, to 192 kHz a third of
+ * one.
  */
 [[nodiscard]] inline bool CanRise(int sourceRate, int targetRate)
 {
