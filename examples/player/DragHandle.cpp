@@ -24,6 +24,10 @@ QString Shortened(QString name)
     while (QFile::encodeName(name).size() > 200) {
         name.chop(1);
     }
+    // Not half of a letter.
+    if (!name.isEmpty() && name.back().isHighSurrogate()) {
+        name.chop(1);
+    }
     return name;
 }
 
@@ -116,11 +120,9 @@ void DragHandle::Write(const Piece& piece)
     }
     m_piece = piece;
     m_path.clear();
+    m_export.Start(piece.source, piece.channel, path, WavFile::ExistingFile::Refuse,
+                   FileExport::WriteRange(path, piece.range));
     Q_EMIT Started();
-    m_export.Start(piece.source, piece.channel, path, WavFile::ExistingFile::Refuse, [=](WavFile& source) {
-        source.SetKeepBothChannels(true);
-        return source.CreateSnippet(path, piece.range.first, piece.range.second) == WavFile::Success;
-    });
 }
 
 void DragHandle::OnSaved(const QString& path)

@@ -12,11 +12,14 @@ class ExportSource : public WavFile
 public:
     void Cancel() { m_isCancelled = true; }
 
+    /** How much of the audio is read in all, from 0 to 1; all of it unless this says otherwise. */
+    void SetPartToRead(double part) { m_partToRead = part; }
+
     int Percent() const
     {
         // Not size(), which asks the file that a task is reading.
-        const qint64 percent = m_read * 100 / std::max(GetDataLength(), qint64(1));
-        return static_cast<int>(std::min(percent, qint64(100)));
+        const double toRead = std::max(1.0, double(GetDataLength()) * m_partToRead);
+        return static_cast<int>(std::min(double(m_read) * 100.0 / toRead, 100.0));
     }
 
 protected:
@@ -30,4 +33,5 @@ protected:
 private:
     std::atomic<bool> m_isCancelled = false;
     std::atomic<qint64> m_read = 0;
+    std::atomic<double> m_partToRead = 1.0;
 };

@@ -7,6 +7,16 @@
 
 using namespace std::chrono_literals;
 
+FileExport::Task FileExport::WriteRange(const QString& outPath, std::pair<double, double> range)
+{
+    return [=](ExportSource& source) {
+        const auto [start, end] = range;
+        source.SetKeepBothChannels(true);
+        source.SetPartToRead((end - start) / source.GetDuration());
+        return source.CreateSnippet(outPath, start, end) == WavFile::Success;
+    };
+}
+
 FileExport::FileExport(QObject* parent) : QObject(parent)
 {
     connect(&m_watcher, &QFutureWatcher<bool>::finished, this, &FileExport::OnFinished);

@@ -9,6 +9,7 @@
 
 #include <functional>
 #include <memory>
+#include <utility>
 
 /** Writes one file at a time in the background, from a source of its own, beside whatever the player does. A
  *  failed or cancelled export leaves nothing behind, and an older file of that name as it was. */
@@ -18,7 +19,10 @@ class FileExport : public QObject
 
 public:
     /** Writes the file; false on failure, which leaves nothing behind. Runs on a worker thread. */
-    using Task = std::function<bool(WavFile& source)>;
+    using Task = std::function<bool(ExportSource& source)>;
+
+    /** Writes the audio of a range, in seconds; in stereo where the channel is not one of two. */
+    static Task WriteRange(const QString& outPath, std::pair<double, double> range);
 
     explicit FileExport(QObject* parent = nullptr);
     /** Cancels and waits. */

@@ -131,6 +131,7 @@ void PlayerWindow::ConnectPlayer()
     connect(m_player, &HostPlayer::SettingsButtonClicked, this, &PlayerWindow::AskForSettings);
     connect(m_dragHandle, &DragHandle::Progressed, m_progress, &TaskProgress::ShowProgress);
     connect(m_dragHandle, &DragHandle::Started, this, &PlayerWindow::HideFailure);
+    connect(m_dragHandle, &DragHandle::Started, this, &PlayerWindow::ShowWhatCanBeCancelled);
     connect(m_dragHandle, &DragHandle::Ended, this, &PlayerWindow::ShowWhatCanBeCancelled);
     connect(m_dragHandle, &DragHandle::Failed, this,
             [this](const QString& path) { ShowFailure(DescribeExportFailure(path)); });

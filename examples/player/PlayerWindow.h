@@ -46,7 +46,8 @@ public:
         Keep,
         Replace
     };
-    /** These write a new file in the background and end with ExportEnded(). An existing file is left alone, also
+    /** These write a new file in the background and end with ExportEnded(). Without a selection, or two channels,
+     *  there is nothing to write. An existing file is left alone, also
      *  one that comes meanwhile, with a sentence that says so, or replaced when the new one is whole. */
     void ExportSelection(const QString& outPath, Existing existing = Existing::Keep);
     void ExportChannel(const QString& outPath, WavFile::ChannelFormat channel, Existing existing = Existing::Keep);

@@ -79,12 +79,9 @@ void PlayerWindow::BuildExport(QMenu* fileMenu)
 
 void PlayerWindow::ExportSelection(const QString& outPath, Existing existing)
 {
-    const auto [start, end] = m_player->GetSelectedSnippet();
-    if (CanExportTo(outPath, existing) && start < end) {
-        StartExport(outPath, m_player->GetSelectedChannel(), [outPath, start = start, end = end](WavFile& source) {
-            source.SetKeepBothChannels(true);
-            return source.CreateSnippet(outPath, start, end) == WavFile::Success;
-        });
+    const auto range = m_player->GetSelectedSnippet();
+    if (CanExportTo(outPath, existing) && range.first < range.second) {
+        StartExport(outPath, m_player->GetSelectedChannel(), FileExport::WriteRange(outPath, range));
     }
 }
 
@@ -153,8 +150,7 @@ void PlayerWindow::EndExport(const QString& message)
     Q_EMIT ExportEnded();
 }
 
-/** An empty path when the user gives up, or when another file was loaded meanwhile: it is not what was asked
- * about.
+/** An empty path when the user gives up, or when another file was loaded while the dialogs asked about this one.
  */
 PlayerWindow::Output PlayerWindow::AskForOutput(const QString& what)
 {
@@ -162,7 +158,7 @@ PlayerWindow::Output PlayerWindow::AskForOutput(const QString& what)
     const auto watch = connect(m_player, &HostPlayer::AudioFileChanged, this, [&] { isStillLoaded = false; });
     Output output = ChooseOutput(what);
     disconnect(watch);
-    if (!isStillLoaded) {
+    if (!isStillLoaded && !output.path.isEmpty()) {
         ShowFailure(tr("Nothing was exported: another file was loaded meanwhile."));
         return {};
     }

@@ -10,6 +10,7 @@
 #include <QtGui/QDrag>
 #include <QtGui/QDragEnterEvent>
 #include <QtTest/QSignalSpy>
+#include <QtWidgets/QPushButton>
 #include <QtWidgets/QToolButton>
 
 #include <functional>
@@ -275,7 +276,7 @@ private Q_SLOTS:
         setup.MoveBy(60);
         QTRY_VERIFY(progress->isVisible());
         QVERIFY(setup.Handle().IsWriting());
-        setup.window.CancelTask();
+        QTest::mouseClick(progress->findChild<QPushButton*>(), Qt::LeftButton);
         QTRY_COMPARE(ended.size(), 1);
         QVERIFY(!progress->isVisible());
         QVERIFY(drags.paths.isEmpty());

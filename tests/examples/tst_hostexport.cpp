@@ -16,8 +16,6 @@
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QStatusBar>
 
-#include <optional>
-
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
@@ -176,7 +174,6 @@ private Q_SLOTS:
     {
         using Export = std::function<void(PlayerWindow&, const QString&)>;
         QTest::addColumn<Export>("start");
-        QTest::addColumn<bool>("isRunning");
         const Export selection = [](PlayerWindow& window, const QString& path) {
             window.SelectRange(0.0, window.Duration());
             window.ExportSelection(path);
@@ -191,17 +188,13 @@ private Q_SLOTS:
             format.setChannelCount(2);
             window.ConvertFile(path, format);
         };
-        for (const bool isRunning : {false, true}) {
-            const char* when = isRunning ? "runs" : "waits";
-            QTest::addRow("selection, %s", when) << selection << isRunning;
-            QTest::addRow("left channel, %s", when) << channel << isRunning;
-            QTest::addRow("converted, %s", when) << conversion << isRunning;
-        }
+        QTest::addRow("selection") << selection;
+        QTest::addRow("left channel") << channel;
+        QTest::addRow("converted") << conversion;
     }
     void leavesAFileAloneThatTakesTheNameMeanwhile()
     {
         QFETCH(const std::function<void(PlayerWindow&, const QString&)>, start);
-        QFETCH(const bool, isRunning);
         const QTemporaryDir folder;
         const QString source = folder.filePath(u"long.wav"_s);
         const QString path = folder.filePath(u"free.wav"_s);
@@ -209,22 +202,15 @@ private Q_SLOTS:
         PlayerWindow window;
         QVERIFY(OpenCompletely(window, source));
         QSignalSpy ended(&window, &PlayerWindow::ExportEnded);
-        const auto takeName = [&] { QVERIFY(!QFile::exists(path) && Write(path, "another")); };
-        std::optional<FileFaults> atTheEnd;
-        if (isRunning) {
-            // When all is written, and the file is to get its name.
-            atTheEnd.emplace(FileFault{.calls = NameCall,
-                                       .part = folder.path(),
-                                       .effect = FileFault::HappensLater,
-                                       .error = 0,
-                                       .first = 1,
-                                       .meanwhile = takeName});
-            start(window, path);
-        } else {
-            const BusyPool busy;
-            start(window, path);
-            takeName();
-        }
+        // When all is written, and the file is to get its name.
+        const FileFaults atTheEnd(
+            FileFault{.calls = NameCall,
+                      .part = folder.path(),
+                      .effect = FileFault::HappensLater,
+                      .error = 0,
+                      .first = 1,
+                      .meanwhile = [&] { QVERIFY(!QFile::exists(path) && Write(path, "another")); }});
+        start(window, path);
         QTRY_COMPARE_WITH_TIMEOUT(ended.size(), 1, 30000);
         QCOMPARE(window.FailureText(), u"“%1” is there already: please choose another name."_s.arg(path));
         QCOMPARE(BytesOf(path), "another");
@@ -292,14 +278,15 @@ private Q_SLOTS:
         QCOMPARE(NamesIn(folder), QStringList(u"mono.wav"_s));
     }
 
-    void saysThatASelectionWasCancelledBeforeItsTurn()
+    void saysThatASelectionWasCancelled()
     {
         const QTemporaryDir folder;
+        const QString source = folder.filePath(u"long.wav"_s);
         const QString path = folder.filePath(u"former.wav"_s);
-        QVERIFY(Write(path, "former"));
+        QVERIFY(WriteSilence(source, 40) && Write(path, "former"));
         PlayerWindow window;
-        QVERIFY(OpenCompletely(window, Recording));
-        window.SelectRange(1.0, 2.0);
+        QVERIFY(OpenCompletely(window, source));
+        window.SelectRange(0.0, window.Duration());
         QSignalSpy ended(&window, &PlayerWindow::ExportEnded);
         window.ExportSelection(path, PlayerWindow::Existing::Replace);
         window.CancelExport();
@@ -384,17 +371,33 @@ private Q_SLOTS:
         QVERIFY(ChildNamed<QMenu>(window, u"export"_s)->isEnabled());
     }
 
-    void anExportThatIsCancelledBeforeItsTurnLeavesItsNameFree()
+    void theProgressOfASelectionIsCountedByItself()
+    {
+        const QTemporaryDir folder;
+        const QString source = folder.filePath(u"long.wav"_s);
+        QVERIFY(WriteSilence(source, 60));
+        PlayerWindow window;
+        QVERIFY(OpenCompletely(window, source));
+        window.SelectRange(1800.0, 2400.0);
+        int most = 0;
+        connect(window.findChild<TaskProgress*>()->findChild<QProgressBar*>(), &QProgressBar::valueChanged, this,
+                [&most](int value) { most = qMax(most, value); });
+        QSignalSpy ended(&window, &PlayerWindow::ExportEnded);
+        window.ExportSelection(folder.filePath(u"selection.wav"_s));
+        QTRY_COMPARE_WITH_TIMEOUT(ended.size(), 1, 30000);
+        // A sixth of the file.
+        QVERIFY2(most > 17 && most <= 100, qPrintable(QString::number(most)));
+    }
+
+    void anExportThatIsCancelledAtOnceLeavesItsNameFree()
     {
         const QTemporaryDir folder;
         const QString path = folder.filePath(u"left.wav"_s);
         PlayerWindow window;
         QVERIFY(OpenCompletely(window, Recording));
         QSignalSpy ended(&window, &PlayerWindow::ExportEnded);
-        const BusyPool busy;
         window.ExportChannel(path, WavFile::ChannelLeft);
         window.CancelExport();
-        busy.Release();
         QTRY_COMPARE(ended.size(), 1);
         QCOMPARE(NamesIn(folder), QStringList());
         window.ExportChannel(path, WavFile::ChannelLeft);

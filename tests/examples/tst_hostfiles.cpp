@@ -153,13 +153,20 @@ private Q_SLOTS:
     {
         Takes takes;
         QVERIFY(Activate(takes.window));
+        // The letter is also the key for following the position.
+        const QString letter = takes.folder.filePath(u"f.wav"_s);
+        QVERIFY(QFile::copy(takes.paths[0], letter));
+        takes.paths.insert(1, letter);
         QVERIFY(takes.OpenAll());
         takes.List().setFocus();
         PlayerOf(takes.window)->UpdateAudioPosition(0.2);
         QTest::keyClick(&takes.List(), Qt::Key_End);
-        QCOMPARE(takes.List().currentRow(), 2);
-        QTest::keyClick(&takes.List(), Qt::Key_B);
+        QCOMPARE(takes.List().currentRow(), 3);
+        const auto* follow = ChildNamed<QAction>(takes.window, u"follow"_s);
+        const bool follows = follow->isChecked();
+        QTest::keyClick(&takes.List(), Qt::Key_F);
         QCOMPARE(takes.List().currentRow(), 1);
+        QCOMPARE(follow->isChecked(), follows);
         QTest::keyClick(&takes.List(), Qt::Key_Home);
         QCOMPARE(takes.List().currentRow(), 0);
         QCOMPARE(PlayerOf(takes.window)->GetAudioPosition(), 0.2);
