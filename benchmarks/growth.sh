@@ -102,4 +102,4 @@ row "as many bytes written by \`dd\`" write_only SECONDS 768000
 row "samples for a view of 1600 pixels" read_view "$task" SECONDS.wav SECONDS
 row "3,200 samples of all of it" read_overview "$task" SECONDS.wav SECONDS
 row "a ready copy opened and shown" inner "$session" "$window" open SECONDS.wav
-row "longest deafness while exporting" inner "$session" "$window" gap SECONDS.wav out.wav
+row "longest time without an answer while exporting" inner "$session" "$window" gap SECONDS.wav out.wav

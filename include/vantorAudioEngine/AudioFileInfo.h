@@ -40,7 +40,7 @@ public:
         Damaged,
         /** The disk or the network gave an error while the file was read. */
         CannotBeRead,
-        /** Encrypted against copying, as far as FFmpeg tells: MP4, ASF and Matroska. */
+        /** Encrypted against copying, as far as FFmpeg tells: MP4, Audible, ASF and Matroska. */
         Protected,
         /** The WAV file would exceed 4 GiB, and ImportOptions::mayBeLarge is off. */
         TooLong,
@@ -92,8 +92,8 @@ public:
     /** A translated sentence that names the file; empty without a problem. */
     [[nodiscard]] QString GetProblemText() const;
 
-    /** How many bytes the imported WAV file will have, header included; 0 when the duration is unknown. Of
-     * `Automatic` it takes the sample type that the import will choose. */
+    /** How many bytes the imported WAV file will have, header included; 0 when the duration is unknown. With
+     * `Automatic` it counts the sample type that the import will choose. */
     [[nodiscard]] qint64 GetImportedSize(const ImportOptions& options) const;
 
     /**

@@ -21,12 +21,12 @@ class AudioPlayerWidget;
  *
  * The shortcuts work in the player's whole window, from here on and without any menu; a program that wants other
  * keys changes the actions. Text fields keep the keys that they need, and so do sliders and boxes of the player
- * while they have the focus. Without a file the actions do nothing.
+ * while they have the focus. Without a file only Loop and Mute do something.
  *
  * Controls of the player that have no tool tip get one, which outlives this object. Where an action does the same,
  * it names the action's key and follows the action's text and key, until the program sets another tool tip. Loop
- * and Mute are checked while they are on. After a SetAudioPlayBackMute() of the program, of which no signal tells,
- * Mute is so from its next use on.
+ * and Mute are checked while they are on. No signal tells of a SetAudioPlayBackMute() of the program, so Mute
+ * shows it only after it was used itself.
  *
  * GUI thread only. The actions belong to this object, and it belongs to the player, which must not be null.
  */

@@ -41,15 +41,15 @@ namespace vantoraudio::vantorAudioEngine::UI {
  *
  * SetAudioFile() goes by the file's name and returns when it is done. Its working copies lie in the writable
  * directory itself. A copy that is there already is used as it is, stale or not: remove it to have the file read
- * again. Nothing is ever deleted there but a file that could not be decoded and a channel file that could not be
- * finished.
+ * again. Nothing else is deleted there but a file that could not be decoded, a channel file that could not be
+ * finished, and the hidden files and folders that a killed program has left.
  *
  * Every failed step ends in ErrorHandler(), which does nothing: derive and override it to tell the user.
  *
  * Times are seconds from the start of the file. GUI thread only. Reading samples, writing a snippet and filtering
- * a channel run on QThreadPool::globalInstance(), LoadFile() on threads of its own. SetAudioFile() decodes with an
- * event loop of its own: the program keeps running and may load another file, reset, close or destroy the
- * widget.
+ * a channel run on QThreadPool::globalInstance(); LoadFile(), and the copy of a file whose rate no output plays,
+ * run on threads of the library's own. SetAudioFile() decodes with an event loop of its own: the program keeps
+ * running and may load another file, reset, close or destroy the widget.
  */
 class VANTORAUDIOENGINE_EXPORT AudioPlayerWidget : public QWidget
 {
@@ -64,9 +64,10 @@ public:
     /**
      * Loads a file, unless its working copy is loaded already; an empty path unloads. Ends with
      * AudioFileChanged(), or with ErrorHandler(): ErrorWriteHeader when the file cannot be copied into the
-     * writable directory, otherwise what Decoder::Convert() and WavFile::Open() give. After ErrorWriteHeader the
-     * former file is still loaded, after every other failure none. A load that is overtaken by another one,
-     * Reset(), Close() or the destructor ends silently.
+     * writable directory, otherwise what Decoder::Convert() (which may be ErrorWriteHeader, too) and
+     * WavFile::Open() give. When the copying fails the former file is still loaded, after every other failure
+     * none: GetAudioFileName() tells which. A load that is overtaken by another one, Reset(), Close() or the
+     * destructor ends silently.
      *
      * Only names that end in exactly ".wav" and have no other dot are WAV files; everything else, take.WAV and
      * a.b.wav too, is decoded to 96 kHz.
@@ -83,7 +84,8 @@ public:
      * and then. In the end exactly one of these comes, unless the widget is destroyed before:
      * - LoadFinished(), after AudioFileChanged(). The former file passes through Reset() before that. A file that
      *   is loaded already, and has the size and time that it had then, stays without AudioFileChanged().
-     * - LoadFailed(), after ErrorHandler() with the code of ImportResult::Code().
+     * - LoadFailed(), after ErrorHandler() with the code of ImportResult::Code(), or of WavFile::Open() when the
+     *   finished copy cannot be opened.
      * - LoadCancelled(), when CancelLoad(), the next LoadFile(), SetAudioFile(), Reset() or Close() overtakes it.
      */
     void LoadFile(const QString& path);
@@ -151,7 +153,7 @@ public:
     [[nodiscard]] double GetTimeAt(const QPoint& position) const;
     [[nodiscard]] std::pair<double, double> GetLevelAt(const QPoint& position) const;
 
-    /** Seconds of silence shown behind the audio. */
+    /** Seconds of silence shown behind the audio. Loading a file or choosing another channel sets it to 0. */
     [[nodiscard]] double GetDelay() const;
     void SetDelay(double delay);
 
@@ -182,18 +184,21 @@ public:
     void SetChannelChangeKeepsPlace(bool keeps);
 
     [[nodiscard]] WavFile::ChannelFormat GetSelectedChannel() const;
-    /** Chooses the channel that is played, as the channel box does. Does nothing when the file does not offer it,
-     *  or after Close(). */
+    /** Chooses the channel that is played, as the channel box does, and filters it in the background:
+     *  BusyChanged() tells of it. On failure the former channel comes back, and ErrorHandler() is called. Does
+     *  nothing when the file does not offer it, or after Close(). */
     void SetSelectedChannel(WavFile::ChannelFormat channel);
 
     /** Start and end; (0, 0) without a selection. A new selection is cut to BGFXWaveformWidget::MAX_SNIPPET_LENGTH
-     *  and to the visible range; one that is not finite is ignored. */
+     *  and to the visible range, or with Interaction::SelectBeyondView to the file; one that is not finite is
+     *  ignored. */
     [[nodiscard]] std::pair<double, double> GetSelectedSnippet() const;
     void SetSelectedSnippet(std::pair<double, double> snippet);
     /** The position stays. WaveFormSelectionChanged((0, 0)) tells of it; does nothing without a selection. */
     void ClearSelection();
     /** Writes the selection of the selected channel to a new file, in the background. Ends with
-     *  CreateSnippetFinished() or ErrorHandler(). Dropped without a word while samples are being read. */
+     *  CreateSnippetFinished() or ErrorHandler(). Dropped without a word while samples are being read. Where
+     *  another snippet is still being written, its file is finished, but only the end of the latter is told. */
     void CreateSnippet(const QString& filePath);
     /** Stops the snippet that is being written; nothing is left of it. The reports of progress that still wait and
      *  BusyChanged() come before this returns true; nothing else tells of it.
@@ -220,7 +225,9 @@ public:
      *  loaded. The pitch changes with it, see AudioPlayer. No signal tells of it. */
     void SetPlaybackRate(double rate);
     [[nodiscard]] double GetPlaybackRate() const;
-    /** Stops playback; it goes on, when the user wants it, on this device. */
+    /** Stops playback, which goes back to the start; the next playback is on this device. The selection still
+     *  shows, but the whole file is played until the user presses Stop or the selection changes. A device that
+     *  AudioPlayer does not accept leaves the former one in use. */
     void SetAudioOutputDevice(const QAudioDevice& device);
     /** Percent. No signal tells of it. */
     void SetAudioPlayBackVolume(int volume);
@@ -244,7 +251,7 @@ public:
     void SetGridColor(const QColor& color);
     void SetScaleColor(const QColor& color);
     void SetWaveformColor(const QColor& color);
-    // The same of what programs may want otherwise, see there, too.
+    // Further settings of BGFXWaveformWidget; it explains those that have no comment here.
     /** The position line moves as often as screens show a picture while the file plays, instead of with the
      * player's reports. Off at first. */
     void SetPositionMovesSmoothly(bool smoothly);
@@ -257,8 +264,8 @@ public:
     /** Replaces all icons by this library's own, for dark windows or (as at first) for light ones. The settings
      * button gets `:/Resources/vantoraudioPreferences_night.svg` (or `_day.svg`), which the program embeds. */
     void SetNightIcons(bool night);
-    /** Play and pause share one button, which shows what a click does; so do mute and unmute, which show what is.
-     */
+    /** Play and pause share one button, which shows what a click does. Mute and unmute share one, too, which shows
+     *  the present state. */
     void SetIconPlay(const QIcon& icon);
     void SetIconPause(const QIcon& icon);
     void SetIconStop(const QIcon& icon);
@@ -277,8 +284,8 @@ Q_SIGNALS:
     /** The playback position in seconds. */
     void AudioPositionChanged(double position);
     /** A task went on: `progress` lies between `min` and `max`. Comes for every report of every task, in order,
-     * and before what tells of the task's end. Only of what the program has not listened to for 250 ms some
-     * reports are left out, never the first or the last of a task. */
+     * and before what tells of the task's end. Only reports that the program has not fetched for 250 ms may be
+     * left out, never the first or the last of a task. */
     void ProgressChanged(int progress, int min, int max, QString text);
     void CreateSnippetFinished(const QString& filePath);
     void WaveFormSelectionChanged(std::pair<double, double> selectedSnippet);

@@ -37,7 +37,8 @@ struct ViewColors;
  * Times are seconds from the start of the file. No call reports a failure: selections and visible ranges outside
  * the file are brought into it, while duration, delay and position are taken as they are. Without a duration above
  * 0 only the grid is drawn and all input is ignored. In a view of 1,080,000 seconds (12.5 days) or more ruler and
- * upright grid lines are missing, and the wheel zooms to no such view: a file much longer shows as a whole only.
+ * upright grid lines are missing, and the wheel does not zoom to such a view: a much longer file can only be shown
+ * as a whole.
  *
  * Screen readers read position and length as the value of a slider that cannot be moved, and the selection as its
  * description; no change is announced to them.
@@ -101,8 +102,9 @@ public:
     void SetFollowsPosition(bool follows);
     [[nodiscard]] bool GetFollowsPosition() const;
 
-    /** Selects a range, in either order, cut to MAX_SNIPPET_LENGTH and to the visible range. Moves the position to
-     *  its start and emits SelectionChanged(), unless it differs by less than a millisecond from the selection. */
+    /** Selects a range, in either order, cut to MAX_SNIPPET_LENGTH and to the visible range (see
+     *  Interaction::SelectBeyondView). Moves the position to its start and emits SelectionChanged(), unless it
+     * differs by less than a millisecond from the selection. */
     void SetSelectedSnippet(std::pair<double, double> snippet);
     /** (0, 0) without a selection. */
     [[nodiscard]] std::pair<double, double> GetSelectedSnippet() const;
@@ -154,8 +156,9 @@ public:
         ForgetCleared = 16
     };
     Q_DECLARE_FLAGS(Interactions, Interaction)
-    /** Holds from the next event on; a drag that is under way may end differently. Has an effect in edit mode
-     * only, but for LeftButtonOnly. */
+    /** Holds from the next event or call on; a drag that is under way may end differently. Outside edit mode the
+     *  mouse follows only LeftButtonOnly; SelectBeyondView and ForgetCleared also hold for selections that the
+     *  program sets. */
     void SetInteractions(Interactions interactions);
     [[nodiscard]] Interactions GetInteractions() const;
 

@@ -66,9 +66,9 @@ public:
      * ImportOptions::Float, and with its quality: no media backend is needed, and more than two channels become
      * two. `sampleRate` is -1 for 96000, or 1 to ImportOptions::highestSampleRate.
      *
-     * Events are handled meanwhile, as by Convert(), and both paths may name the same file. The results are those
-     * of Convert(); ErrorInvalidFormat also for another rate, and for what would exceed the 4 GiB that a header
-     * can state. A few damaged packets are passed over.
+     * Events are handled meanwhile, as by Convert(), and both paths may name the same file. The results, and
+     * what a failure leaves at `outPath`, are those of Convert(); ErrorInvalidFormat also for another rate, and
+     * for what would exceed the 4 GiB that a header can state. A few damaged packets are passed over.
      */
     static WavFile::AudioEngineReturnValue ConvertToFloat(const QString& inPath, const QString& outPath,
                                                           int sampleRate);
