@@ -160,6 +160,7 @@ private Q_SLOTS:
         QVERIFY(takes.OpenAll());
         takes.List().setFocus();
         PlayerOf(takes.window)->UpdateAudioPosition(0.2);
+        QTRY_COMPARE(PlayerOf(takes.window)->GetAudioPosition(), 0.2);
         QTest::keyClick(&takes.List(), Qt::Key_End);
         QCOMPARE(takes.List().currentRow(), 3);
         const auto* follow = ChildNamed<QAction>(takes.window, u"follow"_s);
