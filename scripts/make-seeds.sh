@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Makes the files with which the fuzzers begin: short ones of every format that they are about.
+# Makes the files with which the fuzzers begin: short ones of every format that they are about, the same bytes each
+# time: no dither, and no random numbers in the containers.
 #
 #   scripts/make-seeds.sh FOLDER      WAV files go into FOLDER/wav, and they and all others into FOLDER/audio
 set -euo pipefail
@@ -10,7 +11,7 @@ mkdir -p "$folder/wav" "$folder/audio"
 tone() { # FILE RATE CHANNELS OPTION...
   local file=$1 rate=$2 channels=$3
   shift 3
-  sox -n -r "$rate" -c "$channels" "$@" "$file" synth 0.03 sine 440 vol 0.4
+  sox -D -n -r "$rate" -c "$channels" "$@" "$file" synth 0.03 sine 440 vol 0.4
 }
 for channels in 1 2; do
   tone "$folder/wav/16-bit-$channels.wav" 8000 $channels -b 16
@@ -25,7 +26,7 @@ tone "$folder/wav/mulaw.wav" 8000 1 -e mu-law
 convert() { # FILE OPTION...
   local file=$1
   shift
-  ffmpeg -v error -nostdin -y -i "$folder/wav/16-bit-2.wav" "$@" "$folder/$file"
+  ffmpeg -v error -nostdin -y -i "$folder/wav/16-bit-2.wav" -fflags +bitexact -flags +bitexact "$@" "$folder/$file"
 }
 convert wav/rf64.wav -rf64 always
 convert wav/tagged.wav -metadata title=Tone -metadata artist=Nobody

@@ -76,6 +76,7 @@ public:
     /**
      * How long the audio of `path` lasts, in milliseconds: what the container states, or the audio stream where
      * the container states nothing. 0 when the path is empty or that cannot be found; the debug log tells why.
+     * Below 0 where a damaged container states so; AudioFileInfo::GetDuration() never is.
      *
      * Reads a few megabytes of the file at most and leaves it closed. The library itself never calls it.
      */
