@@ -243,6 +243,36 @@ private Q_SLOTS:
         QVERIFY(!QFile::exists(path));
     }
 
+    /** File systems take names of 255 bytes. No half of a letter beyond 16 bits is left over. */
+    void aLongNameIsShortened()
+    {
+        const QString letter = u"\U0001F3B5"_s;
+        Setup setup;
+        const QString path = setup.folder.filePath(u'a' + letter.repeated(60) + u".wav"_s);
+        QVERIFY(QFile::copy(Recording, path));
+        QVERIFY(OpenCompletely(setup.window, path));
+        setup.window.SelectRange(1.0, 2.5);
+        Drags drags(setup.Handle());
+        setup.Drag();
+        QTRY_COMPARE(drags.paths.size(), 1);
+        QCOMPARE(QFileInfo(drags.paths[0]).fileName(), u'a' + letter.repeated(49) + u" selection.wav"_s);
+        QVERIFY(!drags.contents[0].isEmpty());
+    }
+
+    void theNextDragHidesAFormerFailure()
+    {
+        Setup setup;
+        QSignalSpy ended(&setup.window, &PlayerWindow::ExportEnded);
+        setup.window.ExportSelection(u"/proc/no file"_s);
+        QVERIFY(!ended.isEmpty() || ended.wait());
+        QVERIFY(!setup.window.FailureText().isEmpty());
+        const Drags drags(setup.Handle());
+        setup.Press();
+        QCOMPARE(setup.window.FailureText(), QString());
+        QTRY_VERIFY(!setup.Handle().IsWriting());
+        setup.Release();
+    }
+
     void needsASelection()
     {
         Setup setup;

@@ -392,6 +392,21 @@ private Q_SLOTS:
         QCOMPARE(QSettings().value(u"recentFiles"_s).toStringList(), added.first(10));
     }
 
+    void showsNoMoreThanTenThatAnotherVersionHasKept()
+    {
+        const QTemporaryDir folder;
+        QStringList kept;
+        for (int i = 0; i < 12; ++i) {
+            kept.append(folder.filePath(u"%1.wav"_s.arg(i)));
+            QVERIFY(QFile::copy(Recording, kept.last()));
+        }
+        QSettings().setValue(u"recentFiles"_s, kept);
+        PlayerWindow window;
+        QVERIFY(Activate(window));
+        QCOMPARE(ShowRecentFiles(window), kept.first(10) + QStringList(u"&Clear list"_s));
+        CloseMenus();
+    }
+
     void clearsTheListOfRecentFiles()
     {
         PlayerWindow window;

@@ -174,6 +174,21 @@ private Q_SLOTS:
         QVERIFY(window.findChild<ThemeMenu*>()->actions().last()->isChecked());
     }
 
+    void theSettingsDialogShowsTheColoursOfTheNewPaletteOfTheSystem()
+    {
+        const QPalette before = QApplication::palette();
+        SettingsDialog dialog{Appearance()};
+        const auto shown = [&dialog] {
+            const auto* button = ChildNamed<QPushButton>(dialog, u"background"_s);
+            return button->icon().pixmap(button->iconSize()).toImage().pixel(3, 3);
+        };
+        QApplication::setPalette(QColor(Qt::white));
+        QTRY_COMPARE(shown(), QRgb(0xfffafafa));
+        QApplication::setPalette(QColor(0x20, 0x20, 0x20));
+        QTRY_COMPARE(shown(), QRgb(0xff1c1c1c));
+        QApplication::setPalette(before);
+    }
+
     void theProgramsOwnControlsAreReadable_data()
     {
         QTest::addColumn<int>("theme");
