@@ -80,6 +80,8 @@ private:
     {
         m_widget->SetInteractions(Fuzzing::AnyInteractions(m_input));
         m_widget->SetFollowsPosition(m_input.ConsumeBool());
+        m_widget->SetShowsPositionAtOnce(m_input.ConsumeBool());
+        m_widget->SetKeepsViewFilled(m_input.ConsumeBool());
         m_widget->SetWheelZoomFactor(Number());
         m_widget->SetPositionRate(Number());
         m_widget->SetLabelsFit(m_input.ConsumeBool());

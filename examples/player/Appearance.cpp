@@ -23,7 +23,7 @@ constexpr std::array<Appearance::Role, Appearance::roleCount> roles{{
     {"waveform", QT_TRANSLATE_NOOP("Appearance", "Waveform"), 0xff2b6ea8, 0xffc0ccd4, &Player::SetWaveformColor},
     {"selection", QT_TRANSLATE_NOOP("Appearance", "Selection"), 0xff4a90c8, 0xff7390a0,
      &Player::SetAudioSelectionColor},
-    {"position", QT_TRANSLATE_NOOP("Appearance", "Position"), 0xffb03a2e, 0xff738cc8,
+    {"position", QT_TRANSLATE_NOOP("Appearance", "Position"), 0xffb03a2e, 0xff346ed1,
      &Player::SetAudioPositionMarkerColor},
     {"grid", QT_TRANSLATE_NOOP("Appearance", "Grid"), 0xffc4c4c4, 0xff7d7d7d, &Player::SetGridColor},
     {"frame", QT_TRANSLATE_NOOP("Appearance", "Frame"), 0xff9a9a9a, 0xff7d7d7d, &Player::SetFrameColor},

@@ -82,7 +82,10 @@ void PlayerWindow::BuildView()
     m_player->SetEditMode(true);
     m_player->SetInteractions(Interaction::SelectBeyondView | Interaction::MoveFromInside |
                               Interaction::ExtendWithShift | Interaction::LeftButtonOnly |
-                              Interaction::ForgetCleared);
+                              Interaction::ForgetCleared | Interaction::DoubleClickOnlyZooms);
+    m_player->SetKeepsViewFilled(true);
+    m_player->SetShowsPositionAtOnce(true);
+    m_player->SetPlayReturnsToStart(true);
     m_player->SetTypedPositionSeeks(true);
     m_player->SetEditedPositionStays(true);
     m_player->SetLoadInBackground(true);

@@ -8,6 +8,8 @@
 #include <memory>
 
 class QAction;
+class QKeyEvent;
+class QLineEdit;
 
 namespace vantoraudio::vantorAudioEngine::UI {
 
@@ -20,8 +22,9 @@ class AudioPlayerWidget;
  *     menuBar()->addMenu(tr("&Playback"))->addActions(actions->All(AudioPlayerActions::Playback));
  *
  * The shortcuts work in the player's whole window, from here on and without any menu; a program that wants other
- * keys changes the actions. Text fields keep the keys that they need, and so do sliders and boxes of the player
- * while they have the focus. Without a file only Loop and Mute do something.
+ * keys changes the actions. Sliders and boxes of the player keep the keys that they need while they have the
+ * focus, and so do its time fields: digits, and Escape, which takes back what was typed. Without a file only Loop
+ * and Mute do something.
  *
  * Controls of the player that have no tool tip get one, which outlives this object. Where an action does the same,
  * it names the action's key and follows the action's text and key, until the program sets another tool tip. Loop
@@ -83,12 +86,13 @@ public:
     void SetNightIcons(bool night);
 
 protected:
-    /** Leaves arrows, Home and End to the player's own sliders and boxes. */
+    /** Leaves arrows, Home and End to the player's own sliders and boxes, and keys to its fields. */
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     struct Internals;
 
+    static bool FilterKeyOf(QLineEdit& field, QKeyEvent& event, bool isOverride);
     void Do(Command command);
     void SetToolTips();
     void ToggleMute();

@@ -168,16 +168,21 @@ public:
     // What follows is off at first.
     /** What the mouse may do in the view, see BGFXWaveformWidget. */
     void SetInteractions(BGFXWaveformWidget::Interactions interactions);
-    /** A position typed into its field moves the player, too; otherwise only AudioPositionChanged() tells of it.
-     */
+    /** A position typed into its field moves the player, too, and so does a start of the selection; otherwise the
+     *  player stays, and for the position only AudioPositionChanged() tells of it. Leaving one of the three time
+     *  fields without typing then does nothing. */
     void SetTypedPositionSeeks(bool seeks);
+    /** Playing begins at the start of the selection where the position lies outside it, and without one at 0 where
+     *  the position has reached the end; otherwise it begins wherever the position is. */
+    void SetPlayReturnsToStart(bool returns);
     /** CreateSnippet() writes a stereo file where both channels of a stereo file are selected; otherwise their
      *  average. Holds for snippets that start from now on. */
     void SetKeepBothChannels(bool keep);
     /** CreateSnippet() fails where a file has the name, also one that came while the snippet was written, and
      *  leaves it alone; otherwise it replaces that file. Holds for snippets that start from now on. */
     void SetKeepExistingFiles(bool keep);
-    /** While the user types into the position field or has text selected there, playing does not write it over. */
+    /** While the user types into the position field or has text selected there, playing does not write it over;
+     *  otherwise the cursor keeps its place. */
     void SetEditedPositionStays(bool stays);
     /** Another channel keeps the visible range and the position, and plays on; otherwise it shows the whole file
      *  and waits at the start of the selection or file. */
@@ -256,6 +261,8 @@ public:
      * player's reports. Off at first. */
     void SetPositionMovesSmoothly(bool smoothly);
     void SetFollowsPosition(bool follows);
+    void SetShowsPositionAtOnce(bool atOnce);
+    void SetKeepsViewFilled(bool filled);
     void SetWheelZoomFactor(double factor);
     void SetLabelsFit(bool fit);
     void SetColorsFollowPalette(bool follow);

@@ -101,6 +101,17 @@ public:
     /** Whether SetAudioPosition() moves the visible range, as at first, or only the line. */
     void SetFollowsPosition(bool follows);
     [[nodiscard]] bool GetFollowsPosition() const;
+    /** With true a visible range that follows shows any position at once: beyond the next page, and on the way
+     *  back, in its middle. Where it shows the whole selection it also stays for what a player plays past the end
+     *  of that, up to 0.2 seconds. Off at first: it then turns one page a call, and on the way back begins at the
+     *  position. */
+    void SetShowsPositionAtOnce(bool atOnce);
+    [[nodiscard]] bool GetShowsPositionAtOnce() const;
+    /** With true GetSamples() asks for samples wherever a part of the view has none, or coarser ones than it could
+     *  show, but not twice running for the same. Off at first: a view that begins at 0 or ends with the file then
+     *  keeps the samples it has, and stays empty where it has none. */
+    void SetKeepsViewFilled(bool filled);
+    [[nodiscard]] bool GetKeepsViewFilled() const;
 
     /** Selects a range, in either order, cut to MAX_SNIPPET_LENGTH and to the visible range (see
      *  Interaction::SelectBeyondView). Moves the position to its start and emits SelectionChanged(), unless it
@@ -153,7 +164,9 @@ public:
         /** The other buttons do nothing: a menu of the program's may open, see QWidget::contextMenuPolicy(). */
         LeftButtonOnly = 8,
         /** A selection that was cleared leaves no times behind: a single end set later begins an empty one. */
-        ForgetCleared = 16
+        ForgetCleared = 16,
+        /** The second click of a double click, which makes everything visible, moves no position. */
+        DoubleClickOnlyZooms = 32
     };
     Q_DECLARE_FLAGS(Interactions, Interaction)
     /** Holds from the next event or call on; a drag that is under way may end differently. Outside edit mode the
@@ -179,7 +192,8 @@ public:
     [[nodiscard]] bool GetLabelsFit() const { return m_labelsFit; }
     /** All colours, that of the marker's icon, too, are those of the widget's palette, now and whenever that
      * changes: labels stand out from the window 4.5 to 1; waveform, selection and position from the background 3
-     * to 1. Off at first. Colours that were set, before or meanwhile, show when it is off again. */
+     * to 1, and the position line mostly from the waveform 2 to 1. Off at first. Colours that were set, before or
+     * meanwhile, show when it is off again. */
     void SetColorsFollowPalette(bool follow);
     [[nodiscard]] bool GetColorsFollowPalette() const { return m_setColors != nullptr; }
     /** The view takes the keyboard focus, by Tab and by a click, and shows it as a frame around the waveform that

@@ -10,6 +10,7 @@
 #include <QtGui/QKeyEvent>
 #include <QtWidgets/QAbstractSlider>
 #include <QtWidgets/QComboBox>
+#include <QtWidgets/QLineEdit>
 
 #include <algorithm>
 #include <array>
@@ -87,6 +88,24 @@ QString ToolTipOf(const QAction& action)
     return key.isEmpty() ? action.toolTip() : action.toolTip() + u" (" + key + u')';
 }
 
+/** A time is typed with the digits alone; every other key that would type something is free for shortcuts. */
+bool IsOfNoUseIn(const QLineEdit& field, QKeyEvent& event)
+{
+    const QString text = event.text();
+    const bool types =
+        !text.isEmpty() && text.front().isPrint() && !event.modifiers().testFlag(Qt::ControlModifier);
+    return (types && !text.front().isDigit()) || (event.matches(QKeySequence::Undo) && !field.isUndoAvailable()) ||
+           (event.matches(QKeySequence::Redo) && !field.isRedoAvailable());
+}
+
+void TakeBackWhatWasTyped(QLineEdit& field)
+{
+    while (field.isUndoAvailable()) {
+        field.undo();
+    }
+    field.setModified(false);
+}
+
 bool MovesWithinAControl(int key)
 {
     return key == Qt::Key_Left || key == Qt::Key_Right || key == Qt::Key_Home || key == Qt::Key_End;
@@ -120,7 +139,8 @@ AudioPlayerActions::AudioPlayerActions(AudioPlayerWidget* player)
     connect(player, &AudioPlayerWidget::AudioPlayBackMuteChanged, Get(Mute), &QAction::setChecked);
     SetToolTips();
     for (QWidget* control : player->findChildren<QWidget*>()) {
-        if (qobject_cast<QAbstractSlider*>(control) || qobject_cast<QComboBox*>(control)) {
+        if (qobject_cast<QAbstractSlider*>(control) || qobject_cast<QComboBox*>(control) ||
+            qobject_cast<QLineEdit*>(control)) {
             control->installEventFilter(this);
         }
     }
@@ -182,14 +202,37 @@ void AudioPlayerActions::SetToolTips()
 
 bool AudioPlayerActions::eventFilter(QObject* watched, QEvent* event)
 {
-    if (event->type() == QEvent::ShortcutOverride) {
-        const auto* keyEvent = static_cast<QKeyEvent*>(event);
-        if (keyEvent->modifiers() == Qt::NoModifier && MovesWithinAControl(keyEvent->key())) {
-            event->accept();
-            return true;
-        }
+    const bool isOverride = event->type() == QEvent::ShortcutOverride;
+    if (!isOverride && event->type() != QEvent::KeyPress) {
+        return QObject::eventFilter(watched, event);
+    }
+    auto& keyEvent = *static_cast<QKeyEvent*>(event);
+    if (auto* field = qobject_cast<QLineEdit*>(watched)) {
+        return FilterKeyOf(*field, keyEvent, isOverride);
+    }
+    if (isOverride && keyEvent.modifiers() == Qt::NoModifier && MovesWithinAControl(keyEvent.key())) {
+        event->accept();
+        return true;
     }
     return QObject::eventFilter(watched, event);
+}
+
+bool AudioPlayerActions::FilterKeyOf(QLineEdit& field, QKeyEvent& event, bool isOverride)
+{
+    const bool takesBack = event.key() == Qt::Key_Escape && field.isModified();
+    if (takesBack && isOverride) {
+        event.accept();
+        return true;
+    }
+    if (takesBack) {
+        TakeBackWhatWasTyped(field);
+        return true;
+    }
+    if (isOverride && IsOfNoUseIn(field, event)) {
+        event.ignore();
+        return true;
+    }
+    return false;
 }
 
 void AudioPlayerActions::Do(Command command)

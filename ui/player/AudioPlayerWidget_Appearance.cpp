@@ -74,6 +74,16 @@ void AudioPlayerWidget::SetFollowsPosition(bool follows)
     m_waveformWidget->SetFollowsPosition(follows);
 }
 
+void AudioPlayerWidget::SetShowsPositionAtOnce(bool atOnce)
+{
+    m_waveformWidget->SetShowsPositionAtOnce(atOnce);
+}
+
+void AudioPlayerWidget::SetKeepsViewFilled(bool filled)
+{
+    m_waveformWidget->SetKeepsViewFilled(filled);
+}
+
 void AudioPlayerWidget::SetWheelZoomFactor(double factor)
 {
     m_waveformWidget->SetWheelZoomFactor(factor);

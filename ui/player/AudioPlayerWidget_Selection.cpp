@@ -88,6 +88,9 @@ void AudioPlayerWidget::OnBtnIncSelectionEndClicked()
 
 void AudioPlayerWidget::OnSelectionStartEditingFinished()
 {
+    if (m_internals->IsLeftUntyped(*m_internals->controls.edSelectionStart)) {
+        return;
+    }
     const Internals::Telling telling(*this, m_internals->controls.edSelectionStart);
     const double start = ConvertFromDisplayTimeFormat(m_internals->controls.edSelectionStart->text());
     if (!LiesInFile(start, GetAudioDuration())) {
@@ -104,10 +107,16 @@ void AudioPlayerWidget::OnSelectionStartEditingFinished()
     if (self) {
         m_waveformWidget->SetSelectionStartTime(start);
     }
+    if (self) {
+        m_internals->SeekToLine();
+    }
 }
 
 void AudioPlayerWidget::OnSelectionEndEditingFinished()
 {
+    if (m_internals->IsLeftUntyped(*m_internals->controls.edSelectionEnd)) {
+        return;
+    }
     const Internals::Telling telling(*this, m_internals->controls.edSelectionEnd);
     const double end = ConvertFromDisplayTimeFormat(m_internals->controls.edSelectionEnd->text());
     if (!LiesInFile(end, GetAudioDuration())) {

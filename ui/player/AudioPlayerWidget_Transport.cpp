@@ -26,7 +26,7 @@ void AudioPlayerWidget::Play()
 {
     m_internals->PlayOnWithCopy(true);
     const bool hasFile = m_internals->controls.btnPlayPause->isEnabledTo(this);
-    if (hasFile && !IsPlaying()) {
+    if (hasFile && !IsPlaying() && m_internals->GoToWherePlayingBegins()) {
         m_audioPlayer->play();
     }
 }
@@ -92,8 +92,29 @@ void AudioPlayerWidget::Internals::LetPlay(const QString& path, const Selection&
     }
 }
 
+/** False when a receiver of the signals has destroyed the widget. */
+bool AudioPlayerWidget::Internals::GoToWherePlayingBegins()
+{
+    // A player that has played to an end may stand a few milliseconds before it.
+    constexpr double closeToEnd = 0.01;
+    constexpr double millisecond = 0.001;
+    const bool hasSelection = widget.m_hasSelection;
+    const auto [start, end] =
+        hasSelection ? widget.GetSelectedSnippet() : std::pair(0.0, widget.GetAudioDuration());
+    const double position = widget.GetAudioPosition();
+    const bool isOutside = position < start - millisecond || position > end - closeToEnd;
+    const QPointer<AudioPlayerWidget> self(&widget);
+    if (playReturnsToStart && isOutside && start < end && !AwaitsCopy()) {
+        widget.UpdateAudioPosition(start);
+    }
+    return !self.isNull();
+}
+
 void AudioPlayerWidget::OnBtnPlayPauseClicked()
 {
+    if (!IsPlaying() && !m_internals->GoToWherePlayingBegins()) {
+        return;
+    }
     const QPointer<AudioPlayerWidget> self(this);
     m_audioPlayer->PauseResume();
     if (self) {
@@ -284,8 +305,13 @@ void AudioPlayerWidget::OnAudioPositionChanged(qint64 milliseconds)
 {
     const double seconds = static_cast<double>(milliseconds) / 1000.0;
     if (!m_internals->IsPositionEdited()) {
-        const QSignalBlocker blocker(m_internals->controls.edCurrentPosition);
-        m_internals->controls.edCurrentPosition->setText(ConvertToDisplayTimeFormat(seconds));
+        QLineEdit& field = *m_internals->controls.edCurrentPosition;
+        const QSignalBlocker blocker(field);
+        const int cursor = field.cursorPosition();
+        field.setText(ConvertToDisplayTimeFormat(seconds));
+        if (m_internals->editedPositionStays) {
+            field.setCursorPosition(cursor);
+        }
     }
     // A receiver of the signals may destroy this widget.
     const QPointer<AudioPlayerWidget> self(this);
@@ -339,8 +365,8 @@ bool AudioPlayerWidget::Internals::GoToTyped(double time)
         }
     }
     waveform.SetAudioPosition(time);
-    if (self && typedPositionSeeks) {
-        widget.m_audioPlayer->setPosition(MillisecondsOf(time));
+    if (self) {
+        SeekToLine();
     }
     if (self) {
         // Without that the player stays where it is: the host is told the time and decides whether playback
@@ -348,6 +374,18 @@ bool AudioPlayerWidget::Internals::GoToTyped(double time)
         Q_EMIT widget.AudioPositionChanged(time);
     }
     return !self.isNull();
+}
+
+bool AudioPlayerWidget::Internals::IsLeftUntyped(const QLineEdit& field) const
+{
+    return typedPositionSeeks && !field.isModified();
+}
+
+void AudioPlayerWidget::Internals::SeekToLine() const
+{
+    if (typedPositionSeeks) {
+        widget.m_audioPlayer->setPosition(MillisecondsOf(widget.m_waveformWidget->GetAudioPosition()));
+    }
 }
 
 double AudioPlayerWidget::GetAudioPosition() const
@@ -358,8 +396,9 @@ double AudioPlayerWidget::GetAudioPosition() const
 void AudioPlayerWidget::OnCurrentPositionEditingFinished()
 {
     const Internals::Telling telling(*this, m_internals->controls.edCurrentPosition);
+    const bool isTyped = !m_internals->IsLeftUntyped(*m_internals->controls.edCurrentPosition);
     const double time = ConvertFromDisplayTimeFormat(m_internals->controls.edCurrentPosition->text());
-    if (0.0 <= time && time <= GetAudioDuration() && !m_internals->GoToTyped(time)) {
+    if (isTyped && 0.0 <= time && time <= GetAudioDuration() && !m_internals->GoToTyped(time)) {
         return;
     }
     // In every case: an entry outside the file snaps back.
@@ -417,6 +456,11 @@ void AudioPlayerWidget::SetInteractions(BGFXWaveformWidget::Interactions interac
 void AudioPlayerWidget::SetTypedPositionSeeks(bool seeks)
 {
     m_internals->typedPositionSeeks = seeks;
+}
+
+void AudioPlayerWidget::SetPlayReturnsToStart(bool returns)
+{
+    m_internals->playReturnsToStart = returns;
 }
 
 void AudioPlayerWidget::SetEditedPositionStays(bool stays)

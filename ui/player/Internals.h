@@ -85,6 +85,9 @@ struct AudioPlayerWidget::Internals
     void ShowAsPlaying(bool isPlaying);
     [[nodiscard]] bool IsPositionEdited() const;
     [[nodiscard]] bool GoToTyped(double time);
+    [[nodiscard]] bool IsLeftUntyped(const QLineEdit& field) const;
+    void SeekToLine() const;
+    [[nodiscard]] bool GoToWherePlayingBegins();
     void CorrectLateReport(qint64 milliseconds);
     void LetPositionMove() const;
     void TakeFocusBack();
@@ -125,6 +128,7 @@ struct AudioPlayerWidget::Internals
     bool decodesToFloat = false;
     bool loadsInBackground = false;
     bool typedPositionSeeks = false;
+    bool playReturnsToStart = false;
     bool editedPositionStays = false;
     bool channelChangeKeepsPlace = false;
     bool positionMovesSmoothly = false;

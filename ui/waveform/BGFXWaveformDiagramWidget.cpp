@@ -56,7 +56,8 @@ void BGFXWaveformDiagramWidget::SetDuration(double duration)
     ShowEverything();
     m_stepSize = StepSizeFor(GetTotalLength());
     // The step size counts the visible silence, too; samples exist only for the audio.
-    Q_EMIT GetSamples(0.0, duration, m_stepSize);
+    m_asked.reset();
+    AskForSamples(0.0, duration);
 }
 
 void BGFXWaveformDiagramWidget::SetDelay(double delay)
@@ -78,17 +79,21 @@ void BGFXWaveformDiagramWidget::SetAudioPosition(double position, bool clearSele
     if (clearSelection) {
         m_selection.isPresent = false;
     }
-    if (!m_followsPosition) {
+    if (!m_followsPosition || Follow()) {
         Changed();
-        return;
     }
-    if (const auto left = PageFor(View(), m_audioPosition, m_duration); left && !ScrollTo(*left)) {
-        return;
+}
+
+/** False when a receiver has destroyed this widget. */
+bool BGFXWaveformDiagramWidget::Follow()
+{
+    if (m_showsPositionAtOnce) {
+        const bool isOverrun = m_selection.isPresent && IsOverrun(m_selection.times, View(), m_audioPosition);
+        const auto left = isOverrun ? std::nullopt : LeftThatShows(View(), m_audioPosition, m_duration);
+        return !left || ScrollTo(*left);
     }
-    if (m_sceneRect.left() > m_audioPosition && !ScrollTo(m_audioPosition)) {
-        return;
-    }
-    Changed();
+    const auto left = PageFor(View(), m_audioPosition, m_duration);
+    return (!left || ScrollTo(*left)) && (!(m_sceneRect.left() > m_audioPosition) || ScrollTo(m_audioPosition));
 }
 
 void BGFXWaveformDiagramWidget::SetPositionRate(double rate)
@@ -235,15 +240,31 @@ void BGFXWaveformDiagramWidget::ShowEverything()
 
 bool BGFXWaveformDiagramWidget::RequestSamplesIfNeeded()
 {
-    const auto request = RequestFor(View(), m_buffer, GetTotalLength());
+    auto request = RequestFor(View(), m_buffer, GetTotalLength());
+    if (m_keepsViewFilled) {
+        const SampleRequest filling = FillingRequestFor(View(), GetTotalLength());
+        const bool isTooCoarse = StepSizeFor(filling.end - filling.start) < m_stepSize;
+        request = request || isTooCoarse ? std::optional(filling) : std::nullopt;
+    }
     if (!request) {
         return true;
     }
     // It is remembered even if it is not sent: samples still on their way are then drawn from this start time on.
     m_stepSize = StepSizeFor(request->end - request->start);
     m_requestedStart = request->start;
-    return !request->isSent ||
-           Tell(&BGFXWaveformDiagramWidget::GetSamples, request->start, request->end, m_stepSize);
+    return !request->isSent || AskForSamples(request->start, request->end);
+}
+
+/** Where the last request ends with the audio, its samples never cover the view to the end: a view that is to be
+ *  filled would ask for the same with each move. */
+bool BGFXWaveformDiagramWidget::AskForSamples(double start, double end)
+{
+    const AskedSamples asked{start, end, m_stepSize};
+    if (m_keepsViewFilled && m_asked == asked) {
+        return true;
+    }
+    m_asked = asked;
+    return Tell(&BGFXWaveformDiagramWidget::GetSamples, start, end, m_stepSize);
 }
 
 void BGFXWaveformDiagramWidget::Changed()

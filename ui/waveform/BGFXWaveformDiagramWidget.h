@@ -72,6 +72,10 @@ public:
                                                                                 : m_audioPosition;
     }
     void SetFollowsPosition(bool follows) { m_followsPosition = follows; }
+    void SetShowsPositionAtOnce(bool atOnce) { m_showsPositionAtOnce = atOnce; }
+    [[nodiscard]] bool GetShowsPositionAtOnce() const { return m_showsPositionAtOnce; }
+    void SetKeepsViewFilled(bool filled) { m_keepsViewFilled = filled; }
+    [[nodiscard]] bool GetKeepsViewFilled() const { return m_keepsViewFilled; }
     [[nodiscard]] bool GetFollowsPosition() const { return m_followsPosition; }
 
     void SetSelectedSnippet(std::pair<double, double> snippet);
@@ -147,6 +151,15 @@ private:
         bool isPresent = false;
     };
 
+    struct AskedSamples
+    {
+        double start = 0.0;
+        double end = 0.0;
+        int stepSize = 0;
+
+        bool operator==(const AskedSamples&) const = default;
+    };
+
     [[nodiscard]] bool Allows(BGFXWaveformWidget::Interaction interaction) const
     {
         return m_interactions.testFlag(interaction);
@@ -162,7 +175,10 @@ private:
     [[nodiscard]] double TimeAt(double x) const { return TimeAtPixel(View(), x, width()); }
     [[nodiscard]] int StepSizeFor(double span) const;
     void ShowEverything();
+    // False when a receiver of their signals has destroyed this widget.
     bool RequestSamplesIfNeeded();
+    bool AskForSamples(double start, double end);
+    bool Follow();
     /** Emits. False when a receiver has destroyed the player, and this widget with it. */
     template<typename... Arguments>
     bool Tell(void (BGFXWaveformDiagramWidget::*signal)(Arguments...),
@@ -206,6 +222,8 @@ private:
     QRectF m_sceneRect{0.0, 0.0, 1.0, 1.0};
     BufferedRange m_buffer;
     double m_requestedStart = 0.0;
+    /** The latest request that was sent. */
+    std::optional<AskedSamples> m_asked;
     int m_stepSize = 1;
     double m_audioPosition = 0.0;
     /** Runs while the line moves by itself. Then the position may also be set in other ways than by a report; the
@@ -227,6 +245,9 @@ private:
     Grab m_grab;
     bool m_scrollBackToZoomOut = true;
     bool m_followsPosition = true;
+    bool m_showsPositionAtOnce = false;
+    bool m_keepsViewFilled = false;
+    bool m_isDoubleClick = false;
     std::optional<double> m_wheelZoomFactor;
     double m_amplitudeExtent = 1.0;
     vantor3DQt::BGFXViewContext m_gridView{0};

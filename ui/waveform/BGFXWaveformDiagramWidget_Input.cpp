@@ -5,6 +5,8 @@
 #include <QtGui/QMouseEvent>
 #include <QtGui/QWheelEvent>
 
+#include <utility>
+
 namespace vantoraudio::vantorAudioEngine::UI {
 namespace {
 
@@ -41,6 +43,7 @@ void BGFXWaveformDiagramWidget::mousePressEvent(QMouseEvent* event)
         event->ignore();
         return;
     }
+    m_isDoubleClick = false;
     if (!HasAudio()) {
         return;
     }
@@ -78,6 +81,7 @@ void BGFXWaveformDiagramWidget::mouseReleaseEvent(QMouseEvent* event)
     m_grab = {};
     m_borderScroll.stop();
     setCursor(Qt::ArrowCursor);
+    const bool isDoubleClick = std::exchange(m_isDoubleClick, false);
     if (!HasAudio()) {
         return;
     }
@@ -89,7 +93,7 @@ void BGFXWaveformDiagramWidget::mouseReleaseEvent(QMouseEvent* event)
         }
     } else if (m_isEditing && Allows(Interaction::ExtendWithShift) && event->modifiers() == Qt::ShiftModifier) {
         ExtendTo(TimeAt(event->position().x()));
-    } else {
+    } else if (!isDoubleClick) {
         ClickAt(event->position().x());
     }
 }
@@ -103,10 +107,12 @@ void BGFXWaveformDiagramWidget::mouseDoubleClickEvent(QMouseEvent* event)
     if (!HasAudio()) {
         return;
     }
+    m_isDoubleClick = Allows(Interaction::DoubleClickOnlyZooms);
     m_stepSize = StepSizeFor(GetTotalLength());
     m_buffer.start = 0.0;
     m_requestedStart = 0.0;
-    if (!Tell(&BGFXWaveformDiagramWidget::GetSamples, 0.0, GetTotalLength(), m_stepSize)) {
+    m_asked.reset();
+    if (!AskForSamples(0.0, GetTotalLength())) {
         return;
     }
     ShowEverything();

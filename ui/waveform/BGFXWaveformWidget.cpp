@@ -184,6 +184,26 @@ bool BGFXWaveformWidget::GetFollowsPosition() const
     return m_diagram->GetFollowsPosition();
 }
 
+void BGFXWaveformWidget::SetShowsPositionAtOnce(bool atOnce)
+{
+    m_diagram->SetShowsPositionAtOnce(atOnce);
+}
+
+bool BGFXWaveformWidget::GetShowsPositionAtOnce() const
+{
+    return m_diagram->GetShowsPositionAtOnce();
+}
+
+void BGFXWaveformWidget::SetKeepsViewFilled(bool filled)
+{
+    m_diagram->SetKeepsViewFilled(filled);
+}
+
+bool BGFXWaveformWidget::GetKeepsViewFilled() const
+{
+    return m_diagram->GetKeepsViewFilled();
+}
+
 void BGFXWaveformWidget::SetSelectedSnippet(std::pair<double, double> snippet)
 {
     m_diagram->SetSelectedSnippet(snippet);

@@ -53,6 +53,8 @@ private Q_SLOTS:
     void escapeClearsTheSelectionAndKeepsThePosition();
     void slidersAndBoxesKeepTheirKeys();
     void fieldsKeepTheirKeys();
+    void keysThatTypeNoTimeWorkInTheFields();
+    void escapeTakesBackWhatWasTyped();
     void toolTipsNameTheKeysThatHold();
 
 private:
@@ -283,6 +285,57 @@ void PlayerActionsTest::fieldsKeepTheirKeys()
     Press(Qt::Key_0, {}, &field);
     QCOMPARE(Player().position(), 10000);
     QCOMPARE(Shown().GetVisibleRange(), before);
+}
+
+void PlayerActionsTest::keysThatTypeNoTimeWorkInTheFields()
+{
+    QAction undo;
+    undo.setShortcut(QKeySequence::Undo);
+    Shown().addAction(&undo);
+    const QSignalSpy undone(&undo, &QAction::triggered);
+    const auto& controls = Controls();
+    for (QLineEdit* field : {controls.edCurrentPosition, controls.edSelectionStart, controls.edSelectionEnd}) {
+        field->setFocus();
+        QTRY_VERIFY(field->hasFocus());
+        Press(Qt::Key_Space, {}, field);
+        QVERIFY(Shown().IsPlaying());
+        Press(Qt::Key_Space, {}, field);
+        QVERIFY(!Shown().IsPlaying());
+        const bool loop = Shown().GetLoop();
+        Press(Qt::Key_L, {}, field);
+        QCOMPARE(Shown().GetLoop(), !loop);
+        const auto count = undone.size();
+        Press(Qt::Key_Z, Qt::ControlModifier, field);
+        QCOMPARE(undone.size(), count + 1);
+        // What was typed is the field's own to undo.
+        Press(Qt::Key_Home, {}, field);
+        Press(Qt::Key_1, {}, field);
+        QVERIFY(field->isModified());
+        Press(Qt::Key_Z, Qt::ControlModifier, field);
+        QCOMPARE(undone.size(), count + 1);
+        Press(Qt::Key_Escape, {}, field);
+    }
+}
+
+void PlayerActionsTest::escapeTakesBackWhatWasTyped()
+{
+    Shown().SetTypedPositionSeeks(true);
+    Player().setPosition(3000);
+    Shown().SetSelectedSnippet({2.0, 5.0});
+    const auto& controls = Controls();
+    for (QLineEdit* field : {controls.edCurrentPosition, controls.edSelectionStart, controls.edSelectionEnd}) {
+        field->setFocus();
+        QTRY_VERIFY(field->hasFocus());
+        const QString before = field->text();
+        Press(Qt::Key_Home, {}, field);
+        QTest::keyClicks(field, u"00001"_s);
+        QVERIFY(field->text() != before);
+        Press(Qt::Key_Escape, {}, field);
+        QCOMPARE(field->text(), before);
+        QCOMPARE(Shown().GetSelectedSnippet(), Range(2.0, 5.0));
+    }
+    Press(Qt::Key_Escape, {}, controls.edSelectionEnd);
+    QCOMPARE(Shown().GetSelectedSnippet(), Range(0.0, 0.0));
 }
 
 void PlayerActionsTest::toolTipsNameTheKeysThatHold()

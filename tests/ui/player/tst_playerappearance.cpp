@@ -207,10 +207,14 @@ void PlayerAppearanceTest::theChoicesAreThoseOfTheWaveform()
     const BGFXWaveformWidget& view = Access::Waveform(widget);
     for (const bool isOn : {true, false}) {
         widget.SetFollowsPosition(isOn);
+        widget.SetShowsPositionAtOnce(isOn);
+        widget.SetKeepsViewFilled(isOn);
         widget.SetLabelsFit(isOn);
         widget.SetColorsFollowPalette(isOn);
         widget.SetWaveformTakesFocus(isOn);
         QCOMPARE(view.GetFollowsPosition(), isOn);
+        QCOMPARE(view.GetShowsPositionAtOnce(), isOn);
+        QCOMPARE(view.GetKeepsViewFilled(), isOn);
         QCOMPARE(view.GetLabelsFit(), isOn);
         QCOMPARE(view.GetColorsFollowPalette(), isOn);
         QCOMPARE(view.GetTakesFocus(), isOn);

@@ -116,6 +116,11 @@ private Q_SLOTS:
     void aTypedPositionMovesTheMarkerButNotThePlayer();
     void aTypedPositionClearsTheSelection();
     void aTypedPositionMovesThePlayerWhereTheHostWantsIt();
+    void aTypedStartMovesThePlayerWhereTheHostWantsIt();
+    void fieldsThatAreLeftUntypedChangeNothingWhereTheHostWantsIt();
+    void theCursorStaysWhereThePositionIsToBeTyped();
+    void playingReturnsToTheStartWhereTheHostWantsIt_data();
+    void playingReturnsToTheStartWhereTheHostWantsIt();
     void anEditedPositionIsNotWrittenOverWhereTheHostWantsIt();
     void aTypedPositionCountsWhenTheFieldIsLeft();
     void theEndOfTheFileMayBeTyped();
@@ -640,6 +645,88 @@ void PlayerTransportTest::aTypedPositionMovesThePlayerWhereTheHostWantsIt()
     QCOMPARE(Marker(), 5.25);
     QCOMPARE(PositionText(), u"00:00:05.250"_s);
     QCOMPARE(RangeOf(Player()), Range(0.0, 20.0));
+}
+
+void PlayerTransportTest::aTypedStartMovesThePlayerWhereTheHostWantsIt()
+{
+    Shown().SetTypedPositionSeeks(true);
+    Shown().SetSelectedSnippet({2.0, 4.0});
+    TypeTime(*Controls().edSelectionStart, u"000008000"_s);
+    QCOMPARE(Marker(), 8.0);
+    QCOMPARE(Player().position(), 8000);
+}
+
+void PlayerTransportTest::fieldsThatAreLeftUntypedChangeNothingWhereTheHostWantsIt()
+{
+    Player().setPosition(3500);
+    Shown().SetSelectedSnippet({2.0, 4.0});
+    Player().setPosition(3000);
+    const auto& controls = Controls();
+    const QList<QLineEdit*> fields{controls.edSelectionStart, controls.edSelectionEnd, controls.edCurrentPosition};
+    Shown().SetTypedPositionSeeks(true);
+    for (QLineEdit* field : fields) {
+        QTest::keyClick(field, Qt::Key_Return);
+        QCOMPARE(Marker(), 3.0);
+        QCOMPARE(Shown().GetSelectedSnippet(), Range(2.0, 4.0));
+    }
+    Shown().SetTypedPositionSeeks(false);
+    QTest::keyClick(controls.edSelectionStart, Qt::Key_Return);
+    QCOMPARE(Marker(), 2.0);
+    QTest::keyClick(controls.edCurrentPosition, Qt::Key_Return);
+    QCOMPARE(Shown().GetSelectedSnippet(), Range(0.0, 0.0));
+}
+
+void PlayerTransportTest::theCursorStaysWhereThePositionIsToBeTyped()
+{
+    QLineEdit& field = *Controls().edCurrentPosition;
+    field.setFocus();
+    QTRY_VERIFY(field.hasFocus());
+    Shown().SetEditedPositionStays(true);
+    QTest::keyClick(&field, Qt::Key_Home);
+    Player().setPosition(1000);
+    QCOMPARE(field.text(), u"00:00:01.000"_s);
+    QCOMPARE(field.cursorPosition(), 0);
+    QTest::keyClicks(&field, u"000005250"_s);
+    Player().setPosition(2000);
+    QCOMPARE(field.text(), u"00:00:05.250"_s);
+}
+
+void PlayerTransportTest::playingReturnsToTheStartWhereTheHostWantsIt_data()
+{
+    QTest::addColumn<Range>("selection");
+    QTest::addColumn<int>("position");
+    QTest::addColumn<bool>("isOn");
+    QTest::addColumn<int>("begin");
+    QTest::newRow("inside the selection") << Range(2.0, 15.0) << 5000 << true << 5000;
+    QTest::newRow("behind the selection") << Range(2.0, 4.0) << 5000 << true << 2000;
+    QTest::newRow("behind the selection, as at first") << Range(2.0, 4.0) << 5000 << false << 5000;
+    QTest::newRow("before the selection") << Range(10.0, 15.0) << 5000 << true << 10000;
+    QTest::newRow("in the file") << Range(0.0, 0.0) << 5000 << true << 5000;
+    QTest::newRow("at the end of the file") << Range(0.0, 0.0) << 20000 << true << 0;
+}
+
+void PlayerTransportTest::playingReturnsToTheStartWhereTheHostWantsIt()
+{
+    QFETCH(const Range, selection);
+    QFETCH(const int, position);
+    QFETCH(const bool, isOn);
+    Shown().SetPlayReturnsToStart(isOn);
+    if (selection.first < selection.second) {
+        Shown().SetSelectedSnippet(selection);
+    }
+    for (const bool byButton : {true, false}) {
+        Player().pause();
+        Player().setPosition(position);
+        QCOMPARE(Player().position(), qint64(position));
+        // The player's own moves come later.
+        QList<qint64> positions{position};
+        const auto log = connect(&Player(), &QMediaPlayer::positionChanged, this,
+                                 [&](qint64 reported) { positions.append(reported); });
+        byButton ? Controls().btnPlayPause->click() : Shown().Play();
+        disconnect(log);
+        QTEST(int(positions.value(1, positions[0])), "begin");
+        QTRY_VERIFY(Shown().IsPlaying());
+    }
 }
 
 void PlayerTransportTest::anEditedPositionIsNotWrittenOverWhereTheHostWantsIt()

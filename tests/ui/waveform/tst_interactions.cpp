@@ -237,6 +237,26 @@ private Q_SLOTS:
         bench.diagram.SetSelectionEndTime(30.0);
         QCOMPARE(bench.Selection(), Pair(15.0, 30.0));
     }
+
+    void theSecondClickOfADoubleClickMovesNoPosition()
+    {
+        FreeBench bench(Interaction::DoubleClickOnlyZooms);
+        bench.diagram.SetSceneRange(40.0, 50.0);
+        bench.Click(200);
+        QCOMPARE(bench.diagram.GetAudioPosition(), 42.005);
+        bench.recorder.Take();
+        SendMouse(bench.diagram, QEvent::MouseButtonDblClick, {200.0, 50.0}, Qt::LeftButton);
+        Release(bench.diagram, 200);
+        QCOMPARE(bench.diagram.GetSceneRect().width(), 100.0);
+        QCOMPARE(bench.diagram.GetAudioPosition(), 42.005);
+        // The next click counts, and so does a drag that a double click begins.
+        bench.Click(300);
+        QCOMPARE(bench.diagram.GetAudioPosition(), 30.05);
+        SendMouse(bench.diagram, QEvent::MouseButtonDblClick, {300.0, 50.0}, Qt::LeftButton);
+        SendMouse(bench.diagram, QEvent::MouseMove, {500.0, 50.0}, Qt::LeftButton);
+        SendMouse(bench.diagram, QEvent::MouseButtonRelease, {500.0, 50.0}, Qt::NoButton);
+        QCOMPARE(bench.Selection(), Pair(30.05, 50.05));
+    }
 };
 
 QTEST_MAIN(TestInteractions)

@@ -503,6 +503,88 @@ private Q_SLOTS:
         QCOMPARE(loaded.diagram.GetSceneRect(), QRectF(20.0, 0.0, 10.0, 1.0));
     }
 
+    void aViewThatShowsPositionsAtOnceTurnsNoSinglePages()
+    {
+        LoadedDiagram loaded;
+        loaded.diagram.SetShowsPositionAtOnce(true);
+        loaded.diagram.SetSceneRange(10.0, 20.0);
+        loaded.diagram.SetAudioPosition(75.0, false);
+        QCOMPARE(loaded.diagram.GetSceneRect(), QRectF(70.0, 0.0, 10.0, 1.0));
+        loaded.diagram.SetAudioPosition(81.0, false);
+        QCOMPARE(loaded.diagram.GetSceneRect(), QRectF(80.0, 0.0, 10.0, 1.0));
+        loaded.diagram.SetAudioPosition(15.0, false);
+        QCOMPARE(loaded.diagram.GetSceneRect(), QRectF(10.0, 0.0, 10.0, 1.0));
+        loaded.diagram.SetFollowsPosition(false);
+        loaded.diagram.SetAudioPosition(75.0, false);
+        QCOMPARE(loaded.diagram.GetSceneRect(), QRectF(10.0, 0.0, 10.0, 1.0));
+    }
+
+    void aViewThatShowsPositionsAtOnceStaysWithASelectionThatIsOverrun()
+    {
+        LoadedDiagram loaded;
+        loaded.diagram.SetShowsPositionAtOnce(true);
+        loaded.diagram.SetSceneRange(10.0, 20.0);
+        loaded.diagram.SetSelectedSnippet({10.0, 20.0});
+        loaded.diagram.SetAudioPosition(20.1, false);
+        QCOMPARE(loaded.diagram.GetSceneRect(), QRectF(10.0, 0.0, 10.0, 1.0));
+        loaded.diagram.ClearSelection();
+        loaded.diagram.SetAudioPosition(20.1, false);
+        QCOMPARE(loaded.diagram.GetSceneRect(), QRectF(20.0, 0.0, 10.0, 1.0));
+    }
+
+    void aViewThatIsKeptFilledAsksAtTheEdgesToo()
+    {
+        LoadedDiagram loaded;
+        loaded.diagram.SetKeepsViewFilled(true);
+        const auto requestFor = [&](double left, double right) {
+            loaded.diagram.SetSceneRange(left, right);
+            return loaded.recorder.Take().value(1);
+        };
+        QCOMPARE(requestFor(40.0, 50.0), u"GetSamples(35, 55, 1)"_s);
+        loaded.diagram.UpdateAudioSampleBuffer(QList<float>(20000));
+        loaded.recorder.Take();
+        QCOMPARE(requestFor(0.0, 10.0), u"GetSamples(0, 15, 1)"_s);
+        // It is on its way.
+        QCOMPARE(requestFor(0.0, 10.0), QString());
+        loaded.diagram.UpdateAudioSampleBuffer(QList<float>(15000));
+        loaded.recorder.Take();
+        QCOMPARE(requestFor(0.0, 10.0), QString());
+        QCOMPARE(requestFor(0.0, 100.0), u"GetSamples(0, 100, 1)"_s);
+        // A file whose last sample ends a little before it does is not read with every move.
+        loaded.diagram.UpdateAudioSampleBuffer(QList<float>(99999));
+        loaded.recorder.Take();
+        QCOMPARE(requestFor(0.0, 100.0), QString());
+    }
+
+    void aViewThatIsKeptFilledAsksForFinerSamples()
+    {
+        LoadedDiagram loaded(8000.0);
+        loaded.diagram.UpdateAudioSampleBuffer(QList<float>(1000000));
+        loaded.diagram.SetSceneRange(0.0, 10.0);
+        loaded.recorder.Take();
+        loaded.diagram.SetKeepsViewFilled(true);
+        loaded.diagram.SetSceneRange(0.0, 11.0);
+        QCOMPARE(loaded.recorder.Take().value(1), u"GetSamples(0, 16.5, 1)"_s);
+        // The double click brings the whole file's again, and those are too coarse.
+        QTest::mouseDClick(&loaded.diagram, Qt::LeftButton, {}, {500, 50});
+        QVERIFY(loaded.recorder.Take().contains(u"GetSamples(0, 8000, 8)"_s));
+        loaded.diagram.SetSceneRange(0.0, 11.0);
+        QCOMPARE(loaded.recorder.Take().value(1), u"GetSamples(0, 16.5, 1)"_s);
+    }
+
+    void loadingAsksOnceOnlyForAViewThatIsKeptFilled()
+    {
+        LoadedDiagram loaded;
+        loaded.diagram.SetKeepsViewFilled(true);
+        loaded.diagram.Reset();
+        loaded.diagram.SetDuration(50.0);
+        loaded.diagram.SetDelay(0.0);
+        QCOMPARE(loaded.recorder.Take().filter(u"GetSamples"_s), QStringList{u"GetSamples(0, 50, 1)"_s});
+        // The same length again is another file.
+        loaded.diagram.SetDuration(50.0);
+        QCOMPARE(loaded.recorder.Take().filter(u"GetSamples"_s), QStringList{u"GetSamples(0, 50, 1)"_s});
+    }
+
     void positionMayClearTheSelection()
     {
         LoadedDiagram loaded;

@@ -8,20 +8,33 @@ namespace {
 
 constexpr double TouchingEdge = 0.001;
 
+SampleRequest SamplesAround(const ViewRange& view, double totalLength)
+{
+    const double margin = view.width * 0.5;
+    return {.start = std::max(0.0, view.left - margin), .end = std::min(totalLength, view.Right() + margin)};
+}
+
 } // namespace
 
 std::optional<SampleRequest> RequestFor(const ViewRange& view, const BufferedRange& buffer, double totalLength)
 {
-    const double margin = view.width * 0.5;
-    const double start = std::max(0.0, view.left - margin);
-    const bool isCovered =
-        !(start - buffer.start > margin || buffer.start > view.left || view.Right() > buffer.end);
+    SampleRequest request = SamplesAround(view, totalLength);
+    const bool isCovered = !(request.start - buffer.start > view.width * 0.5 || buffer.start > view.left ||
+                             view.Right() > buffer.end);
     if (isCovered) {
         return std::nullopt;
     }
-    const double end = std::max(buffer.start, std::min(totalLength, view.Right() + margin));
-    const double nearestEdge = std::min(std::abs(view.Right() - end), std::abs(view.left - start));
-    return SampleRequest{.start = start, .end = end, .isSent = nearestEdge > TouchingEdge};
+    request.end = std::max(buffer.start, request.end);
+    const double nearestEdge = std::min(std::abs(view.Right() - request.end), std::abs(view.left - request.start));
+    request.isSent = nearestEdge > TouchingEdge;
+    return request;
+}
+
+SampleRequest FillingRequestFor(const ViewRange& view, double totalLength)
+{
+    SampleRequest request = SamplesAround(view, totalLength);
+    request.isSent = request.start < request.end && std::isfinite(request.end);
+    return request;
 }
 
 } // namespace vantoraudio::vantorAudioEngine::UI

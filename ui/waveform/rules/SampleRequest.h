@@ -31,4 +31,8 @@ struct SampleRequest
 [[nodiscard]] std::optional<SampleRequest> RequestFor(const ViewRange& view, const BufferedRange& buffer,
                                                       double totalLength);
 
+/** The samples to ask for where the view is to be filled everywhere, whatever the buffer covers. Sent unless there
+ *  is nothing to ask for. */
+[[nodiscard]] SampleRequest FillingRequestFor(const ViewRange& view, double totalLength);
+
 } // namespace vantoraudio::vantorAudioEngine::UI

@@ -10,6 +10,8 @@ namespace {
 
 constexpr double ContrastOfText = 4.5;
 constexpr double ContrastOfGraphics = 3.0;
+/** Of the position line to the waveform: with less it cannot be seen there. */
+constexpr double ContrastOfLine = 2.0;
 /** Grid and frame stay in the background. */
 constexpr float FaintShare = 0.35F;
 
@@ -33,11 +35,25 @@ QColor ActiveColor(const QPalette& palette, QPalette::ColorRole role)
     return color;
 }
 
-QColor Faint(const QColor& color, const QColor& background)
+QColor Mixed(const QColor& a, const QColor& b, float share)
 {
-    const auto mixed = [](float a, float b) { return a * FaintShare + b * (1.0F - FaintShare); };
-    return QColor::fromRgbF(mixed(color.redF(), background.redF()), mixed(color.greenF(), background.greenF()),
-                            mixed(color.blueF(), background.blueF()));
+    const auto mixed = [share](float x, float y) { return x * share + y * (1.0F - share); };
+    return QColor::fromRgbF(mixed(a.redF(), b.redF()), mixed(a.greenF(), b.greenF()), mixed(a.blueF(), b.blueF()));
+}
+
+/** The position line crosses the waveform, too. No colour stands out from both where they differ too little. */
+QColor ReadableOver(const QColor& color, const QColor& waveform, const QColor& background)
+{
+    if (ContrastBetween(color, waveform) >= ContrastOfLine) {
+        return color;
+    }
+    for (const float share : {0.9F, 0.8F, 0.7F, 0.6F, 0.5F}) {
+        const QColor mixed = Mixed(color, background, share);
+        if (std::min(ContrastBetween(mixed, waveform), ContrastBetween(mixed, background)) >= ContrastOfGraphics) {
+            return mixed;
+        }
+    }
+    return color;
 }
 
 } // namespace
@@ -72,12 +88,12 @@ ViewColors ColorsOf(const QPalette& palette)
     const QColor waveform = Readable(ActiveColor(palette, QPalette::Text), base, ContrastOfGraphics);
     const QColor highlight = Readable(ActiveColor(palette, QPalette::Highlight), base, ContrastOfGraphics);
     return {.background = base,
-            .grid = Faint(waveform, base),
+            .grid = Mixed(waveform, base, FaintShare),
             .waveform = waveform,
             .selection = highlight,
-            .positionLine = highlight,
+            .positionLine = ReadableOver(highlight, waveform, base),
             .positionTick = AccentOf(palette),
-            .frame = Faint(label, window),
+            .frame = Mixed(label, window, FaintShare),
             .scale = label};
 }
 

@@ -33,7 +33,8 @@ struct ViewColors
 [[nodiscard]] QColor AccentOf(const QPalette& palette);
 
 /** The view in the colours of a palette's active windows: labels stand out from the window 4.5 to 1; waveform,
- *  selection and position from the background 3 to 1. */
+ *  selection and position from the background 3 to 1, and the position line from the waveform 2 to 1,
+ *  where those two leave room for that. */
 [[nodiscard]] ViewColors ColorsOf(const QPalette& palette);
 
 } // namespace vantoraudio::vantorAudioEngine::UI

@@ -9,6 +9,8 @@ namespace vantoraudio::vantorAudioEngine::UI {
 namespace {
 
 constexpr double FinestUsefulScale = 0.01;
+/** In seconds: what players play past the end of a selection before they notice. */
+constexpr double LongestOverrun = 0.2;
 /** No view is wide enough for more of them at once, and a float holds the factor. */
 constexpr double MostNotches = 30.0;
 
@@ -63,6 +65,24 @@ std::optional<double> PageFor(const ViewRange& view, double position, double dur
         return std::nullopt;
     }
     return duration >= view.Right() + view.width ? view.Right() : duration - view.width;
+}
+
+std::optional<double> LeftThatShows(const ViewRange& view, double position, double duration)
+{
+    const bool isBehind = position > view.Right();
+    if (!isBehind && !(position < view.left)) {
+        return std::nullopt;
+    }
+    const bool isOnNextPage = isBehind && position <= view.Right() + view.width;
+    const double left = isOnNextPage ? view.Right() : position - view.width * 0.5;
+    const double limited = std::max(0.0, std::min(left, duration - view.width));
+    return limited != view.left ? std::optional(limited) : std::nullopt;
+}
+
+bool IsOverrun(const SelectionTimes& selection, const ViewRange& view, double position)
+{
+    const bool shows = view.left <= selection.first && selection.second <= view.Right();
+    return shows && selection.second < position && position < selection.second + LongestOverrun;
 }
 
 } // namespace vantoraudio::vantorAudioEngine::UI

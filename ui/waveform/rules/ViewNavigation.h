@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ui/waveform/rules/SelectionRules.h"
 #include "ui/waveform/rules/ViewRange.h"
 
 #include <optional>
@@ -46,5 +47,13 @@ struct ViewEdges
 /** The left edge that a view needs in order to show the playback position; empty where it does already or shows a
  *  later time. Turns a whole page while `duration` leaves one, otherwise shows the end of the audio. */
 [[nodiscard]] std::optional<double> PageFor(const ViewRange& view, double position, double duration);
+
+/** The same for views that show any position at once: a page on where that suffices, otherwise the position in the
+ *  middle, within the audio. Empty where nothing has to move. */
+[[nodiscard]] std::optional<double> LeftThatShows(const ViewRange& view, double position, double duration);
+
+/** The view shows the whole selection, and the position has just left it at its end: players notice that a moment
+ *  later, and return to its start. */
+[[nodiscard]] bool IsOverrun(const SelectionTimes& selection, const ViewRange& view, double position);
 
 } // namespace vantoraudio::vantorAudioEngine::UI

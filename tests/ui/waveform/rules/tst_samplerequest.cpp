@@ -107,6 +107,29 @@ private Q_SLOTS:
         QFETCH(const double, total);
         const auto request = RequestFor({.left = left, .width = width}, {}, total);
         QVERIFY(!request || !request->isSent);
+        QVERIFY(!FillingRequestFor({.left = left, .width = width}, total).isSent);
+    }
+
+    void fillsTheViewAtTheEdgesToo_data()
+    {
+        QTest::addColumn<double>("left");
+        QTest::addColumn<double>("width");
+        QTest::addColumn<double>("start");
+        QTest::addColumn<double>("end");
+        QTest::newRow("in the middle") << 40.0 << 10.0 << 35.0 << 55.0;
+        QTest::newRow("view begins at 0") << 0.0 << 10.0 << 0.0 << 15.0;
+        QTest::newRow("view ends with the audio") << 90.0 << 10.0 << 85.0 << 100.0;
+        QTest::newRow("everything visible") << 0.0 << 100.0 << 0.0 << 100.0;
+    }
+
+    void fillsTheViewAtTheEdgesToo()
+    {
+        QFETCH(const double, left);
+        QFETCH(const double, width);
+        const auto request = FillingRequestFor({.left = left, .width = width}, 100.0);
+        QTEST(request.start, "start");
+        QTEST(request.end, "end");
+        QVERIFY(request.isSent);
     }
 };
 

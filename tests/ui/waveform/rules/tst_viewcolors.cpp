@@ -116,6 +116,27 @@ private Q_SLOTS:
         }
     }
 
+    void theLineStandsOutFromTheWaveformToo_data()
+    {
+        QTest::addColumn<QRgb>("text");
+        QTest::addColumn<QRgb>("base");
+        QTest::addColumn<QRgb>("highlight");
+        QTest::newRow("yellow on black") << 0xffffffff << 0xff000000 << 0xffffff00;
+        QTest::newRow("purple on white") << 0xff000000 << 0xffffffff << 0xff37006e;
+        QTest::newRow("light blue on dark grey") << 0xffe6e6e6 << 0xff202020 << 0xff9cc4e6;
+        QTest::newRow("blue on dark grey") << 0xffe6e6e6 << 0xff202020 << 0xff3589cd;
+    }
+
+    void theLineStandsOutFromTheWaveformToo()
+    {
+        QFETCH(const QRgb, text);
+        QFETCH(const QRgb, base);
+        QFETCH(const QRgb, highlight);
+        const ViewColors colors = ColorsOf(PaletteOf(base, text, base, text, highlight));
+        QVERIFY(ContrastBetween(colors.positionLine, colors.waveform) >= 2.0);
+        QVERIFY(ContrastBetween(colors.positionLine, colors.background) >= 3.0);
+    }
+
     void takesWhatThePaletteNames()
     {
         const ViewColors colors = ColorsOf(PaletteOf(0xffefefef, 0xff101010, 0xfffefefe, 0xff202020, 0xff0060a0));

@@ -187,6 +187,54 @@ private Q_SLOTS:
         QFETCH(const double, duration);
         QTEST(PageFor({.left = 10.0, .width = 20.0}, position, duration).value_or(-1.0), "left");
     }
+
+    void showsAnyPositionAtOnce_data()
+    {
+        QTest::addColumn<double>("position");
+        QTest::addColumn<double>("duration");
+        QTest::addColumn<double>("left");
+        QTest::newRow("in the view") << 20.0 << 100.0 << -1.0;
+        QTest::newRow("on the left edge") << 10.0 << 100.0 << -1.0;
+        QTest::newRow("on the right edge") << 30.0 << 100.0 << -1.0;
+        QTest::newRow("on the next page: a page on") << 50.0 << 100.0 << 30.0;
+        QTest::newRow("on the next page, which is the last") << 45.0 << 45.0 << 25.0;
+        QTest::newRow("behind the next page: in the middle") << 51.0 << 100.0 << 41.0;
+        QTest::newRow("close to the end") << 95.0 << 100.0 << 80.0;
+        QTest::newRow("left of the view: in the middle") << 9.0 << 15.0 << 0.0;
+        QTest::newRow("at the start") << 0.0 << 100.0 << 0.0;
+        QTest::newRow("behind an end that shows") << 40.0 << 30.0 << -1.0;
+        QTest::newRow("in a view longer than the audio") << 40.0 << 15.0 << 0.0;
+        QTest::newRow("infinity") << infinity << 100.0 << 80.0;
+        QTest::newRow("minus infinity") << -infinity << 100.0 << 0.0;
+        QTest::newRow("not a number") << notANumber << 100.0 << -1.0;
+    }
+
+    void showsAnyPositionAtOnce()
+    {
+        QFETCH(const double, position);
+        QFETCH(const double, duration);
+        QTEST(LeftThatShows({.left = 10.0, .width = 20.0}, position, duration).value_or(-1.0), "left");
+    }
+
+    void tellsAnOverrunFromPlayingOn_data()
+    {
+        QTest::addColumn<double>("end");
+        QTest::addColumn<double>("position");
+        QTest::addColumn<bool>("isOverrun");
+        QTest::newRow("at the end") << 30.0 << 30.0 << false;
+        QTest::newRow("just past it") << 30.0 << 30.15 << true;
+        QTest::newRow("long past it") << 30.0 << 30.21 << false;
+        QTest::newRow("before it") << 30.0 << 29.0 << false;
+        QTest::newRow("the selection goes on behind the view") << 30.1 << 30.2 << false;
+    }
+
+    void tellsAnOverrunFromPlayingOn()
+    {
+        QFETCH(const double, end);
+        QFETCH(const double, position);
+        QTEST(IsOverrun({10.0, end}, {.left = 10.0, .width = 20.0}, position), "isOverrun");
+        QVERIFY(!IsOverrun({9.0, end}, {.left = 10.0, .width = 20.0}, position));
+    }
 };
 
 QTEST_APPLESS_MAIN(TestViewNavigation)
