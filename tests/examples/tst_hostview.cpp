@@ -68,6 +68,20 @@ double SpanOf(PlayerWindow& window)
     return right - left;
 }
 
+/** There are samples all over the view, and the position line shows. */
+bool IsFilled(PlayerWindow& window)
+{
+    const auto* player = PlayerOf(window);
+    const QWidget* diagram = DiagramOf(window);
+    for (int x = 5; x < diagram->width() - 5; x += diagram->width() / 20) {
+        if (std::isnan(player->GetLevelAt(diagram->mapTo(player, QPoint(x, 10))).first)) {
+            return false;
+        }
+    }
+    const auto [left, right] = player->GetVisibleRange();
+    return left <= player->GetAudioPosition() && player->GetAudioPosition() <= right;
+}
+
 QSlider* SliderOf(PlayerWindow& window)
 {
     return ChildNamed<QSlider>(window, u"zoom"_s);
@@ -151,6 +165,36 @@ private Q_SLOTS:
         ChooseInMenu(again, Qt::Key_V, Qt::Key_T, 0);
         QTRY_COMPARE(shown(again), QRgb(0xfffafafa));
         QVERIFY(!isChecked(again));
+    }
+
+    void theViewIsFilledWhereverKeysLead_data()
+    {
+        QTest::addColumn<Qt::Key>("key");
+        QTest::newRow("the start") << Qt::Key_Home;
+        QTest::newRow("the end") << Qt::Key_End;
+        QTest::newRow("all") << Qt::Key_0;
+        QTest::newRow("a second on") << Qt::Key_Right;
+    }
+
+    void theViewIsFilledWhereverKeysLead()
+    {
+        QFETCH(const Qt::Key, key);
+        PlayerWindow window;
+        QVERIFY(Activate(window));
+        QVERIFY(OpenCompletely(window, Recording));
+        PlayerOf(window)->UpdateAudioPosition(8.0);
+        QTRY_COMPARE(PlayerOf(window)->GetAudioPosition(), 8.0);
+        for (int i = 0; i < 7; ++i) {
+            QTest::keyClick(&window, Qt::Key_Plus);
+            QTRY_VERIFY(!PlayerOf(window)->IsReadingSamples());
+        }
+        QVERIFY(SpanOf(window) < 0.2);
+        QTRY_VERIFY(IsFilled(window));
+        QTest::keyClick(&window, key);
+        QTRY_VERIFY(IsFilled(window));
+        if (key != Qt::Key_0) {
+            QVERIFY(SpanOf(window) < 0.2);
+        }
     }
 
     void theSettingsDialogOffersTheThemesOfTheMenu()
