@@ -185,9 +185,9 @@ public:
     /** An SVG file or resource for the marker over the position, 10 x 6 pixels; a file that cannot be loaded
      * leaves no icon. */
     void SetAudioPositionIcon(const QString& fileName);
-    /** Labels of ruler and amplitudes neither overprint each other nor are cut off, with any font: the borders
-     * grow with the font, a label that would be cut off moves, and one without room is left out. Off at first:
-     * labels then stand at their ticks, whatever is there. */
+    /** Labels of ruler and amplitudes neither overprint each other nor are cut off, with any font, and the
+     * position's marker hides none: the borders grow with the font, a label that would be cut off moves, and one
+     * without room is left out. Off at first: labels then stand at their ticks, whatever is there. */
     void SetLabelsFit(bool fit);
     [[nodiscard]] bool GetLabelsFit() const { return m_labelsFit; }
     /** All colours, that of the marker's icon, too, are those of the widget's palette, now and whenever that

@@ -97,7 +97,7 @@ void BGFXWaveformWidget::MakeRoomForLabels()
     if (m_labelsFit) {
         const QString longest = AmplitudeLabel(m_diagram->GetSceneRect().height(), 0);
         room = QSize(fontMetrics().horizontalAdvance(longest), fontMetrics().height());
-        room += QSize(LabelDistance, LabelDistance);
+        room += QSize(LabelDistance, PositionMarkerReach);
     }
     layout()->setContentsMargins(std::max(LeftMargin, room.width() - SideSpacing), 0, 0, 0);
     layout()->itemAt(1)->layout()->setContentsMargins(0, std::max(RulerHeight, room.height()), 0, 0);

@@ -102,7 +102,7 @@ void BGFXWaveformWidget::DrawRulerThatFits(QPainter& painter, const std::vector<
     // The topmost amplitude label reaches up to the ruler.
     const int left = diagram.left() - TickLength;
     for (const RulerLabel& label : LabelsThatFit(labels, left, width(), metrics.horizontalAdvance(u' '))) {
-        painter.drawText(QPointF(label.left, diagram.top() - TickLength - metrics.descent()),
+        painter.drawText(QPointF(label.left, diagram.top() - PositionMarkerReach - metrics.descent()),
                          UI::FormatToTime(m_scale * double(label.step)));
     }
 }
@@ -155,7 +155,7 @@ void BGFXWaveformWidget::DrawPositionMarker(QPainter& painter) const
         return;
     }
     DrawRulerTick(painter, diagram.left() + x, diagram);
-    const QRectF icon(diagram.left() + x - 5, diagram.top() - 12, 10, 6);
+    const QRectF icon(diagram.left() + x - 5, diagram.top() - PositionMarkerReach, 10, 6);
     if (GetColorsFollowPalette()) {
         DrawTintedIcon(painter, icon);
     } else {

@@ -192,19 +192,32 @@ private Q_SLOTS:
     {
         Bench bench;
         const QPoint usual = Access::DiagramOf(bench.widget).pos();
-        QCOMPARE(usual, QPoint(30, 20));
+        QCOMPARE(usual.x(), 30);
         bench.UseFont(24);
         const QPoint large = Access::DiagramOf(bench.widget).pos();
         QVERIFY(large.x() > 40);
-        QVERIFY(large.y() > 30);
+        QVERIFY(large.y() > usual.y() + 10);
         bench.widget.SetLabelsFit(false);
         bench.widget.grab();
-        QCOMPARE(Access::DiagramOf(bench.widget).pos(), usual);
+        QCOMPARE(Access::DiagramOf(bench.widget).pos(), QPoint(30, 20));
         bench.widget.SetLabelsFit(true);
         bench.widget.grab();
         QCOMPARE(Access::DiagramOf(bench.widget).pos(), large);
         bench.UseFont(9);
         QCOMPARE(Access::DiagramOf(bench.widget).pos(), usual);
+    }
+
+    void timesLeaveRoomForTheMarkerOfThePosition()
+    {
+        Bench bench;
+        for (const int points : {6, 9, 24}) {
+            bench.UseFont(points);
+            for (const Label& label : bench.Labels()) {
+                if (!IsAmplitude(label)) {
+                    QVERIFY(label.place.bottom() <= Access::DiagramOf(bench.widget).y() - 12.0 + 0.01);
+                }
+            }
+        }
     }
 
     void bordersGrowWithTheAmplitudes()

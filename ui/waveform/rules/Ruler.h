@@ -10,6 +10,9 @@
 /** The times at which grid lines and ruler ticks stand, and which of the ticks' labels find room. */
 namespace vantoraudio::vantorAudioEngine::UI {
 
+/** How far the marker of the position reaches above the diagram, in pixels. */
+inline constexpr int PositionMarkerReach = 12;
+
 /** The time axis that grid and ruler divide into steps, in seconds. */
 struct TimeAxis
 {
