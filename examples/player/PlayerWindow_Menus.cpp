@@ -10,6 +10,7 @@
 #include "SpeedMenu.h"
 #include "ThemeMenu.h"
 
+#include <vantorAudioEngine/AudioPlayer.h>
 #include <vantorAudioEngine/BGFXWaveformWidget.h>
 #include <vantorAudioEngine/Version.h>
 
@@ -36,7 +37,9 @@ void PlayerWindow::BuildMenus()
     BuildEditMenu();
     BuildPlayerMenus();
     auto* devices = new DeviceMenu(this);
-    connect(devices, &DeviceMenu::DeviceChosen, m_player, &HostPlayer::SetAudioOutputDevice);
+    // The widget's own call stops playback and goes back to the start.
+    connect(devices, &DeviceMenu::DeviceChosen, m_player->findChild<AudioPlayer*>(),
+            &AudioPlayer::SetAudioOutputDevice);
     devices->Restore();
     menuBar()->addMenu(devices);
     QMenu* help = menuBar()->addMenu(tr("&Help"));
