@@ -109,7 +109,9 @@ void PlayerWindow::BuildView()
     m_dragHandle = new DragHandle(*m_player, m_workingFolder.Path(), this);
     m_progress = new TaskProgress(this);
     statusBar()->addWidget(m_selectionLabel);
-    statusBar()->addWidget(new PointerLabel(*m_player, this));
+    auto* pointerLabel = new PointerLabel(*m_player, this);
+    connect(this, &PlayerWindow::PictureCompleted, pointerLabel, &PointerLabel::Refresh);
+    statusBar()->addWidget(pointerLabel);
     statusBar()->addPermanentWidget(m_progress);
     statusBar()->addPermanentWidget(m_dragHandle);
 
