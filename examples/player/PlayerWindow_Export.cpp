@@ -206,5 +206,6 @@ void PlayerWindow::ShowWhatCanBeExported()
     m_leftAction->setEnabled(isStereo);
     m_rightAction->setEnabled(isStereo);
     m_dragHandle->setEnabled(hasSelection);
-    m_selectionLabel->setText(hasSelection ? tr("Selected: %1 s").arg(end - start, 0, 'f', 3) : QString());
+    const QString length = locale().toString(end - start, 'f', 3);
+    m_selectionLabel->setText(hasSelection ? tr("Selected: %1 s").arg(length) : QString());
 }

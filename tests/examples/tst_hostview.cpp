@@ -9,6 +9,8 @@
 #include "ZoomBar.h"
 #include "tests/support/WavBytes.h"
 
+#include <QtCore/QRegularExpression>
+#include <QtCore/QScopeGuard>
 #include <QtGui/QAccessible>
 #include <QtGui/QAction>
 #include <QtGui/QWheelEvent>
@@ -349,6 +351,24 @@ private Q_SLOTS:
         QTRY_VERIFY(!label->text().isEmpty() && !label->text().contains(u"dB"_s));
         PlayerOf(window)->SetSelectedChannel(WavFile::ChannelLeft);
         QTRY_VERIFY(label->text().endsWith(u": %1 dB"_s.arg(QLocale().toString(-6.0, 'f', 1))));
+    }
+
+    void theStatusBarWritesNumbersAsTheUserDoes()
+    {
+        QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+        const auto restore = qScopeGuard([] { QLocale::setDefault(QLocale::system()); });
+        PlayerWindow window;
+        QVERIFY(Activate(window));
+        QVERIFY(OpenCompletely(window, Recording));
+        window.SelectRange(1.0, 11.5);
+        MovePointer(window, DiagramOf(window)->mapTo(&window, QPoint(100, 100)));
+        QTRY_VERIFY(!window.findChild<PointerLabel*>()->text().isEmpty());
+        QStringList texts;
+        for (const auto* label : window.statusBar()->findChildren<QLabel*>()) {
+            texts.append(label->text());
+        }
+        QVERIFY2(texts.contains(u"Selected: 10,500 s"_s), qPrintable(texts.join(u'\n')));
+        QVERIFY(window.findChild<PointerLabel*>()->text().contains(QRegularExpression(u": -\\d+,\\d dB$"_s)));
     }
 
     void draggingTheSliderZooms()
