@@ -18,6 +18,7 @@
 #include <QtCore/QStandardPaths>
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QTimer>
+#include <QtGui/QAccessible>
 #include <QtGui/QAction>
 #include <QtGui/QContextMenuEvent>
 #include <QtGui/QDropEvent>
@@ -36,6 +37,7 @@
 #include <QtWidgets/QProgressBar>
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QSlider>
+#include <QtWidgets/QToolButton>
 
 #include <algorithm>
 #include <cmath>
@@ -182,6 +184,43 @@ private Q_SLOTS:
         QVERIFY(Open(window, Recording));
         QVERIFY(!window.findChild<QLabel*>(u"failure"_s)->isVisible());
         QCOMPARE(window.FailureText(), QString());
+    }
+
+    void aFailureCanBePutAway_data()
+    {
+        QTest::addColumn<bool>("byKeyboard");
+        QTest::newRow("mouse") << false;
+        QTest::newRow("keyboard") << true;
+    }
+    void aFailureCanBePutAway()
+    {
+        QFETCH(const bool, byKeyboard);
+        PlayerWindow window;
+        QVERIFY(Activate(window));
+        QVERIFY(OpenCompletely(window, Recording));
+        const auto hasFocus = [&] { return PlayerOf(window)->isAncestorOf(QApplication::focusWidget()); };
+        QVERIFY(hasFocus());
+        QVERIFY(Refuses(window, u"/nowhere/take.wav"_s));
+        auto* button = ChildNamed<QToolButton>(window, u"hideFailure"_s);
+        QTRY_VERIFY(button && button->isVisible());
+        QCOMPARE(button->toolTip(), u"Hide this message"_s);
+        auto* accessible = QAccessible::queryAccessibleInterface(button);
+        QCOMPARE(accessible->text(QAccessible::Name), u"Hide this message"_s);
+        QVERIFY(ContrastIn(button->parentWidget()->grab(button->geometry()).toImage()) >= 4.5);
+        if (byKeyboard) {
+            for (int i = 0; i < 100 && QApplication::focusWidget() != button; ++i) {
+                QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+            }
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+        } else {
+            QTest::mouseClick(button, Qt::LeftButton);
+        }
+        QVERIFY(!ChildNamed<QLabel>(window, u"failure"_s)->isVisible());
+        QCOMPARE(window.FailureText(), QString());
+        QVERIFY(!PlayerOf(window)->IsPlaying());
+        QVERIFY(hasFocus());
+        QVERIFY(Refuses(window, u"/nowhere/take.wav"_s));
+        QVERIFY(button->isVisible());
     }
 
     void saysWhyAFileCannotBeOpened_data()

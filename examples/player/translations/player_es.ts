@@ -75,6 +75,13 @@
     </message>
 </context>
 <context>
+    <name>FailureBar</name>
+    <message>
+        <source>Hide this message</source>
+        <translation>Ocultar este mensaje</translation>
+    </message>
+</context>
+<context>
     <name>Failures</name>
     <message>
         <source>“%1” cannot be written: is there room, and may you write there?</source>
