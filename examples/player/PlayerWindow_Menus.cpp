@@ -143,7 +143,8 @@ void PlayerWindow::ShowAbout()
     auto* box = new QMessageBox(QMessageBox::Information, tr("About"),
                                 u"vantorAudioEngine "_s + AudioEngine::libVersionString(), QMessageBox::Ok, this);
     box->setIconPixmap(windowIcon().pixmap(64));
-    box->setInformativeText(tr("The waveform is drawn by %1.").arg(Waveform::GetDrawingDeviceName()));
+    box->setInformativeText(tr("The waveform is drawn by %1.").arg(Waveform::GetDrawingDeviceName()) + u'\n' +
+                            tr("This program runs with Qt %1.").arg(QString::fromLatin1(qVersion())));
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->open();
 }

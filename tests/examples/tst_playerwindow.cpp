@@ -591,7 +591,7 @@ private Q_SLOTS:
         QTRY_COMPARE(count(), before);
     }
 
-    void theAboutBoxNamesTheDrawingDevice()
+    void theAboutBoxNamesTheDrawingDeviceAndQt()
     {
         PlayerWindow window;
         QVERIFY(OpenCompletely(window, Recording));
@@ -606,6 +606,7 @@ private Q_SLOTS:
         auto* box = window.findChild<QMessageBox*>();
         QVERIFY(box);
         QVERIFY2(box->informativeText().contains(device), qPrintable(box->informativeText()));
+        QVERIFY(box->informativeText().contains(u"Qt %1."_s.arg(QLatin1StringView(qVersion()))));
         box->close();
     }
 

@@ -405,6 +405,10 @@
         <source>Nothing was exported: another file was loaded meanwhile.</source>
         <translation>Nichts wurde exportiert: Inzwischen wurde eine andere Datei geladen.</translation>
     </message>
+    <message>
+        <source>This program runs with Qt %1.</source>
+        <translation>Dieses Programm läuft mit Qt %1.</translation>
+    </message>
 </context>
 <context>
     <name>PointerLabel</name>

@@ -405,6 +405,10 @@
         <source>Nothing was exported: another file was loaded meanwhile.</source>
         <translation>No se exportó nada: entretanto se cargó otro archivo.</translation>
     </message>
+    <message>
+        <source>This program runs with Qt %1.</source>
+        <translation>Este programa funciona con Qt %1.</translation>
+    </message>
 </context>
 <context>
     <name>PointerLabel</name>

@@ -405,6 +405,10 @@
         <source>Nothing was exported: another file was loaded meanwhile.</source>
         <translation>Rien n’a été exporté : un autre fichier a été chargé entre-temps.</translation>
     </message>
+    <message>
+        <source>This program runs with Qt %1.</source>
+        <translation>Ce programme fonctionne avec Qt %1.</translation>
+    </message>
 </context>
 <context>
     <name>PointerLabel</name>

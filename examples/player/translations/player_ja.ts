@@ -405,6 +405,10 @@
         <source>Nothing was exported: another file was loaded meanwhile.</source>
         <translation>何も書き出されませんでした。その間に別のファイルが読み込まれました。</translation>
     </message>
+    <message>
+        <source>This program runs with Qt %1.</source>
+        <translation>このプログラムは Qt %1 で動作しています。</translation>
+    </message>
 </context>
 <context>
     <name>PointerLabel</name>
