@@ -17,6 +17,8 @@ using vantoraudio::vantorAudioEngine::UI::BGFXWaveformWidget;
 
 PointerLabel::PointerLabel(const HostPlayer& player, QWidget* parent) : QLabel(parent), m_player(player)
 {
+    // In a narrow window the other parts of the status bar are worth more.
+    setMinimumWidth(1);
     auto* view = player.findChild<BGFXWaveformWidget*>();
     view->setAttribute(Qt::WA_Hover);
     view->installEventFilter(this);

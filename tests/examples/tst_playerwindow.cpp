@@ -2,6 +2,7 @@
 #include "DeviceMenu.h"
 #include "LongFile.h"
 #include "PlayerWindows.h"
+#include "PointerLabel.h"
 #include "ScreenshotJob.h"
 #include "SettingsDialog.h"
 #include "TaskProgress.h"
@@ -23,6 +24,7 @@
 #include <QtGui/QContextMenuEvent>
 #include <QtGui/QDropEvent>
 #include <QtGui/QImage>
+#include <QtGui/QWindow>
 #include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
@@ -370,6 +372,36 @@ private Q_SLOTS:
         QCOMPARE(progress->findChild<QProgressBar*>()->text(), u"Loading... 0 %"_s);
         QTest::mouseClick(progress->findChild<QPushButton*>(), Qt::LeftButton);
         QVERIFY(log.isCancelled && !progress->isVisible());
+    }
+
+    void theProgressHasRoomInANarrowWindow()
+    {
+        QTemporaryDir folder;
+        const QString path = folder.filePath(u"stuck.wav"_s);
+        QVERIFY(QFile::copy(Recording, path));
+        const HeldFile held(path);
+        if (!held.IsHeld()) {
+            QSKIP("This file system lets every reader in.");
+        }
+        PlayerWindow window;
+        window.resize(480, 480);
+        QVERIFY(Activate(window));
+        QVERIFY(DiagramOf(window)->width() < 480);
+        QVERIFY(OpenCompletely(window, Recording));
+        window.SelectRange(10.0, 12.0);
+        QTest::mouseMove(window.windowHandle(), DiagramOf(window)->mapTo(&window, QPoint(100, 20)));
+        auto* pointerLabel = window.findChild<PointerLabel*>();
+        QTRY_VERIFY(!pointerLabel->text().isEmpty());
+        window.OpenFile(path);
+        auto* progress = window.findChild<TaskProgress*>();
+        QTRY_VERIFY(progress->isVisible());
+        const auto* bar = progress->findChild<QProgressBar*>();
+        const auto* cancel = progress->findChild<QPushButton*>();
+        QTRY_VERIFY(bar->geometry().right() < cancel->geometry().left());
+        QVERIFY(bar->width() > bar->fontMetrics().horizontalAdvance(u"Loading... 100 %"_s));
+        QVERIFY(progress->rect().contains(cancel->geometry()));
+        QVERIFY(!pointerLabel->text().isEmpty() && pointerLabel->geometry().right() < progress->x());
+        window.CancelTask();
     }
 
     void aFileThatCannotBeOpenedLeavesTheExportAlone()
