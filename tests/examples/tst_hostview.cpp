@@ -71,7 +71,10 @@ void TurnWheel(PlayerWindow& window, Qt::KeyboardModifiers modifiers = Qt::Contr
 /** As the window system tells of it, wherever the real pointer is. */
 void MovePointer(PlayerWindow& window, const QPoint& place)
 {
-    QTest::mouseMove(window.windowHandle(), place);
+    // By way of its neighbour: it may stand there since the former test.
+    for (const QPoint& stop : {place + QPoint(1, 0), place}) {
+        QTest::mouseMove(window.windowHandle(), stop);
+    }
 }
 
 double SpanOf(PlayerWindow& window)
