@@ -504,7 +504,10 @@ private Q_SLOTS:
         }
         PlayerWindow again;
         QCOMPARE(CheckedDevice(again), chosen);
-        QCOMPARE(again.findChild<AudioPlayer*>()->audioOutput()->device().description(), chosen);
+        const auto* output = again.findChild<AudioPlayer*>()->audioOutput();
+        QCOMPARE(output->device().description(), chosen);
+        QVERIFY(Open(again, Recording));
+        QCOMPARE(output->device().description(), chosen);
     }
 
     void playsOnWhereItIsOnTheDeviceThatIsChosen_data()
