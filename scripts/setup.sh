@@ -13,7 +13,7 @@ build_packages=(
   libavformat-dev libavcodec-dev libswresample-dev libavutil-dev libpulse-dev
 )
 run_packages=(
-  libgl1-mesa-dri libegl1 qt6-qpa-plugins fonts-dejavu-core
+  libgl1-mesa-dri libegl1 qt6-qpa-plugins qt6-translations-l10n fonts-dejavu-core
   xvfb xauth pulseaudio pulseaudio-utils
 )
 test_packages=(
@@ -36,7 +36,8 @@ setup: this system is neither Debian 12 nor 13, so nothing is installed. Going o
   to build: a C++20 compiler (GCC 12 or Clang 14 at least), CMake 3.25, Ninja, pkg-config, git, the OpenGL and EGL headers,
             Qt 6.4 or later (Base, OpenGL, Multimedia, Svg), FFmpeg 5.1 or later (avformat, avcodec, swresample, avutil);
             Qt's lrelease for the translations, and lupdate to bring them up to date
-  to run:   Qt's xcb platform, SVG icon and FFmpeg media plugins, OpenGL (Mesa will do), a font;
+  to run:   Qt's xcb platform, SVG icon and FFmpeg media plugins, OpenGL (Mesa will do), a font,
+            Qt's translations for the texts of its dialogs;
             without a display: Xvfb and xauth, PulseAudio with pactl
   to test:  these three, sox with MP3, lame, the ffmpeg program; clang-format 14, clang-tidy, Clang's sanitizer runtime,
             hyperfine, GNU time and valgrind for the checks and benchmarks

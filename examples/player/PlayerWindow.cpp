@@ -1,6 +1,7 @@
 #include "PlayerWindow.h"
 
 #include "DragHandle.h"
+#include "FailureBar.h"
 #include "Failures.h"
 #include "FileList.h"
 #include "HostPlayer.h"
@@ -71,6 +72,8 @@ PlayerWindow::~PlayerWindow()
 
 void PlayerWindow::BuildView()
 {
+    // The focus goes to what is made next when the bar is hidden.
+    m_failure = new FailureBar(this);
     m_player = new HostPlayer(this);
     // Its rows break for this width until it gets its own; broken ones would make the window higher.
     m_player->resize(size());
@@ -93,14 +96,6 @@ void PlayerWindow::BuildView()
     m_player->SetHint(tr("Wheel: scroll   Ctrl + wheel: zoom   Double click: whole file   Drag: select   "
                          "Space: play and pause   F1: all keys"));
 
-    m_failure = new QLabel(this);
-    m_failure->setObjectName("failure"_L1);
-    m_failure->setWordWrap(true);
-    m_failure->setMargin(8);
-    m_failure->setTextFormat(Qt::PlainText);
-    m_failure->setStyleSheet(u"background: #7a2e2e; color: white"_s);
-    m_failure->hide();
-
     auto* content = new QWidget(this);
     auto* layout = new QVBoxLayout(content);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -112,7 +107,9 @@ void PlayerWindow::BuildView()
     m_dragHandle = new DragHandle(*m_player, m_workingFolder.Path(), this);
     m_progress = new TaskProgress(this);
     statusBar()->addWidget(m_selectionLabel);
-    statusBar()->addWidget(new PointerLabel(*m_player, this));
+    auto* pointerLabel = new PointerLabel(*m_player, this);
+    connect(this, &PlayerWindow::PictureCompleted, pointerLabel, &PointerLabel::Refresh);
+    statusBar()->addWidget(pointerLabel);
     statusBar()->addPermanentWidget(m_progress);
     statusBar()->addPermanentWidget(m_dragHandle);
 
@@ -306,7 +303,7 @@ double PlayerWindow::Duration() const
 
 QString PlayerWindow::FailureText() const
 {
-    return m_failure->text();
+    return m_failure->Sentence();
 }
 
 void PlayerWindow::dragEnterEvent(QDragEnterEvent* event)
@@ -340,14 +337,12 @@ void PlayerWindow::AskForFiles()
 
 void PlayerWindow::ShowFailure(const QString& sentence)
 {
-    m_failure->setText(sentence);
-    m_failure->show();
+    m_failure->SetSentence(sentence);
 }
 
 void PlayerWindow::HideFailure()
 {
-    m_failure->clear();
-    m_failure->hide();
+    m_failure->SetSentence(QString());
 }
 
 void PlayerWindow::AskForSettings()

@@ -13,6 +13,7 @@
 #include <memory>
 
 class DragHandle;
+class FailureBar;
 class FileList;
 class HostPlayer;
 class QAction;
@@ -139,7 +140,7 @@ private:
     WorkingFolder m_workingFolder;
     Appearance m_appearance;
     HostPlayer* m_player = nullptr;
-    QLabel* m_failure = nullptr;
+    FailureBar* m_failure = nullptr;
     QLabel* m_selectionLabel = nullptr;
     DragHandle* m_dragHandle = nullptr;
     TaskProgress* m_progress = nullptr;

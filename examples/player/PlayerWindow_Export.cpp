@@ -174,23 +174,28 @@ PlayerWindow::Output PlayerWindow::ChooseOutput(const QString& what)
                        tr("WAV files (*.wav)"));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.selectFile(shown.completeBaseName() + u' ' + what + u".wav"_s);
-    if (dialog.exec() != QDialog::Accepted) {
-        return {};
+    while (dialog.exec() == QDialog::Accepted) {
+        const QString chosen = dialog.selectedFiles().constFirst();
+        Remembered::KeepFolderOf(Remembered::Folder::Export, chosen);
+        const bool isNamed = chosen.endsWith(u".wav"_s, Qt::CaseInsensitive);
+        const QString path = isNamed ? chosen : chosen + u".wav"_s;
+        if (!QFileInfo::exists(path)) {
+            return {path, Existing::Keep};
+        }
+        // The suffix is not added by the dialog: some do not ask about the name that they make.
+        if (isNamed || MayReplace(path)) {
+            return {path, Existing::Replace};
+        }
+        dialog.selectFile(chosen);
     }
-    const QString chosen = dialog.selectedFiles().constFirst();
-    Remembered::KeepFolderOf(Remembered::Folder::Export, chosen);
-    const bool isNamed = chosen.endsWith(u".wav"_s, Qt::CaseInsensitive);
-    const QString path = isNamed ? chosen : chosen + u".wav"_s;
-    if (!QFileInfo::exists(path)) {
-        return {path, Existing::Keep};
-    }
-    // The suffix is not added by the dialog: some do not ask about the name that they make.
-    return isNamed || MayReplace(path) ? Output{path, Existing::Replace} : Output();
+    return {};
 }
 
 bool PlayerWindow::MayReplace(const QString& path)
 {
-    return QMessageBox::question(this, tr("Export"), DescribeReplacement(path)) == QMessageBox::Yes;
+    // A key pressed too many must not cost a file.
+    return QMessageBox::question(this, tr("Export"), DescribeReplacement(path), QMessageBox::Yes | QMessageBox::No,
+                                 QMessageBox::No) == QMessageBox::Yes;
 }
 
 void PlayerWindow::ShowWhatCanBeExported()
@@ -206,5 +211,6 @@ void PlayerWindow::ShowWhatCanBeExported()
     m_leftAction->setEnabled(isStereo);
     m_rightAction->setEnabled(isStereo);
     m_dragHandle->setEnabled(hasSelection);
-    m_selectionLabel->setText(hasSelection ? tr("Selected: %1 s").arg(end - start, 0, 'f', 3) : QString());
+    const QString length = locale().toString(end - start, 'f', 3);
+    m_selectionLabel->setText(hasSelection ? tr("Selected: %1 s").arg(length) : QString());
 }

@@ -10,6 +10,7 @@
 #include "SpeedMenu.h"
 #include "ThemeMenu.h"
 
+#include <vantorAudioEngine/AudioPlayer.h>
 #include <vantorAudioEngine/BGFXWaveformWidget.h>
 #include <vantorAudioEngine/Version.h>
 
@@ -36,7 +37,9 @@ void PlayerWindow::BuildMenus()
     BuildEditMenu();
     BuildPlayerMenus();
     auto* devices = new DeviceMenu(this);
-    connect(devices, &DeviceMenu::DeviceChosen, m_player, &HostPlayer::SetAudioOutputDevice);
+    // The widget's own call stops playback and goes back to the start.
+    connect(devices, &DeviceMenu::DeviceChosen, m_player->findChild<AudioPlayer*>(),
+            &AudioPlayer::SetAudioOutputDevice);
     devices->Restore();
     menuBar()->addMenu(devices);
     QMenu* help = menuBar()->addMenu(tr("&Help"));
@@ -140,7 +143,8 @@ void PlayerWindow::ShowAbout()
     auto* box = new QMessageBox(QMessageBox::Information, tr("About"),
                                 u"vantorAudioEngine "_s + AudioEngine::libVersionString(), QMessageBox::Ok, this);
     box->setIconPixmap(windowIcon().pixmap(64));
-    box->setInformativeText(tr("The waveform is drawn by %1.").arg(Waveform::GetDrawingDeviceName()));
+    box->setInformativeText(tr("The waveform is drawn by %1.").arg(Waveform::GetDrawingDeviceName()) + u'\n' +
+                            tr("This program runs with Qt %1.").arg(QString::fromLatin1(qVersion())));
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->open();
 }

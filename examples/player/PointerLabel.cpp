@@ -17,9 +17,12 @@ using vantoraudio::vantorAudioEngine::UI::BGFXWaveformWidget;
 
 PointerLabel::PointerLabel(const HostPlayer& player, QWidget* parent) : QLabel(parent), m_player(player)
 {
+    // In a narrow window the other parts of the status bar are worth more.
+    setMinimumWidth(1);
     auto* view = player.findChild<BGFXWaveformWidget*>();
     view->setAttribute(Qt::WA_Hover);
     view->installEventFilter(this);
+    connect(&player, &HostPlayer::SceneRectChanged, this, &PointerLabel::Refresh);
 }
 
 bool PointerLabel::eventFilter(QObject* watched, QEvent* event)
@@ -30,22 +33,28 @@ bool PointerLabel::eventFilter(QObject* watched, QEvent* event)
         const QWidget* below = view->childAt(onView);
         // Not over the ruler and the scroll bar.
         const bool isOnWaveform = below && below->objectName() == "BGFXWaveformDiagramWidget"_L1;
-        isOnWaveform ? Show(view->mapTo(&m_player, onView)) : clear();
+        m_pointer = isOnWaveform ? std::optional(view->mapTo(&m_player, onView)) : std::nullopt;
+        Refresh();
     } else if (event->type() == QEvent::HoverLeave) {
-        clear();
+        m_pointer.reset();
+        Refresh();
     }
     return QLabel::eventFilter(watched, event);
 }
 
-void PointerLabel::Show(const QPoint& position)
+void PointerLabel::Refresh()
+{
+    setText(m_pointer ? TextAt(*m_pointer) : QString());
+}
+
+QString PointerLabel::TextAt(const QPoint& position) const
 {
     const auto [lowest, highest] = m_player.GetLevelAt(position);
     const double level = std::max(std::abs(lowest), std::abs(highest));
     if (!std::isfinite(level)) {
-        clear();
-        return;
+        return {};
     }
     const QString time = TextOfTime(m_player.GetTimeAt(position));
     // Silence has no decibels.
-    setText(level > 0.0 ? tr("%1: %2 dB").arg(time, locale().toString(DecibelsOf(level), 'f', 1)) : time);
+    return level > 0.0 ? tr("%1: %2 dB").arg(time, locale().toString(DecibelsOf(level), 'f', 1)) : time;
 }

@@ -12,7 +12,6 @@ using namespace Qt::Literals::StringLiterals;
 TaskProgress::TaskProgress(QWidget* parent)
     : QWidget(parent), m_bar(new QProgressBar(this)), m_cancel(new QPushButton(tr("Cancel"), this))
 {
-    m_bar->setMinimumWidth(220);
     m_bar->setFormat(u"%p %"_s);
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -33,6 +32,7 @@ void TaskProgress::ShowProgress(int progress, int min, int max, const QString& t
     if (text != m_text) {
         m_text = text;
         m_bar->setFormat(text.isEmpty() ? u"%p %"_s : QString(text + u" %p %"_s));
+        m_bar->setMinimumWidth(m_bar->fontMetrics().horizontalAdvance(text + u" 100 % "_s));
     }
     if (isHidden() && !m_delay.isActive()) {
         m_delay.start();

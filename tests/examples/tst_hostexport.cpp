@@ -95,17 +95,48 @@ private Q_SLOTS:
         answers.Add<QMessageBox>([&](QMessageBox& question) {
             QTest::mouseClick(question.button(isAgreed ? QMessageBox::Yes : QMessageBox::No), Qt::LeftButton);
         });
-        if (!isAgreed && typed == u"dear.wav"_s) {
-            answers.Add<QFileDialog>([&](QFileDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
+        QString proposed;
+        if (!isAgreed) {
+            answers.Add<QFileDialog>([&](QFileDialog& dialog) {
+                proposed = ChildNamed<QLineEdit>(dialog, u"fileNameEdit"_s)->text();
+                QTest::keyClick(&dialog, Qt::Key_Escape);
+            });
         }
         QTest::keyClick(&window, Qt::Key_S, Qt::ControlModifier);
         QVERIFY(answers.AreGiven());
         if (isAgreed) {
             QTRY_COMPARE(ended.size(), 1);
+        } else {
+            QCOMPARE(QFileInfo(proposed).fileName(), typed);
         }
         QCOMPARE(NamesIn(folder), QStringList(QFileInfo(dear).fileName()));
         QCOMPARE(BytesOf(dear) != "dear", isAgreed);
         QCOMPARE(window.FailureText(), QString());
+    }
+
+    void aReplacementRefusedByTheReturnKeyCanGetAnotherName()
+    {
+        const QTemporaryDir folder;
+        const QString dear = folder.filePath(u"dear.wav"_s);
+        QVERIFY(Write(dear, "dear"));
+        PlayerWindow window;
+        QVERIFY(Activate(window));
+        QVERIFY(OpenCompletely(window, Recording));
+        window.SelectRange(1.0, 2.0);
+        const QSignalSpy ended(&window, &PlayerWindow::ExportEnded);
+        Answers answers;
+        answers.Add<QFileDialog>([&](QFileDialog& dialog) { TypeName(dialog, folder.filePath(u"dear"_s)); });
+        answers.Add<QMessageBox>([](QMessageBox& question) { QTest::keyClick(&question, Qt::Key_Return); });
+        answers.Add<QFileDialog>([](QFileDialog& dialog) {
+            // The name is selected, as at first.
+            QTest::keyClicks(QApplication::focusWidget(), u"other"_s);
+            QTest::keyClick(&dialog, Qt::Key_Return);
+        });
+        QTest::keyClick(&window, Qt::Key_S, Qt::ControlModifier);
+        QVERIFY(answers.AreGiven());
+        QTRY_COMPARE(ended.size(), 1);
+        QCOMPARE(NamesIn(folder), QStringList({u"dear.wav"_s, u"other.wav"_s}));
+        QCOMPARE(BytesOf(dear), "dear");
     }
 
     void addsTheSuffixThatIsMissing_data()

@@ -14,6 +14,7 @@
 #include <QtGui/QAction>
 #include <QtGui/QWindow>
 #include <QtMultimedia/QAudioOutput>
+#include <QtTest/QSignalSpy>
 #include <QtWidgets/QDialogButtonBox>
 #include <QtWidgets/QFileDialog>
 #include <QtWidgets/QFormLayout>
@@ -141,6 +142,15 @@ QString CheckedDevice(PlayerWindow& window)
     const auto checked =
         std::find_if(actions.cbegin(), actions.cend(), [](const QAction* action) { return action->isChecked(); });
     return checked == actions.cend() ? QString() : (*checked)->text();
+}
+
+/** By the keyboard. */
+void ChooseDevice(PlayerWindow& window, int entry)
+{
+    QTest::keyClick(&window, Qt::Key_O, Qt::AltModifier);
+    PressInMenu(Qt::Key_Home);
+    PressInMenu(Qt::Key_Down, entry);
+    PressInMenu(Qt::Key_Return);
 }
 
 } // namespace
@@ -486,18 +496,73 @@ private Q_SLOTS:
             if (window.findChild<DeviceMenu*>()->actions().size() < 2) {
                 QSKIP("There are no two devices to choose from.");
             }
-            QTest::keyClick(&window, Qt::Key_O, Qt::AltModifier);
             const QList<QAction*> devices = window.findChild<DeviceMenu*>()->actions();
-            const bool isFirst = devices.at(0)->isChecked();
-            chosen = devices.at(isFirst ? 1 : 0)->text();
-            PressInMenu(Qt::Key_Home);
-            PressInMenu(Qt::Key_Down, isFirst ? 1 : 0);
-            PressInMenu(Qt::Key_Return);
+            const int other = devices.at(0)->isChecked() ? 1 : 0;
+            chosen = devices.at(other)->text();
+            ChooseDevice(window, other);
             QCOMPARE(CheckedDevice(window), chosen);
         }
         PlayerWindow again;
         QCOMPARE(CheckedDevice(again), chosen);
-        QCOMPARE(again.findChild<AudioPlayer*>()->audioOutput()->device().description(), chosen);
+        const auto* output = again.findChild<AudioPlayer*>()->audioOutput();
+        QCOMPARE(output->device().description(), chosen);
+        QVERIFY(Open(again, Recording));
+        QCOMPARE(output->device().description(), chosen);
+    }
+
+    void playsOnWhereItIsOnTheDeviceThatIsChosen_data()
+    {
+        QTest::addColumn<bool>("isOther");
+        QTest::addColumn<bool>("plays");
+        QTest::newRow("another one, playing") << true << true;
+        QTest::newRow("another one, paused") << true << false;
+        QTest::newRow("the one in use, playing") << false << true;
+        QTest::newRow("the one in use, paused") << false << false;
+    }
+    void playsOnWhereItIsOnTheDeviceThatIsChosen()
+    {
+        QFETCH(const bool, isOther);
+        QFETCH(const bool, plays);
+        PlayerWindow window;
+        QVERIFY(Activate(window));
+        const QList<QAction*> devices = window.findChild<DeviceMenu*>()->actions();
+        if (devices.size() < 2) {
+            QSKIP("There are no two devices to choose from.");
+        }
+        QVERIFY(OpenCompletely(window, Recording));
+        window.SelectRange(5.0, 6.5);
+        window.ShowRange(4.0, 10.0);
+        HostPlayer& player = *PlayerOf(window);
+        player.SetLoop(true);
+        QTest::keyClick(&window, Qt::Key_Space);
+        QTRY_VERIFY_WITH_TIMEOUT(player.GetAudioPosition() > 5.2, 15000);
+        if (!plays) {
+            QTest::keyClick(&window, Qt::Key_Space);
+        }
+        auto* audio = window.findChild<AudioPlayer*>();
+        const QSignalSpy states(audio, &QMediaPlayer::playbackStateChanged);
+        const QSignalSpy changes(audio->audioOutput(), &QAudioOutput::deviceChanged);
+        const QSignalSpy positions(&player, &HostPlayer::AudioPositionChanged);
+        const double before = player.GetAudioPosition();
+
+        const int entry = devices.at(0)->isChecked() == isOther ? 1 : 0;
+        ChooseDevice(window, entry);
+        QCOMPARE(audio->audioOutput()->device().description(), devices.at(entry)->text());
+        QCOMPARE(changes.isEmpty(), !isOther);
+        QCOMPARE(player.GetSelectedSnippet(), std::make_pair(5.0, 6.5));
+        QCOMPARE(player.GetVisibleRange(), std::make_pair(4.0, 10.0));
+        QCOMPARE(player.IsPlaying(), plays);
+        QVERIFY(states.isEmpty());
+        if (!plays) {
+            QCOMPARE(player.GetAudioPosition(), before);
+            QTest::keyClick(&window, Qt::Key_Space);
+        }
+        // From its place on to the end of the selection, and round again.
+        QTRY_VERIFY_WITH_TIMEOUT(positions.contains(QVariantList{5.0}), 15000);
+        QVERIFY(positions.first().first().toDouble() > before - 0.2);
+        for (const QVariantList& position : positions) {
+            QVERIFY(position.first().toDouble() >= 5.0 && position.first().toDouble() < 7.0);
+        }
     }
 
     void theDialogsRememberTheirFolders()

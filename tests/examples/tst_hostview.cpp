@@ -1,15 +1,20 @@
 #include "Contrast.h"
 #include "LevelMeter.h"
 #include "PlayerWindows.h"
+#include "PointerLabel.h"
 #include "SettingsDialog.h"
 #include "SpeedMenu.h"
 #include "ThemeMenu.h"
+#include "Times.h"
 #include "ZoomBar.h"
 #include "tests/support/WavBytes.h"
 
+#include <QtCore/QRegularExpression>
+#include <QtCore/QScopeGuard>
 #include <QtGui/QAccessible>
 #include <QtGui/QAction>
 #include <QtGui/QWheelEvent>
+#include <QtGui/QWindow>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QMenuBar>
@@ -22,6 +27,7 @@
 
 #include <cmath>
 #include <limits>
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -52,14 +58,23 @@ void Close(PlayerWindow& window)
     QTest::keyClick(&window, Qt::Key_Q, Qt::ControlModifier);
 }
 
-/** One notch away from the user: zooms in. */
-void TurnWheel(PlayerWindow& window)
+/** One notch away from the user: zooms in, or scrolls without Control. */
+void TurnWheel(PlayerWindow& window, Qt::KeyboardModifiers modifiers = Qt::ControlModifier)
 {
     QWidget* diagram = DiagramOf(window);
     const QPointF middle = diagram->rect().center();
-    QWheelEvent event(middle, diagram->mapToGlobal(middle), {}, QPoint(0, 120), Qt::NoButton, Qt::ControlModifier,
+    QWheelEvent event(middle, diagram->mapToGlobal(middle), {}, QPoint(0, 120), Qt::NoButton, modifiers,
                       Qt::NoScrollPhase, false);
     QApplication::sendEvent(diagram, &event);
+}
+
+/** As the window system tells of it, wherever the real pointer is. */
+void MovePointer(PlayerWindow& window, const QPoint& place)
+{
+    // By way of its neighbour: it may stand there since the former test.
+    for (const QPoint& stop : {place + QPoint(1, 0), place}) {
+        QTest::mouseMove(window.windowHandle(), stop);
+    }
 }
 
 double SpanOf(PlayerWindow& window)
@@ -335,6 +350,72 @@ private Q_SLOTS:
             TurnWheel(window);
         }
         QVERIFY(SpanOf(window) > 0.1);
+    }
+
+    void theTimeUnderThePointerFollowsTheView()
+    {
+        PlayerWindow window;
+        QVERIFY(Activate(window));
+        QVERIFY(OpenCompletely(window, Recording));
+        auto* label = window.findChild<PointerLabel*>();
+        const QPoint place(100, 100);
+        MovePointer(window, DiagramOf(window)->mapTo(&window, place));
+        QString former;
+        const auto isUpToDate = [&] {
+            const double time = PlayerOf(window)->GetTimeAt(DiagramOf(window)->mapTo(PlayerOf(window), place));
+            const bool isOther = label->text() != std::exchange(former, label->text());
+            return isOther && label->text().startsWith(TextOfTime(time) + u':');
+        };
+        QTRY_VERIFY(!label->text().isEmpty());
+        QVERIFY(isUpToDate());
+        TurnWheel(window);
+        QVERIFY(isUpToDate());
+        window.ShowRange(4.0, 8.0);
+        QVERIFY(isUpToDate());
+        TurnWheel(window, Qt::NoModifier);
+        QVERIFY(isUpToDate());
+        QTest::keyClick(&window, Qt::Key_Plus);
+        QVERIFY(isUpToDate());
+        QTest::mouseDClick(window.windowHandle(), Qt::LeftButton, Qt::NoModifier,
+                           DiagramOf(window)->mapTo(&window, place));
+        QVERIFY(isUpToDate());
+        MovePointer(window, QPoint(1, 1));
+        QTRY_COMPARE(label->text(), QString());
+        QTest::keyClick(&window, Qt::Key_Plus);
+        QCOMPARE(label->text(), QString());
+    }
+
+    void theLevelUnderThePointerFollowsTheSamples()
+    {
+        const QTemporaryDir folder;
+        PlayerWindow window;
+        QVERIFY(Activate(window));
+        QVERIFY(OpenCompletely(window, WriteLeftOnly(folder, 44100)));
+        const auto* label = window.findChild<PointerLabel*>();
+        MovePointer(window, DiagramOf(window)->mapTo(&window, QPoint(100, 100)));
+        QTRY_VERIFY(!label->text().isEmpty());
+        PlayerOf(window)->SetSelectedChannel(WavFile::ChannelRight);
+        QTRY_VERIFY(!label->text().isEmpty() && !label->text().contains(u"dB"_s));
+        PlayerOf(window)->SetSelectedChannel(WavFile::ChannelLeft);
+        QTRY_VERIFY(label->text().endsWith(u": %1 dB"_s.arg(QLocale().toString(-6.0, 'f', 1))));
+    }
+
+    void theStatusBarWritesNumbersAsTheUserDoes()
+    {
+        QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+        const auto restore = qScopeGuard([] { QLocale::setDefault(QLocale::system()); });
+        PlayerWindow window;
+        QVERIFY(Activate(window));
+        QVERIFY(OpenCompletely(window, Recording));
+        window.SelectRange(1.0, 11.5);
+        MovePointer(window, DiagramOf(window)->mapTo(&window, QPoint(100, 100)));
+        QTRY_VERIFY(!window.findChild<PointerLabel*>()->text().isEmpty());
+        QStringList texts;
+        for (const auto* label : window.statusBar()->findChildren<QLabel*>()) {
+            texts.append(label->text());
+        }
+        QVERIFY2(texts.contains(u"Selected: 10,500 s"_s), qPrintable(texts.join(u'\n')));
+        QVERIFY(window.findChild<PointerLabel*>()->text().contains(QRegularExpression(u": -\\d+,\\d dB$"_s)));
     }
 
     void draggingTheSliderZooms()

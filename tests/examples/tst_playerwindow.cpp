@@ -2,6 +2,7 @@
 #include "DeviceMenu.h"
 #include "LongFile.h"
 #include "PlayerWindows.h"
+#include "PointerLabel.h"
 #include "ScreenshotJob.h"
 #include "SettingsDialog.h"
 #include "TaskProgress.h"
@@ -18,10 +19,12 @@
 #include <QtCore/QStandardPaths>
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QTimer>
+#include <QtGui/QAccessible>
 #include <QtGui/QAction>
 #include <QtGui/QContextMenuEvent>
 #include <QtGui/QDropEvent>
 #include <QtGui/QImage>
+#include <QtGui/QWindow>
 #include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
@@ -36,6 +39,7 @@
 #include <QtWidgets/QProgressBar>
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QSlider>
+#include <QtWidgets/QToolButton>
 
 #include <algorithm>
 #include <cmath>
@@ -182,6 +186,43 @@ private Q_SLOTS:
         QVERIFY(Open(window, Recording));
         QVERIFY(!window.findChild<QLabel*>(u"failure"_s)->isVisible());
         QCOMPARE(window.FailureText(), QString());
+    }
+
+    void aFailureCanBePutAway_data()
+    {
+        QTest::addColumn<bool>("byKeyboard");
+        QTest::newRow("mouse") << false;
+        QTest::newRow("keyboard") << true;
+    }
+    void aFailureCanBePutAway()
+    {
+        QFETCH(const bool, byKeyboard);
+        PlayerWindow window;
+        QVERIFY(Activate(window));
+        QVERIFY(OpenCompletely(window, Recording));
+        const auto hasFocus = [&] { return PlayerOf(window)->isAncestorOf(QApplication::focusWidget()); };
+        QVERIFY(hasFocus());
+        QVERIFY(Refuses(window, u"/nowhere/take.wav"_s));
+        auto* button = ChildNamed<QToolButton>(window, u"hideFailure"_s);
+        QTRY_VERIFY(button && button->isVisible());
+        QCOMPARE(button->toolTip(), u"Hide this message"_s);
+        auto* accessible = QAccessible::queryAccessibleInterface(button);
+        QCOMPARE(accessible->text(QAccessible::Name), u"Hide this message"_s);
+        QVERIFY(ContrastIn(button->parentWidget()->grab(button->geometry()).toImage()) >= 4.5);
+        if (byKeyboard) {
+            for (int i = 0; i < 100 && QApplication::focusWidget() != button; ++i) {
+                QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+            }
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+        } else {
+            QTest::mouseClick(button, Qt::LeftButton);
+        }
+        QVERIFY(!ChildNamed<QLabel>(window, u"failure"_s)->isVisible());
+        QCOMPARE(window.FailureText(), QString());
+        QVERIFY(!PlayerOf(window)->IsPlaying());
+        QVERIFY(hasFocus());
+        QVERIFY(Refuses(window, u"/nowhere/take.wav"_s));
+        QVERIFY(button->isVisible());
     }
 
     void saysWhyAFileCannotBeOpened_data()
@@ -331,6 +372,36 @@ private Q_SLOTS:
         QCOMPARE(progress->findChild<QProgressBar*>()->text(), u"Loading... 0 %"_s);
         QTest::mouseClick(progress->findChild<QPushButton*>(), Qt::LeftButton);
         QVERIFY(log.isCancelled && !progress->isVisible());
+    }
+
+    void theProgressHasRoomInANarrowWindow()
+    {
+        QTemporaryDir folder;
+        const QString path = folder.filePath(u"stuck.wav"_s);
+        QVERIFY(QFile::copy(Recording, path));
+        const HeldFile held(path);
+        if (!held.IsHeld()) {
+            QSKIP("This file system lets every reader in.");
+        }
+        PlayerWindow window;
+        window.resize(480, 480);
+        QVERIFY(Activate(window));
+        QVERIFY(DiagramOf(window)->width() < 480);
+        QVERIFY(OpenCompletely(window, Recording));
+        window.SelectRange(10.0, 12.0);
+        QTest::mouseMove(window.windowHandle(), DiagramOf(window)->mapTo(&window, QPoint(100, 20)));
+        auto* pointerLabel = window.findChild<PointerLabel*>();
+        QTRY_VERIFY(!pointerLabel->text().isEmpty());
+        window.OpenFile(path);
+        auto* progress = window.findChild<TaskProgress*>();
+        QTRY_VERIFY(progress->isVisible());
+        const auto* bar = progress->findChild<QProgressBar*>();
+        const auto* cancel = progress->findChild<QPushButton*>();
+        QTRY_VERIFY(bar->geometry().right() < cancel->geometry().left());
+        QVERIFY(bar->width() > bar->fontMetrics().horizontalAdvance(u"Loading... 100 %"_s));
+        QVERIFY(progress->rect().contains(cancel->geometry()));
+        QVERIFY(!pointerLabel->text().isEmpty() && pointerLabel->geometry().right() < progress->x());
+        window.CancelTask();
     }
 
     void aFileThatCannotBeOpenedLeavesTheExportAlone()
@@ -552,7 +623,7 @@ private Q_SLOTS:
         QTRY_COMPARE(count(), before);
     }
 
-    void theAboutBoxNamesTheDrawingDevice()
+    void theAboutBoxNamesTheDrawingDeviceAndQt()
     {
         PlayerWindow window;
         QVERIFY(OpenCompletely(window, Recording));
@@ -567,6 +638,7 @@ private Q_SLOTS:
         auto* box = window.findChild<QMessageBox*>();
         QVERIFY(box);
         QVERIFY2(box->informativeText().contains(device), qPrintable(box->informativeText()));
+        QVERIFY(box->informativeText().contains(u"Qt %1."_s.arg(QLatin1StringView(qVersion()))));
         box->close();
     }
 

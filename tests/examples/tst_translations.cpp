@@ -5,6 +5,7 @@
 #include <vantorAudioEngine/Version.h>
 
 #include <QtCore/QDir>
+#include <QtCore/QLibraryInfo>
 #include <QtCore/QMutex>
 #include <QtCore/QProcess>
 #include <QtCore/QRegularExpression>
@@ -13,6 +14,7 @@
 #include <QtGui/QAction>
 #include <QtMultimedia/QMediaDevices>
 #include <QtWidgets/QComboBox>
+#include <QtWidgets/QDialogButtonBox>
 #include <QtWidgets/QFileDialog>
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QMenuBar>
@@ -423,6 +425,16 @@ private Q_SLOTS:
         for (const QMenu* menu : window.findChildren<QMenu*>()) {
             QCOMPARE(Ambiguous(menu->actions()), QStringList());
         }
+    }
+
+    void theTextsOfQtFollow()
+    {
+        if (!QFile::exists(QLibraryInfo::path(QLibraryInfo::TranslationsPath) + u"/qtbase_de.qm"_s)) {
+            QSKIP("Qt's translations are not here");
+        }
+        const Language language(u"de"_s);
+        const QDialogButtonBox buttons(QDialogButtonBox::Cancel);
+        QCOMPARE(buttons.button(QDialogButtonBox::Cancel)->text(), u"Abbrechen"_s);
     }
 
     void theProgramTakesTheLanguageOfTheSystem_data()

@@ -75,6 +75,13 @@
     </message>
 </context>
 <context>
+    <name>FailureBar</name>
+    <message>
+        <source>Hide this message</source>
+        <translation>Diese Meldung ausblenden</translation>
+    </message>
+</context>
+<context>
     <name>Failures</name>
     <message>
         <source>“%1” cannot be written: is there room, and may you write there?</source>
@@ -397,6 +404,10 @@
     <message>
         <source>Nothing was exported: another file was loaded meanwhile.</source>
         <translation>Nichts wurde exportiert: Inzwischen wurde eine andere Datei geladen.</translation>
+    </message>
+    <message>
+        <source>This program runs with Qt %1.</source>
+        <translation>Dieses Programm läuft mit Qt %1.</translation>
     </message>
 </context>
 <context>

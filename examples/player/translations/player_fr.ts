@@ -75,6 +75,13 @@
     </message>
 </context>
 <context>
+    <name>FailureBar</name>
+    <message>
+        <source>Hide this message</source>
+        <translation>Masquer ce message</translation>
+    </message>
+</context>
+<context>
     <name>Failures</name>
     <message>
         <source>“%1” cannot be written: is there room, and may you write there?</source>
@@ -397,6 +404,10 @@
     <message>
         <source>Nothing was exported: another file was loaded meanwhile.</source>
         <translation>Rien n’a été exporté : un autre fichier a été chargé entre-temps.</translation>
+    </message>
+    <message>
+        <source>This program runs with Qt %1.</source>
+        <translation>Ce programme fonctionne avec Qt %1.</translation>
     </message>
 </context>
 <context>

@@ -75,6 +75,13 @@
     </message>
 </context>
 <context>
+    <name>FailureBar</name>
+    <message>
+        <source>Hide this message</source>
+        <translation>このメッセージを隠す</translation>
+    </message>
+</context>
+<context>
     <name>Failures</name>
     <message>
         <source>“%1” cannot be written: is there room, and may you write there?</source>
@@ -397,6 +404,10 @@
     <message>
         <source>Nothing was exported: another file was loaded meanwhile.</source>
         <translation>何も書き出されませんでした。その間に別のファイルが読み込まれました。</translation>
+    </message>
+    <message>
+        <source>This program runs with Qt %1.</source>
+        <translation>このプログラムは Qt %1 で動作しています。</translation>
     </message>
 </context>
 <context>
