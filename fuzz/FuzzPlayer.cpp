@@ -203,6 +203,7 @@ private:
                                       &AudioPlayerWidget::SetKeepExistingFiles,
                                       &AudioPlayerWidget::SetEditedPositionStays,
                                       &AudioPlayerWidget::SetChannelChangeKeepsPlace,
+                                      &AudioPlayerWidget::SetDeviceChangeKeepsPlace,
                                       &AudioPlayerWidget::SetPositionMovesSmoothly,
                                       &AudioPlayerWidget::SetFollowsPosition,
                                       &AudioPlayerWidget::SetShowsPositionAtOnce,

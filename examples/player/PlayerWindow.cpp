@@ -82,6 +82,7 @@ void PlayerWindow::BuildView()
     m_player->SetWaveformTakesFocus(true);
     m_player->SetPositionMovesSmoothly(true);
     m_player->SetChannelChangeKeepsPlace(true);
+    m_player->SetDeviceChangeKeepsPlace(true);
     m_player->SetEditMode(true);
     m_player->SetInteractions(Interaction::SelectBeyondView | Interaction::MoveFromInside |
                               Interaction::ExtendWithShift | Interaction::LeftButtonOnly |

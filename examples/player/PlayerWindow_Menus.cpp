@@ -10,7 +10,6 @@
 #include "SpeedMenu.h"
 #include "ThemeMenu.h"
 
-#include <vantorAudioEngine/AudioPlayer.h>
 #include <vantorAudioEngine/BGFXWaveformWidget.h>
 #include <vantorAudioEngine/Version.h>
 
@@ -37,9 +36,7 @@ void PlayerWindow::BuildMenus()
     BuildEditMenu();
     BuildPlayerMenus();
     auto* devices = new DeviceMenu(this);
-    // The widget's own call stops playback and goes back to the start.
-    connect(devices, &DeviceMenu::DeviceChosen, m_player->findChild<AudioPlayer*>(),
-            &AudioPlayer::SetAudioOutputDevice);
+    connect(devices, &DeviceMenu::DeviceChosen, m_player, &HostPlayer::SetAudioOutputDevice);
     devices->Restore();
     menuBar()->addMenu(devices);
     QMenu* help = menuBar()->addMenu(tr("&Help"));

@@ -188,6 +188,9 @@ public:
      *  and waits at the start of the selection or file. */
     void SetChannelChangeKeepsPlace(bool keeps);
 
+    /** Another output device plays on where it is; otherwise SetAudioOutputDevice() stops. */
+    void SetDeviceChangeKeepsPlace(bool keeps);
+
     [[nodiscard]] WavFile::ChannelFormat GetSelectedChannel() const;
     /** Chooses the channel that is played, as the channel box does, and filters it in the background:
      *  BusyChanged() tells of it. On failure the former channel comes back, and ErrorHandler() is called. Does
@@ -232,7 +235,7 @@ public:
     [[nodiscard]] double GetPlaybackRate() const;
     /** Stops playback, which goes back to the start; the next playback is on this device. The selection still
      *  shows, but the whole file is played until the user presses Stop or the selection changes. A device that
-     *  AudioPlayer does not accept leaves the former one in use. */
+     *  AudioPlayer does not accept leaves the former one in use. See SetDeviceChangeKeepsPlace(). */
     void SetAudioOutputDevice(const QAudioDevice& device);
     /** Percent. No signal tells of it. */
     void SetAudioPlayBackVolume(int volume);

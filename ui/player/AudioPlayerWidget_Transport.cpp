@@ -259,9 +259,11 @@ int AudioPlayerWidget::GetAudioPlayBackVolume() const
 void AudioPlayerWidget::SetAudioOutputDevice(const QAudioDevice& device)
 {
     const QPointer<AudioPlayerWidget> self(this);
-    m_internals->PlayOnWithCopy(false);
-    m_audioPlayer->ClearSelection();
-    m_audioPlayer->stop();
+    if (!m_internals->deviceChangeKeepsPlace) {
+        m_internals->PlayOnWithCopy(false);
+        m_audioPlayer->ClearSelection();
+        m_audioPlayer->stop();
+    }
     if (self) {
         m_audioOutputDevice = device;
         m_audioPlayer->SetAudioOutputDevice(device);
@@ -471,6 +473,11 @@ void AudioPlayerWidget::SetEditedPositionStays(bool stays)
 void AudioPlayerWidget::SetChannelChangeKeepsPlace(bool keeps)
 {
     m_internals->channelChangeKeepsPlace = keeps;
+}
+
+void AudioPlayerWidget::SetDeviceChangeKeepsPlace(bool keeps)
+{
+    m_internals->deviceChangeKeepsPlace = keeps;
 }
 
 void AudioPlayerWidget::SetScrollBackToZoomOut(bool scrollBackToZoomOut)

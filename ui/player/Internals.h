@@ -131,6 +131,7 @@ struct AudioPlayerWidget::Internals
     bool playReturnsToStart = false;
     bool editedPositionStays = false;
     bool channelChangeKeepsPlace = false;
+    bool deviceChangeKeepsPlace = false;
     bool positionMovesSmoothly = false;
     /** The waveform had the focus, which it cannot have while it is busy. */
     bool awaitsFocus = false;

@@ -105,6 +105,7 @@ private Q_SLOTS:
     void tellsTheVolumeOfTheSlider();
 
     void anotherDeviceStopsAndPlaysTheWholeFile();
+    void anotherDevicePlaysOnWhereTheHostWantsIt();
     void anUnknownDeviceIsKeptButNotPlayedTo();
 
     void thePlayersPositionMovesFieldMarkerAndHost();
@@ -540,6 +541,25 @@ void PlayerTransportTest::anotherDeviceStopsAndPlaysTheWholeFile()
     QCOMPARE(Player().GetAudioOutputDevice().id(), "two");
     StartPlaying();
     Shown().SetAudioOutputDevice(Device("one"));
+    QCOMPARE(Player().GetAudioOutputDevice().id(), "one");
+}
+
+void PlayerTransportTest::anotherDevicePlaysOnWhereTheHostWantsIt()
+{
+    Shown().SetDeviceChangeKeepsPlace(true);
+    Shown().SetAudioOutputDevice(Device("two"));
+    Shown().SetSelectedSnippet({2.0, 15.0});
+    StartPlaying();
+    QTRY_VERIFY(Player().position() >= 2000);
+    Shown().SetAudioOutputDevice(Device("one"));
+    QCOMPARE(Player().GetAudioOutputDevice().id(), "one");
+    QVERIFY(Shown().IsPlaying());
+    QCOMPARE(RangeOf(Player()), Range(2.0, 15.0));
+    const qint64 reached = Player().position();
+    QVERIFY(reached >= 1800);
+    QTRY_VERIFY(Player().position() > reached + 200);
+    // It is the widget's device from now on.
+    Shown().StopPlayback();
     QCOMPARE(Player().GetAudioOutputDevice().id(), "one");
 }
 
