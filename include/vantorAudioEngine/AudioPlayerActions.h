@@ -23,8 +23,8 @@ class AudioPlayerWidget;
  *
  * The shortcuts work in the player's whole window, from here on and without any menu; a program that wants other
  * keys changes the actions. Sliders and boxes of the player keep the keys that they need while they have the
- * focus, and so do its time fields: digits, and Escape, which takes back what was typed. Without a file only Loop
- * and Mute do something.
+ * focus, and so do its time fields: digits, colon, point, and Escape, which takes back what was typed. Without a
+ * file only Loop and Mute do something.
  *
  * Controls of the player that have no tool tip get one, which outlives this object. Where an action does the same,
  * it names the action's key and follows the action's text and key, until the program sets another tool tip. Loop

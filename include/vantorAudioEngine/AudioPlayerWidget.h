@@ -172,8 +172,8 @@ public:
      *  player stays, and for the position only AudioPositionChanged() tells of it. Leaving one of the three time
      *  fields without typing then does nothing. */
     void SetTypedPositionSeeks(bool seeks);
-    /** Playing begins at the start of the selection where the position lies outside it, and without one at 0 where
-     *  the position has reached the end; otherwise it begins wherever the position is. */
+    /** Playing begins at the start of the selection where the position lies outside it or in its last 10 ms, and
+     *  without one at 0 in the last 10 ms of the file; otherwise it begins wherever the position is. */
     void SetPlayReturnsToStart(bool returns);
     /** CreateSnippet() writes a stereo file where both channels of a stereo file are selected; otherwise their
      *  average. Holds for snippets that start from now on. */

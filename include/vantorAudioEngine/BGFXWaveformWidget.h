@@ -103,8 +103,8 @@ public:
     [[nodiscard]] bool GetFollowsPosition() const;
     /** With true a visible range that follows shows any position at once: beyond the next page, and on the way
      *  back, in its middle. Where it shows the whole selection it also stays for what a player plays past the end
-     *  of that, up to 0.2 seconds. Off at first: it then turns one page a call, and on the way back begins at the
-     *  position. */
+     *  of that, up to half a second. Off at first: it then turns one page a call, and on the way back begins at
+     * the position. */
     void SetShowsPositionAtOnce(bool atOnce);
     [[nodiscard]] bool GetShowsPositionAtOnce() const;
     /** With true GetSamples() asks for samples wherever a part of the view has none, or coarser ones than it could

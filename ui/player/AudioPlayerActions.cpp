@@ -6,6 +6,7 @@
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QMetaEnum>
+#include <QtCore/QPointer>
 #include <QtGui/QAction>
 #include <QtGui/QKeyEvent>
 #include <QtWidgets/QAbstractSlider>
@@ -88,22 +89,36 @@ QString ToolTipOf(const QAction& action)
     return key.isEmpty() ? action.toolTip() : action.toolTip() + u" (" + key + u')';
 }
 
-/** A time is typed with the digits alone; every other key that would type something is free for shortcuts. */
+/** Programs may have put fields of their own into the player. */
+bool IsTimeField(QWidget* control)
+{
+    const auto* field = qobject_cast<QLineEdit*>(control);
+    return field && !field->inputMask().isEmpty();
+}
+
+/** A time is typed with digits and what stands between them; every other key that would type something is free for
+ *  shortcuts. */
 bool IsOfNoUseIn(const QLineEdit& field, QKeyEvent& event)
 {
     const QString text = event.text();
     const bool types =
         !text.isEmpty() && text.front().isPrint() && !event.modifiers().testFlag(Qt::ControlModifier);
-    return (types && !text.front().isDigit()) || (event.matches(QKeySequence::Undo) && !field.isUndoAvailable()) ||
+    const bool isOfTimes = types && (text.front().isDigit() || text.front() == u':' || text.front() == u'.');
+    return (types && !isOfTimes) || (event.matches(QKeySequence::Undo) && !field.isUndoAvailable()) ||
            (event.matches(QKeySequence::Redo) && !field.isRedoAvailable());
 }
 
 void TakeBackWhatWasTyped(QLineEdit& field)
 {
-    while (field.isUndoAvailable()) {
+    // A receiver of the field's signals may destroy it, or type again.
+    constexpr int mostSteps = 1000;
+    const QPointer<QLineEdit> self(&field);
+    for (int i = 0; self && field.isUndoAvailable() && i < mostSteps; ++i) {
         field.undo();
     }
-    field.setModified(false);
+    if (self) {
+        field.setModified(false);
+    }
 }
 
 bool MovesWithinAControl(int key)
@@ -139,8 +154,7 @@ AudioPlayerActions::AudioPlayerActions(AudioPlayerWidget* player)
     connect(player, &AudioPlayerWidget::AudioPlayBackMuteChanged, Get(Mute), &QAction::setChecked);
     SetToolTips();
     for (QWidget* control : player->findChildren<QWidget*>()) {
-        if (qobject_cast<QAbstractSlider*>(control) || qobject_cast<QComboBox*>(control) ||
-            qobject_cast<QLineEdit*>(control)) {
+        if (qobject_cast<QAbstractSlider*>(control) || qobject_cast<QComboBox*>(control) || IsTimeField(control)) {
             control->installEventFilter(this);
         }
     }

@@ -162,8 +162,8 @@ void AudioPlayerWidget::Internals::GoBackTo(const Place& place)
     }
     if (self && AwaitsCopy()) {
         playsOnWithCopy = place.isPlaying;
-    } else if (self && place.isPlaying) {
-        widget.Play();
+    } else if (self && place.isPlaying && CanPlayOn()) {
+        widget.m_audioPlayer->play();
     }
 }
 

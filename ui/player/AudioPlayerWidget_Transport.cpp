@@ -25,8 +25,7 @@ namespace vantoraudio::vantorAudioEngine::UI {
 void AudioPlayerWidget::Play()
 {
     m_internals->PlayOnWithCopy(true);
-    const bool hasFile = m_internals->controls.btnPlayPause->isEnabledTo(this);
-    if (hasFile && !IsPlaying() && m_internals->GoToWherePlayingBegins()) {
+    if (m_internals->CanPlayOn() && m_internals->GoToWherePlayingBegins()) {
         m_audioPlayer->play();
     }
 }
@@ -92,6 +91,11 @@ void AudioPlayerWidget::Internals::LetPlay(const QString& path, const Selection&
     }
 }
 
+bool AudioPlayerWidget::Internals::CanPlayOn() const
+{
+    return controls.btnPlayPause->isEnabledTo(&widget) && !widget.IsPlaying();
+}
+
 /** False when a receiver of the signals has destroyed the widget. */
 bool AudioPlayerWidget::Internals::GoToWherePlayingBegins()
 {
@@ -103,20 +107,30 @@ bool AudioPlayerWidget::Internals::GoToWherePlayingBegins()
         hasSelection ? widget.GetSelectedSnippet() : std::pair(0.0, widget.GetAudioDuration());
     const double position = widget.GetAudioPosition();
     const bool isOutside = position < start - millisecond || position > end - closeToEnd;
+    // While a file is being loaded the player is at 0, wherever it goes then.
+    const bool isLoaded = !AwaitsCopy() && widget.m_audioPlayer->mediaStatus() != QMediaPlayer::LoadingMedia;
     const QPointer<AudioPlayerWidget> self(&widget);
-    if (playReturnsToStart && isOutside && start < end && !AwaitsCopy()) {
-        widget.UpdateAudioPosition(start);
+    if (playReturnsToStart && isOutside && isLoaded && start < end) {
+        // Another output device has cleared the player's selection.
+        widget.m_audioPlayer->SetSelection(start, end);
+        if (self) {
+            widget.m_waveformWidget->SetAudioPosition(start);
+        }
     }
     return !self.isNull();
 }
 
 void AudioPlayerWidget::OnBtnPlayPauseClicked()
 {
-    if (!IsPlaying() && !m_internals->GoToWherePlayingBegins()) {
+    const bool isPlaying = IsPlaying();
+    if (!isPlaying && !m_internals->GoToWherePlayingBegins()) {
         return;
     }
     const QPointer<AudioPlayerWidget> self(this);
-    m_audioPlayer->PauseResume();
+    // A receiver of the signals may play already.
+    if (IsPlaying() == isPlaying) {
+        m_audioPlayer->PauseResume();
+    }
     if (self) {
         m_internals->ShowPlayIcon(m_internals->controls.btnPlayPause->isChecked());
     }

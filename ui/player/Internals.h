@@ -87,6 +87,7 @@ struct AudioPlayerWidget::Internals
     [[nodiscard]] bool GoToTyped(double time);
     [[nodiscard]] bool IsLeftUntyped(const QLineEdit& field) const;
     void SeekToLine() const;
+    [[nodiscard]] bool CanPlayOn() const;
     [[nodiscard]] bool GoToWherePlayingBegins();
     void CorrectLateReport(qint64 milliseconds);
     void LetPositionMove() const;

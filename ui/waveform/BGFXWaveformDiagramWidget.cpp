@@ -15,6 +15,8 @@ namespace {
 constexpr double FastestRate = 16.0;
 /** Milliseconds: about as often as screens show a picture. */
 constexpr int LineInterval = 16;
+/** In seconds: edges that were computed differ by less. */
+constexpr double SameTime = 0.001;
 
 } // namespace
 
@@ -34,6 +36,7 @@ void BGFXWaveformDiagramWidget::Reset()
     m_sceneRect = QRectF(0.0, 0.0, 1.0, m_amplitudeExtent);
     m_buffer = {};
     m_requestedStart = 0.0;
+    m_asked.reset();
     m_audioPosition = 0.0;
     m_grab = {};
     m_borderScroll.stop();
@@ -56,7 +59,6 @@ void BGFXWaveformDiagramWidget::SetDuration(double duration)
     ShowEverything();
     m_stepSize = StepSizeFor(GetTotalLength());
     // The step size counts the visible silence, too; samples exist only for the audio.
-    m_asked.reset();
     AskForSamples(0.0, duration);
 }
 
@@ -94,6 +96,13 @@ bool BGFXWaveformDiagramWidget::Follow()
     }
     const auto left = PageFor(View(), m_audioPosition, m_duration);
     return (!left || ScrollTo(*left)) && (!(m_sceneRect.left() > m_audioPosition) || ScrollTo(m_audioPosition));
+}
+
+void BGFXWaveformDiagramWidget::SetKeepsViewFilled(bool filled)
+{
+    m_keepsViewFilled = filled;
+    // The answer to what was asked for before may have got another start or step, see RequestSamplesIfNeeded().
+    m_asked.reset();
 }
 
 void BGFXWaveformDiagramWidget::SetPositionRate(double rate)
@@ -240,12 +249,10 @@ void BGFXWaveformDiagramWidget::ShowEverything()
 
 bool BGFXWaveformDiagramWidget::RequestSamplesIfNeeded()
 {
-    auto request = RequestFor(View(), m_buffer, GetTotalLength());
     if (m_keepsViewFilled) {
-        const SampleRequest filling = FillingRequestFor(View(), GetTotalLength());
-        const bool isTooCoarse = StepSizeFor(filling.end - filling.start) < m_stepSize;
-        request = request || isTooCoarse ? std::optional(filling) : std::nullopt;
+        return FillView();
     }
+    const auto request = RequestFor(View(), m_buffer, GetTotalLength());
     if (!request) {
         return true;
     }
@@ -255,15 +262,28 @@ bool BGFXWaveformDiagramWidget::RequestSamplesIfNeeded()
     return !request->isSent || AskForSamples(request->start, request->end);
 }
 
-/** Where the last request ends with the audio, its samples never cover the view to the end: a view that is to be
- *  filled would ask for the same with each move. */
-bool BGFXWaveformDiagramWidget::AskForSamples(double start, double end)
+/** Goes by what was asked for last, which will be there in the end, and not by what is there at the moment. */
+bool BGFXWaveformDiagramWidget::FillView()
 {
-    const AskedSamples asked{start, end, m_stepSize};
-    if (m_keepsViewFilled && m_asked == asked) {
+    const SampleRequest filling = FillingRequestFor(View(), GetTotalLength());
+    const int stepSize = StepSizeFor(filling.end - filling.start);
+    const bool isAskedFor = m_asked && Contains(*m_asked, View()) && m_asked->stepSize <= stepSize;
+    if (isAskedFor || !filling.isSent) {
         return true;
     }
-    m_asked = asked;
+    m_stepSize = stepSize;
+    m_requestedStart = filling.start;
+    return AskForSamples(filling.start, filling.end);
+}
+
+bool BGFXWaveformDiagramWidget::Contains(const AskedSamples& asked, const ViewRange& view)
+{
+    return asked.start <= view.left + SameTime && view.Right() <= asked.end + SameTime;
+}
+
+bool BGFXWaveformDiagramWidget::AskForSamples(double start, double end)
+{
+    m_asked = AskedSamples{.start = start, .end = end, .stepSize = m_stepSize};
     return Tell(&BGFXWaveformDiagramWidget::GetSamples, start, end, m_stepSize);
 }
 

@@ -74,7 +74,7 @@ public:
     void SetFollowsPosition(bool follows) { m_followsPosition = follows; }
     void SetShowsPositionAtOnce(bool atOnce) { m_showsPositionAtOnce = atOnce; }
     [[nodiscard]] bool GetShowsPositionAtOnce() const { return m_showsPositionAtOnce; }
-    void SetKeepsViewFilled(bool filled) { m_keepsViewFilled = filled; }
+    void SetKeepsViewFilled(bool filled);
     [[nodiscard]] bool GetKeepsViewFilled() const { return m_keepsViewFilled; }
     [[nodiscard]] bool GetFollowsPosition() const { return m_followsPosition; }
 
@@ -156,9 +156,8 @@ private:
         double start = 0.0;
         double end = 0.0;
         int stepSize = 0;
-
-        bool operator==(const AskedSamples&) const = default;
     };
+    [[nodiscard]] static bool Contains(const AskedSamples& asked, const ViewRange& view);
 
     [[nodiscard]] bool Allows(BGFXWaveformWidget::Interaction interaction) const
     {
@@ -177,6 +176,7 @@ private:
     void ShowEverything();
     // False when a receiver of their signals has destroyed this widget.
     bool RequestSamplesIfNeeded();
+    bool FillView();
     bool AskForSamples(double start, double end);
     bool Follow();
     /** Emits. False when a receiver has destroyed the player, and this widget with it. */
@@ -203,6 +203,7 @@ private:
     void ExtendTo(double time);
     bool DragSelectionTo(const SelectionTimes& candidate);
     bool DragBodyTo(double middle);
+    bool StaysADoubleClick(const QPoint& position);
     void ClickAt(double x);
     void Pan(const QWheelEvent& event);
     void Zoom(const QWheelEvent& event);
@@ -247,6 +248,7 @@ private:
     bool m_followsPosition = true;
     bool m_showsPositionAtOnce = false;
     bool m_keepsViewFilled = false;
+    /** Since its second press, while the mouse has not been dragged. */
     bool m_isDoubleClick = false;
     std::optional<double> m_wheelZoomFactor;
     double m_amplitudeExtent = 1.0;

@@ -2,10 +2,10 @@
 #include "ui/waveform/rules/TimeScale.h"
 #include "ui/waveform/rules/ViewNavigation.h"
 
+#include <QtGui/QGuiApplication>
 #include <QtGui/QMouseEvent>
+#include <QtGui/QStyleHints>
 #include <QtGui/QWheelEvent>
-
-#include <utility>
 
 namespace vantoraudio::vantorAudioEngine::UI {
 namespace {
@@ -60,6 +60,9 @@ void BGFXWaveformDiagramWidget::mouseMoveEvent(QMouseEvent* event)
     if (event == nullptr || !HasAudio() || !m_isEditing) {
         return;
     }
+    if (StaysADoubleClick(PixelOf(*event))) {
+        return;
+    }
     if (event->buttons() == Qt::LeftButton ||
         (Allows(Interaction::LeftButtonOnly) && event->buttons().testFlag(Qt::LeftButton))) {
         ScrollWhileDraggedTo(PixelOf(*event));
@@ -81,8 +84,9 @@ void BGFXWaveformDiagramWidget::mouseReleaseEvent(QMouseEvent* event)
     m_grab = {};
     m_borderScroll.stop();
     setCursor(Qt::ArrowCursor);
-    const bool isDoubleClick = std::exchange(m_isDoubleClick, false);
-    if (!HasAudio()) {
+    const bool isDoubleClick = StaysADoubleClick(PixelOf(*event));
+    m_isDoubleClick = false;
+    if (!HasAudio() || isDoubleClick) {
         return;
     }
     // Only x is compared: a drag straight up or down selects nothing and counts as a click.
@@ -93,7 +97,7 @@ void BGFXWaveformDiagramWidget::mouseReleaseEvent(QMouseEvent* event)
         }
     } else if (m_isEditing && Allows(Interaction::ExtendWithShift) && event->modifiers() == Qt::ShiftModifier) {
         ExtendTo(TimeAt(event->position().x()));
-    } else if (!isDoubleClick) {
+    } else {
         ClickAt(event->position().x());
     }
 }
@@ -107,15 +111,18 @@ void BGFXWaveformDiagramWidget::mouseDoubleClickEvent(QMouseEvent* event)
     if (!HasAudio()) {
         return;
     }
-    m_isDoubleClick = Allows(Interaction::DoubleClickOnlyZooms);
     m_stepSize = StepSizeFor(GetTotalLength());
     m_buffer.start = 0.0;
     m_requestedStart = 0.0;
-    m_asked.reset();
     if (!AskForSamples(0.0, GetTotalLength())) {
         return;
     }
     ShowEverything();
+    if (Allows(Interaction::DoubleClickOnlyZooms)) {
+        m_isDoubleClick = true;
+        m_pressPosition = PixelOf(*event);
+        m_pressTime = TimeAt(m_pressPosition.x());
+    }
     if (Tell(&BGFXWaveformDiagramWidget::SceneRectChanged, m_sceneRect)) {
         Changed();
     }
@@ -254,6 +261,13 @@ void BGFXWaveformDiagramWidget::ExtendTo(double time)
     const SelectionTimes& times = m_selection.times;
     const double farEnd = time < MiddleOf(times) ? times.second : times.first;
     SetSelectedSnippet({m_selection.isPresent ? farEnd : m_audioPosition, time});
+}
+
+bool BGFXWaveformDiagramWidget::StaysADoubleClick(const QPoint& position)
+{
+    const int way = (position - m_pressPosition).manhattanLength();
+    m_isDoubleClick = m_isDoubleClick && way < QGuiApplication::styleHints()->startDragDistance();
+    return m_isDoubleClick;
 }
 
 void BGFXWaveformDiagramWidget::ClickAt(double x)

@@ -92,6 +92,7 @@ private Q_SLOTS:
     void aSelectionOfLessThanAMillisecondStaysThePlayers();
     void keepsNoSelectionWhereThereWasNone();
     void keepsViewPositionAndPlaybackWhereItIsAskedTo();
+    void keepsThePositionAlsoWherePlayingReturnsToTheStart();
     void theLatestChoiceCounts();
     void aFailedFilteringGoesBackToThePreviousChannel();
     void aFailureIsToldWhenTheWayBackHasBegun();
@@ -735,6 +736,21 @@ void PlayerExportTest::keepsViewPositionAndPlaybackWhereItIsAskedTo()
     QVERIFY(setup.Audio().position() < 10000);
     QVERIFY(setup.player->IsPlaying());
     QVERIFY(setup.Audio().source().fileName().endsWith(u"_Left.wav"_s));
+}
+
+void PlayerExportTest::keepsThePositionAlsoWherePlayingReturnsToTheStart()
+{
+    ExportSetup setup(TestAudio{.coding = S16, .channels = 2, .rate = 8000, .frames = 160000});
+    setup.player->SetChannelChangeKeepsPlace(true);
+    setup.player->SetSelectedSnippet({10.0, 15.0});
+    setup.player->UpdateAudioPosition(5.0);
+    setup.player->Play();
+    setup.player->SetPlayReturnsToStart(true);
+    setup.player->SetSelectedChannel(WavFile::ChannelLeft);
+    QVERIFY(setup.IsIdle());
+    QTRY_VERIFY_WITH_TIMEOUT(setup.Audio().position() > 5000, PlayerSetup::patience);
+    QVERIFY(setup.Audio().position() < 10000);
+    QVERIFY(setup.player->IsPlaying());
 }
 
 void PlayerExportTest::keepsNoSelectionWhereThereWasNone()

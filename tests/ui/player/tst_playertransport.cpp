@@ -716,13 +716,16 @@ void PlayerTransportTest::playingReturnsToTheStartWhereTheHostWantsIt_data()
     QTest::addColumn<Range>("selection");
     QTest::addColumn<int>("position");
     QTest::addColumn<bool>("isOn");
+    QTest::addColumn<bool>("byButton");
     QTest::addColumn<int>("begin");
-    QTest::newRow("inside the selection") << Range(2.0, 15.0) << 5000 << true << 5000;
-    QTest::newRow("behind the selection") << Range(2.0, 4.0) << 5000 << true << 2000;
-    QTest::newRow("behind the selection, as at first") << Range(2.0, 4.0) << 5000 << false << 5000;
-    QTest::newRow("before the selection") << Range(10.0, 15.0) << 5000 << true << 10000;
-    QTest::newRow("in the file") << Range(0.0, 0.0) << 5000 << true << 5000;
-    QTest::newRow("at the end of the file") << Range(0.0, 0.0) << 20000 << true << 0;
+    QTest::newRow("inside the selection") << Range(2.0, 15.0) << 5000 << true << true << 5000;
+    QTest::newRow("behind the selection") << Range(2.0, 4.0) << 5000 << true << true << 2000;
+    QTest::newRow("behind the selection, by Play()") << Range(2.0, 4.0) << 5000 << true << false << 2000;
+    QTest::newRow("behind the selection, as at first") << Range(2.0, 4.0) << 5000 << false << true << 5000;
+    QTest::newRow("before the selection") << Range(10.0, 15.0) << 5000 << true << true << 10000;
+    QTest::newRow("in the file") << Range(0.0, 0.0) << 5000 << true << true << 5000;
+    QTest::newRow("at the end of the file") << Range(0.0, 0.0) << 20000 << true << true << 0;
+    QTest::newRow("at the end of the file, by Play()") << Range(0.0, 0.0) << 20000 << true << false << 0;
 }
 
 void PlayerTransportTest::playingReturnsToTheStartWhereTheHostWantsIt()
@@ -730,23 +733,21 @@ void PlayerTransportTest::playingReturnsToTheStartWhereTheHostWantsIt()
     QFETCH(const Range, selection);
     QFETCH(const int, position);
     QFETCH(const bool, isOn);
+    QFETCH(const bool, byButton);
     Shown().SetPlayReturnsToStart(isOn);
     if (selection.first < selection.second) {
         Shown().SetSelectedSnippet(selection);
     }
-    for (const bool byButton : {true, false}) {
-        Player().pause();
-        Player().setPosition(position);
-        QCOMPARE(Player().position(), qint64(position));
-        // The player's own moves come later.
-        QList<qint64> positions{position};
-        const auto log = connect(&Player(), &QMediaPlayer::positionChanged, this,
-                                 [&](qint64 reported) { positions.append(reported); });
-        byButton ? Controls().btnPlayPause->click() : Shown().Play();
-        disconnect(log);
-        QTEST(int(positions.value(1, positions[0])), "begin");
-        QTRY_VERIFY(Shown().IsPlaying());
-    }
+    Player().setPosition(position);
+    QCOMPARE(Player().position(), qint64(position));
+    // The player's own moves come later.
+    QList<qint64> positions{position};
+    const auto log = connect(&Player(), &QMediaPlayer::positionChanged, this,
+                             [&](qint64 reported) { positions.append(reported); });
+    byButton ? Controls().btnPlayPause->click() : Shown().Play();
+    disconnect(log);
+    QTEST(int(positions.value(1, positions[0])), "begin");
+    QTRY_VERIFY(Shown().IsPlaying());
 }
 
 void PlayerTransportTest::anEditedPositionIsNotWrittenOverWhereTheHostWantsIt()

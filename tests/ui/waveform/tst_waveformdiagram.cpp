@@ -572,6 +572,34 @@ private Q_SLOTS:
         QCOMPARE(loaded.recorder.Take().value(1), u"GetSamples(0, 16.5, 1)"_s);
     }
 
+    void aViewThatIsKeptFilledGoesByTheLatestRequest()
+    {
+        LoadedDiagram loaded;
+        loaded.diagram.SetKeepsViewFilled(true);
+        const auto requestFor = [&](double left, double right) {
+            loaded.diagram.SetSceneRange(left, right);
+            return loaded.recorder.Take().filter(u"GetSamples"_s);
+        };
+        QCOMPARE(requestFor(0.0, 10.0), QStringList{u"GetSamples(0, 15, 1)"_s});
+        loaded.diagram.UpdateAudioSampleBuffer(QList<float>(15000));
+        // On the way back the samples at hand cover the view, but others are about to come.
+        QCOMPARE(requestFor(50.0, 60.0), QStringList{u"GetSamples(45, 65, 1)"_s});
+        QCOMPARE(requestFor(0.0, 10.0), QStringList{u"GetSamples(0, 15, 1)"_s});
+        QCOMPARE(requestFor(2.0, 12.0), QStringList());
+    }
+
+    void aViewThatIsKeptFilledDoesNotTakeSilenceForSamples()
+    {
+        LoadedDiagram loaded;
+        loaded.diagram.SetDelay(10.0);
+        loaded.diagram.SetKeepsViewFilled(true);
+        loaded.diagram.SetSceneRange(0.0, 10.0);
+        loaded.diagram.UpdateAudioSampleBuffer(QList<float>(15000));
+        loaded.recorder.Take();
+        loaded.diagram.SetSceneRange(8.0, 18.0);
+        QCOMPARE(loaded.recorder.Take().value(1), u"GetSamples(3, 23, 1)"_s);
+    }
+
     void loadingAsksOnceOnlyForAViewThatIsKeptFilled()
     {
         LoadedDiagram loaded;

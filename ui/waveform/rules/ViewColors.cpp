@@ -49,7 +49,8 @@ QColor ReadableOver(const QColor& color, const QColor& waveform, const QColor& b
     }
     for (const float share : {0.9F, 0.8F, 0.7F, 0.6F, 0.5F}) {
         const QColor mixed = Mixed(color, background, share);
-        if (std::min(ContrastBetween(mixed, waveform), ContrastBetween(mixed, background)) >= ContrastOfGraphics) {
+        if (ContrastBetween(mixed, waveform) >= ContrastOfLine &&
+            ContrastBetween(mixed, background) >= ContrastOfGraphics) {
             return mixed;
         }
     }

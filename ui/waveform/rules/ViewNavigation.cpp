@@ -9,8 +9,8 @@ namespace vantoraudio::vantorAudioEngine::UI {
 namespace {
 
 constexpr double FinestUsefulScale = 0.01;
-/** In seconds: what players play past the end of a selection before they notice. */
-constexpr double LongestOverrun = 0.2;
+/** In seconds: what players play past the end of a selection before they notice, at four times the speed, too. */
+constexpr double LongestOverrun = 0.5;
 /** No view is wide enough for more of them at once, and a float holds the factor. */
 constexpr double MostNotches = 30.0;
 

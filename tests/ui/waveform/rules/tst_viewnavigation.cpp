@@ -222,8 +222,8 @@ private Q_SLOTS:
         QTest::addColumn<double>("position");
         QTest::addColumn<bool>("isOverrun");
         QTest::newRow("at the end") << 30.0 << 30.0 << false;
-        QTest::newRow("just past it") << 30.0 << 30.15 << true;
-        QTest::newRow("long past it") << 30.0 << 30.21 << false;
+        QTest::newRow("just past it") << 30.0 << 30.45 << true;
+        QTest::newRow("long past it") << 30.0 << 30.51 << false;
         QTest::newRow("before it") << 30.0 << 29.0 << false;
         QTest::newRow("the selection goes on behind the view") << 30.1 << 30.2 << false;
     }
