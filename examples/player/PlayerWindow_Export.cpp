@@ -193,7 +193,7 @@ PlayerWindow::Output PlayerWindow::ChooseOutput(const QString& what)
 
 bool PlayerWindow::MayReplace(const QString& path)
 {
-    // A key pressed too many must not cost a file.
+    // One key press too many must not cost a file.
     return QMessageBox::question(this, tr("Export"), DescribeReplacement(path), QMessageBox::Yes | QMessageBox::No,
                                  QMessageBox::No) == QMessageBox::Yes;
 }

@@ -107,9 +107,9 @@ public:
      * the position. */
     void SetShowsPositionAtOnce(bool atOnce);
     [[nodiscard]] bool GetShowsPositionAtOnce() const;
-    /** With true GetSamples() asks for samples wherever a part of the view has none, or coarser ones than it could
-     *  show, but not twice running for the same. Off at first: a view that begins at 0 or ends with the file then
-     *  keeps the samples it has, and stays empty where it has none. */
+    /** With true GetSamples() asks from the next change of the view on for samples wherever a part of the view has
+     * none, or coarser ones than it could show, but not twice running for the same. Off at first: a view that
+     * begins at 0 or ends with the file then keeps the samples it has, and stays empty where it has none. */
     void SetKeepsViewFilled(bool filled);
     [[nodiscard]] bool GetKeepsViewFilled() const;
 

@@ -530,7 +530,7 @@ private Q_SLOTS:
             QSKIP("There are no two devices to choose from.");
         }
         QVERIFY(OpenCompletely(window, Recording));
-        window.SelectRange(5.0, 6.5);
+        window.SelectRange(5.0, 7.5);
         window.ShowRange(4.0, 10.0);
         HostPlayer& player = *PlayerOf(window);
         player.SetLoop(true);
@@ -549,10 +549,10 @@ private Q_SLOTS:
         ChooseDevice(window, entry);
         QCOMPARE(audio->audioOutput()->device().description(), devices.at(entry)->text());
         QCOMPARE(changes.isEmpty(), !isOther);
-        QCOMPARE(player.GetSelectedSnippet(), std::make_pair(5.0, 6.5));
+        QCOMPARE(player.GetSelectedSnippet(), std::make_pair(5.0, 7.5));
         QCOMPARE(player.GetVisibleRange(), std::make_pair(4.0, 10.0));
         QCOMPARE(player.IsPlaying(), plays);
-        QVERIFY(states.isEmpty());
+        QVERIFY(!states.contains(QVariantList{QVariant::fromValue(QMediaPlayer::StoppedState)}));
         if (!plays) {
             QCOMPARE(player.GetAudioPosition(), before);
             QTest::keyClick(&window, Qt::Key_Space);
@@ -561,7 +561,7 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(positions.contains(QVariantList{5.0}), 15000);
         QVERIFY(positions.first().first().toDouble() > before - 0.2);
         for (const QVariantList& position : positions) {
-            QVERIFY(position.first().toDouble() >= 5.0 && position.first().toDouble() < 7.0);
+            QVERIFY(position.first().toDouble() >= 5.0 && position.first().toDouble() < 10.0);
         }
     }
 

@@ -16,6 +16,8 @@
 #include <algorithm>
 #include <array>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace vantoraudio::vantorAudioEngine::UI {
 namespace {
 
@@ -89,11 +91,11 @@ QString ToolTipOf(const QAction& action)
     return key.isEmpty() ? action.toolTip() : action.toolTip() + u" (" + key + u')';
 }
 
-/** Programs may have put fields of their own into the player. */
-bool IsTimeField(QWidget* control)
+/** Not a field that a program has put into the player. */
+bool IsTimeField(const QWidget& control)
 {
-    const auto* field = qobject_cast<QLineEdit*>(control);
-    return field && !field->inputMask().isEmpty();
+    constexpr std::array names{"edCurrentPosition"_L1, "edSelectionStart"_L1, "edSelectionEnd"_L1};
+    return std::find(names.begin(), names.end(), control.objectName()) != names.end();
 }
 
 /** A time is typed with digits and what stands between them; every other key that would type something is free for
@@ -154,7 +156,8 @@ AudioPlayerActions::AudioPlayerActions(AudioPlayerWidget* player)
     connect(player, &AudioPlayerWidget::AudioPlayBackMuteChanged, Get(Mute), &QAction::setChecked);
     SetToolTips();
     for (QWidget* control : player->findChildren<QWidget*>()) {
-        if (qobject_cast<QAbstractSlider*>(control) || qobject_cast<QComboBox*>(control) || IsTimeField(control)) {
+        if (qobject_cast<QAbstractSlider*>(control) || qobject_cast<QComboBox*>(control) ||
+            IsTimeField(*control)) {
             control->installEventFilter(this);
         }
     }

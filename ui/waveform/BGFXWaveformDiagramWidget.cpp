@@ -15,8 +15,6 @@ namespace {
 constexpr double FastestRate = 16.0;
 /** Milliseconds: about as often as screens show a picture. */
 constexpr int LineInterval = 16;
-/** In seconds: edges that were computed differ by less. */
-constexpr double SameTime = 0.001;
 
 } // namespace
 
@@ -267,8 +265,12 @@ bool BGFXWaveformDiagramWidget::FillView()
 {
     const SampleRequest filling = FillingRequestFor(View(), GetTotalLength());
     const int stepSize = StepSizeFor(filling.end - filling.start);
-    const bool isAskedFor = m_asked && Contains(*m_asked, View()) && m_asked->stepSize <= stepSize;
-    if (isAskedFor || !filling.isSent) {
+    if (m_asked && m_asked->stepSize <= stepSize && Shows(*m_asked)) {
+        // A delay may have set another.
+        m_stepSize = m_asked->stepSize;
+        return true;
+    }
+    if (!filling.isSent) {
         return true;
     }
     m_stepSize = stepSize;
@@ -276,9 +278,12 @@ bool BGFXWaveformDiagramWidget::FillView()
     return AskForSamples(filling.start, filling.end);
 }
 
-bool BGFXWaveformDiagramWidget::Contains(const AskedSamples& asked, const ViewRange& view)
+/** All that the view shows of the file was asked for. */
+bool BGFXWaveformDiagramWidget::Shows(const AskedSamples& asked) const
 {
-    return asked.start <= view.left + SameTime && view.Right() <= asked.end + SameTime;
+    const double roundingError = View().width * 1e-6;
+    return asked.start <= ClampTime(View().left, 0.0, GetTotalLength()) + roundingError &&
+           ClampTime(View().Right(), 0.0, GetTotalLength()) <= asked.end + roundingError;
 }
 
 bool BGFXWaveformDiagramWidget::AskForSamples(double start, double end)

@@ -157,7 +157,7 @@ private:
         double end = 0.0;
         int stepSize = 0;
     };
-    [[nodiscard]] static bool Contains(const AskedSamples& asked, const ViewRange& view);
+    [[nodiscard]] bool Shows(const AskedSamples& asked) const;
 
     [[nodiscard]] bool Allows(BGFXWaveformWidget::Interaction interaction) const
     {

@@ -265,8 +265,10 @@ void BGFXWaveformDiagramWidget::ExtendTo(double time)
 
 bool BGFXWaveformDiagramWidget::StaysADoubleClick(const QPoint& position)
 {
-    const int way = (position - m_pressPosition).manhattanLength();
-    m_isDoubleClick = m_isDoubleClick && way < QGuiApplication::styleHints()->startDragDistance();
+    if (m_isDoubleClick) {
+        const QPointF way = QPointF(position) - QPointF(m_pressPosition);
+        m_isDoubleClick = way.manhattanLength() < QGuiApplication::styleHints()->startDragDistance();
+    }
     return m_isDoubleClick;
 }
 

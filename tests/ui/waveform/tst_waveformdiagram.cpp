@@ -586,6 +586,9 @@ private Q_SLOTS:
         QCOMPARE(requestFor(50.0, 60.0), QStringList{u"GetSamples(45, 65, 1)"_s});
         QCOMPARE(requestFor(0.0, 10.0), QStringList{u"GetSamples(0, 15, 1)"_s});
         QCOMPARE(requestFor(2.0, 12.0), QStringList());
+        // A thousandth of a second is much in a view of two.
+        QCOMPARE(requestFor(50.0, 50.002), QStringList{u"GetSamples(49.999, 50.003, 1)"_s});
+        QCOMPARE(requestFor(50.0015, 50.0035), QStringList{u"GetSamples(50.0005, 50.0045, 1)"_s});
     }
 
     void aViewThatIsKeptFilledDoesNotTakeSilenceForSamples()

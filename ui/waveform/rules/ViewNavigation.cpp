@@ -11,6 +11,8 @@ namespace {
 constexpr double FinestUsefulScale = 0.01;
 /** In seconds: what players play past the end of a selection before they notice, at four times the speed, too. */
 constexpr double LongestOverrun = 0.5;
+/** In seconds, and far more than edges that were computed differ by. */
+constexpr double RoundingError = 1e-6;
 /** No view is wide enough for more of them at once, and a float holds the factor. */
 constexpr double MostNotches = 30.0;
 
@@ -81,7 +83,8 @@ std::optional<double> LeftThatShows(const ViewRange& view, double position, doub
 
 bool IsOverrun(const SelectionTimes& selection, const ViewRange& view, double position)
 {
-    const bool shows = view.left <= selection.first && selection.second <= view.Right();
+    const bool shows =
+        view.left <= selection.first + RoundingError && selection.second <= view.Right() + RoundingError;
     return shows && selection.second < position && position < selection.second + LongestOverrun;
 }
 

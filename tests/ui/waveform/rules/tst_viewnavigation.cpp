@@ -234,6 +234,8 @@ private Q_SLOTS:
         QFETCH(const double, position);
         QTEST(IsOverrun({10.0, end}, {.left = 10.0, .width = 20.0}, position), "isOverrun");
         QVERIFY(!IsOverrun({9.0, end}, {.left = 10.0, .width = 20.0}, position));
+        // A view whose edges were computed.
+        QTEST(IsOverrun({10.0, end}, {.left = 10.0 + 1e-12, .width = 20.0 - 2e-12}, position), "isOverrun");
     }
 };
 
