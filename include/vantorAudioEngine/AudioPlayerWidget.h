@@ -181,8 +181,8 @@ public:
     /** CreateSnippet() fails where a file has the name, also one that came while the snippet was written, and
      *  leaves it alone; otherwise it replaces that file. Holds for snippets that start from now on. */
     void SetKeepExistingFiles(bool keep);
-    /** While the user types into the position field or has text selected there, playing does not write it over;
-     *  otherwise the cursor keeps its place. */
+    /** While the user types into the position field or has text selected there, playing does not write it over,
+     *  and where it does the cursor keeps its place. */
     void SetEditedPositionStays(bool stays);
     /** Another channel keeps the visible range and the position, and plays on; otherwise it shows the whole file
      *  and waits at the start of the selection or file. */

@@ -192,10 +192,11 @@ private Q_SLOTS:
     {
         Bench bench;
         const QPoint usual = Access::DiagramOf(bench.widget).pos();
-        QCOMPARE(usual.x(), 30);
+        QCOMPARE(usual, QPoint(30, qMax(20, QFontMetrics(bench.widget.font()).height() + 12)));
         bench.UseFont(24);
         const QPoint large = Access::DiagramOf(bench.widget).pos();
         QVERIFY(large.x() > 40);
+        QVERIFY(large.y() > 30);
         QVERIFY(large.y() > usual.y() + 10);
         bench.widget.SetLabelsFit(false);
         bench.widget.grab();
@@ -212,6 +213,7 @@ private Q_SLOTS:
         Bench bench;
         for (const int points : {6, 9, 24}) {
             bench.UseFont(points);
+            QVERIFY(!bench.Times().isEmpty());
             for (const Label& label : bench.Labels()) {
                 if (!IsAmplitude(label)) {
                     QVERIFY(label.place.bottom() <= Access::DiagramOf(bench.widget).y() - 12.0 + 0.01);
