@@ -1,11 +1,13 @@
 #include "DeviceMenu.h"
 
+#include <QtCore/QHash>
 #include <QtCore/QSettings>
 #include <QtGui/QActionGroup>
 
 #include <algorithm>
 #include <chrono>
 
+using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
@@ -58,8 +60,13 @@ void DeviceMenu::Fill()
     auto* group = new QActionGroup(this);
     m_listed = m_hardware.GetAvailableDevices(QAudioDevice::Output);
     const QAudioDevice current = CurrentDevice();
+    QHash<QString, int> counts;
     for (const QAudioDevice& device : m_listed) {
-        AddDevice(device, device == current);
+        // Two of one kind have one name.
+        const int number = ++counts[device.description()];
+        const QString name =
+            number == 1 ? device.description() : u"%1 (%2)"_s.arg(device.description()).arg(number);
+        AddDevice(device, name, device == current);
     }
     for (QAction* action : actions()) {
         group->addAction(action);
@@ -69,9 +76,9 @@ void DeviceMenu::Fill()
     }
 }
 
-void DeviceMenu::AddDevice(const QAudioDevice& device, bool checked)
+void DeviceMenu::AddDevice(const QAudioDevice& device, const QString& name, bool checked)
 {
-    QAction* action = addAction(device.description(), this, [this, device] { Choose(device); });
+    QAction* action = addAction(name, this, [this, device] { Choose(device); });
     action->setCheckable(true);
     action->setChecked(checked);
 }

@@ -27,7 +27,7 @@ private:
     void Choose(const QAudioDevice& device);
     void LookForChanges();
     void Fill();
-    void AddDevice(const QAudioDevice& device, bool checked);
+    void AddDevice(const QAudioDevice& device, const QString& name, bool checked);
     QAudioDevice CurrentDevice() const;
 
     vantoraudio::AudioEngine::HardwareManager m_hardware;

@@ -23,8 +23,9 @@ class AudioPlayerWidget;
  *
  * The shortcuts work in the player's whole window, from here on and without any menu; a program that wants other
  * keys changes the actions. Sliders and boxes of the player keep the keys that they need while they have the
- * focus, and so do its time fields: digits, colon, point, and Escape, which takes back what was typed. Without a
- * file only Loop and Mute do something.
+ * focus, and so do its time fields: digits, colon, point, and Escape, which takes back what was typed. The
+ * wheel changes a box only while it has the focus: it often passes over one on its way. Without a file only Loop
+ * and Mute do something.
  *
  * Controls of the player that have no tool tip get one, which outlives this object. Where an action does the same,
  * it names the action's key and follows the action's text and key, until the program sets another tool tip. Loop
@@ -86,7 +87,8 @@ public:
     void SetNightIcons(bool night);
 
 protected:
-    /** Leaves arrows, Home and End to the player's own sliders and boxes, and keys to its fields. */
+    /** Leaves arrows, Home and End to the player's own sliders and boxes, and keys to its fields. Keeps the wheel
+     *  from boxes without the focus. */
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:

@@ -219,6 +219,11 @@ void AudioPlayerActions::SetToolTips()
 
 bool AudioPlayerActions::eventFilter(QObject* watched, QEvent* event)
 {
+    const auto* box = qobject_cast<QComboBox*>(watched);
+    if (box && event->type() == QEvent::Wheel && !box->hasFocus()) {
+        event->ignore();
+        return true;
+    }
     const bool isOverride = event->type() == QEvent::ShortcutOverride;
     if (!isOverride && event->type() != QEvent::KeyPress) {
         return QObject::eventFilter(watched, event);

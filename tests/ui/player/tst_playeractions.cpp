@@ -52,6 +52,7 @@ private Q_SLOTS:
     void keysMoveTheEdges();
     void escapeClearsTheSelectionAndKeepsThePosition();
     void slidersAndBoxesKeepTheirKeys();
+    void theWheelChangesABoxOnlyWithTheFocus();
     void fieldsKeepTheirKeys();
     void keysThatTypeNoTimeWorkInTheFields();
     void escapeTakesBackWhatWasTyped();
@@ -272,6 +273,27 @@ void PlayerActionsTest::slidersAndBoxesKeepTheirKeys()
     Press(Qt::Key_Home, {}, &slider);
     QCOMPARE(slider.value(), slider.minimum());
     QCOMPARE(Player().position(), 10000);
+}
+
+void PlayerActionsTest::theWheelChangesABoxOnlyWithTheFocus()
+{
+    // One of its own: the player's answers a change by work that takes a while.
+    AudioPlayerWidget player;
+    auto* box = new QComboBox(&player);
+    box->addItems({u"first"_s, u"second"_s});
+    const Actions actions(&player);
+    player.show();
+    const auto turn = [box] {
+        QWheelEvent event(box->rect().center(), box->mapToGlobal(box->rect().center()), {}, {0, -120},
+                          Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(box, &event);
+        return box->currentIndex();
+    };
+    QCOMPARE(turn(), 0);
+    box->setFocus();
+    player.activateWindow();
+    QTRY_VERIFY(box->hasFocus());
+    QCOMPARE(turn(), 1);
 }
 
 void PlayerActionsTest::fieldsKeepTheirKeys()
