@@ -12,7 +12,11 @@
 #include <QtCore/QUrl>
 #include <QtMultimedia/QAudioOutput>
 #include <QtMultimedia/QMediaDevices>
+#include <QtMultimedia/QVideoSink>
 #include <QtTest/QTest>
+#if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
+#    include <QtMultimedia/QAudioBufferOutput>
+#endif
 
 #include <functional>
 #include <vector>
@@ -45,6 +49,13 @@ const QList<QByteArray> emittedInTheMiddle{"playbackStateChanged",  "mediaStatus
 void WaitFor(const std::function<bool()>& condition)
 {
     static_cast<void>(QTest::qWaitFor(condition, patience));
+}
+
+void SetAudioBufferOutput([[maybe_unused]] AudioPlayer& player)
+{
+#if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
+    player.setAudioBufferOutput(new QAudioBufferOutput(&player));
+#endif
 }
 
 /** Everything that makes a player emit, one thing after the other. */
@@ -82,6 +93,8 @@ std::vector<std::function<void(AudioPlayer&)>> ThingsToDo(const QString& folder)
             reaches(player, [](auto& p) { return p.playbackState() == QMediaPlayer::PausedState; });
         },
         [](AudioPlayer& player) { player.setActiveAudioTrack(-1); },
+        [](AudioPlayer& player) { player.setVideoSink(new QVideoSink(&player)); },
+        SetAudioBufferOutput,
         [=](AudioPlayer& player) { player.SetAudio(folder + u"/missing.wav"_s, 1.0); },
         [=](AudioPlayer& player) { reaches(player, [](auto& p) { return p.error() != QMediaPlayer::NoError; }); },
         [=](AudioPlayer& player) { player.SetAudio(path, 20.0); },
