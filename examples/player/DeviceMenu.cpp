@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <chrono>
 
-using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
@@ -62,10 +61,10 @@ void DeviceMenu::Fill()
     const QAudioDevice current = CurrentDevice();
     QHash<QString, int> counts;
     for (const QAudioDevice& device : m_listed) {
-        // Two of one kind have one name.
         const int number = ++counts[device.description()];
+        //: An output device, and its number among those of one kind, which have one name.
         const QString name =
-            number == 1 ? device.description() : u"%1 (%2)"_s.arg(device.description()).arg(number);
+            number == 1 ? device.description() : tr("%1 (%2)").arg(device.description(), QString::number(number));
         AddDevice(device, name, device == current);
     }
     for (QAction* action : actions()) {
@@ -79,6 +78,7 @@ void DeviceMenu::Fill()
 void DeviceMenu::AddDevice(const QAudioDevice& device, const QString& name, bool checked)
 {
     QAction* action = addAction(name, this, [this, device] { Choose(device); });
+    action->setData(device.id());
     action->setCheckable(true);
     action->setChecked(checked);
 }

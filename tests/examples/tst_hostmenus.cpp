@@ -136,12 +136,13 @@ QMap<QString, QString> ShowInformation(PlayerWindow& window)
     return answers.AreGiven() ? rows : QMap<QString, QString>();
 }
 
-QString CheckedDevice(PlayerWindow& window)
+/** Its id: the devices of a test have one name. */
+QByteArray CheckedDevice(PlayerWindow& window)
 {
     const QList<QAction*> actions = window.findChild<DeviceMenu*>()->actions();
     const auto checked =
         std::find_if(actions.cbegin(), actions.cend(), [](const QAction* action) { return action->isChecked(); });
-    return checked == actions.cend() ? QString() : (*checked)->text();
+    return checked == actions.cend() ? QByteArray() : (*checked)->data().toByteArray();
 }
 
 /** By the keyboard. */
@@ -489,7 +490,7 @@ private Q_SLOTS:
 
     void remembersTheOutputDevice()
     {
-        QString chosen;
+        QByteArray chosen;
         {
             PlayerWindow window;
             QVERIFY(Activate(window));
@@ -498,16 +499,16 @@ private Q_SLOTS:
             }
             const QList<QAction*> devices = window.findChild<DeviceMenu*>()->actions();
             const int other = devices.at(0)->isChecked() ? 1 : 0;
-            chosen = devices.at(other)->text();
+            chosen = devices.at(other)->data().toByteArray();
             ChooseDevice(window, other);
             QCOMPARE(CheckedDevice(window), chosen);
         }
         PlayerWindow again;
         QCOMPARE(CheckedDevice(again), chosen);
         const auto* output = again.findChild<AudioPlayer*>()->audioOutput();
-        QCOMPARE(output->device().description(), chosen);
+        QCOMPARE(output->device().id(), chosen);
         QVERIFY(Open(again, Recording));
-        QCOMPARE(output->device().description(), chosen);
+        QCOMPARE(output->device().id(), chosen);
     }
 
     void playsOnWhereItIsOnTheDeviceThatIsChosen_data()
@@ -547,7 +548,7 @@ private Q_SLOTS:
 
         const int entry = devices.at(0)->isChecked() == isOther ? 1 : 0;
         ChooseDevice(window, entry);
-        QCOMPARE(audio->audioOutput()->device().description(), devices.at(entry)->text());
+        QCOMPARE(audio->audioOutput()->device().id(), devices.at(entry)->data().toByteArray());
         QCOMPARE(changes.isEmpty(), !isOther);
         QCOMPARE(player.GetSelectedSnippet(), std::make_pair(5.0, 7.5));
         QCOMPARE(player.GetVisibleRange(), std::make_pair(4.0, 10.0));

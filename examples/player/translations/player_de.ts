@@ -58,6 +58,11 @@
         <source>No output device</source>
         <translation>Kein Ausgabegerät</translation>
     </message>
+    <message>
+        <source>%1 (%2)</source>
+        <extracomment>An output device, and its number among those of one kind, which have one name.</extracomment>
+        <translation>%1 (%2)</translation>
+    </message>
 </context>
 <context>
     <name>DragHandle</name>
