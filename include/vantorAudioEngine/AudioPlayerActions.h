@@ -25,7 +25,7 @@ class AudioPlayerWidget;
  * keys changes the actions. Sliders and boxes of the player keep the keys that they need while they have the
  * focus, and so do its time fields: digits, colon, point, and Escape, which takes back what was typed. The
  * wheel changes a box only while it has the focus: it often passes over one on its way. Without a file only Loop
- * and Mute do something.
+ * and Mute do something. Actions that need a selection are enabled while there is one.
  *
  * Controls of the player that have no tool tip get one, which outlives this object. Where an action does the same,
  * it names the action's key and follows the action's text and key, until the program sets another tool tip. Loop
@@ -96,6 +96,7 @@ private:
 
     static bool FilterKeyOf(QLineEdit& field, QKeyEvent& event, bool isOverride);
     void Do(Command command);
+    void EnableBySelection();
     void SetToolTips();
     void ToggleMute();
     void SeekTo(double position);

@@ -51,6 +51,7 @@ private Q_SLOTS:
     void bracketsSelectFromAndToThePosition();
     void keysMoveTheEdges();
     void escapeClearsTheSelectionAndKeepsThePosition();
+    void actionsThatNeedASelectionAreOffWithoutOne();
     void slidersAndBoxesKeepTheirKeys();
     void theWheelChangesABoxOnlyWithTheFocus();
     void fieldsKeepTheirKeys();
@@ -260,6 +261,35 @@ void PlayerActionsTest::escapeClearsTheSelectionAndKeepsThePosition()
     QCOMPARE(Shown().GetSelectedSnippet(), Range(0.0, 0.0));
     QCOMPARE(Player().position(), 6000);
     QVERIFY(!AudioPlayerWidgetTestAccess::HasSelection(Shown()));
+}
+
+void PlayerActionsTest::actionsThatNeedASelectionAreOffWithoutOne()
+{
+    using Commands = QList<Actions::Command>;
+    const Commands needOne{Actions::ShowSelection, Actions::MoveStartBack,  Actions::MoveStartForward,
+                           Actions::MoveEndBack,   Actions::MoveEndForward, Actions::ClearSelection};
+    const auto off = [](const Actions& actions) {
+        Commands commands;
+        const QMetaEnum all = QMetaEnum::fromType<Actions::Command>();
+        for (int i = 0; i < all.keyCount(); ++i) {
+            if (const auto command = Actions::Command(all.value(i)); !actions.Get(command)->isEnabled()) {
+                commands.append(command);
+            }
+        }
+        return commands;
+    };
+    QCOMPARE(off(*m_actions), needOne);
+    Shown().SetSelectedSnippet({5.0, 8.0});
+    QCOMPARE(off(*m_actions), Commands());
+    const Actions late(&Shown());
+    QCOMPARE(off(late), Commands());
+    Get(Actions::ClearSelection)->trigger();
+    QCOMPARE(off(*m_actions), needOne);
+    Player().setPosition(4000);
+    Get(Actions::EndHere)->trigger();
+    QCOMPARE(off(*m_actions), Commands());
+    QVERIFY(m_player->Load());
+    QCOMPARE(off(*m_actions), needOne);
 }
 
 void PlayerActionsTest::slidersAndBoxesKeepTheirKeys()
