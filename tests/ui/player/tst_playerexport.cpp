@@ -728,7 +728,10 @@ void PlayerExportTest::keepsViewPositionAndPlaybackWhereItIsAskedTo()
     setup.player->show();
     setup.player->ShowRange(4.0, 8.0);
     setup.player->UpdateAudioPosition(5.0);
+    // Where Qt loads in the background nothing plays yet for a moment, and the player is at 0.
+    QTRY_COMPARE_WITH_TIMEOUT(setup.Audio().position(), 5000, PlayerSetup::patience);
     setup.player->Play();
+    QVERIFY(setup.player->IsPlaying());
     setup.player->SetSelectedChannel(WavFile::ChannelLeft);
     QVERIFY(setup.IsIdle());
     QCOMPARE(setup.player->GetVisibleRange(), std::pair(4.0, 8.0));
@@ -744,9 +747,9 @@ void PlayerExportTest::keepsThePositionAlsoWherePlayingReturnsToTheStart()
     setup.player->SetChannelChangeKeepsPlace(true);
     setup.player->SetSelectedSnippet({10.0, 15.0});
     setup.player->UpdateAudioPosition(5.0);
-    // Where Qt loads in the background the player is at 0 for a moment.
     QTRY_COMPARE_WITH_TIMEOUT(setup.Audio().position(), 5000, PlayerSetup::patience);
     setup.player->Play();
+    QVERIFY(setup.player->IsPlaying());
     setup.player->SetPlayReturnsToStart(true);
     setup.player->SetSelectedChannel(WavFile::ChannelLeft);
     QVERIFY(setup.IsIdle());
