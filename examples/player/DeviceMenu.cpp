@@ -62,7 +62,7 @@ void DeviceMenu::Fill()
     QHash<QString, int> counts;
     for (const QAudioDevice& device : m_listed) {
         const int number = ++counts[device.description()];
-        //: An output device, and its number among those of one kind, which have one name.
+        //: %1: name of an output device, %2: its number among the devices of that name
         const QString name =
             number == 1 ? device.description() : tr("%1 (%2)").arg(device.description(), QString::number(number));
         AddDevice(device, name, device == current);

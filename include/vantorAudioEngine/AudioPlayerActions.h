@@ -24,8 +24,8 @@ class AudioPlayerWidget;
  * The shortcuts work in the player's whole window, from here on and without any menu; a program that wants other
  * keys changes the actions. Sliders and boxes of the player keep the keys that they need while they have the
  * focus, and so do its time fields: digits, colon, point, and Escape, which takes back what was typed. The
- * wheel changes a box only while it has the focus: it often passes over one on its way. Without a file only Loop
- * and Mute do something. Actions that need a selection are enabled while there is one.
+ * wheel changes a box only where it has the focus, which it does not get from the wheel. Without a file only Loop
+ * and Mute do something.
  *
  * Controls of the player that have no tool tip get one, which outlives this object. Where an action does the same,
  * it names the action's key and follows the action's text and key, until the program sets another tool tip. Loop
@@ -96,7 +96,6 @@ private:
 
     static bool FilterKeyOf(QLineEdit& field, QKeyEvent& event, bool isOverride);
     void Do(Command command);
-    void EnableBySelection();
     void SetToolTips();
     void ToggleMute();
     void SeekTo(double position);

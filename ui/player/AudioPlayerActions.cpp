@@ -98,12 +98,6 @@ bool IsTimeField(const QWidget& control)
     return std::find(names.begin(), names.end(), control.objectName()) != names.end();
 }
 
-bool NeedsASelection(Actions::Command command)
-{
-    return command == Actions::ShowSelection ||
-           (command >= Actions::MoveStartBack && command <= Actions::ClearSelection);
-}
-
 /** A time is typed with digits and what stands between them; every other key that would type something is free for
  *  shortcuts. */
 bool IsOfNoUseIn(const QLineEdit& field, QKeyEvent& event)
@@ -160,14 +154,15 @@ AudioPlayerActions::AudioPlayerActions(AudioPlayerWidget* player)
     Get(Mute)->setChecked(player->GetAudioPlayBackMute());
     connect(player, &AudioPlayerWidget::LoopChanged, Get(Loop), &QAction::setChecked);
     connect(player, &AudioPlayerWidget::AudioPlayBackMuteChanged, Get(Mute), &QAction::setChecked);
-    connect(player, &AudioPlayerWidget::WaveFormSelectionChanged, this, &Actions::EnableBySelection);
-    connect(player, &AudioPlayerWidget::AudioFileChanged, this, &Actions::EnableBySelection);
-    EnableBySelection();
     SetToolTips();
     for (QWidget* control : player->findChildren<QWidget*>()) {
         if (qobject_cast<QAbstractSlider*>(control) || qobject_cast<QComboBox*>(control) ||
             IsTimeField(*control)) {
             control->installEventFilter(this);
+        }
+        // Otherwise Qt gives a box the focus for the very turn of the wheel that passes over it.
+        if (qobject_cast<QComboBox*>(control) && control->focusPolicy() == Qt::WheelFocus) {
+            control->setFocusPolicy(Qt::StrongFocus);
         }
     }
 }
@@ -195,18 +190,6 @@ void AudioPlayerActions::SetNightIcons(bool night)
     for (const Entry& entry : Entries) {
         if (entry.icon) {
             Get(entry.command)->setIcon(LibraryIcon(QLatin1StringView(entry.icon), night));
-        }
-    }
-}
-
-void AudioPlayerActions::EnableBySelection()
-{
-    const auto [start, end] = m_internals->player.GetSelectedSnippet();
-    // A receiver of QAction::changed() may destroy the player.
-    const QPointer<AudioPlayerActions> self(this);
-    for (const Entry& entry : Entries) {
-        if (self && NeedsASelection(entry.command)) {
-            Get(entry.command)->setEnabled(start < end);
         }
     }
 }

@@ -60,7 +60,7 @@
     </message>
     <message>
         <source>%1 (%2)</source>
-        <extracomment>An output device, and its number among those of one kind, which have one name.</extracomment>
+        <extracomment>%1: name of an output device, %2: its number among the devices of that name</extracomment>
         <translation>%1 (%2)</translation>
     </message>
 </context>
