@@ -34,7 +34,8 @@ case "$system" in
     cat >&2 <<'NEEDED'
 setup: this system is neither Debian 12 nor 13, so nothing is installed. Going on with what is here. Needed are
   to build: a C++20 compiler (GCC 12 or Clang 14 at least), CMake 3.25, Ninja, pkg-config, git, the OpenGL and EGL headers,
-            Qt 6.4 or later (Base, OpenGL, Multimedia, Svg), FFmpeg 5.1 or later (avformat, avcodec, swresample, avutil);
+            Qt 6.4 or later (Base, OpenGL, Multimedia, Svg), FFmpeg 5.1 or later (avformat, avcodec, swresample, avutil),
+            libpulse on Linux;
             Qt's lrelease for the translations, and lupdate to bring them up to date
   to run:   Qt's xcb platform, SVG icon and FFmpeg media plugins, OpenGL (Mesa will do), a font,
             Qt's translations for the texts of its dialogs;

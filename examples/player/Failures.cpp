@@ -26,6 +26,12 @@ QString DescribeChannelFailure(const QString& path)
         path);
 }
 
+QString DescribePlaybackFailure(const QString& path, const QString& reason)
+{
+    return QCoreApplication::translate("Failures", "“%1” cannot be played: %2")
+        .arg(QDir::toNativeSeparators(path), reason);
+}
+
 QString DescribeExistingFile(const QString& path)
 {
     return Quoted(QT_TRANSLATE_NOOP("Failures", "“%1” is there already: please choose another name."), path);

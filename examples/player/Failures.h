@@ -9,6 +9,9 @@ QString DescribeExportFailure(const QString& path);
 /** For a channel of the open file that could not be prepared for playing. */
 QString DescribeChannelFailure(const QString& path);
 
+/** For a file that is open and does not play. */
+QString DescribePlaybackFailure(const QString& path, const QString& reason);
+
 /** For a file that stands where another one is to be written. */
 QString DescribeExistingFile(const QString& path);
 

@@ -124,6 +124,9 @@ void PlayerWindow::ConnectPlayer()
 {
     connect(m_player, &HostPlayer::AudioFileChanged, this, &PlayerWindow::OnFileLoaded);
     connect(m_player, &HostPlayer::Failed, this, &PlayerWindow::OnFailure);
+    connect(m_player, &HostPlayer::PlaybackFailed, this, [this](const QString& reason) {
+        ShowFailure(DescribePlaybackFailure(m_player->GetOriginalAudioFilePath(), reason));
+    });
     connect(m_player, &HostPlayer::ProgressChanged, this, &PlayerWindow::OnProgress);
     connect(m_player, &HostPlayer::BusyChanged, this, &PlayerWindow::OnBusyChanged);
     connect(m_player, &HostPlayer::AudioPositionChanged, this, &PlayerWindow::PositionChanged);

@@ -92,14 +92,16 @@ public:
     /** A translated sentence that names the file; empty without a problem. */
     [[nodiscard]] QString GetProblemText() const;
 
-    /** How many bytes the imported WAV file will have, header included; 0 when the duration is unknown. With
-     * `Automatic` it counts the sample type that the import will choose. */
+    /** How many bytes the imported WAV file will need, with the longest header there is, so that files below 4 GiB
+     *  are 36 bytes shorter; 0 when the duration is unknown. With `Automatic` it counts the sample type that the
+     *  import will choose. */
     [[nodiscard]] qint64 GetImportedSize(const ImportOptions& options) const;
 
     /**
      * Why an import to a file `outPath` would be refused before it begins: what is wrong with this file, TooLong,
      * or NoSpace where it would go. None also where the duration is no more than an estimate, by which nothing is
-     * refused. Asks the disk.
+     * refused. Only the import itself tells of a rate that it cannot make and of a folder in which it may not
+     * write. Asks the disk.
      */
     [[nodiscard]] Problem CheckImport(const ImportOptions& options, const QString& outPath) const;
 

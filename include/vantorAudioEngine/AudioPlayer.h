@@ -37,8 +37,8 @@ class StandstillWatch;
  * Nothing here reports failures: listen to errorOccurred() of the base class. While the machine has no output
  * device at all, a player that has a source runs without an audio output, so that play() is safe then; playback
  * stands still and goes on by itself when a device appears. When the device in use disappears, another one takes
- * over. Where the sound server offers none at all, that takes an event loop that comes round within some
- * milliseconds: Qt's sound thread may wait for good for its lost device, and this player's destructor with it.
+ * over. Where the sound server offers none at all, that works only while the event loop comes round every few
+ * milliseconds; otherwise Qt's sound thread, and this player's destructor with it, may wait for ever.
  *
  * The same holds while the sound server is away. With Qt 6.4 the connection to it may be lost for good;
  * errorOccurred() then tells so once the server is back.

@@ -21,6 +21,17 @@ class AudioPlayerWidget;
  *     auto* actions = new AudioPlayerActions(player);
  *     menuBar()->addMenu(tr("&Playback"))->addActions(actions->All(AudioPlayerActions::Playback));
  *
+ * | Keys                    | Actions                                                          |
+ * |-------------------------|------------------------------------------------------------------|
+ * | Space, Ctrl+.           | play or pause, stop                                              |
+ * | Left, Right             | 1 s back or forward, with Shift 5 s                              |
+ * | Home, End               | go to the start or the end                                       |
+ * | L, M                    | loop, mute                                                       |
+ * | +, -, 0, Z              | zoom in, zoom out, show all, zoom to the selection               |
+ * | [, ]                    | start or end the selection at the position                       |
+ * | Ctrl+Left, Ctrl+Right   | move the selection's start by 10 ms, with Shift its end          |
+ * | Escape                  | clear the selection                                              |
+ *
  * The shortcuts work in the player's whole window, from here on and without any menu; a program that wants other
  * keys changes the actions. Sliders and boxes of the player keep the keys that they need while they have the
  * focus, and so do its time fields: digits, colon, point, and Escape, which takes back what was typed. The

@@ -44,7 +44,8 @@ namespace vantoraudio::vantorAudioEngine::UI {
  * again. Nothing else is deleted there but a file that could not be decoded, a channel file that could not be
  * finished, and the hidden files and folders that a killed program has left.
  *
- * Every failed step ends in ErrorHandler(), which does nothing: derive and override it to tell the user.
+ * Every failed step on a file ends in ErrorHandler(), which does nothing: derive and override it to tell the user.
+ * PlaybackFailed() tells what the player cannot play.
  *
  * Times are seconds from the start of the file. GUI thread only. Reading samples, writing a snippet and filtering
  * a channel run on QThreadPool::globalInstance(); LoadFile(), and the copy of a file whose rate no output plays,
@@ -94,7 +95,8 @@ public:
     /** LoadFile() is at work. */
     [[nodiscard]] bool IsLoading() const;
 
-    /** Unloads: stops playback, Close(), and an empty view. */
+    /** Unloads: stops playback, Close(), and an empty view. What the getters say of the former file stays but for
+     *  its duration, name and selection, and its player keeps it: Space still plays it, Play() does not. */
     void Reset();
     /** Cancels LoadFile(), stops the tasks in the background, waits for their end and closes the file. What there
      *  is of an unfinished snippet or channel file is removed. The view and the player stay as they are. While it
@@ -110,10 +112,12 @@ public:
 
     /** 0 without a file. */
     [[nodiscard]] double GetAudioDuration() const;
+    /** That of the last file that was opened, also after Reset(). */
     [[nodiscard]] QAudioFormat GetAudioFileFormat() const;
     /** The full path of the working copy; empty without a file. */
     [[nodiscard]] QString GetAudioFileName() const;
-    /** The path of the file that LoadFile() loaded, or that SetAudioFile() was given last and could copy. */
+    /** The path of the file that LoadFile() loaded, or that SetAudioFile() was given last and could copy; also
+     *  after Reset(). */
     [[nodiscard]] QString GetOriginalAudioFilePath() const;
 
     /** Where working copies lie. The directory must exist; it is neither checked nor created. Empty at first,
@@ -145,7 +149,7 @@ public:
      *  tells of it. Times that are not finite are ignored, and so is a range that has no length in the file. */
     void ShowRange(double start, double end);
 
-    /** The first and the last time that show, in seconds. */
+    /** The first and the last time that show, in seconds; (0, 1) without a file. */
     [[nodiscard]] std::pair<double, double> GetVisibleRange() const;
 
     /** What shows at a place of this widget: the time in seconds, and the lowest and the highest sample; see
@@ -191,6 +195,7 @@ public:
     /** Another output device plays on where it is; otherwise SetAudioOutputDevice() stops. */
     void SetDeviceChangeKeepsPlace(bool keeps);
 
+    /** That of the last file, also after Reset(); ChannelNone before the first one. */
     [[nodiscard]] WavFile::ChannelFormat GetSelectedChannel() const;
     /** Chooses the channel that is played, as the channel box does, and filters it in the background:
      *  BusyChanged() tells of it. On failure the former channel comes back, and ErrorHandler() is called. Does
@@ -199,14 +204,17 @@ public:
 
     /** Start and end; (0, 0) without a selection. A new selection is cut to BGFXWaveformWidget::MAX_SNIPPET_LENGTH
      *  and to the visible range, or with Interaction::SelectBeyondView to the file; one that is not finite is
-     *  ignored. */
+     *  ignored. Without a file the visible range is (0, 1). */
     [[nodiscard]] std::pair<double, double> GetSelectedSnippet() const;
     void SetSelectedSnippet(std::pair<double, double> snippet);
     /** The position stays. WaveFormSelectionChanged((0, 0)) tells of it; does nothing without a selection. */
     void ClearSelection();
     /** Writes the selection of the selected channel to a new file, in the background. Ends with
-     *  CreateSnippetFinished() or ErrorHandler(). Dropped without a word while samples are being read. Where
-     *  another snippet is still being written, its file is finished, but only the end of the latter is told. */
+     *  CreateSnippetFinished() or ErrorHandler(). Dropped without a word while samples are being read. If an
+     *  earlier snippet is still being written, its file is finished without a signal.
+     *
+     *  Without a selection the new file has no frames, and it replaces an older one all the same: ask
+     *  GetSelectedSnippet() first. */
     void CreateSnippet(const QString& filePath);
     /** Stops the snippet that is being written; nothing is left of it. The reports of progress that still wait and
      *  BusyChanged() come before this returns true; nothing else tells of it.
@@ -215,15 +223,18 @@ public:
      *  ErrorHandler() still tells. A whole snippet stays. */
     bool CancelSnippet();
 
-    /** Plays from the current position; does nothing without a file, or while it plays. */
+    /** Plays from the current position; does nothing while it plays, before the first file, or after Reset().
+     *  After Close() it plays the file that was loaded. */
     void Play();
     /** Stays where it is; does nothing while it does not play. */
     void Pause();
     [[nodiscard]] bool IsPlaying() const;
     /** Stops and goes back to the start. */
     void StopPlayback();
+    /** Moves player and position line to a time in seconds. The player brings it into the file, the line stands
+     *  wherever it is told to, see BGFXWaveformWidget. */
     void UpdateAudioPosition(double seconds);
-    /** The player's position in seconds; 0 without a file. */
+    /** The player's position in seconds; 0 before the first file. */
     [[nodiscard]] double GetAudioPosition() const;
     /** Whether the selection, or the whole file, is played again and again; off at first. LoopChanged() tells of a
      *  change, whoever makes it. */
@@ -235,9 +246,10 @@ public:
     [[nodiscard]] double GetPlaybackRate() const;
     /** Stops playback, which goes back to the start; the next playback is on this device. The selection still
      *  shows, but the whole file is played until the user presses Stop or the selection changes. A device that
-     *  AudioPlayer does not accept leaves the former one in use. See SetDeviceChangeKeepsPlace(). */
+     *  AudioPlayer does not accept leaves the former one in use until StopPlayback() or the next file: both ask
+     *  for it again. See SetDeviceChangeKeepsPlace(). */
     void SetAudioOutputDevice(const QAudioDevice& device);
-    /** Percent. No signal tells of it. */
+    /** Percent; below 0 counts as 0, above 100 as 100. No signal tells of it. */
     void SetAudioPlayBackVolume(int volume);
     /** Percent, from 0 to 100; 100 at first. */
     [[nodiscard]] int GetAudioPlayBackVolume() const;
@@ -250,7 +262,8 @@ public:
      *  widget's minimum width is then that of the narrowest arrangement. Cannot be taken back. */
     void UseFlexibleSizes();
 
-    // Colours and marker of the waveform, see BGFXWaveformWidget.
+    // Colours and marker of the waveform, see BGFXWaveformWidget. They show with the next repaint: call update()
+    // on the widget to see them at once.
     void SetAudioPositionIcon(const QString& fileName);
     void SetAudioPositionMarkerColor(const QColor& color);
     void SetAudioSelectionColor(const QColor& color);
@@ -297,17 +310,21 @@ Q_SIGNALS:
      * and before what tells of the task's end. Only reports that the program has not fetched for 250 ms may be
      * left out, never the first or the last of a task. */
     void ProgressChanged(int progress, int min, int max, QString text);
+    /** CreateSnippet() has written this file. */
     void CreateSnippetFinished(const QString& filePath);
+    /** The selection is another one, whoever changed it: start and end in seconds, or (0, 0) for none. */
     void WaveFormSelectionChanged(std::pair<double, double> selectedSnippet);
     /** The user moved the slider, or clicked the mute button. */
     void AudioPlayBackVolumeChanged(int volume);
     void AudioPlayBackMuteChanged(bool mute);
+    /** Nothing else happens then: the settings are the program's. */
     void SettingsButtonClicked();
     /** The visible range: x and width in seconds, height half the amplitude range. */
     void SceneRectChanged(const QRectF& sceneRect);
     /** Emit this to show another range, or connect it to the SceneRectChanged() of another view. Nothing in here
      *  emits it. */
     void SceneRectChangeRequested(const QRectF& sceneRect);
+    /** Writing a snippet or filtering a channel begins (true) or has ended, see IsBusy(). */
     void BusyChanged(bool state);
 
     // Of LoadFile(), with the path that it was given.
@@ -322,13 +339,19 @@ Q_SIGNALS:
      * the interaction LeftButtonOnly and a file. */
     void ContextMenuRequested(const QPoint& globalPosition, double time);
     void LoopChanged(bool loop);
+    /** The player cannot play the file, or has lost the sound for good: the reason as
+     * QMediaPlayer::errorOccurred() has it, which Qt does not translate. What is loaded stays. Comes from the
+     * event loop, so that a slot may destroy the widget or load another file. */
+    void PlaybackFailed(const QString& reason);
 
 protected:
-    /** The platform's key for selecting everything selects all that is visible, Space plays and pauses; every
-     * other key goes on to the parent. */
+    /** The platform's key for selecting everything selects all that is visible, or with
+     * Interaction::SelectBeyondView the whole file, also outside edit mode; Space plays and pauses. Every other
+     * key goes on to the parent. */
     void keyPressEvent(QKeyEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
-    /** Every failed step comes here, with its code; Success when a file is missing that should have been written.
+    /** Every failed step on a file comes here, with its code; Success when a file is missing that should have been
+     *  written.
      *  Does nothing by itself. */
     virtual void ErrorHandler(WavFile::AudioEngineReturnValue error);
 

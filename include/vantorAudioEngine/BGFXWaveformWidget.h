@@ -69,14 +69,14 @@ public:
      * visible, GetSamples() asks for it, and the delay becomes 0. Of the format only the sample rate is used. With
      * a duration that is not above 0 (or not a number) the view stays empty, though GetSamples() is emitted.
      *
-     * The spelling is what embedding programs call. GetSamples() comes before the delay becomes 0, so its step
+     * The misspelt name is kept for existing programs. GetSamples() comes before the delay becomes 0, so its step
      * size still counts the delay of before. Answered from within the signal, the samples stand at their
      * times; answered after this call, they are drawn with the step size for the new length alone and stand at
      * wrong times where the two differ. SetDelay(0.0) ahead of this call avoids that.
      */
     void Initilize(QAudioFormat format, double duration);
-    /** Forgets the file: only the grid is drawn until the next Initilize(). Colours, icon, edit mode, wheel
-     *  direction and delay stay. */
+    /** Forgets the file: only the grid is drawn until the next Initilize(). The delay and everything that was
+     *  switched on or set otherwise stay: colours, icon, edit mode, interactions, wheel, focus, following. */
     void Reset();
     /** Schedules a repaint. */
     void Update();
@@ -107,9 +107,9 @@ public:
      * the position. */
     void SetShowsPositionAtOnce(bool atOnce);
     [[nodiscard]] bool GetShowsPositionAtOnce() const;
-    /** With true GetSamples() asks from the next change of the view on for samples wherever a part of the view has
-     * none, or coarser ones than it could show, but not twice running for the same. Off at first: a view that
-     * begins at 0 or ends with the file then keeps the samples it has, and stays empty where it has none. */
+    /** With true GetSamples() asks whenever a part of the view has no samples, or coarser ones than it could show,
+     *  but never twice in a row for the same. Holds from the next change of the view on. Off at first: a view that
+     *  begins at 0 or ends with the file then keeps the samples it has, and stays empty where it has none. */
     void SetKeepsViewFilled(bool filled);
     [[nodiscard]] bool GetKeepsViewFilled() const;
 
@@ -245,6 +245,8 @@ public:
 Q_SIGNALS:
     /** Samples are needed from `startTime` to `endTime`, one per `stepSize` frames. */
     void GetSamples(double startTime, double endTime, int stepSize);
+    /** The selection is another one: start and end in seconds, or (0, 0) for none. A click that clears it emits
+     *  AudioPositionChanged() instead. */
     void SelectionChanged(std::pair<double, double> selectedSnippet);
     /** The user clicked a position; the selection is gone then. */
     void AudioPositionChanged(double position);

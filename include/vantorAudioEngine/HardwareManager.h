@@ -37,13 +37,15 @@ public:
     QList<QAudioDevice> GetAvailableDevices(QAudioDevice::Mode mode);
 
 Q_SIGNALS:
-    /** For the owner to emit, for example on QMediaDevices::audioOutputsChanged(); nothing in here does. */
+    /** For the owner to emit; nothing in here does. QMediaDevices::audioOutputsChanged() does not come with
+     * Qt 6.4, and does not tell of every device that goes with Qt 6.8: a menu asks again whenever it opens. */
     void AudioDeviceListChanged(const QList<QAudioDevice>& deviceList);
 
 private:
     friend class HardwareManagerTestAccess;
 
-    // Only the assignment uses these: the class lists devices and opens none.
+    // The class lists devices and opens none: only the assignment uses the two devices, and nothing the input and
+    // output, which belong to the class's layout.
     QAudioDevice m_inputDevice;
     QAudioInput m_audioInput;
     QAudioDevice m_outputDevice;

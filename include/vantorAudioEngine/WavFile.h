@@ -153,6 +153,7 @@ public:
     /** Applies to the tasks that start from now on, but not to a conversion in place. Any thread. */
     void SetExistingFile(ExistingFile existing);
 
+    /** ChannelNone after construction. */
     ChannelFormat GetSelectedChannel() const;
     /** Chooses the channel of the tasks that start from now on. */
     void SetSelectedChannel(ChannelFormat channel);
@@ -254,7 +255,7 @@ private:
     static std::optional<ChannelLayout> SelectChannelLayout(const QAudioFormat& format);
 
     // The library itself never calls the functions from here on: it does the same with functions that its other
-    // classes share.
+    // classes share. They are the class's building blocks by name, and tests hold them to the same results.
 
     /** Writes the header that describes the file format and `dataSize` bytes of samples to the start of this file,
      * which must be open for writing, and goes behind it. ErrorInvalidFormat writes nothing. */

@@ -188,6 +188,18 @@ private Q_SLOTS:
         QCOMPARE(window.FailureText(), QString());
     }
 
+    void tellsOfAFileThatDoesNotPlay()
+    {
+        PlayerWindow window;
+        window.show();
+        QVERIFY(OpenCompletely(window, Recording));
+        Q_EMIT window.findChild<HostPlayer*>()->PlaybackFailed(u"no sound"_s);
+        QCOMPARE(window.FailureText(), u"“%1” cannot be played: no sound"_s.arg(Recording));
+        QVERIFY(window.findChild<QLabel*>(u"failure"_s)->isVisible());
+        QVERIFY(Open(window, Recording));
+        QCOMPARE(window.FailureText(), QString());
+    }
+
     void aFailureCanBePutAway_data()
     {
         QTest::addColumn<bool>("byKeyboard");

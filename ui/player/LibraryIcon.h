@@ -1,16 +1,19 @@
 #pragma once
 
+#include <QtCore/QFile>
 #include <QtCore/QString>
 #include <QtGui/QIcon>
 
 namespace vantoraudio::vantorAudioEngine::UI {
 
-/** One of the icons that the library brings along, drawn for a light or a dark window. Empty where there is none.
+/** An icon of the library or of the program, drawn for a light or a dark window. Empty where there is none.
  */
 [[nodiscard]] inline QIcon LibraryIcon(QLatin1StringView name, bool night = false)
 {
-    return QIcon(QStringLiteral(":/Resources/vantoraudio%1_%2.svg")
-                     .arg(name, night ? QLatin1StringView("night") : QLatin1StringView("day")));
+    const QString path = QStringLiteral(":/Resources/vantoraudio%1_%2.svg")
+                             .arg(name, night ? QLatin1StringView("night") : QLatin1StringView("day"));
+    // Qt warns of an icon whose file is missing.
+    return QFile::exists(path) ? QIcon(path) : QIcon();
 }
 
 } // namespace vantoraudio::vantorAudioEngine::UI

@@ -104,6 +104,10 @@
         <source>“%1” is there already. Do you want to replace it?</source>
         <translation>„%1“ gibt es schon. Möchten Sie die Datei ersetzen?</translation>
     </message>
+    <message>
+        <source>“%1” cannot be played: %2</source>
+        <translation>„%1“ kann nicht abgespielt werden: %2</translation>
+    </message>
 </context>
 <context>
     <name>FileExport</name>

@@ -104,6 +104,10 @@
         <source>“%1” is there already. Do you want to replace it?</source>
         <translation>«%1» ya existe. ¿Desea reemplazarlo?</translation>
     </message>
+    <message>
+        <source>“%1” cannot be played: %2</source>
+        <translation>No se puede reproducir «%1»: %2</translation>
+    </message>
 </context>
 <context>
     <name>FileExport</name>

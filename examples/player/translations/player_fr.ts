@@ -104,6 +104,10 @@
         <source>“%1” is there already. Do you want to replace it?</source>
         <translation>« %1 » existe déjà. Voulez-vous le remplacer ?</translation>
     </message>
+    <message>
+        <source>“%1” cannot be played: %2</source>
+        <translation>Impossible de lire « %1 » : %2</translation>
+    </message>
 </context>
 <context>
     <name>FileExport</name>

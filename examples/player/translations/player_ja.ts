@@ -104,6 +104,10 @@
         <source>“%1” is there already. Do you want to replace it?</source>
         <translation>「%1」は既に存在します。置き換えますか？</translation>
     </message>
+    <message>
+        <source>“%1” cannot be played: %2</source>
+        <translation>「%1」を再生できません: %2</translation>
+    </message>
 </context>
 <context>
     <name>FileExport</name>

@@ -3,11 +3,13 @@
 #include "tests/support/Deleter.h"
 #include "tests/support/SoundServer.h"
 #include "tests/support/Tone.h"
+#include "tests/support/WavBytes.h"
 
 #include <vantorAudioEngine/AudioPlayerWidget.h>
 #include <vantorAudioEngine/BGFXWaveformWidget.h>
 
 #include <QtCore/QDir>
+#include <QtCore/QFile>
 #include <QtCore/QList>
 #include <QtCore/QMetaMethod>
 #include <QtCore/QPointer>
@@ -162,6 +164,14 @@ inline Things ThingsToDo(const QString& folder)
          [](auto& w) { w.SetInteractions(BGFXWaveformWidget::Interaction::LeftButtonOnly); }},
         {"asking for a menu", AskForMenu},
         {"stopping playback", [](auto& w) { w.StopPlayback(); }, true},
+        {"a file that does not play",
+         [=](auto& w) {
+             bool isTold = false;
+             const QObject context;
+             QObject::connect(&w, &AudioPlayerWidget::PlaybackFailed, &context, [&] { isTold = true; });
+             w.SetAudioFile(folder + u"/empty.wav"_s);
+             WaitFor(w, [&](auto&) { return isTold; });
+         }},
         {"no file", [](auto& w) { w.Reset(); }},
     };
 }
@@ -199,7 +209,9 @@ inline int DeleteAt(bool isOfWaveform, int signal, const QString& folder, int on
 /** Writes the files that DeleteAt() needs. */
 inline bool MakeFiles(const QTemporaryDir& folder)
 {
-    return QDir(folder.path()).mkdir(u"copies"_s) &&
+    QFile empty(folder.filePath(u"empty.wav"_s));
+    return QDir(folder.path()).mkdir(u"copies"_s) && empty.open(QIODevice::WriteOnly) &&
+           empty.write(WavTest::WavBytes{.sampleRate = 441000}.Build()) > 0 &&
            WriteToneFile(folder.filePath(u"tone.wav"_s), {.seconds = 20.0}) &&
            WriteToneFile(folder.filePath(u"other.wav"_s), {.seconds = 20.0});
 }

@@ -200,8 +200,13 @@ private Q_SLOTS:
         const QByteArray bytes = WavTest::WavBytes{.sampleRate = 441000}.Build();
         AudioPlayer& player = AudioPlayerWidgetTestAccess::Player(widget);
         QSignalSpy errors(&player, &QMediaPlayer::errorOccurred);
+        const QSignalSpy failures(&widget, &AudioPlayerWidget::PlaybackFailed);
         widget.SetAudioFile(files.Write(u"empty.wav"_s, bytes));
-        QTRY_VERIFY_WITH_TIMEOUT(!errors.isEmpty(), patience);
+        QTRY_VERIFY_WITH_TIMEOUT(!failures.isEmpty(), patience);
+        QCOMPARE(failures.size(), errors.size());
+        QCOMPARE(failures.first(), QVariantList{errors.first().at(1)});
+        QVERIFY(!failures.first().first().toString().isEmpty());
+        QVERIFY(widget.errors.isEmpty());
         widget.Play();
         QCOMPARE(player.position(), 0);
     }

@@ -4,6 +4,7 @@
 #include "tests/ui/waveform/WaveformTestAccess.h"
 #include "ui/waveform/BGFXWaveformDiagramWidget.h"
 
+#include <QtCore/QRegularExpression>
 #include <QtGui/QWheelEvent>
 #include <QtTest/QSignalSpy>
 #include <QtWidgets/QApplication>
@@ -69,6 +70,7 @@ class PlayerAppearanceTest : public QObject
 private Q_SLOTS:
     void anIconShowsOnItsButton_data();
     void anIconShowsOnItsButton();
+    void anIconThatTheProgramDoesNotBringIsLeftOut();
     void aColorIsThatOfTheWaveform_data();
     void aColorIsThatOfTheWaveform();
     void thePositionIconIsThatOfTheWaveform();
@@ -124,6 +126,18 @@ void PlayerAppearanceTest::anIconShowsOnItsButton()
             QVERIFY2(IsSomeIcon(*button) == (isItsButton && (isChecked ? showsChecked : showsUnchecked)),
                      qPrintable(button->objectName()));
         }
+    }
+}
+
+void PlayerAppearanceTest::anIconThatTheProgramDoesNotBringIsLeftOut()
+{
+    QTest::failOnWarning(QRegularExpression(u"Cannot open file"_s));
+    Widget player;
+    const auto& settings = *player.findChild<QPushButton*>(u"btnSettings"_s);
+    for (const bool night : {false, true}) {
+        player.SetNightIcons(night);
+        player.grab();
+        QVERIFY(settings.icon().isNull());
     }
 }
 

@@ -142,16 +142,17 @@ private Q_SLOTS:
 
 void PlayerInterfaceTest::declaresItsSignalsInOrder()
 {
-    QCOMPARE(Methods(QMetaMethod::Signal),
-             QStringList(
-                 {u"AudioFileChanged(QString)"_s, u"AudioPositionChanged(double)"_s,
-                  u"ProgressChanged(int,int,int,QString)"_s, u"CreateSnippetFinished(QString)"_s,
-                  u"WaveFormSelectionChanged(std::pair<double,double>)"_s, u"AudioPlayBackVolumeChanged(int)"_s,
-                  u"AudioPlayBackMuteChanged(bool)"_s, u"SettingsButtonClicked()"_s, u"SceneRectChanged(QRectF)"_s,
-                  u"SceneRectChangeRequested(QRectF)"_s, u"BusyChanged(bool)"_s, u"LoadStarted(QString)"_s,
-                  u"LoadFinished(QString)"_s,
-                  u"LoadFailed(QString,vantoraudio::AudioEngine::AudioFileInfo::Problem,QString)"_s,
-                  u"LoadCancelled(QString)"_s, u"ContextMenuRequested(QPoint,double)"_s, u"LoopChanged(bool)"_s}));
+    QCOMPARE(
+        Methods(QMetaMethod::Signal),
+        QStringList({u"AudioFileChanged(QString)"_s, u"AudioPositionChanged(double)"_s,
+                     u"ProgressChanged(int,int,int,QString)"_s, u"CreateSnippetFinished(QString)"_s,
+                     u"WaveFormSelectionChanged(std::pair<double,double>)"_s, u"AudioPlayBackVolumeChanged(int)"_s,
+                     u"AudioPlayBackMuteChanged(bool)"_s, u"SettingsButtonClicked()"_s,
+                     u"SceneRectChanged(QRectF)"_s, u"SceneRectChangeRequested(QRectF)"_s, u"BusyChanged(bool)"_s,
+                     u"LoadStarted(QString)"_s, u"LoadFinished(QString)"_s,
+                     u"LoadFailed(QString,vantoraudio::AudioEngine::AudioFileInfo::Problem,QString)"_s,
+                     u"LoadCancelled(QString)"_s, u"ContextMenuRequested(QPoint,double)"_s, u"LoopChanged(bool)"_s,
+                     u"PlaybackFailed(QString)"_s}));
 }
 
 void PlayerInterfaceTest::declaresItsSlots()

@@ -28,8 +28,6 @@ public:
     [[nodiscard]] int MaxSide() const;
 
 private:
-    friend class BgfxTestAccess;
-
     /** What bgfx calls; it starts with bgfx's own structure. */
     struct Callback
     {
