@@ -65,7 +65,8 @@ void DeviceFollower::ListenToTheSoundServer()
         }
     });
     QObject::connect(&SoundServerSinks::Shared(), &SoundServerSinks::Changed, &m_context, [this] {
-        RefreshForAWhile(QtSoundConnection::Shared().IsLost() ? checksAfterANewServer : checksAfterAChange);
+        const bool isNew = QtSoundConnection::Shared().IsLost() || PresentOutputs().isEmpty();
+        RefreshForAWhile(isNew ? checksAfterANewServer : checksAfterAChange);
     });
     QObject::connect(&QtSoundConnection::Shared(), &QtSoundConnection::Restored, &m_context,
                      [this] { RefreshForAWhile(checksAfterANewServer); });
@@ -79,10 +80,11 @@ DeviceFollower::~DeviceFollower()
     }
 }
 
-/** A server is there, and Qt does not come back to it. */
+/** A server is there, and Qt does not come back to it, or did not find it when the program began. */
 void DeviceFollower::TellIfSoundIsLost()
 {
-    if (m_isDetached && QtSoundConnection::Shared().IsLost() && SoundServerSinks::Shared().Present()) {
+    const auto present = SoundServerSinks::Shared().Present();
+    if (m_isDetached && present && (QtSoundConnection::Shared().IsLost() || !present->isEmpty())) {
         Q_EMIT m_player.errorOccurred(
             QMediaPlayer::ResourceError,
             QCoreApplication::translate("AudioPlayer", "The connection to the sound server was lost for good. "

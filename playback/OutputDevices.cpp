@@ -4,20 +4,39 @@
 #include "playback/QtSoundConnection.h"
 #include "playback/SoundServerSinks.h"
 
+#include <QtCore/QMutex>
+#include <QtCore/QMutexLocker>
 #include <QtMultimedia/QMediaDevices>
 
 #include <algorithm>
 
 namespace vantoraudio::AudioEngine {
 
+namespace {
+
+/** Qt's list. Qt gives up a server that was away for longer; then the last list that it had of it. */
+QList<QAudioDevice> ListedOutputs(bool isServerThere)
+{
+    static QMutex mutex;
+    static QList<QAudioDevice> last;
+    const QList<QAudioDevice> listed = QMediaDevices::audioOutputs();
+    const QMutexLocker lock(&mutex);
+    if (!listed.isEmpty()) {
+        last = listed;
+    }
+    return isServerThere ? last : listed;
+}
+
+} // namespace
+
 QList<QAudioDevice> PresentOutputs()
 {
-    QList<QAudioDevice> devices = QMediaDevices::audioOutputs();
     if (!QtDefects::MissesDeviceChanges()) {
-        return devices;
+        return QMediaDevices::audioOutputs();
     }
     const SoundServerSinks& sinks = SoundServerSinks::Shared();
     auto present = sinks.Present();
+    QList<QAudioDevice> devices = ListedOutputs(present.has_value());
     if (sinks.IsAway() || QtSoundConnection::Shared().IsLost()) {
         present.emplace();
     }

@@ -68,6 +68,8 @@ void QtSoundConnection::Make(const QAudioDevice& device)
     m_device = device;
     connect(&SoundServerSinks::Shared(), &SoundServerSinks::Left, this, &QtSoundConnection::OnServerLeft,
             Qt::DirectConnection);
+    connect(&SoundServerSinks::Shared(), &SoundServerSinks::Changed, this, &QtSoundConnection::OnServerChanged,
+            Qt::DirectConnection);
     start();
     while (!m_isMade) {
         m_changed.wait(lock);
@@ -101,6 +103,12 @@ void QtSoundConnection::OnServerLeft()
     m_changed.notify_all();
 }
 
+void QtSoundConnection::OnServerChanged()
+{
+    const std::lock_guard lock(m_mutex);
+    m_changed.notify_all();
+}
+
 void QtSoundConnection::run()
 {
     IsConnected();
@@ -109,16 +117,16 @@ void QtSoundConnection::run()
         m_isMade = true;
     }
     m_changed.notify_all();
-    while (WaitUntilLostAndUnused()) {
+    while (WaitUntilAnotherServerMayBeUsed()) {
         ConnectAgain();
     }
 }
 
 /** False at the program's end. */
-bool QtSoundConnection::WaitUntilLostAndUnused()
+bool QtSoundConnection::WaitUntilAnotherServerMayBeUsed()
 {
     std::unique_lock lock(m_mutex);
-    while (!m_isEnding && (!m_isLost || m_users > 0)) {
+    while (!m_isEnding && (!m_isLost || m_users > 0 || !SoundServerSinks::Shared().Present())) {
         m_changed.wait(lock);
     }
     return !m_isEnding;

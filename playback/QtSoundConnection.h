@@ -16,8 +16,9 @@ namespace vantoraudio::AudioEngine {
  * Qt makes it on the thread of the first output. By default that is the sound thread of a player, which ends with
  * the player; a server that ends after that is never found again. And when the server ends, Qt frees the
  * connection at once, under the outputs that still use it: 6.4.2 hangs, 6.8.2 crashes. This thread makes the
- * connection before the first output does. It sleeps until the server has ended and every player has handed its
- * output back; only then it lets Qt free the connection and look for the next server.
+ * connection before the first output does. It sleeps until the server has ended, every player has handed its
+ * output back and another server is there; only then it lets Qt free the connection and look for that server,
+ * which it does three seconds later and, with 6.4.2, only once.
  *
  * It stays as long as the program. All members may be used on any thread.
  */
@@ -51,7 +52,8 @@ private:
     QtSoundConnection() = default;
 
     void OnServerLeft();
-    bool WaitUntilLostAndUnused();
+    void OnServerChanged();
+    bool WaitUntilAnotherServerMayBeUsed();
     void ConnectAgain();
     bool IsConnected() const;
 

@@ -11,12 +11,14 @@
 #include <QtConcurrent/QtConcurrentRun>
 #include <QtCore/QCoreApplication>
 #include <QtCore/QElapsedTimer>
+#include <QtCore/QProcess>
 #include <QtCore/QTemporaryDir>
 #include <QtMultimedia/QAudioDevice>
 #include <QtMultimedia/QAudioOutput>
 #include <QtTest/QTest>
 
 #include <atomic>
+#include <cstdio>
 #include <cstdlib>
 #include <functional>
 #include <memory>
@@ -34,12 +36,17 @@ constexpr qint64 longest = 100;
 
 /** Qt 6.4.2 keeps the lock of its connection if it writes just then; nothing sounds in this program any more. */
 std::atomic<bool> isSoundLost;
+/** Qt looks for another server only once, three seconds after the end of the former one. */
+std::atomic<bool> hasQtGivenUp;
 QtMessageHandler formerHandler;
 
 void NoteLostSound(QtMsgType type, const QMessageLogContext& context, const QString& text)
 {
     if (QtDefects::KeepsItsLock() && text.startsWith(u"pa_stream_begin_write error"_s)) {
         isSoundLost = true;
+    }
+    if (text.startsWith(u"PulseAudioService: pa_context_connect() failed"_s)) {
+        hasQtGivenUp = true;
     }
     formerHandler(type, context, text);
 }
@@ -74,6 +81,9 @@ private Q_SLOTS:
     void severalPlayersGoOn();
     void playsOnADeviceOfAnotherName();
     void noDeviceIsListedWhileTheServerIsAway();
+    void aPlayerThatWasMadeWithoutAServerTellsThatNothingSounds();
+    // In the end: Qt's own list of devices stays empty from then on.
+    void playsOnWhenTheServerComesBackLate();
 
 private:
     static void AddWaysToEnd();
@@ -244,8 +254,61 @@ void SoundServerEndTest::noDeviceIsListedWhileTheServerIsAway()
     QTRY_COMPARE_WITH_TIMEOUT(manager.GetAvailableDevices(QAudioDevice::Output).size(), 1, patience);
 }
 
+void SoundServerEndTest::aPlayerThatWasMadeWithoutAServerTellsThatNothingSounds()
+{
+    EndServer(false);
+    if (isSoundLost) {
+        return;
+    }
+    QProcess program;
+    program.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    program.start(QCoreApplication::applicationFilePath(), {u"without-server"_s, m_file});
+    QTRY_VERIFY_WITH_TIMEOUT(program.canReadLine(), patience);
+    StartServer(u"one"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(program.state(), QProcess::NotRunning, patience);
+    QCOMPARE(program.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(program.exitCode(), 0);
+}
+
+void SoundServerEndTest::playsOnWhenTheServerComesBackLate()
+{
+    const auto player = PlayingPlayer();
+    QVERIFY(player);
+    hasQtGivenUp = false;
+    EndServer(true);
+    if (isSoundLost) {
+        return;
+    }
+    QTRY_VERIFY_WITH_TIMEOUT(hasQtGivenUp, patience);
+    QVERIFY(!player->audioOutput());
+    StartServer(u"one"_s);
+    const SoundRecording one(u"one"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(one.Frequency(SoundRecording::Left), 440, patience);
+}
+
+namespace {
+
+/** A program of its own: 0 when its player tells of an error after it has said that it waits for a server. */
+int PlayWithoutServer(const QString& path)
+{
+    AudioPlayer player;
+    player.SetAudio(path, 60.0);
+    player.play();
+    bool isTold = false;
+    QObject::connect(&player, &QMediaPlayer::errorOccurred, &player, [&] { isTold = true; });
+    std::puts("waiting");
+    std::fflush(stdout);
+    return QTest::qWaitFor([&] { return isTold; }, patience) ? 0 : 1;
+}
+
+} // namespace
+
 int main(int argc, char** argv)
 {
+    if (argc == 3 && qstrcmp(argv[1], "without-server") == 0) {
+        const QCoreApplication application(argc, argv);
+        return PlayWithoutServer(QString::fromLocal8Bit(argv[2]));
+    }
     SoundServer server({u"one"_s});
     QCoreApplication application(argc, argv);
     SoundServerEndTest test(server);
