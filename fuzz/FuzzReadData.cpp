@@ -30,6 +30,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const double start = input.Number();
     const double end = input.ConsumeBool() ? start + 1.0 : input.Number();
     const int step = input.ConsumeBool() ? input.ConsumeIntegral<int>() : input.ConsumeIntegralInRange(-2, 50);
+    opened.file.SetKeepPeaks(input.ConsumeBool());
     opened.Open(input);
     opened.file.ReadData(start, end, step);
     CheckSamples(opened);

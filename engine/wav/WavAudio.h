@@ -24,6 +24,7 @@ struct WavAudio
         , allowsLargeFiles(file.GetLargeFiles())
         , keepsParts(file.GetKeepParts())
         , keepsBothChannels(file.GetKeepBothChannels())
+        , keepsPeaks(file.GetKeepPeaks())
         , existingFile(file.GetExistingFile())
     {
     }
@@ -48,6 +49,8 @@ struct WavAudio
     bool keepsParts;
     /** In snippets. */
     bool keepsBothChannels;
+    /** In extractions. */
+    bool keepsPeaks;
     WavFile::ExistingFile existingFile;
 
     /** Whether a new file may not get this name, which another one has. */

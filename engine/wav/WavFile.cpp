@@ -33,7 +33,7 @@ WavFile::WavFile(QObject* parent) : QFile(parent)
 WavFile::~WavFile() = default;
 
 // It leaves out the flag of channel filtering, the sample size, SetLargeFiles(), SetKeepParts(),
-// SetKeepBothChannels(), SetExistingFile() and all of the QFile on purpose.
+// SetKeepBothChannels(), SetKeepPeaks(), SetExistingFile() and all of the QFile on purpose.
 WavFile& WavFile::operator=(const WavFile& other)
 {
     if (this == &other) {
@@ -146,6 +146,16 @@ bool WavFile::GetKeepBothChannels() const
 void WavFile::SetKeepBothChannels(bool keep)
 {
     StoreShared(m_keepsBothChannels, keep);
+}
+
+bool WavFile::GetKeepPeaks() const
+{
+    return LoadShared(m_keepsPeaks);
+}
+
+void WavFile::SetKeepPeaks(bool keep)
+{
+    StoreShared(m_keepsPeaks, keep);
 }
 
 WavFile::ExistingFile WavFile::GetExistingFile() const

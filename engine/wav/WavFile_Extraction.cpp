@@ -4,6 +4,12 @@
 
 #include <vantorAudioEngine/WavFile.h>
 
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <span>
+#include <utility>
+
 using namespace vantoraudio::AudioEngine;
 
 namespace {
@@ -54,6 +60,75 @@ private:
     qint64 m_next = 0;
 };
 
+/** Takes the lowest and the highest sample of every two steps of audio that arrives in pieces of any length. */
+class PeakPicker
+{
+public:
+    PeakPicker(const StoredFormat& format, BlockPick pick)
+        : m_coding(format.Coding()), m_channelCount(format.audio.channelCount()), m_pick(pick)
+    {
+    }
+
+    void Append(QList<float>& values, QByteArrayView piece)
+    {
+        m_samples.resize(0);
+        AppendBlock(m_samples, piece, m_coding, m_channelCount, {1, m_pick.channel});
+        for (qsizetype i = 0; i < m_samples.size();) {
+            const qint64 wanted = 2 * qint64(m_pick.step) - m_count;
+            const qsizetype end = i + qMin(wanted, m_samples.size() - i);
+            Take({m_samples.constData() + i, m_samples.constData() + end});
+            i = end;
+            if (m_count == 2 * qint64(m_pick.step)) {
+                AppendBoth(values);
+            }
+        }
+    }
+
+    /** What is left at the end. A single step has room for one of the two. */
+    void AppendRest(QList<float>& values)
+    {
+        if (m_count > m_pick.step) {
+            AppendBoth(values);
+        } else if (m_count > 0) {
+            values.append(std::abs(m_low) > std::abs(m_high) ? m_low : m_high);
+        }
+    }
+
+private:
+    static constexpr float infinity = std::numeric_limits<float>::infinity();
+
+    void Take(std::span<const float> samples)
+    {
+        float low = m_low;
+        float high = m_high;
+        for (const float sample : samples) {
+            const float shown = std::isfinite(sample) ? sample : 0.0F;
+            low = std::min(low, shown);
+            high = std::max(high, shown);
+        }
+        m_low = low;
+        m_high = high;
+        m_count += qint64(samples.size());
+    }
+
+    void AppendBoth(QList<float>& values)
+    {
+        values.append(std::exchange(m_low, infinity));
+        values.append(std::exchange(m_high, -infinity));
+        m_count = 0;
+    }
+
+    SampleCoding m_coding;
+    int m_channelCount;
+    BlockPick m_pick;
+    /** Those of one piece. */
+    QList<float> m_samples;
+    /** Of the frames since the last two values. */
+    qint64 m_count = 0;
+    float m_low = infinity;
+    float m_high = -infinity;
+};
+
 } // namespace
 
 void WavFile::ReadData(double startTime, double endTime, int stepSize)
@@ -69,13 +144,15 @@ void WavFile::ReadData(double startTime, double endTime, int stepSize)
     QList<float> samples;
     samples.reserve(qMin(bytes / qMax(qint64(1), bytesPerValue) + 1, mostReservedValues));
 
-    FramePicker picker(audio.format, pick);
+    FramePicker frames(audio.format, pick);
+    PeakPicker peaks(audio.format, pick);
+    const bool keepsPeaks = audio.keepsPeaks && pick.step > 1;
     const auto isAborted = [this] { return LoadShared(m_abortRead); };
     const auto report = [this, text = tr("Updating...")](int progress) {
         Q_EMIT ProgressChanged(progress, 0, 100, text);
     };
-    const auto take = [&](QByteArrayView frames) {
-        picker.Append(samples, frames);
+    const auto take = [&](QByteArrayView piece) {
+        keepsPeaks ? peaks.Append(samples, piece) : frames.Append(samples, piece);
         return true;
     };
     const WalkResult result = WalkBlocks(cursor, range, {report, isAborted, take});
@@ -83,6 +160,7 @@ void WavFile::ReadData(double startTime, double endTime, int stepSize)
         // The block that cannot be read is also reported.
         report(ProgressAt(cursor.Position(), range.end));
     }
+    peaks.AppendRest(samples);
     if (!isAborted()) {
         {
             const QMutexLocker lock(&m_mutex);

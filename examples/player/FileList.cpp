@@ -73,7 +73,8 @@ void FileList::SetFiles(const QStringList& paths)
 {
     QStringList files;
     for (const QString& path : paths) {
-        files.append(QFileInfo(path).absoluteFilePath());
+        // A folder's name may end in a slash, and would then be empty.
+        files.append(QDir::cleanPath(QFileInfo(path).absoluteFilePath()));
     }
     files.removeDuplicates();
     m_list->clear();

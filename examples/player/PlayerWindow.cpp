@@ -88,6 +88,7 @@ void PlayerWindow::BuildView()
                               Interaction::ExtendWithShift | Interaction::LeftButtonOnly |
                               Interaction::ForgetCleared | Interaction::DoubleClickOnlyZooms);
     m_player->SetKeepsViewFilled(true);
+    m_player->SetKeepPeaks(true);
     m_player->SetShowsPositionAtOnce(true);
     m_player->SetPlayReturnsToStart(true);
     m_player->SetTypedPositionSeeks(true);

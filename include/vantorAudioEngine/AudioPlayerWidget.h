@@ -182,6 +182,9 @@ public:
     /** CreateSnippet() writes a stereo file where both channels of a stereo file are selected; otherwise their
      *  average. Holds for snippets that start from now on. */
     void SetKeepBothChannels(bool keep);
+    /** The waveform shows every peak of files of 300 s and more, however short; otherwise one frame in many.
+     * Reading such a file takes longer. Holds for the samples that are read from now on, see WavFile. */
+    void SetKeepPeaks(bool keep);
     /** CreateSnippet() fails where a file has the name, also one that came while the snippet was written, and
      *  leaves it alone; otherwise it replaces that file. Holds for snippets that start from now on. */
     void SetKeepExistingFiles(bool keep);

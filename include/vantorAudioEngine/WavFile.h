@@ -88,8 +88,8 @@ public:
     /**
      * Copies what is known of the audio: format, offset, length, duration, samples, selected channel and the abort
      * flags of reading and writing. The file itself (name, open state, position), the sample size, the abort flag
-     * of channel filtering, SetLargeFiles(), SetKeepParts(), SetKeepBothChannels() and SetExistingFile() stay the
-     * target's own. The library itself never calls it.
+     * of channel filtering, SetLargeFiles(), SetKeepParts(), SetKeepBothChannels(), SetKeepPeaks() and
+     * SetExistingFile() stay the target's own. The library itself never calls it.
      */
     WavFile& operator=(const WavFile& other);
 
@@ -148,6 +148,15 @@ public:
     /** Applies to the tasks that start from now on. Any thread. */
     void SetKeepBothChannels(bool keep);
 
+    /** Whether ReadData() keeps every peak; false after construction. */
+    [[nodiscard]] bool GetKeepPeaks() const;
+    /** With true the values of ReadData() are, for every two steps, the lowest and then the highest sample of
+     * all their frames, so that a view shows each peak, however short; otherwise they are the first sample of each
+     * step. Infinite samples, and those that are not numbers, then count as 0.
+     * Takes longer, as every frame is decoded. Nothing changes with steps of one frame. Applies to the extractions
+     * that start from now on. Any thread. */
+    void SetKeepPeaks(bool keep);
+
     /** Customary after construction. */
     [[nodiscard]] ExistingFile GetExistingFile() const;
     /** Applies to the tasks that start from now on, but not to a conversion in place. Any thread. */
@@ -163,8 +172,8 @@ public:
 
     /**
      * Extracts samples for display: one value for every `stepSize` frames (at least 1) of the selected channel
-     * between `startTime` and `endTime`. Whole blocks of 200 values are read, so a few values past the end belong
-     * to the result.
+     * between `startTime` and `endTime`, see SetKeepPeaks(). Whole blocks of 200 values are read, so a few values
+     * past the end belong to the result.
      *
      * Returns when done; meant for a worker thread. Stores the values for GetSamples() and emits NewData(), unless
      * AbortRead() stopped it: then the former values stay. A range outside the data or a failed read ends the
@@ -307,6 +316,7 @@ private:
     bool m_allowsLargeFiles = false;
     bool m_keepsParts = true;
     bool m_keepsBothChannels = false;
+    bool m_keepsPeaks = false;
     ExistingFile m_existingFile = ExistingFile::Customary;
     /** In bytes. */
     qint64 m_sizeAtOpening = 0;

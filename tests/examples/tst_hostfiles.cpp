@@ -247,6 +247,15 @@ private Q_SLOTS:
         QCOMPARE(takes.window.FailureText(), QString());
     }
 
+    void aFolderHasItsNameInTheList()
+    {
+        Takes takes;
+        takes.window.OpenFiles({takes.paths[0], takes.folder.path() + u'/'});
+        const auto& list = *takes.window.findChild<QListWidget*>();
+        QCOMPARE(list.count(), 2);
+        QCOMPARE(list.item(1)->text(), QFileInfo(takes.folder.path()).fileName());
+    }
+
     void deleteTakesAFileOffTheList()
     {
         Takes takes;

@@ -199,6 +199,11 @@ void AudioPlayerWidget::SetKeepBothChannels(bool keep)
     m_internals->loaded.File().SetKeepBothChannels(keep);
 }
 
+void AudioPlayerWidget::SetKeepPeaks(bool keep)
+{
+    m_internals->loaded.File().SetKeepPeaks(keep);
+}
+
 void AudioPlayerWidget::SetKeepExistingFiles(bool keep)
 {
     using Existing = WavFile::ExistingFile;

@@ -4,6 +4,7 @@
 
 #include <QtTest/QtTest>
 
+#include <algorithm>
 #include <atomic>
 #include <cmath>
 #include <limits>
@@ -146,6 +147,9 @@ private Q_SLOTS:
     void takesAStepBelowOneAsOne();
     void keepsThePicksEvenlySpacedAcrossBlocks_data();
     void keepsThePicksEvenlySpacedAcrossBlocks();
+    void keepsEveryPeakWhenToldTo_data();
+    void keepsEveryPeakWhenToldTo();
+    void takesPeaksThatAreNoNumbersForSilence();
     void keepsAllValuesOfTheLastBlock();
     void measuresProgressFromTheStartOfTheFile();
     void stopsAtTheEndOfTheFile();
@@ -293,6 +297,83 @@ void TestExtraction::keepsThePicksEvenlySpacedAcrossBlocks()
     OpenedWav wav(Ramp());
     wav.file.ReadData(Seconds(first), wav.file.GetDuration(), step);
     QCOMPARE(wav.file.GetSamples(), RampValues(first, 100000, step));
+}
+
+void TestExtraction::keepsEveryPeakWhenToldTo_data()
+{
+    QTest::addColumn<int>("tag");
+    QTest::addColumn<int>("bits");
+    QTest::addColumn<int>("channels");
+    QTest::addColumn<int>("frames");
+    QTest::addColumn<int>("step");
+    QTest::newRow("16 bit, mono") << 1 << 16 << 1 << 50000 << 7;
+    QTest::newRow("16 bit, the average of two") << 1 << 16 << 2 << 50000 << 10;
+    QTest::newRow("24 bit") << 1 << 24 << 2 << 50000 << 13;
+    QTest::newRow("32 bit") << 1 << 32 << 1 << 50000 << 100;
+    QTest::newRow("float") << 3 << 32 << 1 << 50000 << 333;
+    QTest::newRow("a step of one") << 1 << 16 << 1 << 50000 << 1;
+    QTest::newRow("a rest of less than a step") << 1 << 16 << 1 << 1003 << 5;
+    QTest::newRow("a rest of one step") << 1 << 16 << 1 << 1005 << 5;
+    QTest::newRow("a rest of more than a step") << 1 << 16 << 1 << 1007 << 5;
+    QTest::newRow("a step beyond the file") << 1 << 16 << 1 << 1000 << 100000;
+    QTest::newRow("pieces that end between two values") << 1 << 16 << 2 << 900000 << 4099;
+}
+
+void TestExtraction::keepsEveryPeakWhenToldTo()
+{
+    QFETCH(const int, tag);
+    QFETCH(const int, bits);
+    QFETCH(const int, channels);
+    QFETCH(const int, frames);
+    QFETCH(const int, step);
+    QByteArray noise;
+    for (quint32 i = 0, state = 1; i < quint32(frames * channels); ++i) {
+        state = state * 1664525U + 1013904223U;
+        // Mostly quiet, so that few samples are peaks.
+        const qint32 sample = qint32(state) / ((state >> 5) % 64 == 0 ? 1 : 100);
+        noise +=
+            tag == 3 ? PackF32({float(sample) / 2147483648.0F}) : LittleEndian(sample).last(qsizetype(bits) / 8);
+    }
+    OpenedWav wav(
+        WavBytes{.formatTag = quint16(tag), .channels = quint16(channels), .bits = quint16(bits), .data = noise}
+            .Build());
+    const double duration = wav.file.GetDuration();
+    wav.file.ReadData(0, duration, 1);
+    const Values all = wav.file.GetSamples();
+    QCOMPARE(all.size(), frames);
+    Values expected;
+    for (qsizetype i = 0; i < all.size() && step > 1; i += 2 * step) {
+        const Values window = all.mid(i, 2 * step);
+        const auto low = std::min_element(window.begin(), window.end());
+        const auto high = std::max_element(window.begin(), window.end());
+        if (window.size() > step) {
+            expected << *low << *high;
+        } else {
+            expected << (std::abs(*low) > std::abs(*high) ? *low : *high);
+        }
+    }
+    QVERIFY(!wav.file.GetKeepPeaks());
+    wav.file.SetKeepPeaks(true);
+    QVERIFY(wav.file.GetKeepPeaks());
+    wav.file.ReadData(0, duration, step);
+    QCOMPARE(wav.file.GetSamples(), step > 1 ? expected : all);
+    QCOMPARE(wav.file.GetSamples().size(), (frames + step - 1) / step);
+    wav.file.SetKeepPeaks(false);
+    wav.file.ReadData(0, duration, step);
+    QCOMPARE(wav.file.GetSamples().first(), all.first());
+    QCOMPARE(wav.file.GetSamples().last(), all.at((frames - 1) / step * step));
+}
+
+void TestExtraction::takesPeaksThatAreNoNumbersForSilence()
+{
+    constexpr float infinity = std::numeric_limits<float>::infinity();
+    const float none = std::numeric_limits<float>::quiet_NaN();
+    OpenedWav wav(WavBytes{
+        .formatTag = 3, .bits = 32, .data = PackF32({none, 0.5F, 0.25F, infinity, -infinity, -0.5F, none, -0.25F})}
+                      .Build());
+    wav.file.SetKeepPeaks(true);
+    wav.file.ReadData(0, 1, 2);
+    QCOMPARE(wav.file.GetSamples(), Values({0.0F, 0.5F, -0.5F, 0.0F}));
 }
 
 void TestExtraction::keepsAllValuesOfTheLastBlock()

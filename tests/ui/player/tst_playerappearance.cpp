@@ -10,6 +10,8 @@
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QPushButton>
 
+#include <cmath>
+
 using namespace Qt::Literals::StringLiterals;
 using namespace vantoraudio::vantorAudioEngine::UI;
 using Widget = AudioPlayerWidget;
@@ -80,6 +82,7 @@ private Q_SLOTS:
     void theChoicesAreThoseOfTheWaveform();
     void theWheelZoomsAsTheWaveformIsTold();
     void timeAndLevelAreThoseOfTheWaveform();
+    void everyPeakOfALongFileShowsWhenItIsToldTo();
     void thePositionLineMovesBetweenReportsWhenToldTo();
     void thePositionLineMovesAtThePlaybackRate();
     void theProgramsOwnConnectionsStay();
@@ -258,6 +261,39 @@ void PlayerAppearanceTest::timeAndLevelAreThoseOfTheWaveform()
     QCOMPARE(player.widget.GetTimeAt(inPlayer), player.View().GetTimeAt(middle));
     QCOMPARE(player.widget.GetLevelAt(inPlayer), player.View().GetLevelAt(middle));
     QVERIFY(player.widget.GetLevelAt(inPlayer).first < player.widget.GetLevelAt(inPlayer).second);
+}
+
+void PlayerAppearanceTest::everyPeakOfALongFileShowsWhenItIsToldTo()
+{
+    constexpr int rate = 48000;
+    QByteArray click(qsizetype(400) * rate * 2, '\0');
+    // A sample of 29000, in a frame that no step of some frames hits.
+    click.replace(qsizetype(9600011) * 2, 2, WavTest::LittleEndian(qint16(29000)));
+    const TemporaryFiles files;
+    const QString path = files.Write(u"click.wav"_s, WavTest::WavBytes{.sampleRate = rate, .data = click}.Build());
+    const TemporaryFiles copies;
+    Widget player;
+    player.SetWritableDirectoryPath(copies.Path(QString()));
+    player.resize(800, 400);
+    player.show();
+    const auto highest = [&player] {
+        const auto& waveform = *player.findChild<BGFXWaveformWidget*>();
+        const QPoint middle = waveform.mapTo(&player, waveform.rect().center());
+        double level = 0.0;
+        for (int x = 0; x < player.width(); ++x) {
+            // Not-a-number beside the waveform.
+            level = std::fmax(level, player.GetLevelAt({x, middle.y()}).second);
+        }
+        return level;
+    };
+    for (const bool keeps : {false, true}) {
+        player.SetKeepPeaks(keeps);
+        player.LoadFile(QString());
+        player.LoadFile(path);
+        QTRY_VERIFY_WITH_TIMEOUT(!player.IsLoading() && player.GetAudioDuration() > 0.0, 30000);
+        QTRY_VERIFY_WITH_TIMEOUT(!player.IsReadingSamples(), 30000);
+        QCOMPARE(highest(), keeps ? double(29000.0F / 32767.0F) : 0.0);
+    }
 }
 
 void PlayerAppearanceTest::thePositionLineMovesBetweenReportsWhenToldTo()
