@@ -41,3 +41,11 @@ QString DescribeReplacement(const QString& path)
 {
     return Quoted(QT_TRANSLATE_NOOP("Failures", "“%1” is there already. Do you want to replace it?"), path);
 }
+
+QString DescribeLossOfTheOpenFile(const QString& path)
+{
+    return Quoted(QT_TRANSLATE_NOOP(
+                      "Failures", "“%1” is the file that is open. If you replace it, only what you export is left "
+                                  "of it. Do you want that?"),
+                  path);
+}

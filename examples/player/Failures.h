@@ -17,3 +17,6 @@ QString DescribeExistingFile(const QString& path);
 
 /** Asks whether a file that stands there is to be replaced. */
 QString DescribeReplacement(const QString& path);
+
+/** The same for the file that is open. */
+QString DescribeLossOfTheOpenFile(const QString& path);

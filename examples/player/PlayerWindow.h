@@ -126,7 +126,7 @@ private:
     void EndExport(const QString& message);
     Output AskForOutput(const QString& what);
     Output ChooseOutput(const QString& what);
-    bool MayReplace(const QString& path);
+    bool IsAgreed(const QString& question);
     void ShowWhatCanBeExported();
 
     void AskForPosition();

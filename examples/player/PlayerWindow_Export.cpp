@@ -182,8 +182,10 @@ PlayerWindow::Output PlayerWindow::ChooseOutput(const QString& what)
         if (!QFileInfo::exists(path)) {
             return {path, Existing::Keep};
         }
+        const bool isOpenFile = QFileInfo(path).canonicalFilePath() == shown.canonicalFilePath();
         // The suffix is not added by the dialog: some do not ask about the name that they make.
-        if (isNamed || MayReplace(path)) {
+        if (isOpenFile ? IsAgreed(DescribeLossOfTheOpenFile(path))
+                       : isNamed || IsAgreed(DescribeReplacement(path))) {
             return {path, Existing::Replace};
         }
         dialog.selectFile(chosen);
@@ -191,10 +193,10 @@ PlayerWindow::Output PlayerWindow::ChooseOutput(const QString& what)
     return {};
 }
 
-bool PlayerWindow::MayReplace(const QString& path)
+bool PlayerWindow::IsAgreed(const QString& question)
 {
     // One key press too many must not cost a file.
-    return QMessageBox::question(this, tr("Export"), DescribeReplacement(path), QMessageBox::Yes | QMessageBox::No,
+    return QMessageBox::question(this, tr("Export"), question, QMessageBox::Yes | QMessageBox::No,
                                  QMessageBox::No) == QMessageBox::Yes;
 }
 

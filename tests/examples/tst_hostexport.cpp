@@ -114,6 +114,32 @@ private Q_SLOTS:
         QCOMPARE(window.FailureText(), QString());
     }
 
+    void asksOnceMoreBeforeItReplacesTheOpenFile()
+    {
+        const QTemporaryDir folder;
+        const QString dear = folder.filePath(u"dear.wav"_s);
+        QVERIFY(QFile::copy(Recording, dear));
+        PlayerWindow window;
+        QVERIFY(Activate(window));
+        QVERIFY(OpenCompletely(window, dear));
+        window.SelectRange(1.0, 2.0);
+        Answers answers;
+        answers.Add<QFileDialog>([&](QFileDialog& dialog) { TypeName(dialog, dear); });
+        answers.Add<QMessageBox>(
+            [](QMessageBox& question) { QTest::mouseClick(question.button(QMessageBox::Yes), Qt::LeftButton); });
+        QString asked;
+        answers.Add<QMessageBox>([&](QMessageBox& question) {
+            asked = question.text();
+            QTest::keyClick(&question, Qt::Key_Return);
+        });
+        answers.Add<QFileDialog>([](QFileDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
+        QTest::keyClick(&window, Qt::Key_S, Qt::ControlModifier);
+        QVERIFY(answers.AreGiven());
+        QVERIFY2(asked.startsWith(u"“%1” is the file that is open."_s.arg(dear)), qPrintable(asked));
+        QCOMPARE(NamesIn(folder), QStringList(u"dear.wav"_s));
+        QCOMPARE(BytesOf(dear), BytesOf(Recording));
+    }
+
     void aReplacementRefusedByTheReturnKeyCanGetAnotherName()
     {
         const QTemporaryDir folder;

@@ -108,6 +108,10 @@
         <source>“%1” cannot be played: %2</source>
         <translation>„%1“ kann nicht abgespielt werden: %2</translation>
     </message>
+    <message>
+        <source>“%1” is the file that is open. If you replace it, only what you export is left of it. Do you want that?</source>
+        <translation>„%1“ ist die geöffnete Datei. Wenn Sie sie ersetzen, bleibt von ihr nur übrig, was Sie exportieren. Möchten Sie das?</translation>
+    </message>
 </context>
 <context>
     <name>FileExport</name>

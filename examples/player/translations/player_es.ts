@@ -108,6 +108,10 @@
         <source>“%1” cannot be played: %2</source>
         <translation>No se puede reproducir «%1»: %2</translation>
     </message>
+    <message>
+        <source>“%1” is the file that is open. If you replace it, only what you export is left of it. Do you want that?</source>
+        <translation>«%1» es el archivo abierto. Si lo reemplaza, solo quedará de él lo que exporte. ¿Desea hacerlo?</translation>
+    </message>
 </context>
 <context>
     <name>FileExport</name>

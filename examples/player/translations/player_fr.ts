@@ -108,6 +108,10 @@
         <source>“%1” cannot be played: %2</source>
         <translation>Impossible de lire « %1 » : %2</translation>
     </message>
+    <message>
+        <source>“%1” is the file that is open. If you replace it, only what you export is left of it. Do you want that?</source>
+        <translation>« %1 » est le fichier ouvert. Si vous le remplacez, il n’en restera que ce que vous exportez. Voulez-vous continuer ?</translation>
+    </message>
 </context>
 <context>
     <name>FileExport</name>

@@ -108,6 +108,10 @@
         <source>“%1” cannot be played: %2</source>
         <translation>「%1」を再生できません: %2</translation>
     </message>
+    <message>
+        <source>“%1” is the file that is open. If you replace it, only what you export is left of it. Do you want that?</source>
+        <translation>「%1」は現在開いているファイルです。置き換えると、書き出した部分だけが残ります。続けますか？</translation>
+    </message>
 </context>
 <context>
     <name>FileExport</name>
