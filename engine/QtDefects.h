@@ -68,7 +68,8 @@ inline bool MissesDeviceChanges()
 
 /** The connection that all outputs use lives on the sound thread of the first player, so it ends with that one's
  * events, and it is freed under the outputs when the sound server ends. 6.4.2 hangs or crashes, 6.8.2 crashes.
- * PulseAudio only. */
+ * Both look for another server only once, three seconds after that or when the program begins, and the same goes
+ * for their list of devices. PulseAudio only. */
 inline bool LosesTheSoundServer()
 {
 #ifdef Q_OS_LINUX

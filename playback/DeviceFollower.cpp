@@ -24,7 +24,7 @@ using namespace std::chrono_literals;
 /** Qt's list may be behind the sound server's for this long. */
 constexpr auto betweenChecks = 50ms;
 constexpr int checksAfterAChange = 20;
-/** Qt looks for a server every three seconds, once for its list and once for its outputs. */
+/** Qt looks for a server three seconds after it has learned of the former one's end. */
 constexpr int checksAfterANewServer = 200;
 
 /** A playback rate that no one hears or sees. Qt divides by it. */
@@ -44,7 +44,7 @@ DeviceFollower::DeviceFollower(QMediaPlayer& player, QAudioOutput& output) : m_p
 {
     const auto refresh = [this] { Refresh(); };
     QObject::connect(&m_devices, &QMediaDevices::audioOutputsChanged, &m_context, refresh);
-    QObject::connect(&player, &QMediaPlayer::sourceChanged, &m_context, refresh);
+    QObject::connect(&player, &QMediaPlayer::sourceChanged, &m_context, [this] { OnSourceChanged(); });
     QObject::connect(&player, &QMediaPlayer::playbackStateChanged, &m_context, refresh);
     if (QtDefects::MissesDeviceChanges()) {
         ListenToTheSoundServer();
@@ -97,6 +97,16 @@ void DeviceFollower::RefreshForAWhile(int checks)
     m_checksLeft = std::max(m_checksLeft, checks);
     m_catchingUp.start();
     Refresh();
+}
+
+void DeviceFollower::OnSourceChanged()
+{
+    const QPointer<QObject> self(&m_context);
+    Refresh();
+    if (self && m_isDetached && QtDefects::MissesDeviceChanges()) {
+        // Nothing else would tell that this file will not sound either.
+        RefreshForAWhile(checksAfterANewServer);
+    }
 }
 
 void DeviceFollower::Prefer(const QAudioDevice& device)

@@ -38,6 +38,7 @@ public:
 private:
     void ListenToTheSoundServer();
     void RefreshForAWhile(int checks);
+    void OnSourceChanged();
     void FollowDevices();
     void TellIfSoundIsLost();
     void TellWhetherInUse(bool isInUse);

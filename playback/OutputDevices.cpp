@@ -14,8 +14,15 @@ namespace vantoraudio::AudioEngine {
 
 namespace {
 
-/** Qt's list. Qt gives up a server that was away for longer; then the last list that it had of it. */
-QList<QAudioDevice> ListedOutputs(bool isServerThere)
+/** Where none is the server's, Qt plays by other means. */
+bool AreTheServers(const QList<QAudioDevice>& devices)
+{
+    const auto isKnown = [](const QAudioDevice& device) { return SoundServerSinks::Shared().Knows(device.id()); };
+    return std::any_of(devices.cbegin(), devices.cend(), isKnown);
+}
+
+/** Qt's list. It stays empty once Qt has given up a server that was away for longer: then the last one. */
+QList<QAudioDevice> ListedOutputs()
 {
     static QMutex mutex;
     static QList<QAudioDevice> last;
@@ -24,7 +31,7 @@ QList<QAudioDevice> ListedOutputs(bool isServerThere)
     if (!listed.isEmpty()) {
         last = listed;
     }
-    return isServerThere ? last : listed;
+    return AreTheServers(last) ? last : listed;
 }
 
 } // namespace
@@ -36,15 +43,11 @@ QList<QAudioDevice> PresentOutputs()
     }
     const SoundServerSinks& sinks = SoundServerSinks::Shared();
     auto present = sinks.Present();
-    QList<QAudioDevice> devices = ListedOutputs(present.has_value());
+    QList<QAudioDevice> devices = ListedOutputs();
     if (sinks.IsAway() || QtSoundConnection::Shared().IsLost()) {
         present.emplace();
     }
-    // Where none is the server's, Qt plays by other means.
-    const bool areTheServers = std::any_of(devices.cbegin(), devices.cend(), [&sinks](const QAudioDevice& device) {
-        return sinks.Knows(device.id());
-    });
-    if (present && areTheServers) {
+    if (present && AreTheServers(devices)) {
         devices.removeIf([&present](const QAudioDevice& device) { return !present->contains(device.id()); });
     }
     return devices;

@@ -18,7 +18,7 @@ namespace vantoraudio::AudioEngine {
  * connection at once, under the outputs that still use it: 6.4.2 hangs, 6.8.2 crashes. This thread makes the
  * connection before the first output does. It sleeps until the server has ended, every player has handed its
  * output back and another server is there; only then it lets Qt free the connection and look for that server,
- * which it does three seconds later and, with 6.4.2, only once.
+ * which it does three seconds later, and only once.
  *
  * It stays as long as the program. All members may be used on any thread.
  */

@@ -40,8 +40,9 @@ class StandstillWatch;
  * over. Where the sound server offers none at all, that works only while the event loop comes round every few
  * milliseconds; otherwise Qt's sound thread, and this player's destructor with it, may wait for ever.
  *
- * The same holds while the sound server is away. With Qt 6.4 the connection to it may be lost for good;
- * errorOccurred() then tells so once the server is back.
+ * The same holds while the sound server is away. Where that lasts for more than three seconds, only devices come
+ * back that were there before. With Qt 6.4 the connection may be lost for good, and a program that begins without
+ * a server never gets sound: errorOccurred() then tells so once a server is there.
  *
  * A WAV or FLAC file with a rate above 384,000 Hz or with more than 64 channels is refused like one that cannot be
  * read: no output plays it, and Qt would crash.

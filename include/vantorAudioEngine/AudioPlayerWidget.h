@@ -95,8 +95,8 @@ public:
     /** LoadFile() is at work. */
     [[nodiscard]] bool IsLoading() const;
 
-    /** Unloads: stops playback, Close(), and an empty view. What the getters say of the former file stays but for
-     *  its duration, name and selection, and its player keeps it: Space still plays it, Play() does not. */
+    /** Unloads: stops playback, Close(), and an empty view. Duration, name and selection are empty then; the other
+     *  getters still tell of the former file. The player keeps that file: Space plays it, Play() does not. */
     void Reset();
     /** Cancels LoadFile(), stops the tasks in the background, waits for their end and closes the file. What there
      *  is of an unfinished snippet or channel file is removed. The view and the player stay as they are. While it
@@ -182,8 +182,8 @@ public:
     /** CreateSnippet() writes a stereo file where both channels of a stereo file are selected; otherwise their
      *  average. Holds for snippets that start from now on. */
     void SetKeepBothChannels(bool keep);
-    /** The waveform shows every peak of files of 300 s and more, however short; otherwise one frame in many.
-     * Reading such a file takes longer. Holds for the samples that are read from now on, see WavFile. */
+    /** Where 300 s or more are read at once, the waveform shows every peak, however short; otherwise it shows one
+     *  frame in many. Reading takes longer. Holds for the samples that are read from now on, see WavFile. */
     void SetKeepPeaks(bool keep);
     /** CreateSnippet() fails where a file has the name, also one that came while the snippet was written, and
      *  leaves it alone; otherwise it replaces that file. Holds for snippets that start from now on. */
@@ -343,8 +343,8 @@ Q_SIGNALS:
     void ContextMenuRequested(const QPoint& globalPosition, double time);
     void LoopChanged(bool loop);
     /** The player cannot play the file, or has lost the sound for good: the reason as
-     * QMediaPlayer::errorOccurred() has it, which Qt does not translate. What is loaded stays. Comes from the
-     * event loop, so that a slot may destroy the widget or load another file. */
+     * QMediaPlayer::errorOccurred() has it, mostly in English. What is loaded stays. Comes from the event loop, so
+     * that a slot may destroy the widget or load another file, and not when another file is there by then. */
     void PlaybackFailed(const QString& reason);
 
 protected:
@@ -354,8 +354,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     /** Every failed step on a file comes here, with its code; Success when a file is missing that should have been
-     *  written.
-     *  Does nothing by itself. */
+     *  written. Does nothing by itself. */
     virtual void ErrorHandler(WavFile::AudioEngineReturnValue error);
 
 private Q_SLOTS:

@@ -37,15 +37,16 @@ public:
     QList<QAudioDevice> GetAvailableDevices(QAudioDevice::Mode mode);
 
 Q_SIGNALS:
-    /** For the owner to emit; nothing in here does. QMediaDevices::audioOutputsChanged() does not come with
-     * Qt 6.4, and does not tell of every device that goes with Qt 6.8: a menu asks again whenever it opens. */
+    /** For the owner to emit; nothing in here does. On Linux Qt 6.4 never emits
+     *  QMediaDevices::audioOutputsChanged(), and 6.8 not for every device that goes: ask again whenever you open a
+     *  menu. */
     void AudioDeviceListChanged(const QList<QAudioDevice>& deviceList);
 
 private:
     friend class HardwareManagerTestAccess;
 
-    // The class lists devices and opens none: only the assignment uses the two devices, and nothing the input and
-    // output, which belong to the class's layout.
+    // The class lists devices and opens none. The assignment copies the two devices. Input and output are unused;
+    // they only keep the class's layout.
     QAudioDevice m_inputDevice;
     QAudioInput m_audioInput;
     QAudioDevice m_outputDevice;

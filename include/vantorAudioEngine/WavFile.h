@@ -150,11 +150,11 @@ public:
 
     /** Whether ReadData() keeps every peak; false after construction. */
     [[nodiscard]] bool GetKeepPeaks() const;
-    /** With true the values of ReadData() are, for every two steps, the lowest and then the highest sample of
-     * all their frames, so that a view shows each peak, however short; otherwise they are the first sample of each
-     * step. Infinite samples, and those that are not numbers, then count as 0.
-     * Takes longer, as every frame is decoded. Nothing changes with steps of one frame. Applies to the extractions
-     * that start from now on. Any thread. */
+    /** With true the values of ReadData() are, for every two steps, the lowest and then the highest sample of all
+     *  their frames, so that a view shows each peak, however short. A rest of one step or less gives the one that
+     * is farther from 0. Infinite samples, and those that are not numbers, count as 0. That takes longer, as every
+     *  frame is decoded. Otherwise, and with steps of one frame, the values are the first sample of each step.
+     *  Applies to the extractions that start from now on. Any thread. */
     void SetKeepPeaks(bool keep);
 
     /** Customary after construction. */

@@ -392,9 +392,8 @@ void AudioPlayerWidget::ConnectSignals()
     connect(m_audioPlayer, &QMediaPlayer::positionChanged, this, &Widget::OnAudioPositionChanged);
     connect(m_audioPlayer, &QMediaPlayer::playbackStateChanged, this, &Widget::OnAudioStateChanged);
     connect(m_audioPlayer, &QMediaPlayer::playbackRateChanged, this, [this] { m_internals->LetPositionMove(); });
-    // Queued: Qt goes on with a player after it has told of its error.
-    const auto tell = [this](QMediaPlayer::Error, const QString& reason) { Q_EMIT PlaybackFailed(reason); };
-    connect(m_audioPlayer, &QMediaPlayer::errorOccurred, this, tell, Qt::QueuedConnection);
+    connect(m_audioPlayer, &QMediaPlayer::errorOccurred, this,
+            [this](QMediaPlayer::Error, const QString& reason) { m_internals->TellOfPlaybackFailure(reason); });
 }
 
 } // namespace vantoraudio::vantorAudioEngine::UI

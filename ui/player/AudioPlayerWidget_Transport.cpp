@@ -91,6 +91,17 @@ void AudioPlayerWidget::Internals::LetPlay(const QString& path, const Selection&
     }
 }
 
+/** Later: Qt goes on with a player after it has told of its error. Another file may be there by then. */
+void AudioPlayerWidget::Internals::TellOfPlaybackFailure(const QString& reason)
+{
+    const auto tell = [this, reason, source = widget.m_audioPlayer->source()] {
+        if (widget.m_audioPlayer->source() == source) {
+            Q_EMIT widget.PlaybackFailed(reason);
+        }
+    };
+    QMetaObject::invokeMethod(&widget, tell, Qt::QueuedConnection);
+}
+
 bool AudioPlayerWidget::Internals::CanPlayOn() const
 {
     return controls.btnPlayPause->isEnabledTo(&widget) && !widget.IsPlaying();

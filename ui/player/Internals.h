@@ -97,6 +97,7 @@ struct AudioPlayerWidget::Internals
      * player has no source. */
     void SetPlayedFile(const QString& path, const Selection& selection);
     void LetPlay(const QString& path, const Selection& selection);
+    void TellOfPlaybackFailure(const QString& reason);
     void PlayCopy();
     [[nodiscard]] bool AwaitsCopy() const;
     void PlayOnWithCopy(bool plays);

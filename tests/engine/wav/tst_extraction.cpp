@@ -306,17 +306,21 @@ void TestExtraction::keepsEveryPeakWhenToldTo_data()
     QTest::addColumn<int>("channels");
     QTest::addColumn<int>("frames");
     QTest::addColumn<int>("step");
-    QTest::newRow("16 bit, mono") << 1 << 16 << 1 << 50000 << 7;
-    QTest::newRow("16 bit, the average of two") << 1 << 16 << 2 << 50000 << 10;
-    QTest::newRow("24 bit") << 1 << 24 << 2 << 50000 << 13;
-    QTest::newRow("32 bit") << 1 << 32 << 1 << 50000 << 100;
-    QTest::newRow("float") << 3 << 32 << 1 << 50000 << 333;
-    QTest::newRow("a step of one") << 1 << 16 << 1 << 50000 << 1;
-    QTest::newRow("a rest of less than a step") << 1 << 16 << 1 << 1003 << 5;
-    QTest::newRow("a rest of one step") << 1 << 16 << 1 << 1005 << 5;
-    QTest::newRow("a rest of more than a step") << 1 << 16 << 1 << 1007 << 5;
-    QTest::newRow("a step beyond the file") << 1 << 16 << 1 << 1000 << 100000;
-    QTest::newRow("pieces that end between two values") << 1 << 16 << 2 << 900000 << 4099;
+    QTest::addColumn<int>("first");
+    QTest::addColumn<int>("channel");
+    QTest::newRow("16 bit, mono") << 1 << 16 << 1 << 50000 << 7 << 0 << 0;
+    QTest::newRow("16 bit, the average of two") << 1 << 16 << 2 << 50000 << 10 << 0 << 0;
+    QTest::newRow("24 bit") << 1 << 24 << 2 << 50000 << 13 << 0 << 0;
+    QTest::newRow("32 bit") << 1 << 32 << 1 << 50000 << 100 << 0 << 0;
+    QTest::newRow("float") << 3 << 32 << 1 << 50000 << 333 << 0 << 0;
+    QTest::newRow("a step of one") << 1 << 16 << 1 << 50000 << 1 << 0 << 0;
+    QTest::newRow("a rest of less than a step") << 1 << 16 << 1 << 1003 << 5 << 0 << 0;
+    QTest::newRow("a rest of one step") << 1 << 16 << 1 << 1005 << 5 << 0 << 0;
+    QTest::newRow("a rest of more than a step") << 1 << 16 << 1 << 1007 << 5 << 0 << 0;
+    QTest::newRow("a step beyond the file") << 1 << 16 << 1 << 1000 << 100000 << 0 << 0;
+    QTest::newRow("left, from the middle") << 1 << 16 << 2 << 50000 << 10 << 777 << int(WavFile::ChannelLeft);
+    QTest::newRow("right") << 3 << 32 << 2 << 50000 << 10 << 0 << int(WavFile::ChannelRight);
+    QTest::newRow("pieces that end between two values") << 1 << 16 << 2 << 900000 << 4099 << 0 << 0;
 }
 
 void TestExtraction::keepsEveryPeakWhenToldTo()
@@ -326,6 +330,8 @@ void TestExtraction::keepsEveryPeakWhenToldTo()
     QFETCH(const int, channels);
     QFETCH(const int, frames);
     QFETCH(const int, step);
+    QFETCH(const int, first);
+    QFETCH(const int, channel);
     QByteArray noise;
     for (quint32 i = 0, state = 1; i < quint32(frames * channels); ++i) {
         state = state * 1664525U + 1013904223U;
@@ -334,13 +340,17 @@ void TestExtraction::keepsEveryPeakWhenToldTo()
         noise +=
             tag == 3 ? PackF32({float(sample) / 2147483648.0F}) : LittleEndian(sample).last(qsizetype(bits) / 8);
     }
-    OpenedWav wav(
-        WavBytes{.formatTag = quint16(tag), .channels = quint16(channels), .bits = quint16(bits), .data = noise}
-            .Build());
+    OpenedWav wav(WavBytes{.formatTag = quint16(tag),
+                           .channels = quint16(channels),
+                           .sampleRate = 32768,
+                           .bits = quint16(bits),
+                           .data = noise}
+                      .Build());
+    wav.file.SetSelectedChannel(WavFile::ChannelFormat(channel));
     const double duration = wav.file.GetDuration();
-    wav.file.ReadData(0, duration, 1);
+    wav.file.ReadData(Seconds(first), duration, 1);
     const Values all = wav.file.GetSamples();
-    QCOMPARE(all.size(), frames);
+    QCOMPARE(all.size(), frames - first);
     Values expected;
     for (qsizetype i = 0; i < all.size() && step > 1; i += 2 * step) {
         const Values window = all.mid(i, 2 * step);
@@ -355,13 +365,13 @@ void TestExtraction::keepsEveryPeakWhenToldTo()
     QVERIFY(!wav.file.GetKeepPeaks());
     wav.file.SetKeepPeaks(true);
     QVERIFY(wav.file.GetKeepPeaks());
-    wav.file.ReadData(0, duration, step);
+    wav.file.ReadData(Seconds(first), duration, step);
     QCOMPARE(wav.file.GetSamples(), step > 1 ? expected : all);
-    QCOMPARE(wav.file.GetSamples().size(), (frames + step - 1) / step);
+    QCOMPARE(wav.file.GetSamples().size(), (frames - first + step - 1) / step);
     wav.file.SetKeepPeaks(false);
-    wav.file.ReadData(0, duration, step);
+    wav.file.ReadData(Seconds(first), duration, step);
     QCOMPARE(wav.file.GetSamples().first(), all.first());
-    QCOMPARE(wav.file.GetSamples().last(), all.at((frames - 1) / step * step));
+    QCOMPARE(wav.file.GetSamples().last(), all.at((frames - first - 1) / step * step));
 }
 
 void TestExtraction::takesPeaksThatAreNoNumbersForSilence()

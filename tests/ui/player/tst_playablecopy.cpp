@@ -203,7 +203,7 @@ private Q_SLOTS:
         const QSignalSpy failures(&widget, &AudioPlayerWidget::PlaybackFailed);
         widget.SetAudioFile(files.Write(u"empty.wav"_s, bytes));
         QTRY_VERIFY_WITH_TIMEOUT(!failures.isEmpty(), patience);
-        QCOMPARE(failures.size(), errors.size());
+        QTRY_COMPARE(failures.size(), errors.size());
         QCOMPARE(failures.first(), QVariantList{errors.first().at(1)});
         QVERIFY(!failures.first().first().toString().isEmpty());
         QVERIFY(widget.errors.isEmpty());
