@@ -4,10 +4,12 @@
  *   vantoraudio-counted NAME     one of those that a call without a name prints
  */
 #include "render/bgfx/DrawingDevice.h"
+#include "tests/support/WavBytes.h"
 #include "tests/support/WavFileTestAccess.h"
 #include "ui/waveform/BGFXWaveformDiagramWidget.h"
 
 #include <QtCore/QTemporaryDir>
+#include <QtCore/QTemporaryFile>
 #include <QtWidgets/QApplication>
 
 #include <algorithm>
@@ -61,6 +63,20 @@ struct Output
     }
 };
 
+/** The same for what is read from a file. */
+struct Input
+{
+    QTemporaryFile file;
+    WavFile wav;
+
+    Input()
+    {
+        if (!file.open()) {
+            std::exit(2);
+        }
+    }
+};
+
 Work Reading(WavFileTestAccess::Reader reader, QAudioFormat::SampleFormat sampleFormat, int sampleSize)
 {
     const QByteArray block = Noise(FramesPerBlock * 2 * sampleSize);
@@ -81,6 +97,22 @@ Work Writing(WavFileTestAccess::Writer writer, QAudioFormat::SampleFormat sample
         }
         output->file.close();
     };
+}
+
+/** As for the view of an hour; the blocks come from a file. */
+Work ReadingPeaks()
+{
+    auto input = std::make_shared<Input>();
+    const QByteArray bytes = WavTest::WavBytes{.channels = 2,
+                                               .sampleRate = 48000,
+                                               .data = Noise(qsizetype(Blocks) * FramesPerBlock * 4)}
+                                 .Build();
+    if (input->file.write(bytes) != bytes.size() || !input->file.flush() ||
+        input->wav.Open(input->file.fileName()) != WavFile::Success) {
+        std::exit(2);
+    }
+    input->wav.SetKeepPeaks(true);
+    return [input] { input->wav.ReadData(0.0, input->wav.GetDuration(), 100); };
 }
 
 /** Panning through an hour, on the software device. */
@@ -124,6 +156,7 @@ const std::vector<Counted>& All()
         {"read-24-bit", [] { return Reading(Access::readS24Block, QAudioFormat::Int32, 3); }},
         {"read-32-bit", [] { return Reading(Access::readS32Block, QAudioFormat::Int32, 4); }},
         {"read-float", [] { return Reading(Access::readF32Block, QAudioFormat::Float, 4); }},
+        {"read-peaks", [] { return ReadingPeaks(); }},
         {"write-16-bit", [] { return Writing(Access::writeS16Block, QAudioFormat::Int16, 2); }},
         {"write-24-bit", [] { return Writing(Access::convertS24BlockToF32Block, QAudioFormat::Int32, 3); }},
         {"write-32-bit", [] { return Writing(Access::writeS32Block, QAudioFormat::Int32, 4); }},

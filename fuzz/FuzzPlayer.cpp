@@ -9,6 +9,8 @@
 #include <QtCore/QThreadPool>
 #include <QtGui/QAction>
 #include <QtGui/QContextMenuEvent>
+#include <QtGui/QIcon>
+#include <QtGui/QPixmap>
 #include <QtMultimedia/QMediaDevices>
 #include <QtWidgets/QAbstractButton>
 #include <QtWidgets/QComboBox>
@@ -17,6 +19,8 @@
 
 #include <cmath>
 #include <functional>
+#include <optional>
+#include <utility>
 
 using namespace vantoraudio::vantorAudioEngine::UI;
 using Fuzzing::Require;
@@ -98,6 +102,10 @@ private:
         upon(&AudioPlayerWidget::SceneRectChanged);
         upon(&AudioPlayerWidget::LoopChanged);
         upon(&AudioPlayerWidget::ContextMenuRequested);
+        upon(&AudioPlayerWidget::PlaybackFailed);
+        upon(&AudioPlayerWidget::LoadRequested);
+        upon(&AudioPlayerWidget::SettingsButtonClicked);
+        upon(&AudioPlayerWidget::SceneRectChangeRequested);
     }
 
     void Call()
@@ -141,7 +149,7 @@ private:
 
     void Load()
     {
-        const QString path = m_files[m_input.ConsumeIntegralInRange<qsizetype>(0, m_files.size() - 1)];
+        const QString path = AnyFile();
         switch (m_input.ConsumeIntegralInRange(0, 6)) {
         case 0:
             m_player->SetAudioFile(m_files.first());
@@ -201,6 +209,9 @@ private:
         constexpr std::array switches{&AudioPlayerWidget::SetTypedPositionSeeks,
                                       &AudioPlayerWidget::SetKeepBothChannels,
                                       &AudioPlayerWidget::SetKeepExistingFiles,
+                                      &AudioPlayerWidget::SetKeepPeaks,
+                                      &AudioPlayerWidget::SetLoadInBackground,
+                                      &AudioPlayerWidget::SetScrollBackToZoomOut,
                                       &AudioPlayerWidget::SetEditedPositionStays,
                                       &AudioPlayerWidget::SetChannelChangeKeepsPlace,
                                       &AudioPlayerWidget::SetDeviceChangeKeepsPlace,
@@ -209,6 +220,8 @@ private:
                                       &AudioPlayerWidget::SetShowsPositionAtOnce,
                                       &AudioPlayerWidget::SetKeepsViewFilled,
                                       &AudioPlayerWidget::SetPlayReturnsToStart,
+                                      &AudioPlayerWidget::SetProgramChoosesFiles,
+                                      &AudioPlayerWidget::SetSelectionChangeKeepsPlace,
                                       &AudioPlayerWidget::SetLabelsFit,
                                       &AudioPlayerWidget::SetColorsFollowPalette,
                                       &AudioPlayerWidget::SetWaveformTakesFocus,
@@ -261,16 +274,35 @@ private:
     {
         constexpr std::array channels{WavFile::ChannelLeft, WavFile::ChannelRight, WavFile::ChannelLeftRight,
                                       WavFile::ChannelMono, WavFile::ChannelNone};
-        switch (m_input.ConsumeIntegralInRange(0, 3)) {
+        switch (m_input.ConsumeIntegralInRange(0, 4)) {
         case 0:
             m_player->CancelSnippet();
             break;
         case 1:
             m_player->SetSelectedChannel(m_input.PickValueInArray(channels));
             break;
+        case 2:
+            Convert();
+            break;
         default:
             m_player->CreateSnippet(
                 m_input.ConsumeBool() ? Fuzzing::Folder::Get().Path(QStringLiteral("snippet.wav")) : QString());
+        }
+    }
+
+    /** Once, and to no high rate: of a file of 1 Hz each frame becomes a second. */
+    void Convert()
+    {
+        constexpr int highestRate = 8000;
+        if (std::exchange(m_hasConverted, true)) {
+            return;
+        }
+        QAudioFormat format = Fuzzing::AnyFormat(m_input);
+        format.setSampleRate(m_input.ConsumeIntegralInRange(-1, highestRate));
+        try {
+            m_player->Convert(AnyFile(), format);
+        } catch (const std::bad_optional_access&) {
+            // So callers learn of channel counts other than one and two.
         }
     }
 
@@ -348,7 +380,7 @@ private:
 
     void ChangeSettings()
     {
-        switch (m_input.ConsumeIntegralInRange(0, 7)) {
+        switch (m_input.ConsumeIntegralInRange(0, 8)) {
         case 0:
             m_player->SetAudioPlayBackVolume(m_input.ConsumeIntegral<int>());
             break;
@@ -370,9 +402,41 @@ private:
         case 6:
             m_player->setPalette(QPalette(Fuzzing::AnyColor(m_input), Fuzzing::AnyColor(m_input)));
             break;
+        case 7:
+            SetAnIcon();
+            break;
         default:
-            m_player->SetWaveformColor(Fuzzing::AnyColor(m_input));
+            SetAColor();
         }
+    }
+
+    void SetAnIcon()
+    {
+        constexpr std::array setters{&AudioPlayerWidget::SetIconPlay,      &AudioPlayerWidget::SetIconPause,
+                                     &AudioPlayerWidget::SetIconStop,      &AudioPlayerWidget::SetIconLoop,
+                                     &AudioPlayerWidget::SetIconSettings,  &AudioPlayerWidget::SetIconMute,
+                                     &AudioPlayerWidget::SetIconUnmute,    &AudioPlayerWidget::SetIconLoad,
+                                     &AudioPlayerWidget::SetIconIncrement, &AudioPlayerWidget::SetIconDecrement};
+        QIcon icon;
+        if (m_input.ConsumeBool()) {
+            QPixmap pixmap(m_input.ConsumeIntegralInRange(1, 100), m_input.ConsumeIntegralInRange(1, 100));
+            pixmap.fill(Fuzzing::AnyColor(m_input));
+            icon.addPixmap(pixmap);
+        }
+        (m_player->*m_input.PickValueInArray(setters))(icon);
+        m_player->SetAudioPositionIcon(QStringLiteral("no such icon"));
+    }
+
+    void SetAColor()
+    {
+        constexpr std::array setters{&AudioPlayerWidget::SetAudioPositionMarkerColor,
+                                     &AudioPlayerWidget::SetAudioSelectionColor,
+                                     &AudioPlayerWidget::SetBackgroundColor,
+                                     &AudioPlayerWidget::SetFrameColor,
+                                     &AudioPlayerWidget::SetGridColor,
+                                     &AudioPlayerWidget::SetScaleColor,
+                                     &AudioPlayerWidget::SetWaveformColor};
+        (m_player->*m_input.PickValueInArray(setters))(Fuzzing::AnyColor(m_input));
     }
 
     void CallBack()
@@ -389,6 +453,8 @@ private:
         }
         --m_depth;
     }
+
+    QString AnyFile() { return m_files[m_input.ConsumeIntegralInRange<qsizetype>(0, m_files.size() - 1)]; }
 
     template<typename Child>
     Child* AnyChild()
@@ -420,7 +486,12 @@ private:
         Require(m_player->GetAudioPosition() >= 0.0);
         Require(m_player->GetAudioPlayBackVolume() >= 0 && m_player->GetAudioPlayBackVolume() <= 100);
         // A WAV file of SetAudioFile() that states no rate is as long as its header says: without end.
-        Require(std::isfinite(duration) || m_player->GetAudioFileFormat().sampleRate() == 0);
+        const bool hasRate = m_player->GetAudioFileFormat().sampleRate() != 0;
+        Require(std::isfinite(duration) || !hasRate);
+        const auto [first, last] = m_player->GetVisibleRange();
+        const bool isViewFinite =
+            std::isfinite(first) && std::isfinite(last) && std::isfinite(m_player->GetTimeAt({100, 100}));
+        Require(isViewFinite || !hasRate || !m_wasToldTimes);
     }
 
     Fuzzing::Input& m_input;
@@ -429,6 +500,7 @@ private:
     QPointer<AudioPlayerActions> m_actions;
     const bool m_selectsInFile = m_input.ConsumeBool();
     bool m_wasToldTimes = true;
+    bool m_hasConverted = false;
     int m_depth = 0;
 };
 

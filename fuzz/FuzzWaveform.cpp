@@ -59,6 +59,7 @@ private:
             break;
         case 5:
             m_widget->SetAudioPosition(Number());
+            m_widget->SetAudioPositionKeepingView(Number());
             break;
         case 6:
             m_widget->OnSceneRectChangeRequested(QRectF(Number(), Number(), Number(), Number()));
@@ -193,6 +194,9 @@ private:
         Require(start == m_widget->GetSelectionStartTime() && end == m_widget->GetSelectionEndTime());
         Require(!m_wasToldTimes || std::isfinite(m_widget->GetAudioPosition()));
         Require(!m_wasToldTimes || std::isfinite(m_widget->GetDelay()));
+        const auto [first, last] = m_widget->GetVisibleRange();
+        const double time = m_widget->GetTimeAt({80, 45});
+        Require(!m_wasToldTimes || (std::isfinite(first) && std::isfinite(last) && std::isfinite(time)));
         const auto [low, high] = m_widget->GetLevelAt({80, 45});
         Require(low <= high || (std::isnan(low) && std::isnan(high)));
     }

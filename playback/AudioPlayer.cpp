@@ -1,4 +1,5 @@
 #include "engine/QtDefects.h"
+#include "engine/files/RegularFile.h"
 #include "engine/samples/Truncation.h"
 #include "playback/DeviceFollower.h"
 #include "playback/OutputDevices.h"
@@ -11,7 +12,6 @@
 #include <QtCore/QBuffer>
 #include <QtCore/QDir>
 #include <QtCore/QFile>
-#include <QtCore/QFileInfo>
 #include <QtCore/QPointer>
 #include <QtCore/QSignalBlocker>
 #include <QtCore/QUrl>
@@ -46,19 +46,17 @@ bool OpensByUrl(const QUrl& url)
     return !seemsToNameAProtocol && url.toEncoded(QUrl::PreferLocalFile) == QFile::encodeName(path);
 }
 
-/** A pipe would block for ever when it is opened, and a device might never end. */
-bool MayBlock(const QString& path)
+/** Something is there that must not be opened. Of what is missing the base class tells. */
+bool IsNotToBeOpened(const QString& path)
 {
-    const QFileInfo info(path);
-    return info.exists() && !info.isFile() && !info.isDir();
+    return IsFolderPipeOrDevice(path) || (IsRegularFile(path) && IsEmptyFile(path));
 }
 
-/** An open device to read the file from, or null where the base class can read it by its URL.
- */
+/** An open device to read the file from, or null where the base class can read it by its URL. */
 std::unique_ptr<QIODevice> DeviceFor(const QString& path, const QUrl& url)
 {
     std::unique_ptr<QIODevice> device;
-    if (MayBlock(path) || !CanBePlayed(path)) {
+    if (IsNotToBeOpened(path) || !CanBePlayed(path)) {
         // Empty, so that it is reported as something that cannot be played.
         device = std::make_unique<QBuffer>();
     } else if (!OpensByUrl(url)) {
@@ -211,6 +209,19 @@ void AudioPlayer::SetSelection(double start, double end)
     // This one counts, whatever else was asked for while the source was being loaded.
     m_whenLoaded.clear();
     WhenLoaded([this, start] { SeekTo(PositionAt(start)); });
+}
+
+bool AudioPlayer::ChangeSelection(double start, double end)
+{
+    const bool stays =
+        mediaStatus() != LoadingMedia && PositionAt(start) <= position() && position() < PositionAt(end);
+    if (stays) {
+        m_selectionStart = start;
+        m_selectionEnd = end;
+    } else {
+        SetSelection(start, end);
+    }
+    return stays;
 }
 
 void AudioPlayer::SeekTo(qint64 wanted)

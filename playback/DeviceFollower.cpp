@@ -84,7 +84,9 @@ DeviceFollower::~DeviceFollower()
 void DeviceFollower::TellIfSoundIsLost()
 {
     const auto present = SoundServerSinks::Shared().Present();
-    if (m_isDetached && present && (QtSoundConnection::Shared().IsLost() || !present->isEmpty())) {
+    const bool isNews = m_isDetached && !m_hasTold;
+    if (isNews && present && (QtSoundConnection::Shared().IsLost() || !present->isEmpty())) {
+        m_hasTold = true;
         Q_EMIT m_player.errorOccurred(
             QMediaPlayer::ResourceError,
             QCoreApplication::translate("AudioPlayer", "The connection to the sound server was lost for good. "
@@ -101,6 +103,7 @@ void DeviceFollower::RefreshForAWhile(int checks)
 
 void DeviceFollower::OnSourceChanged()
 {
+    m_hasTold = false;
     const QPointer<QObject> self(&m_context);
     Refresh();
     if (self && m_isDetached && QtDefects::MissesDeviceChanges()) {
@@ -189,6 +192,7 @@ void DeviceFollower::Attach()
         return;
     }
     m_isDetached = false;
+    m_hasTold = false;
     const QPointer<QObject> self(&m_context);
     if (QtDefects::RunsOnWithoutOutput() && m_player.playbackRate() < 2.0 * standingStill) {
         m_player.setPlaybackRate(m_playbackRate);
@@ -200,11 +204,11 @@ void DeviceFollower::Attach()
     if (self && m_player.playbackState() == QMediaPlayer::PlayingState) {
         // Meanwhile the source was read to its end unheard, and an output that joins a running player starts there
         // or not at all.
-        PlayAnew(m_player);
+        PlayAgain(m_player);
     }
 }
 
-void PlayAnew(QMediaPlayer& player)
+void PlayAgain(QMediaPlayer& player)
 {
     const QPointer<QMediaPlayer> self(&player);
     const qint64 position = player.position();

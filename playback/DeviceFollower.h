@@ -51,6 +51,8 @@ private:
     QAudioOutput& m_output;
     QAudioDevice m_preferred;
     bool m_isDetached = false;
+    /** That the source will not sound. */
+    bool m_hasTold = false;
     qreal m_playbackRate = 1.0;
     /** What is connected to it ends with this object. */
     QObject m_context;
@@ -61,6 +63,6 @@ private:
 };
 
 /** Makes a playing player play on from its position in a way that its new output hears. */
-void PlayAnew(QMediaPlayer& player);
+void PlayAgain(QMediaPlayer& player);
 
 } // namespace vantoraudio::AudioEngine

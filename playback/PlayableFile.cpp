@@ -1,49 +1,59 @@
 #include "playback/PlayableFile.h"
 
+#include "engine/files/RegularFile.h"
+
+#include <vantorAudioEngine/AudioFileInfo.h>
+
 #include <QtCore/QByteArray>
 #include <QtCore/QFile>
-#include <QtCore/QFileInfo>
 #include <QtCore/QtEndian>
+
+#include <optional>
 
 namespace vantoraudio::AudioEngine {
 
 namespace {
 
-constexpr quint32 mostChannels = 64;
-/** A header with more chunks ahead of its format is not looked through. */
+constexpr qint64 mostChannels = 64;
+/** With more of them ahead of its format, a WAV file is looked into like any other. */
 constexpr int mostChunks = 1000;
 
-bool FitsAnOutput(quint32 rate, quint32 channels)
+bool FitsAnOutput(qint64 rate, qint64 channels)
 {
-    return rate <= quint32(highestPlayableRate) && channels <= mostChannels;
+    return rate <= highestPlayableRate && channels <= mostChannels;
 }
 
-/** The file stands behind the 12 bytes that begin every WAV file. */
-bool IsWavPlayable(QFile& file)
+/** Whether the eight bytes from the file's position on, of a format chunk, state what an output plays. */
+bool IsFormatPlayable(QFile& file)
+{
+    const QByteArray format = file.read(8);
+    return format.size() < 8 || FitsAnOutput(qFromLittleEndian<quint32>(format.constData() + 4),
+                                             qFromLittleEndian<quint16>(format.constData() + 2));
+}
+
+/** The file stands behind the 12 bytes that begin every WAV file. Nothing where a header is too long for a look.
+ */
+std::optional<bool> IsWavPlayable(QFile& file)
 {
     for (int i = 0; i < mostChunks; ++i) {
         const QByteArray head = file.read(8);
         if (head.size() < 8) {
-            break;
+            return true;
+        }
+        if (head.startsWith("fmt ")) {
+            return IsFormatPlayable(file);
         }
         const auto size = qFromLittleEndian<quint32>(head.constData() + 4);
-        if (head.startsWith("fmt ")) {
-            const QByteArray format = file.read(8);
-            return format.size() < 8 || FitsAnOutput(qFromLittleEndian<quint32>(format.constData() + 4),
-                                                     qFromLittleEndian<quint16>(format.constData() + 2));
-        }
         if (!file.seek(file.pos() + size + size % 2)) {
-            break;
+            return true;
         }
     }
-    return true;
+    return std::nullopt;
 }
 
-/** Of the description at the beginning: bytes 18 to 20 hold the rate in 20 bits. */
-bool IsFlacPlayable(const QByteArray& begin)
+bool IsWav(const QByteArray& begin)
 {
-    const auto rate = qFromBigEndian<quint32>(begin.constData() + 17) >> 4 & 0xFFFFF;
-    return FitsAnOutput(rate, 1);
+    return (begin.startsWith("RIFF") || begin.startsWith("RF64")) && begin.mid(8, 4) == "WAVE";
 }
 
 } // namespace
@@ -51,16 +61,16 @@ bool IsFlacPlayable(const QByteArray& begin)
 bool CanBePlayed(const QString& path)
 {
     QFile file(path);
-    // A pipe would block for ever when it is opened.
-    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly)) {
+    if (!IsRegularFile(path) || IsEmptyFile(path) || !file.open(QIODevice::ReadOnly)) {
         return true;
     }
-    const QByteArray begin = file.peek(21);
-    if (begin.size() == 21 && begin.startsWith("fLaC")) {
-        return IsFlacPlayable(begin);
+    if (IsWav(file.read(12))) {
+        if (const std::optional<bool> isPlayable = IsWavPlayable(file)) {
+            return *isPlayable;
+        }
     }
-    const bool isWav = (begin.startsWith("RIFF") || begin.startsWith("RF64")) && begin.mid(8, 4) == "WAVE";
-    return !isWav || !file.seek(12) || IsWavPlayable(file);
+    const AudioFileInfo info = AudioFileInfo::Probe(path);
+    return FitsAnOutput(info.GetSampleRate(), info.GetChannelCount());
 }
 
 } // namespace vantoraudio::AudioEngine

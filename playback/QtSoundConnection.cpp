@@ -23,6 +23,9 @@ using namespace std::chrono_literals;
 /** Qt 6.8 destroys an output on a thread of its own, a moment after the player has handed it back. */
 constexpr auto destroying = 300ms;
 constexpr auto betweenLooks = 50ms;
+/** Qt takes some four seconds to connect again, or gives up; then nothing is worth looking often. */
+constexpr auto connecting = 10s;
+constexpr auto betweenLateLooks = 1s;
 /** A thread that takes longer hangs for good, see QtDefects::KeepsItsLock(). */
 constexpr auto ending = 1000ms;
 
@@ -40,6 +43,7 @@ public:
             m_connection.m_isEnding = true;
         }
         m_connection.m_changed.notify_all();
+        m_connection.quit();
         if (!m_connection.wait(QDeadlineTimer(ending)) && QtDefects::KeepsItsLock()) {
             // Qt's own static object would wait for the same lock next, and the program would never end.
             std::fflush(nullptr);
@@ -100,6 +104,7 @@ void QtSoundConnection::OnServerLeft()
 {
     const std::lock_guard lock(m_mutex);
     m_isLost = true;
+    ++m_leavings;
     m_changed.notify_all();
 }
 
@@ -139,19 +144,32 @@ void QtSoundConnection::ConnectAgain()
         return; // there is no event loop without one
     }
     QEventLoop loop;
-    QTimer look;
-    connect(&look, &QTimer::timeout, &loop, [&] {
-        const bool isConnected = IsConnected();
-        const std::lock_guard lock(m_mutex);
-        m_isLost = !isConnected;
-        if (isConnected || m_isEnding) {
+    QTimer timer;
+    const QDeadlineTimer soon(connecting);
+    connect(&timer, &QTimer::timeout, &loop, [&] {
+        Look();
+        // Qt looks for a server only once, so it must not where that one has gone again.
+        if (m_isEnding || !IsLost() || !SoundServerSinks::Shared().Present()) {
             loop.quit();
+        } else if (soon.hasExpired()) {
+            timer.setInterval(betweenLateLooks);
         }
     });
-    look.start(betweenLooks);
+    timer.start(betweenLooks);
     loop.exec();
     if (!IsLost()) {
         Q_EMIT Restored();
+    }
+}
+
+void QtSoundConnection::Look()
+{
+    const int leavings = m_leavings;
+    const bool isConnected = IsConnected();
+    const std::lock_guard lock(m_mutex);
+    // A server that left meanwhile is lost, whatever was seen of it.
+    if (isConnected && leavings == m_leavings) {
+        m_isLost = false;
     }
 }
 

@@ -17,8 +17,8 @@ namespace vantoraudio::AudioEngine {
  * the player; a server that ends after that is never found again. And when the server ends, Qt frees the
  * connection at once, under the outputs that still use it: 6.4.2 hangs, 6.8.2 crashes. This thread makes the
  * connection before the first output does. It sleeps until the server has ended, every player has handed its
- * output back and another server is there; only then it lets Qt free the connection and look for that server,
- * which it does three seconds later, and only once.
+ * output back and another server is there; only then does it let Qt free the connection and look for that server,
+ * which it does three seconds later, and only once. Where that server goes before, it sleeps again until the next.
  *
  * It stays as long as the program. All members may be used on any thread.
  */
@@ -55,6 +55,7 @@ private:
     void OnServerChanged();
     bool WaitUntilAnotherServerMayBeUsed();
     void ConnectAgain();
+    void Look();
     bool IsConnected() const;
 
     mutable std::mutex m_mutex;
@@ -64,6 +65,8 @@ private:
     std::atomic<int> m_users = 0;
     std::atomic<bool> m_isMade = false;
     std::atomic<bool> m_isLost = false;
+    /** How often a server has left. */
+    std::atomic<int> m_leavings = 0;
     std::atomic<bool> m_isEnding = false;
 };
 

@@ -58,7 +58,7 @@ void StandstillWatch::EndStandstill()
     const bool canSound = m_player.audioOutput() && m_player.duration() > 0;
     if (isPlaying && canSound && m_progressIsDue.hasExpired()) {
         ExpectProgress();
-        PlayAnew(m_player);
+        PlayAgain(m_player);
     }
 }
 

@@ -2,7 +2,7 @@
 # Builds the fuzzers and runs each for a while, two at a time. A finding ends with an error and leaves its input in
 # build/fuzz/findings. Inputs that reached something new are kept in build/fuzz/corpus for the next run.
 #
-#   scripts/fuzz.sh [SECONDS [TARGET...]]      a minute for each target unless given, a third of it for the small ones
+#   scripts/fuzz.sh [SECONDS [TARGET...]]      a minute for each target unless given
 #
 # FUZZ_SEED=NUMBER makes the same inputs again; without it each run makes others.
 set -euo pipefail
@@ -27,10 +27,9 @@ export TMPDIR
 trap 'rm -rf "$TMPDIR"' EXIT
 
 fuzz() {
-  local target=$1 seeds=wav longest=4096 time=$seconds piece=64
+  local target=$1 seeds=wav longest=4096 piece=64
   local leaks=none session=()
   case $target in
-    timetext | timescale | wavheader) time=$(((seconds + 2) / 3)) ;;
     import | probe) seeds=audio longest=16384 piece=2048 ;;
     convert) piece=2048 ;;
     waveform) leaks=widgets longest=512 ;;
@@ -44,7 +43,7 @@ fuzz() {
   # An input that hangs is found by -timeout, one that is too slow by the fuzzer itself. No input is longer than
   # 16 KiB: what asks for more than 64 MiB at once trusts a size that some header states. FFmpeg's demuxers do, up to
   # 2 GiB, without using it; so with FFmpeg only the memory in use counts.
-  "${session[@]}" "$build/fuzz/fuzz_$target" -max_total_time="$time" -max_len="$longest" -timeout=20 \
+  "${session[@]}" "$build/fuzz/fuzz_$target" -max_total_time="$seconds" -max_len="$longest" -timeout=20 \
     -seed="${FUZZ_SEED:-0}" -malloc_limit_mb="$piece" -rss_limit_mb=1024 -print_final_stats=1 \
     -artifact_prefix="$build/findings/$target-" "$build/corpus/$target" "$build/seeds/$seeds" \
     >"$build/logs/$target" 2>&1 || {
@@ -52,7 +51,7 @@ fuzz() {
     echo "fuzz_$target: a finding, see $build/findings"
     return 1
   }
-  echo "fuzz_$target: $(sed -n 's/^stat::number_of_executed_units: *//p' "$build/logs/$target") executions in $time s"
+  echo "fuzz_$target: $(sed -n 's/^stat::number_of_executed_units: *//p' "$build/logs/$target") executions in $seconds s"
 }
 export -f fuzz
 printf '%s\n' "${targets[@]}" | xargs -P 2 -I{} bash -euo pipefail -c 'fuzz {}'

@@ -133,7 +133,7 @@ void PendingFile::KeepPart()
 
 void PendingFile::RemoveFormer()
 {
-    if (IsRegularFile(m_path) && !ReplacesSource() && !QFile::remove(m_path)) {
+    if (IsRegularFile(m_path) && !m_source && !ReplacesSource() && !QFile::remove(m_path)) {
         QFile::resize(m_path, 0);
     }
 }

@@ -70,7 +70,8 @@ public:
     /** Puts what could be written under the name, unless another file has it. For what failed. */
     void KeepPart();
 
-    /** Removes the former file, or empties it where it cannot be removed. Devices stay, and so does the source. */
+    /** Removes the former file, or empties it where it cannot be removed. Devices stay, and so does the
+     *  source, or what has taken its name since Open(). */
     void RemoveFormer();
 
 private:

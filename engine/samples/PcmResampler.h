@@ -19,7 +19,7 @@ struct PcmLayout
 
 /**
  * Turns blocks of PCM into another sample format, channel count and rate, by FFmpeg's resampler: the way of
- * WavFile::Convert(). What fails is told on the standard error stream.
+ * WavFile::Convert(). What fails is reported on the standard error stream.
  */
 class PcmResampler
 {

@@ -1,5 +1,7 @@
 #include "DeviceMenu.h"
 
+#include "MenuText.h"
+
 #include <QtCore/QHash>
 #include <QtCore/QSettings>
 #include <QtGui/QActionGroup>
@@ -77,7 +79,7 @@ void DeviceMenu::Fill()
 
 void DeviceMenu::AddDevice(const QAudioDevice& device, const QString& name, bool checked)
 {
-    QAction* action = addAction(name, this, [this, device] { Choose(device); });
+    QAction* action = addAction(AsMenuText(name), this, [this, device] { Choose(device); });
     action->setData(device.id());
     action->setCheckable(true);
     action->setChecked(checked);

@@ -1,6 +1,7 @@
 #include "FailureBar.h"
 
-#include <QtGui/QKeyEvent>
+#include "ButtonKeys.h"
+
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QToolButton>
@@ -44,10 +45,5 @@ QString FailureBar::Sentence() const
 
 bool FailureBar::event(QEvent* event)
 {
-    // Of the button that has the focus: Space presses it instead of playing.
-    if (event->type() == QEvent::ShortcutOverride && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Space) {
-        event->accept();
-        return true;
-    }
-    return QFrame::event(event);
+    return KeepsFromShortcuts(event, {Qt::Key_Space}) || QFrame::event(event);
 }

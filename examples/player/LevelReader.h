@@ -10,14 +10,17 @@ class HostPlayer;
 class LevelReader
 {
 public:
-    /** The highest sample of each channel that is played, in the moment of 50 ms that ends at `seconds`; of
+    /** The highest sample of each channel that is played, in the moment that ends at `seconds`: the last 50 ms, or
+     *  more where the call before this one ended up to 200 ms earlier, so that nothing in between is left out. Of
      *  silence, and behind the end of the file, 0. Empty when the file cannot be read. */
     QList<double> PeaksBefore(double seconds, const HostPlayer& player);
     /** Lets go of the file until the next call. */
     void Close();
 
 private:
-    double PeakOf(WavFile::ChannelFormat channel, double seconds);
+    double PeakOf(WavFile::ChannelFormat channel, double start, double end);
 
     WavFile m_file;
+    /** Where the last moment ended. */
+    double m_readTo = 0.0;
 };

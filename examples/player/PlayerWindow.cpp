@@ -12,6 +12,7 @@
 #include "SettingsDialog.h"
 #include "TaskProgress.h"
 #include "ThemeMenu.h"
+#include "ViewMemory.h"
 #include "ZoomBar.h"
 
 #include <QtCore/QDir>
@@ -83,10 +84,12 @@ void PlayerWindow::BuildView()
     m_player->SetPositionMovesSmoothly(true);
     m_player->SetChannelChangeKeepsPlace(true);
     m_player->SetDeviceChangeKeepsPlace(true);
+    m_player->SetSelectionChangeKeepsPlace(true);
     m_player->SetEditMode(true);
     m_player->SetInteractions(Interaction::SelectBeyondView | Interaction::MoveFromInside |
                               Interaction::ExtendWithShift | Interaction::LeftButtonOnly |
-                              Interaction::ForgetCleared | Interaction::DoubleClickOnlyZooms);
+                              Interaction::ForgetCleared | Interaction::DoubleClickOnlyZooms |
+                              Interaction::DragFromDistance);
     m_player->SetKeepsViewFilled(true);
     m_player->SetKeepPeaks(true);
     m_player->SetShowsPositionAtOnce(true);
@@ -94,7 +97,10 @@ void PlayerWindow::BuildView()
     m_player->SetTypedPositionSeeks(true);
     m_player->SetEditedPositionStays(true);
     m_player->SetLoadInBackground(true);
+    m_player->SetProgramChoosesFiles(true);
+    connect(m_player, &HostPlayer::LoadRequested, this, &PlayerWindow::AskForFiles);
     m_player->SetWritableDirectoryPath(m_workingFolder.Path());
+    m_views = std::make_unique<ViewMemory>(*m_player);
     m_player->SetHint(tr("Wheel: scroll   Ctrl + wheel: zoom   Double click: whole file   Drag: select   "
                          "Space: play and pause   F1: all keys"));
 
@@ -199,7 +205,7 @@ void PlayerWindow::OnFileLoaded()
     ShowFileName();
     m_recentFiles->Add(m_player->GetOriginalAudioFilePath());
     Remembered::KeepFolderOf(Remembered::Folder::Open, m_player->GetOriginalAudioFilePath());
-    Remembered::RestoreView(*m_player);
+    m_views->Restore();
     // Who goes through the list of files goes on there.
     if (!m_files->isAncestorOf(QApplication::focusWidget())) {
         m_player->setFocus();
@@ -249,7 +255,12 @@ void PlayerWindow::OnBusyChanged()
 
 void PlayerWindow::ShowWhatCanBeCancelled()
 {
-    m_progress->SetCancellable(m_player->IsLoading() || m_export.IsRunning() || m_dragHandle->IsWriting());
+    const bool isCancellable = m_player->IsLoading() || m_export.IsRunning() || m_dragHandle->IsWriting();
+    if (!isCancellable && m_progress->isAncestorOf(focusWidget())) {
+        // The button hides, and would leave the focus to what is made next.
+        m_player->setFocus();
+    }
+    m_progress->SetCancellable(isCancellable);
     EndProgressWhenIdle();
 }
 

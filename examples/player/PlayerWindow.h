@@ -25,6 +25,7 @@ class SelectionHistory;
 class SpeedMenu;
 class TaskProgress;
 class ThemeMenu;
+class ViewMemory;
 class ZoomBar;
 
 /** A small audio player: one file with its waveform, played whole or by the stretch that is selected in it. Parts
@@ -152,6 +153,7 @@ private:
     /** For the export that is running. */
     Existing m_existing = Existing::Keep;
 
+    std::unique_ptr<ViewMemory> m_views;
     std::unique_ptr<SelectionHistory> m_history;
     vantoraudio::vantorAudioEngine::UI::AudioPlayerActions* m_actions = nullptr;
     ThemeMenu* m_themes = nullptr;
@@ -160,6 +162,7 @@ private:
     RecentFiles* m_recentFiles = nullptr;
     QAction* m_informationAction = nullptr;
     QAction* m_goToAction = nullptr;
+    QAction* m_selectAllAction = nullptr;
     QMenu* m_exportMenu = nullptr;
     QAction* m_selectionAction = nullptr;
     QAction* m_leftAction = nullptr;

@@ -209,6 +209,7 @@ void PlayerWindow::ShowWhatCanBeExported()
     m_exportMenu->setEnabled(isLoaded && !m_export.IsRunning());
     m_informationAction->setEnabled(isLoaded);
     m_goToAction->setEnabled(isLoaded);
+    m_selectAllAction->setEnabled(isLoaded);
     m_selectionAction->setEnabled(hasSelection);
     m_leftAction->setEnabled(isStereo);
     m_rightAction->setEnabled(isStereo);

@@ -99,7 +99,10 @@ void PlayerWindow::BuildPlayerMenus()
         SetAppearance(appearance);
     });
     view->addMenu(m_themes);
-    menuBar()->addMenu(tr("&Selection"))->addActions(m_actions->All(Actions::Selection));
+    QMenu* selection = menuBar()->addMenu(tr("&Selection"));
+    m_selectAllAction = selection->addAction(tr("Select &all"), QKeySequence::SelectAll, this,
+                                             [this] { SelectRange(0.0, Duration()); });
+    selection->addActions(m_actions->All(Actions::Selection));
 }
 
 void PlayerWindow::AskForPosition()

@@ -1,5 +1,6 @@
 #include "RecentFiles.h"
 
+#include "MenuText.h"
 #include "Question.h"
 
 #include <QtCore/QDir>
@@ -15,12 +16,6 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 constexpr QLatin1StringView Key("recentFiles");
-
-/** What the menus' underlined letters are marked with is an ordinary letter of a name. */
-QString AsMenuText(const QString& path)
-{
-    return QDir::toNativeSeparators(path).replace(u'&', u"&&"_s);
-}
 
 /** Files on a disk that does not answer at once count as there: opening one tells more. */
 QStringList WithoutThoseThatAreGone(const QStringList& files)
@@ -60,7 +55,7 @@ void RecentFiles::Fill()
     clear();
     const QStringList files = WithoutThoseThatAreGone(QSettings().value(Key).toStringList().mid(0, mostFiles));
     for (const QString& path : files) {
-        addAction(AsMenuText(path), this, [this, path] { Q_EMIT FileChosen(path); });
+        addAction(AsMenuText(QDir::toNativeSeparators(path)), this, [this, path] { Q_EMIT FileChosen(path); });
     }
     if (isEmpty()) {
         addAction(tr("No files"))->setEnabled(false);

@@ -47,12 +47,11 @@ void Remembered::RestorePlayer(HostPlayer& player)
     player.SetLoop(settings.value(u"loop"_s).toBool());
 }
 
-void Remembered::RestoreView(HostPlayer& player)
+Remembered::View Remembered::LastView()
 {
     const QSettings settings;
-    if (settings.value(u"view/file"_s).toString() == player.GetOriginalAudioFilePath()) {
-        player.ShowRange(settings.value(u"view/start"_s).toDouble(), settings.value(u"view/end"_s).toDouble());
-    }
+    return {settings.value(u"view/file"_s).toString(), settings.value(u"view/start"_s).toDouble(),
+            settings.value(u"view/end"_s).toDouble()};
 }
 
 void Remembered::KeepFolderOf(Folder folder, const QString& filePath)

@@ -11,8 +11,14 @@ namespace Remembered {
 void KeepPlayer(const HostPlayer& player);
 /** Not the stretch: there is no file yet. */
 void RestorePlayer(HostPlayer& player);
-/** Shows that stretch again, if its file is loaded. */
-void RestoreView(HostPlayer& player);
+/** The stretch, in seconds, and its file. */
+struct View
+{
+    QString file;
+    double start = 0.0;
+    double end = 0.0;
+};
+View LastView();
 
 enum class Folder
 {

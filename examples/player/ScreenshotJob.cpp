@@ -1,21 +1,21 @@
 #include "ScreenshotJob.h"
 
+#include "Failures.h"
+
 #include <QtGui/QPixmap>
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 
-using namespace std::chrono_literals;
-
-ScreenshotJob::ScreenshotJob(PlayerWindow& window, QString filePath, bool playing)
+ScreenshotJob::ScreenshotJob(PlayerWindow& window, QString filePath, bool playing,
+                             std::chrono::milliseconds patience)
     : QObject(&window), m_window(window), m_filePath(std::move(filePath)), m_waitingForSound(playing)
 {
     connect(&window, &PlayerWindow::PictureCompleted, this, &ScreenshotJob::TryNow);
     connect(&window, &PlayerWindow::PositionChanged, this, &ScreenshotJob::OnPositionChanged);
     m_patience.setSingleShot(true);
-    m_patience.callOnTimeout(this, &ScreenshotJob::Save);
-    m_patience.start(30s);
+    m_patience.callOnTimeout(this, &ScreenshotJob::OnPatienceEnded);
+    m_patience.start(patience);
     QTimer::singleShot(0, this, &ScreenshotJob::TryNow);
 }
 
@@ -37,11 +37,26 @@ void ScreenshotJob::TryNow()
     }
 }
 
+void ScreenshotJob::OnPatienceEnded()
+{
+    if (m_window.IsPictureComplete()) {
+        Save();
+    } else {
+        End(tr("No picture was saved: the waveform was not complete in time."));
+    }
+}
+
 void ScreenshotJob::Save()
 {
-    if (m_done) {
-        return;
+    if (!m_done) {
+        End(m_window.grab().save(m_filePath) ? QString() : DescribeExportFailure(m_filePath));
     }
-    m_done = true;
-    Q_EMIT Done(m_window.grab().save(m_filePath));
+}
+
+void ScreenshotJob::End(const QString& failure)
+{
+    if (!m_done) {
+        m_done = true;
+        Q_EMIT Done(failure);
+    }
 }

@@ -87,10 +87,14 @@ ShortcutSheet::ShortcutSheet(QMainWindow& window) : QDialog(&window)
     scroll->setFrameShape(QFrame::NoFrame);
     scroll->setWidget(sheet);
     scroll->setWidgetResizable(true);
+    auto* mouse = PlainLabel(tr("Mouse in the waveform: drag to select, Shift and click to extend the selection, "
+                                "wheel to scroll, Ctrl and wheel to zoom, double click for the whole file."));
+    mouse->setWordWrap(true);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(scroll);
+    layout->addWidget(mouse);
     layout->addWidget(buttons);
 
     scroll->setMinimumWidth(sheet->sizeHint().width() + scroll->verticalScrollBar()->sizeHint().width());

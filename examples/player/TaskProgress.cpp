@@ -1,5 +1,7 @@
 #include "TaskProgress.h"
 
+#include "ButtonKeys.h"
+
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QProgressBar>
 #include <QtWidgets/QPushButton>
@@ -17,6 +19,8 @@ TaskProgress::TaskProgress(QWidget* parent)
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_bar);
     layout->addWidget(m_cancel);
+    // Return presses it, too.
+    m_cancel->setAutoDefault(true);
     connect(m_cancel, &QPushButton::clicked, this, &TaskProgress::CancelRequested);
     m_delay.setSingleShot(true);
     m_delay.setInterval(200ms);
@@ -48,4 +52,19 @@ void TaskProgress::End()
 {
     m_delay.stop();
     hide();
+}
+
+bool TaskProgress::event(QEvent* event)
+{
+    return KeepsFromShortcuts(event, {Qt::Key_Space, Qt::Key_Escape}) || QWidget::event(event);
+}
+
+/** Of the button that has the focus. */
+void TaskProgress::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_Escape) {
+        Q_EMIT CancelRequested();
+    } else {
+        QWidget::keyPressEvent(event);
+    }
 }

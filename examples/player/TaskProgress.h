@@ -6,7 +6,8 @@
 class QProgressBar;
 class QPushButton;
 
-/** A progress bar for the status bar with a button to cancel. It shows itself for tasks that take a while only. */
+/** A progress bar for the status bar with a button to cancel, which Space, Return and Escape press while it has
+ * the focus. It shows itself for tasks that take a while only. */
 class TaskProgress : public QWidget
 {
     Q_OBJECT
@@ -21,6 +22,10 @@ public:
 
 Q_SIGNALS:
     void CancelRequested();
+
+protected:
+    bool event(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     QProgressBar* m_bar;

@@ -111,8 +111,12 @@ void TakeScreenshot(PlayerWindow& window, const Options& options, bool opened)
     }
     const bool playing = opened && options.play && !options.files.isEmpty();
     auto* job = new ScreenshotJob(window, options.screenshot, playing);
-    QObject::connect(job, &ScreenshotJob::Done, qApp,
-                     [opened](bool saved) { QApplication::exit(opened && saved ? 0 : 1); });
+    QObject::connect(job, &ScreenshotJob::Done, qApp, [opened](const QString& failure) {
+        if (!failure.isEmpty()) {
+            QTextStream(stderr) << failure << Qt::endl;
+        }
+        QApplication::exit(opened && failure.isEmpty() ? 0 : 1);
+    });
 }
 
 void OnOpened(PlayerWindow& window, const Options& options)

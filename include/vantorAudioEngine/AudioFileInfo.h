@@ -47,7 +47,7 @@ public:
         /** The disk has too little room for the WAV file. */
         NoSpace,
         /** No WAV file is made at ImportOptions::sampleRate, or not from the file's own rate: a conversion from
-         *  more than some 200 times the target, or to more than 200,000 times the file's rate, may take gigabytes.
+         * more than some 200 times the target, or to more than 200,000 times the file's rate, may take gigabytes.
          */
         UnsupportedRate,
         /** No file of that name may be written there. */
@@ -93,8 +93,8 @@ public:
     [[nodiscard]] QString GetProblemText() const;
 
     /** How many bytes the imported WAV file will need, with the longest header there is, so that files below 4 GiB
-     *  are 36 bytes shorter; 0 when the duration is unknown. With `Automatic` it counts the sample type that the
-     *  import will choose. */
+     * are 36 bytes shorter; 0 when the duration is unknown. With `Automatic` it counts the sample type that the
+     * import will choose. */
     [[nodiscard]] qint64 GetImportedSize(const ImportOptions& options) const;
 
     /**
@@ -113,7 +113,7 @@ private:
 };
 
 /** A translated sentence for each result of a file operation, without the file's name; empty for Success. In the
- *  context of WavFile. */
+ * context of WavFile. */
 [[nodiscard]] VANTORAUDIOENGINE_EXPORT QString TextOf(WavFile::AudioEngineReturnValue result);
 
 } // namespace vantoraudio::AudioEngine

@@ -30,7 +30,7 @@ struct ImportOptions
     int sampleRate = 0;
     SampleFormat sampleFormat = Automatic;
     /** Whether a WAV file of more than 4 GiB becomes an RF64 file, which WavFile opens after
-     *  WavFile::SetLargeFiles(true). Otherwise the import of it is refused. */
+     * WavFile::SetLargeFiles(true). Otherwise the import of it is refused. */
     bool mayBeLarge = true;
 };
 
@@ -85,7 +85,7 @@ public:
                                                       QThreadPool* pool = nullptr);
 
     /** Is told the progress from 0 to 1000, and false ends the import for good. Asked by both threads of an
-     *  import, often. Must not throw. */
+     * import, often. Must not throw. */
     using Observer = std::function<bool(int permille)>;
 
     /** The same on the calling thread; returns when it is done. Its problem is Cancelled when `goesOn` ended it.

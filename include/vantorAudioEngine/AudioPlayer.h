@@ -44,8 +44,9 @@ class StandstillWatch;
  * back that were there before. With Qt 6.4 the connection may be lost for good, and a program that begins without
  * a server never gets sound: errorOccurred() then tells so once a server is there.
  *
- * A WAV or FLAC file with a rate above 384,000 Hz or with more than 64 channels is refused like one that cannot be
- * read: no output plays it, and Qt would crash.
+ * A file with a rate above 384,000 Hz or with more than 64 channels is refused like one that cannot be read: no
+ * output plays it, and Qt would crash. So are pipes, devices and empty files. To find out, a look is taken into
+ * each file; into any other than a WAV file it reads a few megabytes at most.
  *
  * At the end of the file the way back to the selection's start is taken in the next round of the event loop; until
  * then the player is stopped. A selection that starts at or behind the end of the file, or a file without audio,
@@ -66,8 +67,8 @@ public:
     ~AudioPlayer() override;
 
     /** Takes filePath as the source, loading it again if it is the current one, and selects the whole file:
-     *  0 to duration (seconds, stored unchecked). Playback stops. A file that cannot be opened is reported by
-     *  errorOccurred(); source() and the selection are the new ones then, too. */
+     * 0 to duration (seconds, stored unchecked). Playback stops. A file that cannot be opened is reported by
+     * errorOccurred(); source() and the selection are the new ones then, too. */
     void SetAudio(const QString& filePath, double duration);
 
     /** The base class's play(), made safe for the moment in which the device in use has just disappeared. */
@@ -84,9 +85,13 @@ public:
     void PauseResume();
 
     /** Selects a stretch and moves the position to its start; the playback state stays. The times are stored as
-     *  they are: an end before the start makes playback return to the start at its next position report, and a
+     * they are: an end before the start makes playback return to the start at its next position report, and a
      * start behind the end of the file means the end of the file. */
     void SetSelection(double start, double end);
+
+    /** SetSelection(), but a position in the new selection, before its end, stays. Returns whether it has stayed.
+     */
+    bool ChangeSelection(double start, double end);
 
     /** Selects 0 to duration() of the base class, which is 0 before a source is known. The position stays. */
     void ClearSelection();
@@ -95,11 +100,11 @@ public:
     void LoopPlayback(bool loop);
 
     /** The volume in percent of the linear amplitude, passed on as it is: the output brings what is below 0 or
-     *  above 100 into that range. */
+     * above 100 into that range. */
     void SetVolume(int volume);
 
     /** The volume in percent, truncated. It can be one less than what SetVolume() was given, because the output
-     *  holds a float: 57 reads back as 56. */
+     * holds a float: 57 reads back as 56. */
     int Volume() const;
 
     /** Muting leaves the volume as it is. */
@@ -107,21 +112,21 @@ public:
     bool IsMuted() const;
 
     /** How fast the file plays, from 0.25 to 4; anything else is ignored. 1 at first. Holds for every source until
-     *  another rate is set; use it instead of the base class's setPlaybackRate(), which does not with Qt 6.4. The
-     *  pitch rises and falls with the rate: Qt 6.4 to 6.8 play the samples faster or slower. Positions come as
-     *  often as otherwise, so that playback may run past the selection's end by four times as much at a rate
-     *  of 4. With Qt 6.4 a change while the file plays goes back to the latest reported position.
+     * another rate is set; use it instead of the base class's setPlaybackRate(), which does not with Qt 6.4. The
+     * pitch rises and falls with the rate: Qt 6.4 to 6.8 play the samples faster or slower. Positions come as
+     * often as otherwise, so that playback may run past the selection's end by four times as much at a rate
+     * of 4. With Qt 6.4 a change while the file plays goes back to the latest reported position.
      *
-     *  While there is no output device the base class's playbackRate() may be another one. */
+     * While there is no output device the base class's playbackRate() may be another one. */
     void SetPlaybackRate(double rate);
     [[nodiscard]] double GetPlaybackRate() const;
 
     /** Plays on device from now on, also in the middle of playing. A device that QMediaDevices::audioOutputs()
-     *  does not list, or that has gone, is ignored. */
+     * does not list, or that has gone, is ignored. */
     void SetAudioOutputDevice(const QAudioDevice& device);
 
     /** The device that SetAudioOutputDevice() accepted last, or a null device. It stays the answer while that
-     *  device is away and another one stands in for it. */
+     * device is away and another one stands in for it. */
     QAudioDevice GetAudioOutputDevice();
 
 private Q_SLOTS:

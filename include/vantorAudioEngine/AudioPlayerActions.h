@@ -99,7 +99,7 @@ public:
 
 protected:
     /** Leaves arrows, Home and End to the player's own sliders and boxes, and keys to its fields. Keeps the wheel
-     *  from boxes without the focus. */
+     * from boxes without the focus. */
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:

@@ -59,7 +59,7 @@ class VANTORAUDIOENGINE_EXPORT AudioPlayerWidget : public QWidget
 public:
     explicit AudioPlayerWidget(QWidget* parent = nullptr);
     /** Does not wait: tasks in the background are told to end and left alone. After a Close() before it nothing
-     *  is written any more, unless a SetAudioFile() is still decoding: that goes on to its end. */
+     * is written any more, unless a SetAudioFile() is still decoding: that goes on to its end. */
     ~AudioPlayerWidget() override;
 
     /**
@@ -96,12 +96,12 @@ public:
     [[nodiscard]] bool IsLoading() const;
 
     /** Unloads: stops playback, Close(), and an empty view. Duration, name and selection are empty then; the other
-     *  getters still tell of the former file. The player keeps that file: Space plays it, Play() does not. */
+     * getters still tell of the former file. The player keeps that file: Space plays it, Play() does not. */
     void Reset();
     /** Cancels LoadFile(), stops the tasks in the background, waits for their end and closes the file. What there
-     *  is of an unfinished snippet or channel file is removed. The view and the player stay as they are. While it
-     *  is busy, the reports of progress that still wait and BusyChanged(false) come before this returns. A snippet
-     *  that was whole already stays; CreateSnippetFinished() tells of it later, after one more BusyChanged(false).
+     * is of an unfinished snippet or channel file is removed. The view and the player stay as they are. While it
+     * is busy, the reports of progress that still wait and BusyChanged(false) come before this returns. A snippet
+     * that was whole already stays; CreateSnippetFinished() tells of it later, after one more BusyChanged(false).
      */
     void Close();
 
@@ -117,24 +117,27 @@ public:
     /** The full path of the working copy; empty without a file. */
     [[nodiscard]] QString GetAudioFileName() const;
     /** The path of the file that LoadFile() loaded, or that SetAudioFile() was given last and could copy; also
-     *  after Reset(). */
+     * after Reset(). */
     [[nodiscard]] QString GetOriginalAudioFilePath() const;
 
     /** Where working copies lie. The directory must exist; it is neither checked nor created. Empty at first,
-     *  which means the current directory of the program. A compressed file that SetAudioFile() loads from this
-     *  very directory is replaced by its decoded audio: choose one that holds nothing of the user's. */
+     * which means the current directory of the program. A compressed file that SetAudioFile() loads from this
+     * very directory is replaced by its decoded audio: choose one that holds nothing of the user's. */
     [[nodiscard]] QString GetWritableDirectoryPath() const;
     void SetWritableDirectoryPath(const QString& path);
 
     /** Whether SetAudioFile() decodes with Decoder::ConvertToFloat(), after which FLAC files and WAV files under
-     *  unusual names sound right, instead of Decoder::Convert(). Off at first; takes effect with the next load. */
+     * unusual names sound right, instead of Decoder::Convert(). Off at first; takes effect with the next load. */
     [[nodiscard]] bool GetDecodeToFloat() const;
     void SetDecodeToFloat(bool decodeToFloat);
 
     /** Whether the load button calls LoadFile(), and offers all of GetLoadableFiles(), instead of SetAudioFile().
-     *  Off at first. */
+     * Off at first. */
     [[nodiscard]] bool GetLoadInBackground() const;
     void SetLoadInBackground(bool loadInBackground);
+    /** The load button emits LoadRequested() instead of opening a dialog that stands in the current folder. Off at
+     * first. */
+    void SetProgramChoosesFiles(bool programChooses);
     /** The filter of a QFileDialog for LoadFile(): the usual names of audio files, and all files. */
     [[nodiscard]] static QString GetLoadableFiles();
 
@@ -142,18 +145,18 @@ public:
     [[nodiscard]] bool IsBusy() const;
 
     /** Samples for the waveform are being read, or have been and are not shown yet. Ends in the event loop, right
-     *  after ProgressChanged(0, 0, 1, "Updated"), when they are shown; at once with Close(). */
+     * after ProgressChanged(0, 0, 1, "Updated"), when they are shown; at once with Close(). */
     [[nodiscard]] bool IsReadingSamples() const;
 
     /** Shows the audio between two times, in either order, brought into the file's length. SceneRectChanged()
-     *  tells of it. Times that are not finite are ignored, and so is a range that has no length in the file. */
+     * tells of it. Times that are not finite are ignored, and so is a range that has no length in the file. */
     void ShowRange(double start, double end);
 
     /** The first and the last time that show, in seconds; (0, 1) without a file. */
     [[nodiscard]] std::pair<double, double> GetVisibleRange() const;
 
     /** What shows at a place of this widget: the time in seconds, and the lowest and the highest sample; see
-     *  BGFXWaveformWidget. */
+     * BGFXWaveformWidget. */
     [[nodiscard]] double GetTimeAt(const QPoint& position) const;
     [[nodiscard]] std::pair<double, double> GetLevelAt(const QPoint& position) const;
 
@@ -162,7 +165,7 @@ public:
     void SetDelay(double delay);
 
     /** Shows or hides the controls for loading, channel and selection, and allows selecting in the waveform. Off
-     *  at first. Channel box and selection fields of a file that is loaded already are not enabled by this. */
+     * at first. Channel box and selection fields of a file that is loaded already are not enabled by this. */
     void SetEditMode(bool isEditing);
     /** A line of text below the controls; empty hides it. */
     void SetHint(const QString& text);
@@ -173,61 +176,64 @@ public:
     /** What the mouse may do in the view, see BGFXWaveformWidget. */
     void SetInteractions(BGFXWaveformWidget::Interactions interactions);
     /** A position typed into its field moves the player, too, and so does a start of the selection; otherwise the
-     *  player stays, and for the position only AudioPositionChanged() tells of it. Leaving one of the three time
-     *  fields without typing then does nothing. */
+     * player stays, and for the position only AudioPositionChanged() tells of it. Leaving one of the three time
+     * fields without typing then does nothing. */
     void SetTypedPositionSeeks(bool seeks);
     /** Playing begins at the start of the selection where the position lies outside it or in its last 10 ms, and
-     *  without one at 0 in the last 10 ms of the file; otherwise it begins wherever the position is. */
+     * without one at 0 in the last 10 ms of the file; otherwise it begins wherever the position is. */
     void SetPlayReturnsToStart(bool returns);
     /** CreateSnippet() writes a stereo file where both channels of a stereo file are selected; otherwise their
-     *  average. Holds for snippets that start from now on. */
+     * average. Holds for snippets that start from now on. */
     void SetKeepBothChannels(bool keep);
     /** Where 300 s or more are read at once, the waveform shows every peak, however short; otherwise it shows one
-     *  frame in many. Reading takes longer. Holds for the samples that are read from now on, see WavFile. */
+     * frame in many. Reading takes longer. Holds for the samples that are read from now on, see WavFile. */
     void SetKeepPeaks(bool keep);
     /** CreateSnippet() fails where a file has the name, also one that came while the snippet was written, and
-     *  leaves it alone; otherwise it replaces that file. Holds for snippets that start from now on. */
+     * leaves it alone; otherwise it replaces that file. Holds for snippets that start from now on. */
     void SetKeepExistingFiles(bool keep);
     /** While the user types into the position field or has text selected there, playing does not write it over,
-     *  and where it does the cursor keeps its place. */
+     * and where it does the cursor keeps its place. */
     void SetEditedPositionStays(bool stays);
     /** Another channel keeps the visible range and the position, and plays on; otherwise it shows the whole file
-     *  and waits at the start of the selection or file. */
+     * and waits at the start of the selection or file. */
     void SetChannelChangeKeepsPlace(bool keeps);
 
+    /** While it plays, a selection that changes around the position does not move it; otherwise every change of
+     * the selection plays it from its start. */
+    void SetSelectionChangeKeepsPlace(bool keeps);
     /** Another output device plays on where it is; otherwise SetAudioOutputDevice() stops. */
     void SetDeviceChangeKeepsPlace(bool keeps);
 
     /** That of the last file, also after Reset(); ChannelNone before the first one. */
     [[nodiscard]] WavFile::ChannelFormat GetSelectedChannel() const;
     /** Chooses the channel that is played, as the channel box does, and filters it in the background:
-     *  BusyChanged() tells of it. On failure the former channel comes back, and ErrorHandler() is called. Does
-     *  nothing when the file does not offer it, or after Close(). */
+     * BusyChanged() tells of it. On failure the former channel comes back, and ErrorHandler() is called. Does
+     * nothing when the file does not offer it, or after Close(). */
     void SetSelectedChannel(WavFile::ChannelFormat channel);
 
     /** Start and end; (0, 0) without a selection. A new selection is cut to BGFXWaveformWidget::MAX_SNIPPET_LENGTH
-     *  and to the visible range, or with Interaction::SelectBeyondView to the file; one that is not finite is
-     *  ignored. Without a file the visible range is (0, 1). */
+     * and to the visible range, or with Interaction::SelectBeyondView to the file; one that is not finite is
+     * ignored. Without a file the visible range is (0, 1). */
     [[nodiscard]] std::pair<double, double> GetSelectedSnippet() const;
     void SetSelectedSnippet(std::pair<double, double> snippet);
     /** The position stays. WaveFormSelectionChanged((0, 0)) tells of it; does nothing without a selection. */
     void ClearSelection();
     /** Writes the selection of the selected channel to a new file, in the background. Ends with
-     *  CreateSnippetFinished() or ErrorHandler(). Dropped without a word while samples are being read. If an
-     *  earlier snippet is still being written, its file is finished without a signal.
+     * CreateSnippetFinished() or ErrorHandler(). Dropped without a word while samples are being read. If an
+     * earlier snippet is still being written, its file is finished without a signal.
      *
-     *  Without a selection the new file has no frames, and it replaces an older one all the same: ask
-     *  GetSelectedSnippet() first. */
+     * Without a selection the new file has no frames, and it replaces an older one all the same: ask
+     * GetSelectedSnippet() first. */
     void CreateSnippet(const QString& filePath);
     /** Stops the snippet that is being written; nothing is left of it. The reports of progress that still wait and
-     *  BusyChanged() come before this returns true; nothing else tells of it.
+     * BusyChanged() come before this returns true; nothing else tells of it.
      *
-     *  False when no snippet is being written, or it has ended already, of which CreateSnippetFinished() or
-     *  ErrorHandler() still tells. A whole snippet stays. */
+     * False when no snippet is being written, or it has ended already, of which CreateSnippetFinished() or
+     * ErrorHandler() still tells. A whole snippet stays. */
     bool CancelSnippet();
 
     /** Plays from the current position; does nothing while it plays, before the first file, or after Reset().
-     *  After Close() it plays the file that was loaded. */
+     * After Close() it plays the file that was loaded. */
     void Play();
     /** Stays where it is; does nothing while it does not play. */
     void Pause();
@@ -235,22 +241,22 @@ public:
     /** Stops and goes back to the start. */
     void StopPlayback();
     /** Moves player and position line to a time in seconds. The player brings it into the file, the line stands
-     *  wherever it is told to, see BGFXWaveformWidget. */
+     * wherever it is told to, see BGFXWaveformWidget. */
     void UpdateAudioPosition(double seconds);
     /** The player's position in seconds; 0 before the first file. */
     [[nodiscard]] double GetAudioPosition() const;
     /** Whether the selection, or the whole file, is played again and again; off at first. LoopChanged() tells of a
-     *  change, whoever makes it. */
+     * change, whoever makes it. */
     void SetLoop(bool loop);
     [[nodiscard]] bool GetLoop() const;
     /** How fast files play, from 0.25 to 4; anything else is ignored. 1 at first, and kept when another file is
-     *  loaded. The pitch changes with it, see AudioPlayer. No signal tells of it. */
+     * loaded. The pitch changes with it, see AudioPlayer. No signal tells of it. */
     void SetPlaybackRate(double rate);
     [[nodiscard]] double GetPlaybackRate() const;
     /** Stops playback, which goes back to the start; the next playback is on this device. The selection still
-     *  shows, but the whole file is played until the user presses Stop or the selection changes. A device that
-     *  AudioPlayer does not accept leaves the former one in use until StopPlayback() or the next file: both ask
-     *  for it again. See SetDeviceChangeKeepsPlace(). */
+     * shows, but the whole file is played until the user presses Stop or the selection changes. A device that
+     * AudioPlayer does not accept leaves the former one in use until StopPlayback() or the next file: both ask
+     * for it again. See SetDeviceChangeKeepsPlace(). */
     void SetAudioOutputDevice(const QAudioDevice& device);
     /** Percent; below 0 counts as 0, above 100 as 100. No signal tells of it. */
     void SetAudioPlayBackVolume(int volume);
@@ -261,8 +267,8 @@ public:
     [[nodiscard]] bool GetAudioPlayBackMute() const;
 
     /** From now on the controls are as large as the font of this widget needs, and their rows break where the
-     *  widget is too narrow for them; otherwise their sizes are fixed, and style sheets may count on them. The
-     *  widget's minimum width is then that of the narrowest arrangement. Cannot be taken back. */
+     * widget is too narrow for them; otherwise their sizes are fixed, and style sheets may count on them. The
+     * widget's minimum width is then that of the narrowest arrangement. Cannot be taken back. */
     void UseFlexibleSizes();
 
     // Colours and marker of the waveform, see BGFXWaveformWidget. They show with the next repaint: call update()
@@ -291,7 +297,7 @@ public:
      * button gets `:/Resources/vantoraudioPreferences_night.svg` (or `_day.svg`), which the program embeds. */
     void SetNightIcons(bool night);
     /** Play and pause share one button, which shows what a click does. Mute and unmute share one, too, which shows
-     *  the present state. */
+     * the present state. */
     void SetIconPlay(const QIcon& icon);
     void SetIconPause(const QIcon& icon);
     void SetIconStop(const QIcon& icon);
@@ -325,7 +331,7 @@ Q_SIGNALS:
     /** The visible range: x and width in seconds, height half the amplitude range. */
     void SceneRectChanged(const QRectF& sceneRect);
     /** Emit this to show another range, or connect it to the SceneRectChanged() of another view. Nothing in here
-     *  emits it. */
+     * emits it. */
     void SceneRectChangeRequested(const QRectF& sceneRect);
     /** Writing a snippet or filtering a channel begins (true) or has ended, see IsBusy(). */
     void BusyChanged(bool state);
@@ -346,6 +352,8 @@ Q_SIGNALS:
      * QMediaPlayer::errorOccurred() has it, mostly in English. What is loaded stays. Comes from the event loop, so
      * that a slot may destroy the widget or load another file, and not when another file is there by then. */
     void PlaybackFailed(const QString& reason);
+    /** The load button was pressed, and the program is to choose the file, see SetProgramChoosesFiles(). */
+    void LoadRequested();
 
 protected:
     /** The platform's key for selecting everything selects all that is visible, or with
@@ -354,7 +362,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     /** Every failed step on a file comes here, with its code; Success when a file is missing that should have been
-     *  written. Does nothing by itself. */
+     * written. Does nothing by itself. */
     virtual void ErrorHandler(WavFile::AudioEngineReturnValue error);
 
 private Q_SLOTS:

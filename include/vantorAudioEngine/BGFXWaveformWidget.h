@@ -55,10 +55,10 @@ public:
     static constexpr int MAX_SNIPPET_LENGTH = 5400;
 
     /** The step of grid and ruler for a visible span, both in seconds; 0.0 when the span is not above 0 and below
-     *  1,080,000. */
+     * 1,080,000. */
     [[nodiscard]] static double CalculateScale(double span);
     /** The ruler's label for a time in seconds, for example "1:15.250 min". Below 0 and from 24 hours on only the
-     *  unit, which is translated. */
+     * unit, which is translated. */
     [[nodiscard]] static QString FormatToTime(double seconds);
 
     explicit BGFXWaveformWidget(QWidget* parent = nullptr);
@@ -76,51 +76,54 @@ public:
      */
     void Initilize(QAudioFormat format, double duration);
     /** Forgets the file: only the grid is drawn until the next Initilize(). The delay and everything that was
-     *  switched on or set otherwise stay: colours, icon, edit mode, interactions, wheel, focus, following. */
+     * switched on or set otherwise stay: colours, icon, edit mode, interactions, wheel, focus, following. */
     void Reset();
     /** Schedules a repaint. */
     void Update();
     /** The answer to the latest GetSamples(): one value per `stepSize` frames, about -1.0 to 1.0, from its start
-     *  time on; other values are drawn, too, those that are not finite as silence. An empty list leaves only the
-     *  grid or, with a delay, its silence. The list is shared with the caller, not copied; the view keeps what it
-     *  holds now, also when the caller changes it later. */
+     * time on; other values are drawn, too, those that are not finite as silence. An empty list leaves only the
+     * grid or, with a delay, its silence. The list is shared with the caller, not copied; the view keeps what it
+     * holds now, also when the caller changes it later. */
     void UpdateAudioSampleBuffer(const QList<float>& samples);
 
     /** Moves the position line, and the visible range after it: a page on, or back to the position. Any position
      * is kept as it is, also one outside the file: behind it the view shows the file's end, before 0 it begins at
-     *  the position. AudioPositionChanged() is not emitted. */
+     * the position. AudioPositionChanged() is not emitted. */
     void SetAudioPosition(double position);
+    /** SetAudioPosition(), but the visible range stays where it is. */
+    void SetAudioPositionKeepingView(double position);
     [[nodiscard]] double GetAudioPosition() const;
     /** How fast the position line moves on by itself between two calls of SetAudioPosition(), in seconds of the
      * file a second: the speed of a file that plays, or 0, as at first, of one that does not. The line then moves
      * as often as screens show a picture, for half a second at most without a call, and not beyond the end of the
      * file; it waits rather than go back by less than a tenth of a second. GetAudioPosition() and the visible
      * range know only what was set. A rate that is not above 0 and at most 16 counts as 0; Initilize() and
-     *  Reset() set it to 0. */
+     * Reset() set it to 0. */
     void SetPositionRate(double rate);
     /** Whether SetAudioPosition() moves the visible range, as at first, or only the line. */
     void SetFollowsPosition(bool follows);
     [[nodiscard]] bool GetFollowsPosition() const;
     /** With true a visible range that follows shows any position at once: beyond the next page, and on the way
-     *  back, in its middle. Where it shows the whole selection it also stays for what a player plays past the end
-     *  of that, up to half a second. Off at first: it then turns one page a call, and on the way back begins at
-     * the position. */
+     * back, in its middle. Where it shows the whole selection it also stays for what a player plays past the end
+     * of that, up to half a second. It also stays while the user holds the left button on it, and an
+     * AudioPlayerWidget's for the reports that a change of its selection leads to. Off at first: it then turns one
+     * page a call, and on the way back begins at the position. */
     void SetShowsPositionAtOnce(bool atOnce);
     [[nodiscard]] bool GetShowsPositionAtOnce() const;
     /** With true GetSamples() asks whenever a part of the view has no samples, or coarser ones than it could show,
-     *  but never twice in a row for the same. Holds from the next change of the view on. Off at first: a view that
-     *  begins at 0 or ends with the file then keeps the samples it has, and stays empty where it has none. */
+     * but never twice in a row for the same. Holds from the next change of the view on. Off at first: a view that
+     * begins at 0 or ends with the file then keeps the samples it has, and stays empty where it has none. */
     void SetKeepsViewFilled(bool filled);
     [[nodiscard]] bool GetKeepsViewFilled() const;
 
     /** Selects a range, in either order, cut to MAX_SNIPPET_LENGTH and to the visible range (see
-     *  Interaction::SelectBeyondView). Moves the position to its start and emits SelectionChanged(), unless it
+     * Interaction::SelectBeyondView). Moves the position to its start and emits SelectionChanged(), unless it
      * differs by less than a millisecond from the selection. */
     void SetSelectedSnippet(std::pair<double, double> snippet);
     /** (0, 0) without a selection. */
     [[nodiscard]] std::pair<double, double> GetSelectedSnippet() const;
     /** Moves one end of the selection, cut as above; the start takes the position along, the end does not. Without
-     *  a selection the other end is that of the last one. */
+     * a selection the other end is that of the last one. */
     void SetSelectionStartTime(double start);
     void SetSelectionEndTime(double end);
     /** 0.0 without a selection. */
@@ -142,8 +145,8 @@ public:
     [[nodiscard]] std::pair<double, double> GetVisibleRange() const;
 
     /** Seconds of silence shown behind the audio. Makes everything visible again. The samples at hand get their
-     *  silence with the next UpdateAudioSampleBuffer(). A negative delay takes its length off the end of what can
-     *  be shown; one that is not finite leaves nothing to show until another is set. */
+     * silence with the next UpdateAudioSampleBuffer(). A negative delay takes its length off the end of what can
+     * be shown; one that is not finite leaves nothing to show until another is set. */
     void SetDelay(double delay);
     [[nodiscard]] double GetDelay() const;
 
@@ -156,29 +159,33 @@ public:
         /** Selections are limited by the file instead of the visible range, so that they survive zooming in. A
          * drag past the border scrolls on. A selection that is moved stops at the file's edges. */
         SelectBeyondView = 1,
-        /** A drag that begins anywhere inside the selection moves it. A click there still clears it. */
+        /** A drag that begins anywhere inside the selection moves it. A click there still clears it. What a press
+         * grabs is what it meets, also when view or selection have changed since the mouse was moved. */
         MoveFromInside = 2,
-        /** Shift and a click move the nearer end of the selection to the pointer; without a selection they select
-         *  from the position to the pointer. */
+        /** Shift and a click or drag move the nearer end of the selection to the pointer; without a selection they
+         * select from the position to the pointer. */
         ExtendWithShift = 4,
         /** The other buttons do nothing: a menu of the program's may open, see QWidget::contextMenuPolicy(). */
         LeftButtonOnly = 8,
         /** A selection that was cleared leaves no times behind: a single end set later begins an empty one. */
         ForgetCleared = 16,
         /** The second click of a double click, which makes everything visible, moves no position. */
-        DoubleClickOnlyZooms = 32
+        DoubleClickOnlyZooms = 32,
+        /** A press becomes a drag, which selects or moves a selection, only behind the platform's drag distance;
+         * until then it stays a click. An edge of the selection still follows each pixel. */
+        DragFromDistance = 64
     };
     Q_DECLARE_FLAGS(Interactions, Interaction)
     /** Holds from the next event or call on; a drag that is under way may end differently. Outside edit mode the
-     *  mouse follows only LeftButtonOnly; SelectBeyondView and ForgetCleared also hold for selections that the
-     *  program sets. */
+     * mouse follows only LeftButtonOnly; SelectBeyondView and ForgetCleared also hold for selections that the
+     * program sets. */
     void SetInteractions(Interactions interactions);
     [[nodiscard]] Interactions GetInteractions() const;
 
     /** With true, as at first, turning the wheel back (toward the user) while Control is held zooms out. */
     void SetScrollBackToZoomOut(bool scrollBackToZoomOut);
     /** How many times as much shows after one notch of the wheel that zooms out; one that zooms in undoes it. From
-     *  above 1 to 10; other factors are ignored. Until one is set, a notch adds or takes a fifteenth of the view.
+     * above 1 to 10; other factors are ignored. Until one is set, a notch adds or takes a fifteenth of the view.
      */
     void SetWheelZoomFactor(double factor);
 
@@ -197,7 +204,8 @@ public:
     void SetColorsFollowPalette(bool follow);
     [[nodiscard]] bool GetColorsFollowPalette() const { return m_setColors != nullptr; }
     /** The view takes the keyboard focus, by Tab and by a click, and shows it as a frame around the waveform that
-     *  stands out from the window 3 to 1. All keys go on to the parent. Off at first. */
+     * stands out from the window 3 to 1. All keys go on to the parent. Off at first. An AudioPlayerWidget of
+     * which this is set hands its own focus to the view. */
     void SetTakesFocus(bool takesFocus);
     [[nodiscard]] bool GetTakesFocus() const { return m_takesFocus; }
     // Colours take effect with the next repaint.
@@ -232,7 +240,8 @@ public:
      * The program goes on calling bgfx's frame() and passes on what it returns to HostFrameEnded(), a few times at
      * least after each change of a waveform: a picture takes three frames. Call these functions on the GUI thread,
      * which must be the one that bgfx's init() was called on. False leaves everything as it was: the library was
-     * built without bgfx, the version is another, bgfx is not running, or it cannot read pictures back.
+     * built without bgfx, the version is another, bgfx is not running, it does not have all these views
+     * (`limits.maxViews` of its capabilities), or it cannot read pictures back.
      */
     static bool UseHostRenderer(const void* bgfxFunctions, quint32 bgfxVersion, quint16 firstView,
                                 quint16 viewCount);
@@ -246,7 +255,7 @@ Q_SIGNALS:
     /** Samples are needed from `startTime` to `endTime`, one per `stepSize` frames. */
     void GetSamples(double startTime, double endTime, int stepSize);
     /** The selection is another one: start and end in seconds, or (0, 0) for none. A click that clears it emits
-     *  AudioPositionChanged() instead. */
+     * AudioPositionChanged() instead. */
     void SelectionChanged(std::pair<double, double> selectedSnippet);
     /** The user clicked a position; the selection is gone then. */
     void AudioPositionChanged(double position);
@@ -255,7 +264,7 @@ Q_SIGNALS:
 
 public Q_SLOTS:
     /** Shows the range of another view: left and right of `rect`, in either order, brought into the file's length.
-     *  Ignored while it is already running, so that two views may be connected both ways. */
+     * Ignored while it is already running, so that two views may be connected both ways. */
     void OnSceneRectChangeRequested(const QRectF& rect);
 
 private Q_SLOTS:

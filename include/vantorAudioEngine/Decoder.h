@@ -99,6 +99,6 @@ private:
                                     const QString& path);
 
     /** Writes the header of `dataSize` bytes of 32-bit float samples to the start of `file`. Its fields hold the
-     *  lowest 32 bits of what they state. 1 when all of its 44 bytes were written, else 0. */
+     * lowest 32 bits of what they state. 1 when all of its 44 bytes were written, else 0. */
     static int WriteHeader(QFile& file, int dataSize, int sampleRate, int channelCount);
 };

@@ -38,8 +38,8 @@ public:
 
 Q_SIGNALS:
     /** For the owner to emit; nothing in here does. On Linux Qt 6.4 never emits
-     *  QMediaDevices::audioOutputsChanged(), and 6.8 not for every device that goes: ask again whenever you open a
-     *  menu. */
+     * QMediaDevices::audioOutputsChanged(), and 6.8 not for every device that goes: ask again whenever you open a
+     * menu. */
     void AudioDeviceListChanged(const QList<QAudioDevice>& deviceList);
 
 private:

@@ -52,7 +52,7 @@ public:
     };
 
     /** The channel that extraction, filtering and export use. On a stereo file every value but ChannelLeft and
-     *  ChannelRight, also one without a name, means the average of both; on a mono file the value is ignored. */
+     * ChannelRight, also one without a name, means the average of both; on a mono file the value is ignored. */
     enum ChannelFormat : int
     {
         ChannelNone = 0,
@@ -151,10 +151,10 @@ public:
     /** Whether ReadData() keeps every peak; false after construction. */
     [[nodiscard]] bool GetKeepPeaks() const;
     /** With true the values of ReadData() are, for every two steps, the lowest and then the highest sample of all
-     *  their frames, so that a view shows each peak, however short. A rest of one step or less gives the one that
-     * is farther from 0. Infinite samples, and those that are not numbers, count as 0. That takes longer, as every
-     *  frame is decoded. Otherwise, and with steps of one frame, the values are the first sample of each step.
-     *  Applies to the extractions that start from now on. Any thread. */
+     * their frames, so that a view shows each peak, however short. A remainder of one step or less gives the one
+     * that is farther from 0. Infinite samples, and those that are not numbers, count as 0. That takes longer, as
+     * every frame is decoded. Otherwise, and with steps of one frame, the values are the first sample of each
+     * step. Applies to the extractions that start from now on. Any thread. */
     void SetKeepPeaks(bool keep);
 
     /** Customary after construction. */
@@ -204,7 +204,7 @@ public:
      * there), when the file cannot be read to its end or is shorter than at Open(), when the disk has no room for
      * the result, the file's rate is hundreds of times the target's or the target's more than 200,000 times the
      * file's (at once), when the output cannot be written, and when a file is refused (see SetExistingFile()).
-     * What the resampler refuses, and that no frame comes out, is told on the standard error stream.
+     * What the resampler refuses, and that no frame comes out, is reported on the standard error stream.
      *
      * Throws std::bad_optional_access when one side has neither one nor two channels. No progress and no abort;
      * the object must not be used by anyone else meanwhile, except for the tasks in the background when the
@@ -255,7 +255,7 @@ private:
     friend struct vantoraudio::AudioEngine::SnippetExport;
 
     /** Reads the header of the open file into the fields; they keep what was read before a failing check, and the
-     *  file stays where reading stopped. */
+     * file stays where reading stopped. */
     AudioEngineReturnValue ReadHeader();
 
     /** The number of FFmpeg's interleaved sample format, or -1 for what the library does not convert. */
@@ -264,7 +264,8 @@ private:
     static std::optional<ChannelLayout> SelectChannelLayout(const QAudioFormat& format);
 
     // The library itself never calls the functions from here on: it does the same with functions that its other
-    // classes share. They are the class's building blocks by name, and tests hold them to the same results.
+    // classes share. They are the class's building blocks, kept under their names, and tests hold them to the same
+    // results.
 
     /** Writes the header that describes the file format and `dataSize` bytes of samples to the start of this file,
      * which must be open for writing, and goes behind it. ErrorInvalidFormat writes nothing. */
@@ -275,7 +276,7 @@ private:
     static int SamplesToBytes(int samples, int a, int b);
 
     /** Decode a block of whole frames: one value for every `step` of them. ReadBlock() chooses the reader by the
-     *  format and the sample size. */
+     * format and the sample size. */
     QList<float> ReadBlock(const QByteArray& block, int step, const QAudioFormat& format, ChannelFormat channel);
     QList<float> ReadS16Block(const QByteArray& block, int step, const QAudioFormat& format,
                               ChannelFormat channel);
@@ -289,8 +290,8 @@ private:
     float ReadS24S(const unsigned char* bytes, const QAudioFormat& format);
 
     /** Append the samples of one channel of a block of whole frames to `destination`, which is open and has its
-     *  header; channels other than ChannelLeft and ChannelRight give the average of both. The caller chooses the
-     *  writer that fits the format and the sample size. */
+     * header; channels other than ChannelLeft and ChannelRight give the average of both. The caller chooses the
+     * writer that fits the format and the sample size. */
     void WriteS16Block(const QByteArray& block, WavFile& destination, const QAudioFormat& format,
                        ChannelFormat channel);
     void WriteS32Block(const QByteArray& block, WavFile& destination, const QAudioFormat& format,
@@ -309,7 +310,7 @@ private:
     bool m_abortWrite = false;
     bool m_abortChannelFilter = false;
     /** Guards the samples, the abort flags and the snapshot that a task takes when it starts. Flags and selected
-     *  channel are read without it, one at a time. */
+     * channel are read without it, one at a time. */
     mutable QMutex m_mutex;
     int m_sampleSize = 0;
     ChannelFormat m_selectedChannel = ChannelNone;

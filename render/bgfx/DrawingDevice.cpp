@@ -88,7 +88,7 @@ bool DrawingDevice::Ensure()
         return true;
     }
     const bool hasApplication = QCoreApplication::instance() && !QCoreApplication::closingDown();
-    return hasApplication && ((m_host && UseHost(*m_host)) || MakeFirstFrom(m_firstKind));
+    return hasApplication && ((m_host && !m_isHostLost && UseHost(*m_host)) || MakeFirstFrom(m_firstKind));
 }
 
 void DrawingDevice::Adopt(std::unique_ptr<device::Device> device)
@@ -122,6 +122,7 @@ bool DrawingDevice::UseHost(const device::HostRenderer& host)
         return false;
     }
     m_host = host;
+    m_isHostLost = false;
     Adopt(std::move(device));
     return true;
 }
@@ -143,10 +144,12 @@ void DrawingDevice::OnHostFrame(std::uint32_t number)
 bool DrawingDevice::ReplaceLost()
 {
     const device::Kind lost = Kind();
-    if (lost == device::Kind::Bgfx) {
+    if (lost == device::Kind::Bgfx && m_host && !m_isHostLost) {
+        // Nothing is known of a bgfx of our own, which may have to wait until the host's is gone.
+        m_isHostLost = true;
+    } else if (lost == device::Kind::Bgfx) {
         // It is not tried again and again: starting it takes long, and there is a warning each time.
         m_firstKind = Next(lost);
-        m_host.reset();
     }
     const bool isReplaced = MakeFirstFrom(Next(lost));
     qWarning("vantorAudioEngine: %s does not draw the waveforms (any more); %s does from now on", NameOf(lost),

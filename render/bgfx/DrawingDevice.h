@@ -75,6 +75,8 @@ private:
     /** What Ensure() tries first. */
     device::Kind m_firstKind;
     std::optional<device::HostRenderer> m_host;
+    /** It is not drawn with until the host hands it over again. */
+    bool m_isHostLost = false;
     int m_views = 0;
 };
 

@@ -65,11 +65,12 @@ public:
         QVERIFY(OpenCompletely(window, Recording));
         window.SelectRange(1.0, 2.5);
     }
-    /** What is selected of a file of so many minutes takes a while to write. */
+    /** What is selected of a file of so many minutes takes a while to write, also because its samples get another
+     * format. */
     explicit Setup(int minutes)
     {
         const QString path = folder.filePath(u"long.wav"_s);
-        QVERIFY(WriteSilence(path, minutes));
+        QVERIFY(WriteSilence(path, minutes, 24));
         QVERIFY(Activate(window));
         QVERIFY(OpenCompletely(window, path));
         window.SelectRange(0.0, window.Duration());
@@ -298,7 +299,7 @@ private Q_SLOTS:
 
     void aLongSelectionShowsItsProgressAndCanBeCancelled()
     {
-        Setup setup(60);
+        Setup setup(90);
         Drags drags(setup.Handle());
         QSignalSpy ended(&setup.Handle(), &DragHandle::Ended);
         const auto* progress = setup.window.findChild<TaskProgress*>();

@@ -471,6 +471,79 @@ private Q_SLOTS:
         QVERIFY(std::abs(start - 2.0) < 0.001 && std::abs(end - 5.0) < 0.001);
     }
 
+    void comingBackToAFileShowsWhatItWasLeftWith()
+    {
+        const Copies copies({u"other.wav"_s});
+        const QString other = copies.Path(u"other.wav"_s);
+        {
+            PlayerWindow window;
+            QVERIFY(Activate(window));
+            QVERIFY(OpenCompletely(window, Recording));
+            window.ShowRange(2.0, 5.0);
+            Close(window);
+        }
+        PlayerWindow again;
+        QVERIFY(Activate(again));
+        const auto view = [&] { return PlayerOf(again)->GetVisibleRange(); };
+        QVERIFY(OpenCompletely(again, Recording));
+        QCOMPARE(view(), std::make_pair(2.0, 5.0));
+        QTest::keyClick(&again, Qt::Key_0);
+        const auto whole = view();
+        QVERIFY(whole.second > 17.0);
+        QVERIFY(OpenCompletely(again, other));
+        QCOMPARE(view(), whole);
+        again.ShowRange(3.0, 4.0);
+        QVERIFY(OpenCompletely(again, Recording));
+        QCOMPARE(view(), whole);
+        QVERIFY(OpenCompletely(again, other));
+        QCOMPARE(view(), std::make_pair(3.0, 4.0));
+    }
+
+    void selectsAllFromWhereverTheFocusIs()
+    {
+        const Copies copies({u"other.wav"_s});
+        PlayerWindow window;
+        QVERIFY(Activate(window));
+        QTest::keyClick(&window, Qt::Key_A, Qt::ControlModifier);
+        QCOMPARE(PlayerOf(window)->GetSelectedSnippet(), std::make_pair(0.0, 0.0));
+        QVERIFY(OpenCompletely(window, Recording));
+        const auto all = std::make_pair(0.0, window.Duration());
+        window.ShowRange(3.0, 5.0);
+        for (QWidget* place : {static_cast<QWidget*>(PlayerOf(window)), ChildNamed<QWidget>(window, u"zoom"_s)}) {
+            place->setFocus();
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_A, Qt::ControlModifier);
+            QCOMPARE(PlayerOf(window)->GetSelectedSnippet(), all);
+            window.SelectRange(0.0, 0.0);
+        }
+        // Alt+S opens the menu.
+        QTest::keyClick(&window, Qt::Key_S, Qt::AltModifier);
+        PressInMenu(Qt::Key_A);
+        QCOMPARE(PlayerOf(window)->GetSelectedSnippet(), all);
+    }
+
+    void controlAStaysATextsOwnWhereOneIsTyped()
+    {
+        PlayerWindow window;
+        QVERIFY(Activate(window));
+        QVERIFY(OpenCompletely(window, Recording));
+        auto* field = ChildNamed<QLineEdit>(window, u"edCurrentPosition"_s);
+        field->setFocus();
+        field->deselect();
+        QTest::keyClick(field, Qt::Key_A, Qt::ControlModifier);
+        QCOMPARE(field->selectedText(), field->text());
+        Answers answers;
+        answers.Add<GoTo>([&](GoTo& dialog) {
+            auto* time = dialog.findChild<QLineEdit*>();
+            QTest::keyClicks(time, u"12"_s);
+            QTest::keyClick(time, Qt::Key_A, Qt::ControlModifier);
+            QCOMPARE(time->selectedText(), u"12"_s);
+            QTest::keyClick(&dialog, Qt::Key_Escape);
+        });
+        QTest::keyClick(&window, Qt::Key_G, Qt::ControlModifier);
+        QVERIFY(answers.AreGiven());
+        QCOMPARE(PlayerOf(window)->GetSelectedSnippet(), std::make_pair(0.0, 0.0));
+    }
+
     void takesNoHarmFromDamagedSettings()
     {
         QSettings settings;

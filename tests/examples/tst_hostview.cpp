@@ -1,5 +1,6 @@
 #include "Contrast.h"
 #include "LevelMeter.h"
+#include "LevelReader.h"
 #include "PlayerWindows.h"
 #include "PointerLabel.h"
 #include "SettingsDialog.h"
@@ -643,6 +644,36 @@ private Q_SLOTS:
         QTest::keyClick(&window, Qt::Key_Space);
         QTRY_COMPARE(meter->Loudest(), silence);
         QCOMPARE(accessible->text(QAccessible::Value), u"silent"_s);
+    }
+
+    void theMeterLeavesOutNothingBetweenTwoLooks()
+    {
+        constexpr int rate = 44100;
+        // One loud sample, a second in.
+        QByteArray samples(qsizetype(3) * rate * 2, '\0');
+        samples.replace(qsizetype(rate) * 2, 2, WavTest::PackS16({16384}));
+        const QTemporaryDir folder;
+        QFile file(folder.filePath(u"click.wav"_s));
+        const QByteArray bytes = WavTest::WavBytes{.data = samples}.Build();
+        QVERIFY(file.open(QFile::WriteOnly) && file.write(bytes) == bytes.size() && file.flush());
+        PlayerWindow window;
+        QVERIFY(Open(window, file.fileName()));
+        const auto look = [&](double before, double seconds) {
+            LevelReader reader;
+            reader.PeaksBefore(before, *PlayerOf(window));
+            return reader.PeaksBefore(seconds, *PlayerOf(window)).value(0) > 0.4;
+        };
+        // 33 ms later, at one and at two times the speed.
+        QVERIFY(look(0.995, 1.028));
+        QVERIFY(look(0.995, 1.061));
+        QVERIFY(look(0.995, 1.19));
+        // In the last 50 ms, whatever was before.
+        QVERIFY(look(1.02, 1.04));
+        QVERIFY(look(2.5, 1.04));
+        // A jump is not played.
+        QVERIFY(!look(0.1, 1.1));
+        QVERIFY(!look(0.5, 0.9));
+        QVERIFY(!look(1.01, 1.1));
     }
 
     void everyToolHasAToolTipAndAName()

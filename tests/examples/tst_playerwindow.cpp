@@ -5,6 +5,7 @@
 #include "PointerLabel.h"
 #include "ScreenshotJob.h"
 #include "SettingsDialog.h"
+#include "ShortcutSheet.h"
 #include "TaskProgress.h"
 #include "tests/support/HeldFile.h"
 #include "tests/support/WavBytes.h"
@@ -16,6 +17,7 @@
 #include <QtCore/QFile>
 #include <QtCore/QMimeData>
 #include <QtCore/QProcess>
+#include <QtCore/QScopeGuard>
 #include <QtCore/QStandardPaths>
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QTimer>
@@ -42,6 +44,7 @@
 #include <QtWidgets/QToolButton>
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <functional>
 #include <string_view>
@@ -386,6 +389,43 @@ private Q_SLOTS:
         QVERIFY(log.isCancelled && !progress->isVisible());
     }
 
+    void theCancelButtonIsPressedByKeys_data()
+    {
+        QTest::addColumn<Qt::Key>("key");
+        QTest::newRow("Space") << Qt::Key_Space;
+        QTest::newRow("Return") << Qt::Key_Return;
+        QTest::newRow("Escape") << Qt::Key_Escape;
+    }
+    void theCancelButtonIsPressedByKeys()
+    {
+        QFETCH(const Qt::Key, key);
+        QTemporaryDir folder;
+        const QString path = folder.filePath(u"stuck.wav"_s);
+        QVERIFY(QFile::copy(Recording, path));
+        const HeldFile held(path);
+        if (!held.IsHeld()) {
+            QSKIP("This file system lets every reader in.");
+        }
+        PlayerWindow window;
+        QVERIFY(Activate(window));
+        QVERIFY(OpenCompletely(window, Recording));
+        window.SelectRange(1.0, 2.0);
+        const WindowLog log(window);
+        window.OpenFile(path);
+        const auto* progress = window.findChild<TaskProgress*>();
+        const auto* cancel = progress->findChild<QPushButton*>();
+        QTRY_VERIFY(cancel->isVisible());
+        for (int i = 0; i < 100 && !cancel->hasFocus(); ++i) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        }
+        QVERIFY(cancel->hasFocus());
+        QTest::keyClick(QApplication::focusWidget(), key);
+        QVERIFY(log.isCancelled && !progress->isVisible());
+        QVERIFY(!PlayerOf(window)->IsPlaying());
+        QCOMPARE(PlayerOf(window)->GetSelectedSnippet(), std::make_pair(1.0, 2.0));
+        QVERIFY(PlayerOf(window)->isAncestorOf(QApplication::focusWidget()));
+    }
+
     void theProgressHasRoomInANarrowWindow()
     {
         QTemporaryDir folder;
@@ -644,6 +684,28 @@ private Q_SLOTS:
         QCOMPARE(names.removeDuplicates(), 0);
     }
 
+    void theDeviceMenuShowsEveryLetterOfAName()
+    {
+        PlayerWindow window;
+        QProcess plug;
+        plug.start(u"pactl"_s, {u"load-module"_s, u"module-null-sink"_s, u"sink_name=rock"_s,
+                                u"sink_properties=device.description=Rock&Roll"_s});
+        QVERIFY(plug.waitForFinished());
+        if (plug.exitCode() != 0) {
+            QSKIP("no sound server to plug a device into");
+        }
+        const QString module = QString::fromLatin1(plug.readAllStandardOutput()).trimmed();
+        const auto unplug = qScopeGuard([&] { QProcess::execute(u"pactl"_s, {u"unload-module"_s, module}); });
+        const auto names = [&] {
+            QStringList texts;
+            for (const QAction* action : window.findChild<DeviceMenu*>()->actions()) {
+                texts.append(action->text());
+            }
+            return texts;
+        };
+        QTRY_VERIFY2(names().contains(u"Rock&&Roll"_s), qPrintable(names().join(u'\n')));
+    }
+
     void theAboutBoxNamesTheDrawingDeviceAndQt()
     {
         PlayerWindow window;
@@ -663,7 +725,7 @@ private Q_SLOTS:
         box->close();
     }
 
-    void everyFileIsReadAnew()
+    void everyFileIsReadAgain()
     {
         QTemporaryDir folder;
         const QString path = folder.filePath(u"take.wav"_s);
@@ -832,6 +894,27 @@ private Q_SLOTS:
         }
     }
 
+    void helpTellsOfTheMouse()
+    {
+        PlayerWindow window;
+        QVERIFY(Activate(window));
+        QStringList texts;
+        Answers answers;
+        answers.Add<ShortcutSheet>([&](ShortcutSheet& sheet) {
+            for (const QLabel* label : sheet.findChildren<QLabel*>()) {
+                texts.append(label->text());
+            }
+            QTest::keyClick(&sheet, Qt::Key_Escape);
+        });
+        QTest::keyClick(&window, Qt::Key_F1);
+        QVERIFY(answers.AreGiven());
+        const QStringList mouse = texts.filter(u"Mouse"_s);
+        QCOMPARE(mouse.size(), 1);
+        for (const QString& gesture : {u"drag"_s, u"Shift"_s, u"Ctrl and wheel"_s, u"double click"_s}) {
+            QVERIFY2(mouse.first().contains(gesture), qPrintable(mouse.first()));
+        }
+    }
+
     void aRightClickOpensAMenuAndLeavesTheSelection()
     {
         PlayerWindow window;
@@ -988,6 +1071,41 @@ private Q_SLOTS:
         QVERIFY(image.width() >= 600 && image.height() >= 300);
         QVERIFY(DistinctColors(image) > 20);
         QVERIFY2(Shows(image, m_waveformColor), "the waveform is missing");
+    }
+
+    void aPictureIsSavedWithoutTheSoundThatDoesNotCome()
+    {
+        const QTemporaryDir folder;
+        const QString picture = folder.filePath(u"picture.png"_s);
+        PlayerWindow window;
+        QVERIFY(OpenCompletely(window, Recording));
+        const ScreenshotJob job(window, picture, true, std::chrono::milliseconds(1));
+        QSignalSpy done(&job, &ScreenshotJob::Done);
+        QTRY_COMPARE(done, QList<QVariantList>{{QString()}});
+        QVERIFY(QFile::exists(picture));
+    }
+
+    void noPictureIsSavedOfHalfAWaveform()
+    {
+        const QTemporaryDir folder;
+        const QString picture = folder.filePath(u"picture.png"_s);
+        PlayerWindow window;
+        const BusyPool busy;
+        QVERIFY(Open(window, Recording));
+        QVERIFY(!window.IsPictureComplete());
+        const ScreenshotJob job(window, picture, false, std::chrono::milliseconds(1));
+        QSignalSpy done(&job, &ScreenshotJob::Done);
+        QTRY_COMPARE(done,
+                     QList<QVariantList>{{u"No picture was saved: the waveform was not complete in time."_s}});
+        QVERIFY(!QFile::exists(picture));
+    }
+
+    void theProgramSaysWhyItSavesNoPicture()
+    {
+        const Outcome outcome = RunPlayer({u"--screenshot"_s, u"/nowhere/picture.png"_s});
+        QCOMPARE(outcome.exitCode, 1);
+        QVERIFY2(outcome.message.contains(u"“/nowhere/picture.png” cannot be written"_s),
+                 qPrintable(outcome.message));
     }
 
     void theProgramNamesTheFileThatItCannotRead()

@@ -20,7 +20,8 @@ file(RENAME "${WORK_DIR}/first place" "${WORK_DIR}/moved")
 set(prefix "${WORK_DIR}/moved")
 
 set(header_dir "${prefix}/include/vantorAudioEngine")
-foreach(header IN ITEMS WavFile Decoder AudioFileInfo AudioImporter AudioPlayer HardwareManager BGFXWaveformWidget AudioPlayerWidget Version Export)
+foreach(header IN ITEMS WavFile Decoder AudioFileInfo AudioImporter AudioPlayer HardwareManager BGFXWaveformWidget
+    AudioPlayerWidget AudioPlayerActions Version Export)
   if(NOT EXISTS "${header_dir}/${header}.h")
     message(FATAL_ERROR "${header}.h is not installed")
   endif()

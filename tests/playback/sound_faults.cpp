@@ -218,10 +218,10 @@ struct Count
     {
         if (program.state() != QProcess::NotRunning) {
             ++hung;
-        } else if (program.readAll().contains("lost")) {
-            ++told;
         } else if (program.exitStatus() == QProcess::CrashExit) {
             ++crashed;
+        } else if (program.readAll().contains("lost")) {
+            ++told;
         } else {
             const int code = program.exitCode();
             ++(code == Survived ? survived : code == TookLong ? tookLong : other);

@@ -72,8 +72,10 @@ private Q_SLOTS:
     void forgetsWhatWasAskedForWithTheFormerFile();
     void setAudioReportsAMissingFileAndKeepsTheNewSelection();
     void setAudioReportsAPipeInsteadOfWaitingForItsOtherEnd();
+    void setAudioReportsWhatIsNoFileAtOnce_data();
+    void setAudioReportsWhatIsNoFileAtOnce();
     void theSelectionStaysWhenTheHostSetsAnotherSource();
-    void setAudioReadsARewrittenFileAnew();
+    void setAudioReadsARewrittenFileAgain();
     void loadsFilesWithOddNames_data();
     void loadsFilesWithOddNames();
     void letsGoOfItsOwnSourceFileWhenTheHostSetsAnotherSource();
@@ -303,6 +305,37 @@ void AudioPlayerTest::setAudioReportsAPipeInsteadOfWaitingForItsOtherEnd()
     }
 }
 
+void AudioPlayerTest::setAudioReportsWhatIsNoFileAtOnce_data()
+{
+    QTest::addColumn<QString>("path");
+    for (const char* path :
+         {"/dev/zero", "/dev/full", "/dev/null", "/dev/random", "/dev/tty", "/proc", "/proc/kmsg",
+          "/proc/self/mem", "/proc/self/status", "/proc/self/fd/0", "/proc/sys/kernel/hostname",
+          "/sys/kernel/tracing/trace_pipe", "a folder", "empty.wav"}) {
+        QTest::addRow("%s", path) << QString::fromLatin1(path);
+    }
+}
+
+/** Some of these never come to an end, and some make whoever opens or reads them wait. */
+void AudioPlayerTest::setAudioReportsWhatIsNoFileAtOnce()
+{
+    QFETCH(QString, path);
+    if (path == QLatin1String("a folder")) {
+        path = m_folder.path();
+    } else if (path == QLatin1String("empty.wav")) {
+        path = m_folder.filePath(QStringLiteral("nothing.wav"));
+        QVERIFY(QFile(path).open(QIODevice::WriteOnly));
+    }
+    AudioPlayer player;
+    QSignalSpy errors(&player, &QMediaPlayer::errorOccurred);
+    player.SetAudio(path, 7.0);
+    QTRY_COMPARE_WITH_TIMEOUT(errors.size(), 1, patience);
+    QCOMPARE(player.source(), QUrl::fromLocalFile(path));
+    QCOMPARE(Access::SelectionEnd(player), 7.0);
+    player.play();
+    QCOMPARE(player.position(), 0);
+}
+
 void AudioPlayerTest::theSelectionStaysWhenTheHostSetsAnotherSource()
 {
     AudioPlayer player;
@@ -316,7 +349,7 @@ void AudioPlayerTest::theSelectionStaysWhenTheHostSetsAnotherSource()
     QVERIFY(Access::IsLooping(player));
 }
 
-void AudioPlayerTest::setAudioReadsARewrittenFileAnew()
+void AudioPlayerTest::setAudioReadsARewrittenFileAgain()
 {
     for (const QString& name : {QStringLiteral("again.wav"), QStringLiteral("nochmäl.wav")}) {
         AudioPlayer player;

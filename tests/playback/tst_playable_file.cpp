@@ -1,4 +1,5 @@
 #include "playback/PlayableFile.h"
+#include "tests/support/AudioPrograms.h"
 #include "tests/support/SoundServer.h"
 #include "tests/support/TemporaryFiles.h"
 #include "tests/support/Tone.h"
@@ -8,6 +9,7 @@
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QUrl>
+#include <QtCore/QtEndian>
 #include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
 
@@ -32,10 +34,24 @@ QByteArray WavOf(quint32 rate, quint16 channels)
 QByteArray FlacOf(quint32 rate)
 {
     QByteArray description(34, '\0');
+    description[0] = 0x10; // 4096 samples a block
+    description[2] = 0x10;
     description[10] = static_cast<char>(rate >> 12);
     description[11] = static_cast<char>(rate >> 4);
-    description[12] = static_cast<char>(rate << 4);
+    description[12] = static_cast<char>(rate << 4 | 2); // two channels
+    description[13] = static_cast<char>(0xF0);          // of 16 bits
     return QByteArray("fLaC").append(QByteArray::fromHex("80000022")).append(description);
+}
+
+QByteArray EmptyChunks(int count)
+{
+    return QByteArray("JUNK\0\0\0\0", 8).repeated(count);
+}
+
+/** A tag that holds nothing but its 128 bytes of padding. */
+QByteArray BehindATag(const QByteArray& bytes)
+{
+    return QByteArray::fromHex("49443304000000000100").append(128, '\0') + bytes;
 }
 
 } // namespace
@@ -63,6 +79,11 @@ private Q_SLOTS:
             << WavOf(500000, 2).insert(12, QByteArray::fromHex("4a554e4b03000000000000") + '\0') << false;
         QTest::newRow("behind a chunk that reaches beyond the end")
             << WavOf(500000, 2).insert(12, QByteArray::fromHex("4a554e4bffffffff")) << true;
+        QTest::newRow("behind 999 chunks, highest rate") << WavOf(384000, 2).insert(12, EmptyChunks(999)) << true;
+        QTest::newRow("behind 999 chunks") << WavOf(500000, 2).insert(12, EmptyChunks(999)) << false;
+        QTest::newRow("behind 1001 chunks, highest rate")
+            << WavOf(384000, 2).insert(12, EmptyChunks(1001)) << true;
+        QTest::newRow("behind 1001 chunks") << WavOf(500000, 2).insert(12, EmptyChunks(1001)) << false;
         QTest::newRow("only chunks without an end") << QByteArray("RIFF____WAVE").append(100000, '\0') << true;
         QTest::newRow("cut in the format") << WavOf(500000, 2).left(26) << true;
         QTest::newRow("cut behind the name") << WavOf(500000, 2).left(12) << true;
@@ -71,12 +92,48 @@ private Q_SLOTS:
         QTest::newRow("FLAC, highest rate") << FlacOf(384000) << true;
         QTest::newRow("FLAC, a higher one") << FlacOf(655350) << false;
         QTest::newRow("FLAC, cut") << FlacOf(655350).left(20) << true;
+        QTest::newRow("WAV behind a tag") << BehindATag(WavOf(500000, 2)) << false;
+        QTest::newRow("WAV behind two tags, which FFmpeg does not find either")
+            << BehindATag(BehindATag(WavOf(500000, 2))) << true;
+        QTest::newRow("WAV behind a tag, highest rate") << BehindATag(WavOf(384000, 2)) << true;
+        QTest::newRow("FLAC behind a tag") << BehindATag(FlacOf(655350)) << false;
+        QTest::newRow("a tag alone") << BehindATag({}) << true;
     }
     void tellsByTheHeaderWhatNoOutputPlays()
     {
         QFETCH(QByteArray, bytes);
         QFETCH(bool, canBePlayed);
         QCOMPARE(CanBePlayed(m_files.Write(u"file"_s, bytes)), canBePlayed);
+    }
+
+    void tellsOfOtherFormatsToo_data()
+    {
+        QTest::addColumn<QString>("format");
+        for (const char* format : {"au", "aiff", "w64", "caf", "wv", "flac"}) {
+            QTest::addRow("%s", format) << QString::fromLatin1(format);
+        }
+    }
+    void tellsOfOtherFormatsToo()
+    {
+        QFETCH(const QString, format);
+        for (const quint32 rate : {44100U, 500000U}) {
+            const QString path = m_files.Path(u"tone."_s + format);
+            const QString wav = m_files.Write(u"tone.wav"_s, WavOf(rate, 2));
+            QVERIFY(AudioPrograms::Succeeds(u"ffmpeg"_s, {u"-y"_s, u"-i"_s, wav, path}));
+            QCOMPARE(CanBePlayed(path), rate == 44100U);
+        }
+    }
+
+    void tellsOfTheChannelsOfOtherFormatsToo()
+    {
+        for (const quint32 channels : {2U, 64U, 65U}) {
+            QByteArray bytes(".snd");
+            for (const quint32 number : {24U, 130000U, 3U, 44100U, channels}) {
+                bytes.append(4, '\0');
+                qToBigEndian(number, bytes.data() + bytes.size() - 4);
+            }
+            QCOMPARE(CanBePlayed(m_files.Write(u"tone.au"_s, bytes.append(130000, '\0'))), channels < 65U);
+        }
     }
 
     void doesNotWaitAtAPipe()
@@ -97,6 +154,7 @@ private Q_SLOTS:
             QTest::addRow("%s, 400 kHz", how) << WavOf(400000, 2) << bySetAudio;
             QTest::addRow("%s, 48 MHz", how) << WavOf(48000000, 2) << bySetAudio;
             QTest::addRow("%s, 255 channels", how) << WavOf(44100, 255) << bySetAudio;
+            QTest::addRow("%s, 500 kHz behind a tag", how) << BehindATag(WavOf(500000, 2)) << bySetAudio;
         }
     }
     void aPlayerRefusesWhatNoOutputPlays()

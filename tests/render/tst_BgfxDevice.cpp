@@ -1,4 +1,5 @@
 #include "render/bgfx/device/bgfx/BgfxDevice.h"
+#include "render/bgfx/device/bgfx/Turns.h"
 #include "render/vantor3DQt/BGFXOffscreenWidget.h"
 #include "tests/render/Drawing.h"
 
@@ -153,6 +154,7 @@ private Q_SLOTS:
     void tellsEveryWidgetOfItsOwnPicture();
     void forgetsWidgetsThatHideOrGo();
     void handsOverInMidLifeWithOneWarning();
+    void nobodyWaitsForOneWhoAsksAllTheTime();
 
     void bringsTheLastFrameOfAMovement();
     void keepsSeveralWidgetsApart();
@@ -263,6 +265,21 @@ void tst_BgfxDevice::handsOverInMidLifeWithOneWarning()
     QTRY_COMPARE(second.Shown(), Blue);
     qInstallMessageHandler(formerHandler);
     QCOMPARE(Warnings().filter(QStringLiteral("bgfx")).size(), 1);
+}
+
+void tst_BgfxDevice::nobodyWaitsForOneWhoAsksAllTheTime()
+{
+    std::map<std::uint64_t, FramePlan> waiting;
+    QVERIFY(bgfx::device::NextInTurn(waiting, 7) == waiting.end());
+    for (const std::uint64_t id : {2, 5, 9})
+        waiting.emplace(id, FramePlan());
+    std::vector<std::uint64_t> turns;
+    for (std::uint64_t last = 0; turns.size() < 5; last = turns.back()) {
+        turns.push_back(bgfx::device::NextInTurn(waiting, last)->first);
+    }
+    QCOMPARE(turns, (std::vector<std::uint64_t>{2, 5, 9, 2, 5}));
+    waiting.erase(5);
+    QCOMPARE(bgfx::device::NextInTurn(waiting, 2)->first, std::uint64_t{9});
 }
 
 #define USE_BGFX                                                                                                  \

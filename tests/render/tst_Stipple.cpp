@@ -27,8 +27,8 @@ class tst_Stipple : public QObject
 private Q_SLOTS:
     void lightsFourPixelsOnAndFourOff_data() { AddDevices(); }
     void lightsFourPixelsOnAndFourOff();
-    void beginsAnewWithEachLine_data() { AddDevices(); }
-    void beginsAnewWithEachLine();
+    void beginsAgainWithEachLine_data() { AddDevices(); }
+    void beginsAgainWithEachLine();
     void readsThePatternLowestBitFirst();
     void stretchesEachBitByTheFactor();
     void joinsTheBitsOfASolidPatternToOneDash();
@@ -79,7 +79,7 @@ void tst_Stipple::lightsFourPixelsOnAndFourOff()
     QCOMPARE(LitPixels(upright).size(), std::size_t(16));
 }
 
-void tst_Stipple::beginsAnewWithEachLine()
+void tst_Stipple::beginsAgainWithEachLine()
 {
     MAKE_DEVICE;
     const QImage picture = Picture({64, 32}, [](BGFXRenderer& renderer, const BGFXViewContext& view) {

@@ -102,6 +102,8 @@ void AudioPlayerWidget::SetColorsFollowPalette(bool follow)
 void AudioPlayerWidget::SetWaveformTakesFocus(bool takesFocus)
 {
     m_waveformWidget->SetTakesFocus(takesFocus);
+    // Where the focus shows.
+    setFocusProxy(takesFocus ? m_waveformWidget : nullptr);
 }
 
 void AudioPlayerWidget::SetNightIcons(bool night)

@@ -134,6 +134,11 @@ void AudioPlayerWidget::SetLoadInBackground(bool loadInBackground)
     m_internals->loadsInBackground = loadInBackground;
 }
 
+void AudioPlayerWidget::SetProgramChoosesFiles(bool programChooses)
+{
+    m_internals->programChoosesFiles = programChooses;
+}
+
 QString AudioPlayerWidget::GetLoadableFiles()
 {
     return tr("Audio files") +
@@ -144,6 +149,10 @@ QString AudioPlayerWidget::GetLoadableFiles()
 
 void AudioPlayerWidget::OnBtnLoadFileClicked()
 {
+    if (m_internals->programChoosesFiles) {
+        Q_EMIT LoadRequested();
+        return;
+    }
     const QPointer<AudioPlayerWidget> self(this);
     const QString path = m_internals->AskForFile();
     if (!self || path.isEmpty()) {

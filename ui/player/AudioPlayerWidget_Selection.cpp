@@ -134,13 +134,35 @@ void AudioPlayerWidget::OnSelectionEndEditingFinished()
     }
 }
 
+void AudioPlayerWidget::Internals::PlaySelection(const Selection& selection)
+{
+    // A receiver of the signals may destroy the widget.
+    const QPointer<AudioPlayerWidget> self(&widget);
+    AudioPlayer& player = *widget.m_audioPlayer;
+    ++selectionChanges;
+    bool stays = false;
+    if (selectionChangeKeepsPlace && widget.IsPlaying()) {
+        stays = player.ChangeSelection(selection.start, selection.end);
+    } else {
+        player.SetSelection(selection.start, selection.end);
+    }
+    if (!self) {
+        return;
+    }
+    --selectionChanges;
+    if (stays) {
+        // The waveform takes the start of a new selection for the position.
+        widget.m_waveformWidget->SetAudioPositionKeepingView(widget.GetAudioPosition());
+    }
+}
+
 void AudioPlayerWidget::OnWaveformSelectionChanged(const std::pair<double, double>& selection)
 {
     const auto [start, end] = selection;
     m_hasSelection = !(LengthOf({start, end}) < shortestSelection);
     const QPointer<AudioPlayerWidget> self(this);
     if (m_hasSelection) {
-        m_audioPlayer->SetSelection(start, end);
+        m_internals->PlaySelection({start, end});
     } else {
         m_audioPlayer->ClearSelection();
     }

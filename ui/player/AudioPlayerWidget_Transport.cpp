@@ -94,8 +94,8 @@ void AudioPlayerWidget::Internals::LetPlay(const QString& path, const Selection&
 /** Later: Qt goes on with a player after it has told of its error. Another file may be there by then. */
 void AudioPlayerWidget::Internals::TellOfPlaybackFailure(const QString& reason)
 {
-    const auto tell = [this, reason, source = widget.m_audioPlayer->source()] {
-        if (widget.m_audioPlayer->source() == source) {
+    const auto tell = [this, reason, source = widget.m_audioPlayer->source(), load = loadCount] {
+        if (widget.m_audioPlayer->source() == source && loadCount == load) {
             Q_EMIT widget.PlaybackFailed(reason);
         }
     };
@@ -343,7 +343,10 @@ void AudioPlayerWidget::OnAudioPositionChanged(qint64 milliseconds)
     // A receiver of the signals may destroy this widget.
     const QPointer<AudioPlayerWidget> self(this);
     ++m_internals->positionReports;
-    m_waveformWidget->SetAudioPosition(seconds);
+    // Whoever looks at an edge of the selection while changing it is not to be led away from it.
+    const bool keepsView = m_internals->selectionChanges > 0 && m_waveformWidget->GetShowsPositionAtOnce();
+    keepsView ? m_waveformWidget->SetAudioPositionKeepingView(seconds)
+              : m_waveformWidget->SetAudioPosition(seconds);
     if (self) {
         m_internals->CorrectLateReport(milliseconds);
         Q_EMIT AudioPositionChanged(seconds);
@@ -498,6 +501,11 @@ void AudioPlayerWidget::SetEditedPositionStays(bool stays)
 void AudioPlayerWidget::SetChannelChangeKeepsPlace(bool keeps)
 {
     m_internals->channelChangeKeepsPlace = keeps;
+}
+
+void AudioPlayerWidget::SetSelectionChangeKeepsPlace(bool keeps)
+{
+    m_internals->selectionChangeKeepsPlace = keeps;
 }
 
 void AudioPlayerWidget::SetDeviceChangeKeepsPlace(bool keeps)

@@ -89,6 +89,7 @@ struct AudioPlayerWidget::Internals
     void SeekToLine() const;
     [[nodiscard]] bool CanPlayOn() const;
     [[nodiscard]] bool GoToWherePlayingBegins();
+    void PlaySelection(const Selection& selection);
     void CorrectLateReport(qint64 milliseconds);
     void LetPositionMove() const;
     void TakeFocusBack();
@@ -129,11 +130,13 @@ struct AudioPlayerWidget::Internals
     int volume = 100;
     bool decodesToFloat = false;
     bool loadsInBackground = false;
+    bool programChoosesFiles = false;
     bool typedPositionSeeks = false;
     bool playReturnsToStart = false;
     bool editedPositionStays = false;
     bool channelChangeKeepsPlace = false;
     bool deviceChangeKeepsPlace = false;
+    bool selectionChangeKeepsPlace = false;
     bool positionMovesSmoothly = false;
     /** The waveform had the focus, which it cannot have while it is busy. */
     bool awaitsFocus = false;
@@ -141,6 +144,8 @@ struct AudioPlayerWidget::Internals
     QPointer<QWidget> focusStandIn;
     /** Controls that tell of a change at this moment. */
     QList<QWidget*> telling;
+    /** How many changes of the selection the player is being told of, one within the other. */
+    int selectionChanges = 0;
     /** How many reports of the player's position are under way, one within the other. */
     int positionReports = 0;
     /** Counts how often a busy time began or ended. */

@@ -86,6 +86,10 @@ QFuture<LoadedFile::Result> LoadedFile::FilterInto(const QString& path)
         // A channel file that is there already, or comes meanwhile, is played, also where snippets refuse what is
         // there.
         const bool isThere = QFileInfo::exists(path);
+        // A link to nothing would have the channel written wherever it leads.
+        if (!isThere && QFileInfo(path).isSymLink()) {
+            return WavFile::ErrorFilterChannel;
+        }
         const Result result = isThere ? WavFile::Success : working.file.FilterChannel(path);
         return QFileInfo::exists(path) ? WavFile::Success : result;
     });

@@ -22,7 +22,7 @@ using AudioEngine::ImportResult;
 constexpr ImportOptions playable{.sampleRate = AudioEngine::highestPlayableRate / 2,
                                  .sampleFormat = ImportOptions::Int16};
 
-/** A file without a frame is told about as the original is. */
+/** Of a file without a frame the player reports what it does of the original. */
 bool HasMadeCopy(const ImportResult& result)
 {
     return result.IsSuccess() && result.frameCount > 0;

@@ -70,17 +70,30 @@ void BGFXWaveformDiagramWidget::SetDelay(double delay)
 
 void BGFXWaveformDiagramWidget::SetAudioPosition(double position, bool clearSelection)
 {
+    MoveLineTo(position);
+    if (clearSelection) {
+        m_selection.isPresent = false;
+    }
+    // What the mouse holds must not slip away.
+    const bool isHeld = m_showsPositionAtOnce && m_isPressed;
+    if (!m_followsPosition || isHeld || Follow()) {
+        Changed();
+    }
+}
+
+void BGFXWaveformDiagramWidget::SetAudioPositionKeepingView(double position)
+{
+    MoveLineTo(position);
+    Changed();
+}
+
+void BGFXWaveformDiagramWidget::MoveLineTo(double position)
+{
     m_audioPosition = position;
     if (m_lineTimer.isActive()) {
         const qint64 now = m_clock.elapsed();
         m_moving.Report(position, now);
         m_shownPosition = LineAt(now);
-    }
-    if (clearSelection) {
-        m_selection.isPresent = false;
-    }
-    if (!m_followsPosition || Follow()) {
-        Changed();
     }
 }
 
@@ -155,6 +168,9 @@ void BGFXWaveformDiagramWidget::SetSelectedSnippet(std::pair<double, double> sni
 
 void BGFXWaveformDiagramWidget::ClearSelection()
 {
+    if (Allows(BGFXWaveformWidget::Interaction::ForgetCleared)) {
+        EndDrag();
+    }
     if (m_selection.isPresent) {
         m_selection.isPresent = false;
         if (Tell(&BGFXWaveformDiagramWidget::SelectionChanged, {0.0, 0.0})) {

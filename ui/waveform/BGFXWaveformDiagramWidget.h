@@ -61,6 +61,7 @@ public:
 
     /** Moves the position line and lets the visible range follow it, unless that is to stay. */
     void SetAudioPosition(double position, bool clearSelection);
+    void SetAudioPositionKeepingView(double position);
     [[nodiscard]] double GetAudioPosition() const { return m_audioPosition; }
     /** How fast the position line moves between two positions that are set, in seconds a second; it stands still
      * unless above 0 and at most 16. */
@@ -138,6 +139,9 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    /** The window may lose the mouse in the middle of a drag. */
+    bool event(QEvent* event) override;
     /** A drag past the border scrolls, and the position line moves. */
     void timerEvent(QTimerEvent* event) override;
 
@@ -145,7 +149,7 @@ private:
     friend class WaveformTestAccess;
 
     /** A selection that was cleared keeps its times: a single end set later pairs with the old other end. */
-    struct Selection
+    struct KeptSelection
     {
         SelectionTimes times{0.0, 0.0};
         bool isPresent = false;
@@ -195,7 +199,10 @@ private:
     [[nodiscard]] double LineAt(qint64 now) const;
     void MoveLine();
     void ScrollAtBorder();
+    void MoveLineTo(double position);
     void HoverAt(int x);
+    void BeginDrag(const QMouseEvent& event);
+    void EndDrag();
     [[nodiscard]] double DragTimeAt(int x) const;
     // False when a receiver of their signals has destroyed this widget.
     bool DragTo(const QPoint& position);
@@ -203,7 +210,9 @@ private:
     void ExtendTo(double time);
     bool DragSelectionTo(const SelectionTimes& candidate);
     bool DragBodyTo(double middle);
-    bool StaysADoubleClick(const QPoint& position);
+    /** Whether the mouse has not been dragged since the press, where that makes a difference. */
+    bool StaysAClick(const QPoint& position);
+    [[nodiscard]] double FarEndFrom(double time) const;
     void ClickAt(double x);
     void Pan(const QWheelEvent& event);
     void Zoom(const QWheelEvent& event);
@@ -233,7 +242,7 @@ private:
     QElapsedTimer m_clock;
     MovingPosition m_moving;
     double m_shownPosition = 0.0;
-    Selection m_selection;
+    KeptSelection m_selection;
     SelectionTimes m_selectionAtGrab{0.0, 0.0};
     BGFXWaveformWidget::Interactions m_interactions;
     double m_pressTime = 0.0;
@@ -248,8 +257,14 @@ private:
     bool m_followsPosition = true;
     bool m_showsPositionAtOnce = false;
     bool m_keepsViewFilled = false;
-    /** Since its second press, while the mouse has not been dragged. */
+    /** The left button is down, and what it does is not over. */
+    bool m_isPressed = false;
+    /** Since a press that only a drag of some length turns into more than a click. */
+    bool m_isClick = false;
+    /** That is the second click of a double click. */
     bool m_isDoubleClick = false;
+    /** Since a press with Shift. */
+    bool m_isExtending = false;
     std::optional<double> m_wheelZoomFactor;
     double m_amplitudeExtent = 1.0;
     vantor3DQt::BGFXViewContext m_gridView{0};

@@ -2,10 +2,12 @@
 #include "ui/waveform/rules/TimeScale.h"
 #include "ui/waveform/rules/ViewNavigation.h"
 
+#include <QtGui/QContextMenuEvent>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QMouseEvent>
 #include <QtGui/QStyleHints>
 #include <QtGui/QWheelEvent>
+#include <QtWidgets/QApplication>
 
 namespace vantoraudio::vantorAudioEngine::UI {
 namespace {
@@ -43,16 +45,43 @@ void BGFXWaveformDiagramWidget::mousePressEvent(QMouseEvent* event)
         event->ignore();
         return;
     }
+    m_isClick = false;
     m_isDoubleClick = false;
-    if (!HasAudio()) {
-        return;
+    if (HasAudio()) {
+        BeginDrag(*event);
     }
+}
+
+void BGFXWaveformDiagramWidget::BeginDrag(const QMouseEvent& event)
+{
+    const QPoint position = PixelOf(event);
     const bool clicksInSelection = Allows(Interaction::MoveFromInside);
-    m_pressTime = TimeAt(PixelOf(*event).x());
-    m_grabOffset = clicksInSelection ? m_pressTime - MiddleOf(m_selection.times) : 0.0;
-    if (!m_grab.Any() || clicksInSelection) {
-        m_pressPosition = PixelOf(*event);
+    if (clicksInSelection && m_isEditing) {
+        // View and selection may have changed since the mouse was moved.
+        HoverAt(position.x());
     }
+    m_isPressed = true;
+    m_pressTime = TimeAt(position.x());
+    m_grabOffset = clicksInSelection ? m_pressTime - MiddleOf(m_selection.times) : 0.0;
+    m_isExtending = Allows(Interaction::ExtendWithShift) && event.modifiers() == Qt::ShiftModifier;
+    if (m_isExtending) {
+        m_grab = {};
+        m_pressTime = FarEndFrom(m_pressTime);
+    }
+    m_isClick = Allows(Interaction::DragFromDistance) && !m_isExtending && !m_grab.AnyEdge();
+    if (!m_grab.Any() || clicksInSelection) {
+        m_pressPosition = position;
+    }
+}
+
+void BGFXWaveformDiagramWidget::EndDrag()
+{
+    m_isPressed = false;
+    m_isClick = false;
+    m_isDoubleClick = false;
+    m_isExtending = false;
+    m_grab = {};
+    m_borderScroll.stop();
 }
 
 void BGFXWaveformDiagramWidget::mouseMoveEvent(QMouseEvent* event)
@@ -60,16 +89,21 @@ void BGFXWaveformDiagramWidget::mouseMoveEvent(QMouseEvent* event)
     if (event == nullptr || !HasAudio() || !m_isEditing) {
         return;
     }
-    if (StaysADoubleClick(PixelOf(*event))) {
+    if (StaysAClick(PixelOf(*event))) {
         return;
     }
     if (event->buttons() == Qt::LeftButton ||
         (Allows(Interaction::LeftButtonOnly) && event->buttons().testFlag(Qt::LeftButton))) {
+        if (m_interactions && !m_isPressed) {
+            return;
+        }
         ScrollWhileDraggedTo(PixelOf(*event));
         if (!DragTo(PixelOf(*event))) {
             return;
         }
     } else {
+        // The button may have been let go of over a menu or another window.
+        EndDrag();
         HoverAt(PixelOf(*event).x());
     }
     Changed();
@@ -81,21 +115,22 @@ void BGFXWaveformDiagramWidget::mouseReleaseEvent(QMouseEvent* event)
         event->ignore();
         return;
     }
-    m_grab = {};
-    m_borderScroll.stop();
+    const bool isOver = m_interactions && !m_isPressed;
+    const bool isClick = StaysAClick(PixelOf(*event));
+    const bool isDoubleClick = isClick && m_isDoubleClick;
+    const bool isExtending = m_isExtending;
+    EndDrag();
     setCursor(Qt::ArrowCursor);
-    const bool isDoubleClick = StaysADoubleClick(PixelOf(*event));
-    m_isDoubleClick = false;
-    if (!HasAudio() || isDoubleClick) {
+    if (!HasAudio() || isDoubleClick || isOver) {
         return;
     }
     // Only x is compared: a drag straight up or down selects nothing and counts as a click.
-    if (m_isEditing && PixelOf(*event).x() != m_pressPosition.x()) {
+    if (m_isEditing && !isClick && PixelOf(*event).x() != m_pressPosition.x()) {
         m_audioPosition = GetSelectionStartTime();
         if (Tell(&BGFXWaveformDiagramWidget::SelectionChanged, {GetSelectionStartTime(), GetSelectionEndTime()})) {
             Changed();
         }
-    } else if (m_isEditing && Allows(Interaction::ExtendWithShift) && event->modifiers() == Qt::ShiftModifier) {
+    } else if (m_isEditing && isExtending) {
         ExtendTo(TimeAt(event->position().x()));
     } else {
         ClickAt(event->position().x());
@@ -118,7 +153,9 @@ void BGFXWaveformDiagramWidget::mouseDoubleClickEvent(QMouseEvent* event)
         return;
     }
     ShowEverything();
+    m_isPressed = true;
     if (Allows(Interaction::DoubleClickOnlyZooms)) {
+        m_isClick = true;
         m_isDoubleClick = true;
         m_pressPosition = PixelOf(*event);
         m_pressTime = TimeAt(m_pressPosition.x());
@@ -144,6 +181,21 @@ void BGFXWaveformDiagramWidget::wheelEvent(QWheelEvent* event)
     event->accept();
 }
 
+/** In the middle of a drag only the keyboard asks for a menu, which then takes the mouse. */
+void BGFXWaveformDiagramWidget::contextMenuEvent(QContextMenuEvent* event)
+{
+    const bool isDragging = m_isPressed && Allows(Interaction::LeftButtonOnly);
+    event->setAccepted(isDragging && event->reason() == QContextMenuEvent::Mouse);
+}
+
+bool BGFXWaveformDiagramWidget::event(QEvent* event)
+{
+    if (m_interactions && (event->type() == QEvent::WindowDeactivate || event->type() == QEvent::Hide)) {
+        EndDrag();
+    }
+    return BGFXOffscreenWidget::event(event);
+}
+
 void BGFXWaveformDiagramWidget::SetWheelZoomFactor(double factor)
 {
     if (factor > 1.0 && factor <= LargestWheelZoomFactor) {
@@ -164,6 +216,11 @@ void BGFXWaveformDiagramWidget::timerEvent(QTimerEvent* event)
 
 void BGFXWaveformDiagramWidget::ScrollAtBorder()
 {
+    if (QApplication::activePopupWidget()) {
+        // It also gets the release of the button.
+        EndDrag();
+        return;
+    }
     const double left = ScrolledByDrag(View(), m_dragPosition.x(), width(), GetTotalLength());
     if (left == m_sceneRect.left()) {
         m_borderScroll.stop();
@@ -226,7 +283,8 @@ bool BGFXWaveformDiagramWidget::DragTo(const QPoint& position)
         return true;
     }
     // The view may have scrolled since the press.
-    const double start = Allows(Interaction::SelectBeyondView) ? m_pressTime : TimeAt(m_pressPosition.x());
+    const bool isTimeKept = Allows(Interaction::SelectBeyondView) || m_isExtending;
+    const double start = isTimeKept ? m_pressTime : TimeAt(m_pressPosition.x());
     return DragSelectionTo(Ordered(start, time));
 }
 
@@ -258,18 +316,24 @@ bool BGFXWaveformDiagramWidget::DragBodyTo(double middle)
 
 void BGFXWaveformDiagramWidget::ExtendTo(double time)
 {
-    const SelectionTimes& times = m_selection.times;
-    const double farEnd = time < MiddleOf(times) ? times.second : times.first;
-    SetSelectedSnippet({m_selection.isPresent ? farEnd : m_audioPosition, time});
+    SetSelectedSnippet({FarEndFrom(time), time});
 }
 
-bool BGFXWaveformDiagramWidget::StaysADoubleClick(const QPoint& position)
+/** Of the selection, as seen from `time`; the position where there is none. */
+double BGFXWaveformDiagramWidget::FarEndFrom(double time) const
 {
-    if (m_isDoubleClick) {
+    const SelectionTimes& times = m_selection.times;
+    const double farEnd = time < MiddleOf(times) ? times.second : times.first;
+    return m_selection.isPresent ? farEnd : m_audioPosition;
+}
+
+bool BGFXWaveformDiagramWidget::StaysAClick(const QPoint& position)
+{
+    if (m_isClick) {
         const QPointF way = QPointF(position) - QPointF(m_pressPosition);
-        m_isDoubleClick = way.manhattanLength() < QGuiApplication::styleHints()->startDragDistance();
+        m_isClick = way.manhattanLength() < QGuiApplication::styleHints()->startDragDistance();
     }
-    return m_isDoubleClick;
+    return m_isClick;
 }
 
 void BGFXWaveformDiagramWidget::ClickAt(double x)

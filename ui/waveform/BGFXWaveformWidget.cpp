@@ -164,6 +164,11 @@ void BGFXWaveformWidget::SetAudioPosition(double position)
     m_diagram->SetAudioPosition(position, false);
 }
 
+void BGFXWaveformWidget::SetAudioPositionKeepingView(double position)
+{
+    m_diagram->SetAudioPositionKeepingView(position);
+}
+
 double BGFXWaveformWidget::GetAudioPosition() const
 {
     return m_diagram->GetAudioPosition();
@@ -376,6 +381,8 @@ void BGFXWaveformWidget::OnDiagramChanged()
         const QSignalBlocker noEcho(m_scrollBar);
         m_scrollBar->setRange(0, state.maximum);
         m_scrollBar->setPageStep(state.pageStep);
+        // The bar counts milliseconds, so that a step of one would move nothing.
+        m_scrollBar->setSingleStep(std::max(1, state.pageStep / 20));
         m_scrollBar->setValue(state.value);
     }
     if (m_labelsFit) {

@@ -422,6 +422,10 @@
         <source>This program runs with Qt %1.</source>
         <translation>Dieses Programm läuft mit Qt %1.</translation>
     </message>
+    <message>
+        <source>Select &amp;all</source>
+        <translation>&amp;Alles auswählen</translation>
+    </message>
 </context>
 <context>
     <name>PointerLabel</name>
@@ -443,6 +447,13 @@
     <message>
         <source>&amp;Clear list</source>
         <translation>Liste &amp;leeren</translation>
+    </message>
+</context>
+<context>
+    <name>ScreenshotJob</name>
+    <message>
+        <source>No picture was saved: the waveform was not complete in time.</source>
+        <translation>Es wurde kein Bild gespeichert: Die Wellenform war nicht rechtzeitig vollständig.</translation>
     </message>
 </context>
 <context>
@@ -480,6 +491,10 @@
     <message>
         <source>%1: %2</source>
         <translation>%1: %2</translation>
+    </message>
+    <message>
+        <source>Mouse in the waveform: drag to select, Shift and click to extend the selection, wheel to scroll, Ctrl and wheel to zoom, double click for the whole file.</source>
+        <translation>Maus in der Wellenform: Ziehen wählt aus, Umschalt und Klick erweitert die Auswahl, das Rad blättert, Strg und Rad zoomt, ein Doppelklick zeigt die ganze Datei.</translation>
     </message>
 </context>
 <context>

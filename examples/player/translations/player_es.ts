@@ -422,6 +422,10 @@
         <source>This program runs with Qt %1.</source>
         <translation>Este programa funciona con Qt %1.</translation>
     </message>
+    <message>
+        <source>Select &amp;all</source>
+        <translation>Seleccionar &amp;todo</translation>
+    </message>
 </context>
 <context>
     <name>PointerLabel</name>
@@ -443,6 +447,13 @@
     <message>
         <source>&amp;Clear list</source>
         <translation>&amp;Vaciar la lista</translation>
+    </message>
+</context>
+<context>
+    <name>ScreenshotJob</name>
+    <message>
+        <source>No picture was saved: the waveform was not complete in time.</source>
+        <translation>No se ha guardado ninguna imagen: la forma de onda no estaba completa a tiempo.</translation>
     </message>
 </context>
 <context>
@@ -480,6 +491,10 @@
     <message>
         <source>%1: %2</source>
         <translation>%1: %2</translation>
+    </message>
+    <message>
+        <source>Mouse in the waveform: drag to select, Shift and click to extend the selection, wheel to scroll, Ctrl and wheel to zoom, double click for the whole file.</source>
+        <translation>Ratón en la forma de onda: arrastrar selecciona, Mayús y clic amplía la selección, la rueda desplaza, Ctrl y rueda aplica zoom, doble clic muestra todo el archivo.</translation>
     </message>
 </context>
 <context>

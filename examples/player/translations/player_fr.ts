@@ -422,6 +422,10 @@
         <source>This program runs with Qt %1.</source>
         <translation>Ce programme fonctionne avec Qt %1.</translation>
     </message>
+    <message>
+        <source>Select &amp;all</source>
+        <translation>&amp;Tout sélectionner</translation>
+    </message>
 </context>
 <context>
     <name>PointerLabel</name>
@@ -443,6 +447,13 @@
     <message>
         <source>&amp;Clear list</source>
         <translation>&amp;Vider la liste</translation>
+    </message>
+</context>
+<context>
+    <name>ScreenshotJob</name>
+    <message>
+        <source>No picture was saved: the waveform was not complete in time.</source>
+        <translation>Aucune image n’a été enregistrée : la forme d’onde n’était pas complète à temps.</translation>
     </message>
 </context>
 <context>
@@ -480,6 +491,10 @@
     <message>
         <source>%1: %2</source>
         <translation>%1 : %2</translation>
+    </message>
+    <message>
+        <source>Mouse in the waveform: drag to select, Shift and click to extend the selection, wheel to scroll, Ctrl and wheel to zoom, double click for the whole file.</source>
+        <translation>Souris dans la forme d’onde : glisser sélectionne, Maj et clic étend la sélection, la molette fait défiler, Ctrl et molette zoome, un double clic montre tout le fichier.</translation>
     </message>
 </context>
 <context>

@@ -422,6 +422,10 @@
         <source>This program runs with Qt %1.</source>
         <translation>このプログラムは Qt %1 で動作しています。</translation>
     </message>
+    <message>
+        <source>Select &amp;all</source>
+        <translation>すべて選択(&amp;A)</translation>
+    </message>
 </context>
 <context>
     <name>PointerLabel</name>
@@ -443,6 +447,13 @@
     <message>
         <source>&amp;Clear list</source>
         <translation>一覧を消去(&amp;C)</translation>
+    </message>
+</context>
+<context>
+    <name>ScreenshotJob</name>
+    <message>
+        <source>No picture was saved: the waveform was not complete in time.</source>
+        <translation>画像は保存されませんでした: 波形が時間内に完成しませんでした。</translation>
     </message>
 </context>
 <context>
@@ -480,6 +491,10 @@
     <message>
         <source>%1: %2</source>
         <translation>%1: %2</translation>
+    </message>
+    <message>
+        <source>Mouse in the waveform: drag to select, Shift and click to extend the selection, wheel to scroll, Ctrl and wheel to zoom, double click for the whole file.</source>
+        <translation>波形でのマウス操作: ドラッグで選択、Shift とクリックで選択範囲を拡張、ホイールでスクロール、Ctrl とホイールでズーム、ダブルクリックでファイル全体を表示します。</translation>
     </message>
 </context>
 <context>

@@ -8,8 +8,8 @@
 #include <memory>
 
 /**
- * The seam between what records a frame and what draws it. A device gets a recorded frame and a target, nothing
- * else.
+ * The seam between what records a frame and what draws it. To draw, a device gets a recorded frame and a target,
+ * nothing else.
  */
 namespace vantoraudio::bgfx::device {
 

@@ -200,7 +200,7 @@ private Q_SLOTS:
     void endsWhenTheDecoderReportsAnError();
     void refusesABufferThatIsNoSound_data();
     void refusesABufferThatIsNoSound();
-    void beginsNothingAnewAfterItsEnd();
+    void beginsNothingAgainAfterItsEnd();
     void goesOnWhenTheProgramItselfWasBusy();
 
     void endsWithTheApplication_data();
@@ -557,7 +557,7 @@ void TestDecoder::refusesABufferThatIsNoSound()
 }
 
 /** A call that has ended comes back only after the calls that its event loop has started. */
-void TestDecoder::beginsNothingAnewAfterItsEnd()
+void TestDecoder::beginsNothingAgainAfterItsEnd()
 {
     const TemporaryFiles files;
     const QString outPath = files.Path(u"outer.wav"_s);

@@ -64,6 +64,11 @@ inline int Import(const QString& source, const QString& out)
     return vantoraudio::AudioEngine::AudioImporter::ImportNow(source, out).Code();
 }
 
+inline int ImportInPlace(const QString& source, const QString& /*out*/)
+{
+    return Import(source, source);
+}
+
 inline void AddRows()
 {
     QTest::addColumn<FileTask>("task");
@@ -83,6 +88,10 @@ inline void AddRows()
     QTest::addRow("import") << FileTask{.run = &Import,
                                         .writingFailure = WavFile::ErrorWriteHeader,
                                         .readingFailure = WavFile::ErrorInvalidFormat};
+    QTest::addRow("import in place") << FileTask{.run = &ImportInPlace,
+                                                 .writingFailure = WavFile::ErrorWriteHeader,
+                                                 .readingFailure = WavFile::ErrorInvalidFormat,
+                                                 .isInPlace = true};
 }
 
 /** Long enough to be read and written in more than one piece. */

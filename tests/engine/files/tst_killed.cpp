@@ -21,6 +21,29 @@ int Decode(const QString& source, const QString& out)
     return Decoder::Convert(source, out, 8000);
 }
 
+int DecodeInPlace(const QString& source, const QString& /*out*/)
+{
+    return Decode(source, source);
+}
+
+int DecodeToFloat(const QString& source, const QString& out)
+{
+    int count = 0;
+    const QCoreApplication application(count, nullptr);
+    return Decoder::ConvertToFloat(source, out, 8000);
+}
+
+int DecodeToFloatInPlace(const QString& source, const QString& /*out*/)
+{
+    return DecodeToFloat(source, source);
+}
+
+/** What it decodes to integers, Qt writes as noise. */
+bool IsForMp3(const FileTask& task)
+{
+    return task.run == &Decode || task.run == &DecodeInPlace;
+}
+
 /** More calls than any task makes. */
 constexpr int mostCalls = 100;
 
@@ -54,12 +77,15 @@ void TestKilled::leavesTheOldOrTheNewFileWhole_data()
 {
     FileTasks::AddRows();
     QTest::addRow("decoding") << FileTask{.run = &Decode};
+    QTest::addRow("decoding in place") << FileTask{.run = &DecodeInPlace, .isInPlace = true};
+    QTest::addRow("decoding to float") << FileTask{.run = &DecodeToFloat};
+    QTest::addRow("decoding to float in place") << FileTask{.run = &DecodeToFloatInPlace, .isInPlace = true};
 }
 
 void TestKilled::leavesTheOldOrTheNewFileWhole()
 {
     QFETCH(const FileTask, task);
-    const QByteArray bytes = task.run == &Decode ? m_mp3 : m_wav;
+    const QByteArray bytes = IsForMp3(task) ? m_mp3 : m_wav;
     QByteArray whole;
     for (const bool hasOlder : {false, true}) {
         // On other disks it grows under a hidden name.

@@ -8,6 +8,7 @@
 #include <QtTest/QTest>
 
 #include <functional>
+#include <unistd.h>
 
 using namespace Qt::Literals::StringLiterals;
 using vantoraudio::AudioEngine::PendingFile;
@@ -340,6 +341,23 @@ private Q_SLOTS:
         const TemporaryFiles files;
         const QString source = files.Write(u"source"_s, "old");
         PendingFile(source, source).RemoveFormer();
+        QCOMPARE(TemporaryFiles::Read(source), QByteArray("old"));
+    }
+
+    /** The two names were one file; now one of them is somebody else's. */
+    void keepsWhatHasTakenTheNameOfItsSource()
+    {
+        const TemporaryFiles files;
+        const QString source = files.Write(u"source"_s, "old");
+        const QString out = files.Path(u"out"_s);
+        QCOMPARE(::link(QFile::encodeName(source).constData(), QFile::encodeName(out).constData()), 0);
+        PendingFile pending(out, source);
+        QVERIFY(pending.Open());
+        QVERIFY(QFile::remove(out));
+        QCOMPARE(files.Write(u"out"_s, "its"), out);
+        QVERIFY(!pending.Commit());
+        pending.RemoveFormer();
+        QCOMPARE(TemporaryFiles::Read(out), QByteArray("its"));
         QCOMPARE(TemporaryFiles::Read(source), QByteArray("old"));
     }
 

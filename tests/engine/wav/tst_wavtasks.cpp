@@ -6,6 +6,7 @@
 
 #include <QtTest/QtTest>
 
+#include <cstdio>
 #include <semaphore>
 #include <thread>
 
@@ -161,6 +162,8 @@ private Q_SLOTS:
     void endsWhereTheFileCannotBeRead();
     void endsWhereTheFileHasBecomeShorter_data() { AddTasks(); }
     void endsWhereTheFileHasBecomeShorter();
+    void readsTheFileThatWasOpenedAlsoWhereAnotherTookItsName_data() { AddTasks(); }
+    void readsTheFileThatWasOpenedAlsoWhereAnotherTookItsName();
     void leavesAnOlderFileUntilItIsWhole_data() { AddTasks(); }
     void leavesAnOlderFileUntilItIsWhole();
     void leavesNoPartWhereNoneIsWanted_data() { AddTasks(); }
@@ -335,6 +338,18 @@ void TestWavTasks::endsWhereTheFileHasBecomeShorter()
         QCOMPARE(setup.Left().size(), task.isExtraction ? frames * 4 : 0);
         QCOMPARE(setup.files.Names(), QStringList{u"source.wav"_s});
     }
+}
+
+void TestWavTasks::readsTheFileThatWasOpenedAlsoWhereAnotherTookItsName()
+{
+    QFETCH(const Task, task);
+    TaskSetup setup(Stereo(manyBlocks * blockFrames), task);
+    const QString other = setup.files.Write(u"other.wav"_s, Stereo(blockFrames).File());
+    const QString name = setup.file.fileName();
+    QCOMPARE(std::rename(QFile::encodeName(other).constData(), QFile::encodeName(name).constData()), 0);
+    setup.Run();
+    QCOMPARE(setup.Left(), setup.Expected(manyBlocks * blockFrames));
+    QVERIFY(TemporaryFiles::Read(name) == Stereo(blockFrames).File());
 }
 
 void TestWavTasks::leavesAnOlderFileUntilItIsWhole()

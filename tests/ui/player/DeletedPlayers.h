@@ -173,6 +173,8 @@ inline Things ThingsToDo(const QString& folder)
              WaitFor(w, [&](auto&) { return isTold; });
          }},
         {"no file", [](auto& w) { w.Reset(); }},
+        {"files that the program chooses", [](auto& w) { w.SetProgramChoosesFiles(true); }},
+        {"asking for one", button("btnLoadFile")},
     };
 }
 

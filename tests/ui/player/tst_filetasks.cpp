@@ -63,7 +63,7 @@ private Q_SLOTS:
     void aWholeSnippetThatIsStoppedStays();
     void keepsTheFileForATaskThatOutlivesItsOwner();
     void releasesTheFileOnItsOwnThread();
-    void startsAnewAfterAStop();
+    void startsAgainAfterAStop();
 
 private:
     std::shared_ptr<WorkingFile> m_file;
@@ -280,7 +280,7 @@ void FileTasksTest::releasesTheFileOnItsOwnThread()
     QTRY_COMPARE(releasedOn, thread());
 }
 
-void FileTasksTest::startsAnewAfterAStop()
+void FileTasksTest::startsAgainAfterAStop()
 {
     FileTasks<int> tasks(&WavFile::AbortRead);
     {

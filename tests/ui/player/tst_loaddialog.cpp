@@ -53,6 +53,7 @@ private Q_SLOTS:
     void loadsTheFirstOfSeveralFiles();
     void keepsTheFileWhenCancelled();
     void outlivesAPlayerThatIsDestroyed();
+    void leavesTheChoiceToTheProgramThatWantsIt();
     void offersAllThatLoadsInTheBackground();
     void loadsTheChosenFileInTheBackground();
 
@@ -129,6 +130,15 @@ void LoadDialogTest::outlivesAPlayerThatIsDestroyed()
     QMetaObject::invokeMethod(player, "OnBtnLoadFileClicked", Qt::DirectConnection);
     QVERIFY(!watched);
     QVERIFY(QApplication::activeModalWidget() == nullptr);
+}
+
+void LoadDialogTest::leavesTheChoiceToTheProgramThatWantsIt()
+{
+    m_loaded->widget.SetProgramChoosesFiles(true);
+    const QSignalSpy requests(&m_loaded->widget, &AudioPlayerWidget::LoadRequested);
+    m_loaded->Controls().btnLoadFile->click();
+    QCOMPARE(requests.size(), 1);
+    QVERIFY(!QApplication::activeModalWidget());
 }
 
 void LoadDialogTest::offersAllThatLoadsInTheBackground()

@@ -51,17 +51,21 @@ private Q_SLOTS:
     void playsACopyOfARateThatNoOutputPlays_data()
     {
         QTest::addColumn<bool>("inBackground");
-        QTest::newRow("SetAudioFile") << false;
-        QTest::newRow("LoadFile") << true;
+        QTest::addColumn<int>("chunks");
+        QTest::newRow("SetAudioFile") << false << 0;
+        QTest::newRow("LoadFile") << true << 0;
+        QTest::newRow("the rate stands behind 1001 chunks") << false << 1001;
     }
     void playsACopyOfARateThatNoOutputPlays()
     {
         QFETCH(bool, inBackground);
+        QFETCH(int, chunks);
         const TemporaryFiles files;
         const TemporaryFiles copies;
         RecordingPlayerWidget widget;
         widget.SetWritableDirectoryPath(copies.Path(QString()));
-        const QString path = files.Write(u"fast.wav"_s, FastTone(4.0));
+        const QByteArray emptyChunks = QByteArray("JUNK\0\0\0\0", 8).repeated(chunks);
+        const QString path = files.Write(u"fast.wav"_s, FastTone(4.0).insert(12, emptyChunks));
         inBackground ? widget.LoadFile(path) : widget.SetAudioFile(path);
         AudioPlayer& player = AudioPlayerWidgetTestAccess::Player(widget);
         QTRY_COMPARE_WITH_TIMEOUT(player.duration(), 4000, patience);

@@ -235,6 +235,7 @@ void PlayerAppearanceTest::theChoicesAreThoseOfTheWaveform()
         QCOMPARE(view.GetLabelsFit(), isOn);
         QCOMPARE(view.GetColorsFollowPalette(), isOn);
         QCOMPARE(view.GetTakesFocus(), isOn);
+        QVERIFY(widget.focusProxy() == (isOn ? &view : nullptr));
     }
 }
 

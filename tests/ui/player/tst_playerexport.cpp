@@ -95,6 +95,7 @@ private Q_SLOTS:
     void keepsThePositionAlsoWherePlayingReturnsToTheStart();
     void theLatestChoiceCounts();
     void aFailedFilteringGoesBackToThePreviousChannel();
+    void aLinkToNothingIsNoPlaceForAChannel();
     void aFailureIsToldWhenTheWayBackHasBegun();
     void aChannelFileThatVanishedIsReportedAsSuccess();
     void failingInBothDirectionsEnds();
@@ -794,6 +795,18 @@ void PlayerExportTest::aFailedFilteringGoesBackToThePreviousChannel()
     QCOMPARE(setup.player->GetSelectedChannel(), WavFile::ChannelLeftRight);
     QCOMPARE(setup.Audio().source().toLocalFile(), setup.Copy());
     QCOMPARE(Access::FilteredFilePath(*setup.player), setup.Copy());
+}
+
+void PlayerExportTest::aLinkToNothingIsNoPlaceForAChannel()
+{
+    ExportSetup setup;
+    const QString nothing = setup.originals.Path(u"nothing"_s);
+    QVERIFY(QFile::link(nothing, setup.Left()));
+    setup.player->SetSelectedChannel(WavFile::ChannelLeft);
+    QTRY_COMPARE(setup.busy, (States{{true}, {false}, {true}, {false}}));
+    QCOMPARE(setup.player->errors, Errors{WavFile::ErrorFilterChannel});
+    QVERIFY(!QFile::exists(nothing));
+    QCOMPARE(QFileInfo(setup.Left()).symLinkTarget(), nothing);
 }
 
 void PlayerExportTest::aFailureIsToldWhenTheWayBackHasBegun()

@@ -152,7 +152,7 @@ void PlayerInterfaceTest::declaresItsSignalsInOrder()
                      u"LoadStarted(QString)"_s, u"LoadFinished(QString)"_s,
                      u"LoadFailed(QString,vantoraudio::AudioEngine::AudioFileInfo::Problem,QString)"_s,
                      u"LoadCancelled(QString)"_s, u"ContextMenuRequested(QPoint,double)"_s, u"LoopChanged(bool)"_s,
-                     u"PlaybackFailed(QString)"_s}));
+                     u"PlaybackFailed(QString)"_s, u"LoadRequested()"_s}));
 }
 
 void PlayerInterfaceTest::declaresItsSlots()

@@ -53,7 +53,7 @@ private Q_SLOTS:
     void aThousandLoadsLeaveTheMemoryAsItWas();
     void canBeStoppedInEveryState_data();
     void canBeStoppedInEveryState();
-    void aRemovedChannelFileIsWrittenAnewAfterAReload();
+    void aRemovedChannelFileIsWrittenAgainAfterAReload();
     void isDestroyedWithTheCursorInAField_data();
     void isDestroyedWithTheCursorInAField();
     void tasksOutliveTheWidget();
@@ -227,7 +227,7 @@ void PlayerLifeTest::Leave(Stop stop, PlayerSetup& setup)
     }
 }
 
-void PlayerLifeTest::aRemovedChannelFileIsWrittenAnewAfterAReload()
+void PlayerLifeTest::aRemovedChannelFileIsWrittenAgainAfterAReload()
 {
     PlayerSetup setup;
     QVERIFY(setup.Load(u"take.wav"_s, stereo.File()));

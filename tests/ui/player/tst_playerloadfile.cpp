@@ -208,8 +208,8 @@ private Q_SLOTS:
 
     void anUnchangedFileStays();
     void anUnchangedFileIsOpenedAgainAfterClosing();
-    void aChangedFileIsReadAnew_data();
-    void aChangedFileIsReadAnew();
+    void aChangedFileIsReadAgain_data();
+    void aChangedFileIsReadAgain();
     void tellsFilesOfTheSameNameApart();
     void channelFilesBelongToTheirFile();
     void removesWhatItMade();
@@ -906,7 +906,7 @@ void PlayerLoadFileTest::anUnchangedFileIsOpenedAgainAfterClosing()
     QCOMPARE(setup.player->GetAudioFileName(), copy);
 }
 
-void PlayerLoadFileTest::aChangedFileIsReadAnew_data()
+void PlayerLoadFileTest::aChangedFileIsReadAgain_data()
 {
     QTest::addColumn<QString>("change");
     QTest::addRow("another size") << u"size"_s;
@@ -914,7 +914,7 @@ void PlayerLoadFileTest::aChangedFileIsReadAnew_data()
     QTest::addRow("another file behind the link") << u"link"_s;
 }
 
-void PlayerLoadFileTest::aChangedFileIsReadAnew()
+void PlayerLoadFileTest::aChangedFileIsReadAgain()
 {
     QFETCH(const QString, change);
     LoadSetup setup;

@@ -108,6 +108,9 @@ private Q_SLOTS:
     void anotherDevicePlaysOnWhereTheHostWantsIt();
     void anUnknownDeviceIsKeptButNotPlayedTo();
 
+    void aSelectionThatChangesDoesNotLeadTheViewAwayWhereTheHostWantsIt();
+    void anotherSelectionPlaysOnWhereTheHostWantsIt();
+
     void thePlayersPositionMovesFieldMarkerAndHost();
     void playingMovesThePosition();
     void updatingThePositionMovesPlayerAndMarker();
@@ -139,6 +142,7 @@ private Q_SLOTS:
     void anEmptiedPlayerHasNoPlaceToGoToAndNothingToSelect();
 
     void theSettingsButtonTellsTheHost();
+    void aFailureOfAFileThatHasGoneIsNotTold();
 
 private:
     void StartPlaying();
@@ -573,6 +577,52 @@ void PlayerTransportTest::anUnknownDeviceIsKeptButNotPlayedTo()
     QCOMPARE(Player().GetAudioOutputDevice().id(), "one");
 }
 
+void PlayerTransportTest::aSelectionThatChangesDoesNotLeadTheViewAwayWhereTheHostWantsIt()
+{
+    Shown().SetInteractions(BGFXWaveformWidget::Interaction::SelectBeyondView);
+    for (const bool atOnce : {false, true}) {
+        Shown().SetShowsPositionAtOnce(atOnce);
+        Shown().SetSelectedSnippet({2.0, 15.0});
+        Player().setPosition(3000);
+        Shown().ShowRange(14.0, 16.0);
+        Controls().btnDecSelectionEnd->click();
+        QVERIFY(Shown().GetSelectedSnippet().second < 15.0);
+        QCOMPARE(Player().position(), qint64(2000));
+        QCOMPARE(Marker(), 2.0);
+        QCOMPARE(Shown().GetVisibleRange().first == 14.0, atOnce);
+        // Whoever goes there is led there.
+        Shown().UpdateAudioPosition(2.0);
+        QVERIFY(Shown().GetVisibleRange().first <= 2.0);
+        Shown().ClearSelection();
+    }
+}
+
+void PlayerTransportTest::anotherSelectionPlaysOnWhereTheHostWantsIt()
+{
+    Shown().SetInteractions(BGFXWaveformWidget::Interaction::SelectBeyondView);
+    for (const bool keeps : {false, true}) {
+        Shown().SetSelectionChangeKeepsPlace(keeps);
+        Shown().SetSelectedSnippet({2.0, 15.0});
+        StartPlaying();
+        Player().setPosition(5000);
+        QTRY_VERIFY(Player().position() >= 5000);
+        Shown().SetSelectedSnippet({2.0, 14.0});
+        const qint64 position = Player().position();
+        QCOMPARE(position >= 5000, keeps);
+        QCOMPARE(Marker(), double(position) / 1000.0);
+        QCOMPARE(RangeOf(Player()), Range(2.0, 14.0));
+        // A selection elsewhere is played from its start.
+        Shown().SetSelectedSnippet({9.0, 14.0});
+        QVERIFY(Player().position() >= 9000);
+        QVERIFY(Shown().IsPlaying());
+        Shown().Pause();
+        QTRY_VERIFY(!Shown().IsPlaying());
+        Player().setPosition(10000);
+        Shown().SetSelectedSnippet({9.0, 13.0});
+        QCOMPARE(Player().position(), qint64(9000));
+    }
+}
+
 void PlayerTransportTest::thePlayersPositionMovesFieldMarkerAndHost()
 {
     QStringList told;
@@ -915,6 +965,25 @@ void PlayerTransportTest::theSettingsButtonTellsTheHost()
     const QSignalSpy told(&Shown(), &Widget::SettingsButtonClicked);
     Click(Controls().btnSettings);
     QCOMPARE(told.size(), 1);
+}
+
+void PlayerTransportTest::aFailureOfAFileThatHasGoneIsNotTold()
+{
+    const QSignalSpy failures(&Shown(), &Widget::PlaybackFailed);
+    const auto fail = [this] { Q_EMIT Player().errorOccurred(QMediaPlayer::ResourceError, u"reason"_s); };
+    fail();
+    QCOMPARE(failures.size(), 0);
+    QCoreApplication::processEvents();
+    QCOMPARE(failures.size(), 1);
+    QCOMPARE(failures[0], QVariantList{u"reason"_s});
+    fail();
+    Shown().SetAudioFile(m_loaded->WriteFile(u"other.wav"_s));
+    QCoreApplication::processEvents();
+    QCOMPARE(failures.size(), 1);
+    fail();
+    Shown().Reset();
+    QCoreApplication::processEvents();
+    QCOMPARE(failures.size(), 1);
 }
 
 int main(int argc, char* argv[])

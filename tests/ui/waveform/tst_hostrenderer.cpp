@@ -40,6 +40,11 @@ private Q_SLOTS:
             QSKIP("bgfx cannot be started here");
         QVERIFY(!BGFXWaveformWidget::UseHostRenderer(&Bgfx(), BGFX_API_VERSION + 1, FirstView, Views));
         QVERIFY(!BGFXWaveformWidget::UseHostRenderer(&Bgfx(), BGFX_API_VERSION, FirstView, 1));
+        const auto end = quint16(Bgfx().get_caps()->limits.maxViews);
+        QVERIFY(!BGFXWaveformWidget::UseHostRenderer(&Bgfx(), BGFX_API_VERSION, quint16(end - 1), 2));
+        QVERIFY(!BGFXWaveformWidget::UseHostRenderer(&Bgfx(), BGFX_API_VERSION, 0, quint16(end + 1)));
+        QVERIFY(!BGFXWaveformWidget::UseHostRenderer(&Bgfx(), BGFX_API_VERSION, 65535, 65535));
+        QVERIFY(BGFXWaveformWidget::UseHostRenderer(&Bgfx(), BGFX_API_VERSION, quint16(end - 2), 2));
         {
             const auto first = MakeWaveform({0, 0}, QColor(200, 30, 40));
             const auto second = MakeWaveform({0, 250}, QColor(20, 60, 210));
@@ -69,8 +74,31 @@ private Q_SLOTS:
             QTRY_VERIFY(Shows(*first, QColor(10, 160, 170)));
             QCOMPARE(m_framesWithDraws, 0);
         }
-        m_frames.stop();
-        Bgfx().shutdown();
+        EndBgfx();
+    }
+
+    void choosesADeviceAgainAfterALostHost()
+    {
+        StartBgfx();
+        if (!m_runs)
+            QSKIP("bgfx cannot be started here");
+        static bgfx_interface_vtbl_t table = Bgfx();
+        static bool isLost = false;
+        table.get_renderer_type = [] { return isLost ? BGFX_RENDERER_TYPE_NOOP : Bgfx().get_renderer_type(); };
+        {
+            const auto waveform = MakeWaveform({0, 0}, QColor(200, 30, 40));
+            QVERIFY(BGFXWaveformWidget::UseHostRenderer(&table, BGFX_API_VERSION, FirstView, Views));
+            QTRY_VERIFY(m_framesWithDraws > 0);
+            isLost = true;
+            QTRY_VERIFY(BGFXWaveformWidget::GetDrawingDevice() != BGFXWaveformWidget::DrawingDevice::Bgfx);
+
+            BGFXWaveformWidget::LeaveHostRenderer();
+            waveform->SetBackgroundColor(QColor(20, 60, 210));
+            waveform->Update();
+            QTRY_COMPARE(BGFXWaveformWidget::GetDrawingDevice(), BGFXWaveformWidget::DrawingDevice::Bgfx);
+            QTRY_VERIFY(Shows(*waveform, QColor(20, 60, 210)));
+        }
+        EndBgfx();
     }
 
 private:
@@ -106,9 +134,16 @@ private:
         m_runs = Bgfx().init(&settings);
         if (m_runs) {
             m_texturesBefore = Textures();
-            connect(&m_frames, &QTimer::timeout, this, &HostRendererTest::EndFrame);
+            m_framesWithDraws = 0;
+            m_frames.callOnTimeout(this, &HostRendererTest::EndFrame);
             m_frames.start(2);
         }
+    }
+    void EndBgfx()
+    {
+        m_frames.stop();
+        m_frames.disconnect();
+        Bgfx().shutdown();
     }
 
     /** What is drawn in the host's frames are waveforms: the host itself draws nothing. */

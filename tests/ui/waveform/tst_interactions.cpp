@@ -2,6 +2,10 @@
 #include "WaveformTestAccess.h"
 
 #include <QtGui/QContextMenuEvent>
+#include <QtGui/QStyleHints>
+#include <QtWidgets/QMenu>
+
+#include <functional>
 
 using namespace vantoraudio::vantorAudioEngine::UI;
 using namespace vantoraudio::vantorAudioEngine::UI::testing;
@@ -178,6 +182,145 @@ private Q_SLOTS:
         bench.diagram.SetEditMode(false);
         bench.Click(500, Qt::ShiftModifier);
         QVERIFY(!Access::HasSelection(bench.diagram));
+    }
+
+    void shiftAndADragMoveTheNearerEnd()
+    {
+        FreeBench bench(Interaction::ExtendWithShift);
+        for (const int x : {351, 701}) {
+            bench.diagram.SetSelectedSnippet({20.0, 40.0});
+            QTest::mousePress(&bench.diagram, Qt::LeftButton, Qt::ShiftModifier, {350, 50});
+            Move(bench.diagram, x);
+            QTest::mouseRelease(&bench.diagram, Qt::LeftButton, Qt::ShiftModifier, {x, 50});
+            QCOMPARE(bench.Selection(), Pair(20.0, bench.diagram.GetTimeAt(x)));
+        }
+    }
+
+    void aPressGrabsWhatItMeets()
+    {
+        FreeBench bench(Interaction::MoveFromInside | Interaction::SelectBeyondView);
+        bench.SelectAndHover(20.0, 40.0, 200);
+        // The start is elsewhere now, and below the pointer there is the inside of the selection.
+        bench.diagram.SetSceneRange(15.0, 35.0);
+        Press(bench.diagram, 300);
+        Move(bench.diagram, 350);
+        Release(bench.diagram, 350);
+        QCOMPARE(bench.Selection(), Pair(21.0, 41.0));
+    }
+
+    void aClearedSelectionIsNotMoved()
+    {
+        FreeBench bench(Interaction::MoveFromInside | Interaction::ForgetCleared);
+        bench.SelectAndHover(20.0, 40.0, 300);
+        bench.diagram.ClearSelection();
+        Press(bench.diagram, 300);
+        Move(bench.diagram, 500);
+        Release(bench.diagram, 500);
+        QCOMPARE(bench.Selection(), Pair(30.05, 50.05));
+    }
+
+    void clearingEndsADrag()
+    {
+        FreeBench bench(Interaction::ForgetCleared | Interaction::SelectBeyondView);
+        bench.diagram.SetSceneRange(0.0, 10.0);
+        Press(bench.diagram, 300);
+        Move(bench.diagram, 1100);
+        QVERIFY(Access::IsBorderScrolling(bench.diagram));
+        bench.diagram.ClearSelection();
+        QVERIFY(!Access::IsBorderScrolling(bench.diagram));
+        Move(bench.diagram, 500);
+        Release(bench.diagram, 500);
+        QVERIFY(!Access::HasSelection(bench.diagram));
+    }
+
+    void aReleaseElsewhereEndsADrag_data()
+    {
+        using Loss = std::function<void(QWidget&)>;
+        QTest::addColumn<Loss>("lose");
+        QTest::newRow("the mouse comes back without its button") << Loss([](QWidget& view) { Hover(view, 500); });
+        QTest::newRow("another window") << Loss([](QWidget& view) {
+            QEvent event(QEvent::WindowDeactivate);
+            QApplication::sendEvent(&view, &event);
+        });
+        QTest::newRow("a menu") << Loss([](QWidget& view) {
+            QMenu menu;
+            menu.addAction(u"entry"_s);
+            menu.popup({0, 0});
+            QTRY_VERIFY(!Access::IsBorderScrolling(static_cast<BGFXWaveformDiagramWidget&>(view)));
+        });
+    }
+
+    void aReleaseElsewhereEndsADrag()
+    {
+        QFETCH(const std::function<void(QWidget&)>, lose);
+        FreeBench bench(Interaction::SelectBeyondView | Interaction::LeftButtonOnly);
+        bench.diagram.SetSceneRange(0.0, 1.0);
+        Press(bench.diagram, 500);
+        Move(bench.diagram, 1001);
+        QVERIFY(Access::IsBorderScrolling(bench.diagram));
+        lose(bench.diagram);
+        QVERIFY(!Access::IsBorderScrolling(bench.diagram));
+        const Pair selection = bench.Selection();
+        Move(bench.diagram, 700);
+        QCOMPARE(bench.Selection(), selection);
+    }
+
+    void theMouseAsksForNoMenuInTheMiddleOfADrag()
+    {
+        FreeBench bench(Interaction::LeftButtonOnly);
+        Press(bench.diagram, 100);
+        QVERIFY(AskForMenu(bench.diagram, {100, 50}));
+        Release(bench.diagram, 100);
+        QVERIFY(!AskForMenu(bench.diagram, {100, 50}));
+    }
+
+    void theViewDoesNotFollowThePositionInTheMiddleOfADrag()
+    {
+        for (const bool atOnce : {false, true}) {
+            FreeBench bench(Interaction::SelectBeyondView);
+            bench.diagram.SetShowsPositionAtOnce(atOnce);
+            bench.diagram.SetSceneRange(40.0, 50.0);
+            Press(bench.diagram, 500);
+            bench.diagram.SetAudioPosition(5.0, false);
+            QCOMPARE(bench.diagram.GetSceneRect().left() == 40.0, atOnce);
+            Release(bench.diagram, 500);
+            bench.diagram.SetAudioPosition(5.0, false);
+            QVERIFY(bench.diagram.GetSceneRect().left() < 40.0);
+        }
+    }
+
+    void aShortDragStaysAClick()
+    {
+        const int distance = QGuiApplication::styleHints()->startDragDistance();
+        FreeBench bench(Interaction::DragFromDistance);
+        Press(bench.diagram, 300);
+        Move(bench.diagram, 300 + distance - 1);
+        QVERIFY(!Access::HasSelection(bench.diagram));
+        Release(bench.diagram, 300 + distance - 1);
+        QVERIFY(!Access::HasSelection(bench.diagram));
+        QCOMPARE(bench.diagram.GetAudioPosition(), bench.diagram.GetTimeAt(300 + distance - 1));
+        Press(bench.diagram, 300);
+        Move(bench.diagram, 300 + distance);
+        // It stays a drag.
+        Move(bench.diagram, 301);
+        Release(bench.diagram, 301);
+        QCOMPARE(bench.Selection(), Pair(30.05, 30.15));
+    }
+
+    void aShortDragMovesAnEdgeButNoSelection()
+    {
+        FreeBench bench(Interaction::DragFromDistance | Interaction::MoveFromInside);
+        bench.SelectAndHover(20.0, 40.0, 200);
+        Press(bench.diagram, 200);
+        Move(bench.diagram, 202);
+        Release(bench.diagram, 202);
+        QCOMPARE(bench.Selection(), Pair(20.25, 40.0));
+        Press(bench.diagram, 300);
+        Move(bench.diagram, 302);
+        QCOMPARE(bench.Selection(), Pair(20.25, 40.0));
+        Move(bench.diagram, 350);
+        Release(bench.diagram, 350);
+        QCOMPARE(bench.Selection(), Pair(25.25, 45.0));
     }
 
     void otherButtonsDoNothing()

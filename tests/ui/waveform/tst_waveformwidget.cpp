@@ -373,6 +373,17 @@ private Q_SLOTS:
         QCOMPARE(bench.scrollBar.value(), 20500);
     }
 
+    void anArrowOfTheScrollBarMovesTheViewByAPart()
+    {
+        Bench bench;
+        bench.widget.OnSceneRectChangeRequested(QRectF(20.0, 0.0, 10.0, 1.0));
+        bench.scrollBar.triggerAction(QScrollBar::SliderSingleStepAdd);
+        QCOMPARE(bench.diagram.GetSceneRect().left(), 20.5);
+        bench.widget.OnSceneRectChangeRequested(QRectF(20.0, 0.0, 0.004, 1.0));
+        bench.scrollBar.triggerAction(QScrollBar::SliderSingleStepAdd);
+        QCOMPARE(bench.diagram.GetSceneRect().left(), 20.001);
+    }
+
     void draggingTheScrollBarMovesTheView()
     {
         Bench bench;

@@ -72,7 +72,7 @@ struct HostRenderer
 [[nodiscard]] std::unique_ptr<BgfxInstance> StartOwnBgfx(BgfxInstance::News news);
 /** Draws with the host's bgfx, in the host's frames. The destructor gives back what was made there, so bgfx must
  * still run then. Null in a build without bgfx, and where the host's is another version, does not run, leaves us
- * fewer than two views or cannot do what drawing takes. */
+ * fewer than two views or some that it does not have, or cannot do what drawing takes. */
 [[nodiscard]] std::unique_ptr<BgfxInstance> JoinHostBgfx(const HostRenderer& host, BgfxInstance::News news);
 
 } // namespace vantoraudio::bgfx::device

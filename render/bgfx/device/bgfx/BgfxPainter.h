@@ -41,9 +41,9 @@ private:
     struct Surface
     {
         QSize size;
-        bgfx_texture_handle_t drawn;
-        bgfx_frame_buffer_handle_t frameBuffer;
-        bgfx_texture_handle_t read;
+        bgfx_texture_handle_t drawn{kInvalidHandle};
+        bgfx_frame_buffer_handle_t frameBuffer{kInvalidHandle};
+        bgfx_texture_handle_t read{kInvalidHandle};
     };
 
     explicit BgfxPainter(const BgfxApi& bgfx);
@@ -58,7 +58,7 @@ private:
     const BgfxApi& m_bgfx;
     /** Whether the first row of a frame buffer is the lowest: everything is drawn upside down then. */
     bool m_isBottomUp;
-    std::array<bgfx_program_handle_t, Programs.size()> m_programs;
+    std::array<bgfx_program_handle_t, Programs.size()> m_programs{};
     std::map<std::string, bgfx_uniform_handle_t> m_uniforms;
     std::map<std::uint64_t, Surface> m_surfaces;
 };

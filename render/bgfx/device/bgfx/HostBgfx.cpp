@@ -1,8 +1,8 @@
 #include "render/bgfx/device/bgfx/BgfxInstance.h"
 #include "render/bgfx/device/bgfx/BgfxPainter.h"
+#include "render/bgfx/device/bgfx/Turns.h"
 
 #include <algorithm>
-#include <iterator>
 #include <map>
 #include <utility>
 
@@ -63,6 +63,8 @@ private:
     /** Views that pictures of the host's coming frame have taken. */
     std::uint16_t m_usedViews = 0;
     std::map<std::uint64_t, FramePlan> m_plans;
+    /** Whose turn it was last. */
+    std::uint64_t m_lastId = 0;
     std::map<std::uint64_t, CopiedImage> m_copying;
     std::vector<Picture> m_pictures;
 };
@@ -124,12 +126,13 @@ void HostBgfx::OnHostFrame(std::uint32_t number)
 
 void HostBgfx::SubmitPlans()
 {
-    for (auto plan = m_plans.begin(); plan != m_plans.end() && m_usedViews + 2 <= m_host.viewCount;) {
-        const bool isBusy = m_copying.contains(plan->first);
-        if (!isBusy) {
+    for (auto left = m_plans.size(); left > 0 && m_usedViews + 2 <= m_host.viewCount; --left) {
+        const auto plan = NextInTurn(m_plans, m_lastId);
+        m_lastId = plan->first;
+        if (!m_copying.contains(plan->first)) {
             Submit(plan->first, plan->second);
+            m_plans.erase(plan);
         }
-        plan = isBusy ? std::next(plan) : m_plans.erase(plan);
     }
 }
 
@@ -154,13 +157,26 @@ std::vector<BgfxInstance::Picture> HostBgfx::TakePictures()
     return std::exchange(m_pictures, {});
 }
 
+/** Null where it does not run, or is another version: the functions' places in the table change. */
+const BgfxApi* RunningBgfx(const HostRenderer& host)
+{
+    const auto* bgfx = static_cast<const BgfxApi*>(host.functions);
+    return bgfx && host.version == BGFX_API_VERSION && bgfx->get_internal_data()->caps ? bgfx : nullptr;
+}
+
+/** bgfx itself does not look whether it has a view. */
+bool HasViews(const BgfxApi& bgfx, const HostRenderer& host)
+{
+    return host.viewCount >= 2 &&
+           std::uint32_t(host.firstView) + host.viewCount <= bgfx.get_caps()->limits.maxViews;
+}
+
 } // namespace
 
 std::unique_ptr<BgfxInstance> JoinHostBgfx(const HostRenderer& host, BgfxInstance::News news)
 {
-    const auto* bgfx = static_cast<const BgfxApi*>(host.functions);
-    // The functions' places in the table change from version to version.
-    if (!bgfx || host.version != BGFX_API_VERSION || host.viewCount < 2 || !bgfx->get_internal_data()->caps) {
+    const BgfxApi* bgfx = RunningBgfx(host);
+    if (!bgfx || !HasViews(*bgfx, host)) {
         return nullptr;
     }
     auto instance = std::make_unique<HostBgfx>(host, std::move(news));

@@ -1,6 +1,7 @@
 #include "render/bgfx/device/bgfx/BgfxInstance.h"
 #include "render/bgfx/device/bgfx/BgfxPainter.h"
 #include "render/bgfx/device/bgfx/HeadlessBgfx.h"
+#include "render/bgfx/device/bgfx/Turns.h"
 
 #include <condition_variable>
 #include <map>
@@ -114,15 +115,17 @@ private:
 
     void DrawUntilTheEnd(HeadlessBgfx& bgfx, BgfxPainter& painter)
     {
-        for (;;) {
+        for (std::uint64_t lastId = NoId;;) {
             std::unique_lock lock(m_mutex);
             m_asked.wait(lock, [this] { return m_ends || !m_plans.empty() || !m_forgotten.empty(); });
             if (m_ends) {
                 return;
             }
             const std::set<std::uint64_t> forgotten = std::exchange(m_forgotten, {});
-            auto next = m_plans.empty() ? decltype(m_plans)::node_type() : m_plans.extract(m_plans.begin());
+            auto next =
+                m_plans.empty() ? decltype(m_plans)::node_type() : m_plans.extract(NextInTurn(m_plans, lastId));
             m_drawnId = next ? next.key() : NoId;
+            lastId = next ? next.key() : lastId;
             lock.unlock();
 
             for (const std::uint64_t id : forgotten) {
