@@ -41,8 +41,8 @@ class StandstillWatch;
  * milliseconds; otherwise Qt's sound thread, and this player's destructor with it, may wait for ever.
  *
  * The same holds while the sound server is away. Where that lasts for more than three seconds, only devices come
- * back that were there before. With Qt 6.4 the connection may be lost for good, and a program that begins without
- * a server never gets sound: errorOccurred() then tells so once a server is there.
+ * back that were there before. With Qt 6.4 the connection may be lost for good. A program that begins without a
+ * server never gets sound. errorOccurred() tells of both once a server is there.
  *
  * A file with a rate above 384,000 Hz or with more than 64 channels is refused like one that cannot be read: no
  * output plays it, and Qt would crash. So are pipes, devices and empty files. To find out, a look is taken into

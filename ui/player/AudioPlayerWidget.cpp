@@ -206,7 +206,7 @@ void AudioPlayerWidget::Close()
     m_internals->loaded.File().close();
     const QPointer<AudioPlayerWidget> self(this);
     if (m_busy && m_internals->TellAllReports()) {
-        SetBusy(false);
+        SetBusy(m_channelFilterWatcher.isRunning());
     }
     if (self && !loadingPath.isEmpty()) {
         Q_EMIT LoadCancelled(loadingPath);

@@ -224,18 +224,19 @@ bool AudioPlayerWidget::CancelSnippet()
 
 bool AudioPlayerWidget::Internals::TellAllReports()
 {
+    // A slot may begin another busy time and end that, too.
+    busyCountToEnd = busyCount;
     if (isTellingAll) {
         return false;
     }
     const QPointer<AudioPlayerWidget> self(&widget);
-    const int countBefore = busyCount;
     isTellingAll = true;
     loaded.Progress().PassOnAll();
     if (!self) {
         return false;
     }
     isTellingAll = false;
-    return busyCount == countBefore;
+    return busyCount == busyCountToEnd;
 }
 
 void AudioPlayerWidget::OnSnippetCreateFinished(int index)

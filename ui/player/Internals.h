@@ -151,6 +151,8 @@ struct AudioPlayerWidget::Internals
     /** Counts how often a busy time began or ended. */
     int busyCount = 0;
     bool isTellingAll = false;
+    /** The busy time that ends when all is told, unless it has ended by then. */
+    int busyCountToEnd = 0;
     /** Counts what ends a load: the next load and every closing. */
     int loadCount = 0;
     /** Counts what ends a filtering: the next filtering and every closing. */

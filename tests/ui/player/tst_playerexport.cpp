@@ -63,6 +63,8 @@ private Q_SLOTS:
     void aSelectionThatIsMovedPastTheEndIsExportedFromWithinTheFile();
     void cancelsASnippet();
     void cancelsASnippetThatWaitsForItsTurn();
+    void aSnippetThatASlotBeginsAndCancelsEndsBeingBusy_data();
+    void aSnippetThatASlotBeginsAndCancelsEndsBeingBusy();
     void tellsWhetherASnippetIsCancelledInTime_data();
     void tellsWhetherASnippetIsCancelledInTime();
     void cancellingLeavesAFileAloneThatTookTheName();
@@ -287,6 +289,44 @@ void PlayerExportTest::cancelsASnippetThatWaitsForItsTurn()
     QCOMPARE(setup.busy, (States{{true}, {false}}));
     QVERIFY(setup.finished.isEmpty());
     QVERIFY(setup.player->errors.isEmpty());
+}
+
+void PlayerExportTest::aSnippetThatASlotBeginsAndCancelsEndsBeingBusy_data()
+{
+    using End = void (*)(AudioPlayerWidget&);
+    const End close = [](auto& widget) { widget.Close(); };
+    const End cancel = [](auto& widget) { widget.CancelSnippet(); };
+    QTest::addColumn<End>("endOuter");
+    QTest::addColumn<End>("endInner");
+    QTest::newRow("by cancelling while it closes") << close << cancel;
+    QTest::newRow("by closing while it closes") << close << close;
+    QTest::newRow("by cancelling while another is cancelled") << cancel << cancel;
+    QTest::newRow("by closing while another is cancelled") << cancel << close;
+}
+
+void PlayerExportTest::aSnippetThatASlotBeginsAndCancelsEndsBeingBusy()
+{
+    using End = void (*)(AudioPlayerWidget&);
+    QFETCH(const End, endOuter);
+    QFETCH(const End, endInner);
+    ExportSetup setup;
+    setup.player->SetSelectedSnippet({0.0, 1.0});
+    HeldTask held(setup.File());
+    setup.player->CreateSnippet(setup.Snippet());
+    QVERIFY(held.HasBegun());
+    held.ReleaseUpon(WavFileTestAccess(setup.File()).IsWriteAborted());
+    int calls = 0;
+    connect(setup.player.get(), &AudioPlayerWidget::ProgressChanged, this, [&] {
+        if (calls++ == 0) {
+            const BlockedPool pool;
+            setup.player->CreateSnippet(setup.Snippet());
+            endInner(*setup.player);
+        }
+    });
+    endOuter(*setup.player);
+    QVERIFY(calls > 0);
+    QVERIFY(!setup.player->IsBusy());
+    QCOMPARE(setup.busy, (States{{true}, {true}, {false}}));
 }
 
 void PlayerExportTest::tellsWhetherASnippetIsCancelledInTime_data()
