@@ -45,8 +45,9 @@ class StandstillWatch;
  * server never gets sound. errorOccurred() tells of both once a server is there.
  *
  * A file with a rate above 384,000 Hz or with more than 64 channels is refused like one that cannot be read: no
- * output plays it, and Qt would crash. So are pipes, devices and empty files. To find out, a look is taken into
- * each file; into any other than a WAV file it reads a few megabytes at most.
+ * output plays it, and Qt would crash. So are pipes, devices and empty files. To find out, SetAudio() looks into
+ * each file, which mostly takes a few milliseconds; files that are neither WAV nor FLAC nor MP3 and hold large
+ * pictures may take seconds.
  *
  * At the end of the file the way back to the selection's start is taken in the next round of the event loop; until
  * then the player is stopped. A selection that starts at or behind the end of the file, or a file without audio,

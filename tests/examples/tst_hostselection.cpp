@@ -1,5 +1,7 @@
 #include "PlayerWindows.h"
 
+#include <vantorAudioEngine/AudioPlayer.h>
+
 #include <QtGui/QMouseEvent>
 #include <QtTest/QTest>
 #include <QtWidgets/QPushButton>
@@ -31,6 +33,8 @@ private Q_SLOTS:
         m_window = std::make_unique<PlayerWindow>();
         QVERIFY(Activate(*m_window));
         QVERIFY(OpenCompletely(*m_window, Recording));
+        // Newer versions of Qt load in the background.
+        QTRY_COMPARE(m_window->findChild<AudioPlayer*>()->mediaStatus(), QMediaPlayer::LoadedMedia);
         m_window->SelectRange(2.0, 14.0);
         Player().UpdateAudioPosition(3.0);
         QCOMPARE(Player().GetAudioPosition(), 3.0);

@@ -97,7 +97,10 @@ private Q_SLOTS:
             << BehindATag(BehindATag(WavOf(500000, 2))) << true;
         QTest::newRow("WAV behind a tag, highest rate") << BehindATag(WavOf(384000, 2)) << true;
         QTest::newRow("FLAC behind a tag") << BehindATag(FlacOf(655350)) << false;
+        QTest::newRow("FLAC behind two tags") << BehindATag(BehindATag(FlacOf(655350))) << false;
         QTest::newRow("a tag alone") << BehindATag({}) << true;
+        QTest::newRow("a tag that is longer than the file")
+            << QByteArray::fromHex("494433040010") + QByteArray(4, '\x7f') + FlacOf(655350) << true;
     }
     void tellsByTheHeaderWhatNoOutputPlays()
     {
@@ -122,6 +125,22 @@ private Q_SLOTS:
             QVERIFY(AudioPrograms::Succeeds(u"ffmpeg"_s, {u"-y"_s, u"-i"_s, wav, path}));
             QCOMPARE(CanBePlayed(path), rate == 44100U);
         }
+    }
+
+    void findsTheFormatBehindSamplesOfMoreThan4GiB()
+    {
+        const qint64 size = (qint64(1) << 32) + 8;
+        QByteArray begin("RF64\xff\xff\xff\xffWAVEds64", 16);
+        begin += LittleEndian(quint32(28)) + LittleEndian(quint64(size + 88)) + LittleEndian(quint64(size));
+        begin += LittleEndian(quint64(size / 4)) + LittleEndian(quint32(0)) + "data\xff\xff\xff\xff";
+        QFile file(m_files.Path(u"large.wav"_s));
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(begin) == begin.size());
+        QVERIFY(file.seek(begin.size() + size));
+        const QByteArray format = WavOf(500000, 2).mid(12, 24);
+        QCOMPARE(file.write(format), format.size());
+        file.close();
+        QVERIFY(!CanBePlayed(file.fileName()));
+        QVERIFY(file.remove());
     }
 
     void tellsOfTheChannelsOfOtherFormatsToo()

@@ -102,8 +102,12 @@ void AudioPlayerWidget::SetColorsFollowPalette(bool follow)
 void AudioPlayerWidget::SetWaveformTakesFocus(bool takesFocus)
 {
     m_waveformWidget->SetTakesFocus(takesFocus);
-    // Where the focus shows.
-    setFocusProxy(takesFocus ? m_waveformWidget : nullptr);
+    if (takesFocus) {
+        // Where the focus shows.
+        setFocusProxy(m_waveformWidget);
+    } else if (focusProxy() == m_waveformWidget) {
+        setFocusProxy(nullptr);
+    }
 }
 
 void AudioPlayerWidget::SetNightIcons(bool night)

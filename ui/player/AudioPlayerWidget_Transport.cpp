@@ -413,8 +413,15 @@ bool AudioPlayerWidget::Internals::IsLeftUntyped(const QLineEdit& field) const
 
 void AudioPlayerWidget::Internals::SeekToLine() const
 {
-    if (typedPositionSeeks) {
-        widget.m_audioPlayer->setPosition(MillisecondsOf(widget.m_waveformWidget->GetAudioPosition()));
+    if (!typedPositionSeeks) {
+        return;
+    }
+    const double position = widget.m_waveformWidget->GetAudioPosition();
+    // A receiver of the signals may destroy the widget.
+    const QPointer<AudioPlayerWidget> self(&widget);
+    widget.m_waveformWidget->SetAudioPosition(position);
+    if (self) {
+        widget.m_audioPlayer->setPosition(MillisecondsOf(position));
     }
 }
 

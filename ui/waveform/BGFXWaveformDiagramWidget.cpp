@@ -38,6 +38,7 @@ void BGFXWaveformDiagramWidget::Reset()
     m_audioPosition = 0.0;
     m_grab = {};
     m_borderScroll.stop();
+    LoseTheMouse();
     m_lineTimer.stop();
     m_selection.isPresent = false;
     m_selectionAtGrab = {0.0, 0.0};
@@ -75,8 +76,8 @@ void BGFXWaveformDiagramWidget::SetAudioPosition(double position, bool clearSele
         m_selection.isPresent = false;
     }
     // What the mouse holds must not slip away.
-    const bool isHeld = m_showsPositionAtOnce && m_isPressed;
-    if (!m_followsPosition || isHeld || Follow()) {
+    const bool isKept = m_showsPositionAtOnce && m_isHeld;
+    if (!m_followsPosition || isKept || Follow()) {
         Changed();
     }
 }

@@ -140,7 +140,7 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
-    /** The window may lose the mouse in the middle of a drag. */
+    /** The view may lose the mouse in the middle of a drag. */
     bool event(QEvent* event) override;
     /** A drag past the border scrolls, and the position line moves. */
     void timerEvent(QTimerEvent* event) override;
@@ -203,6 +203,7 @@ private:
     void HoverAt(int x);
     void BeginDrag(const QMouseEvent& event);
     void EndDrag();
+    void LoseTheMouse();
     [[nodiscard]] double DragTimeAt(int x) const;
     // False when a receiver of their signals has destroyed this widget.
     bool DragTo(const QPoint& position);
@@ -257,8 +258,10 @@ private:
     bool m_followsPosition = true;
     bool m_showsPositionAtOnce = false;
     bool m_keepsViewFilled = false;
-    /** The left button is down, and what it does is not over. */
+    /** A button is down, and what it does is not over. */
     bool m_isPressed = false;
+    /** The left button is. */
+    bool m_isHeld = false;
     /** Since a press that only a drag of some length turns into more than a click. */
     bool m_isClick = false;
     /** That is the second click of a double click. */

@@ -61,6 +61,7 @@ void BGFXWaveformDiagramWidget::BeginDrag(const QMouseEvent& event)
         HoverAt(position.x());
     }
     m_isPressed = true;
+    m_isHeld = event.button() == Qt::LeftButton;
     m_pressTime = TimeAt(position.x());
     m_grabOffset = clicksInSelection ? m_pressTime - MiddleOf(m_selection.times) : 0.0;
     m_isExtending = Allows(Interaction::ExtendWithShift) && event.modifiers() == Qt::ShiftModifier;
@@ -69,14 +70,24 @@ void BGFXWaveformDiagramWidget::BeginDrag(const QMouseEvent& event)
         m_pressTime = FarEndFrom(m_pressTime);
     }
     m_isClick = Allows(Interaction::DragFromDistance) && !m_isExtending && !m_grab.AnyEdge();
-    if (!m_grab.Any() || clicksInSelection) {
+    if (!m_grab.Any() || clicksInSelection || m_isClick) {
         m_pressPosition = position;
+    }
+}
+
+/** The release of the button does not come any more, or came already. */
+void BGFXWaveformDiagramWidget::LoseTheMouse()
+{
+    m_isHeld = false;
+    if (m_interactions) {
+        EndDrag();
     }
 }
 
 void BGFXWaveformDiagramWidget::EndDrag()
 {
     m_isPressed = false;
+    m_isHeld = false;
     m_isClick = false;
     m_isDoubleClick = false;
     m_isExtending = false;
@@ -86,6 +97,10 @@ void BGFXWaveformDiagramWidget::EndDrag()
 
 void BGFXWaveformDiagramWidget::mouseMoveEvent(QMouseEvent* event)
 {
+    if (event && !event->buttons().testFlag(Qt::LeftButton)) {
+        // It may have been let go of over a menu or another window.
+        LoseTheMouse();
+    }
     if (event == nullptr || !HasAudio() || !m_isEditing) {
         return;
     }
@@ -102,8 +117,6 @@ void BGFXWaveformDiagramWidget::mouseMoveEvent(QMouseEvent* event)
             return;
         }
     } else {
-        // The button may have been let go of over a menu or another window.
-        EndDrag();
         HoverAt(PixelOf(*event).x());
     }
     Changed();
@@ -119,7 +132,12 @@ void BGFXWaveformDiagramWidget::mouseReleaseEvent(QMouseEvent* event)
     const bool isClick = StaysAClick(PixelOf(*event));
     const bool isDoubleClick = isClick && m_isDoubleClick;
     const bool isExtending = m_isExtending;
-    EndDrag();
+    if (event->buttons().testFlag(Qt::LeftButton)) {
+        m_grab = {};
+        m_borderScroll.stop();
+    } else {
+        EndDrag();
+    }
     setCursor(Qt::ArrowCursor);
     if (!HasAudio() || isDoubleClick || isOver) {
         return;
@@ -154,9 +172,10 @@ void BGFXWaveformDiagramWidget::mouseDoubleClickEvent(QMouseEvent* event)
     }
     ShowEverything();
     m_isPressed = true;
-    if (Allows(Interaction::DoubleClickOnlyZooms)) {
+    m_isHeld = event->button() == Qt::LeftButton;
+    m_isDoubleClick = Allows(Interaction::DoubleClickOnlyZooms);
+    if (m_isDoubleClick || Allows(Interaction::DragFromDistance)) {
         m_isClick = true;
-        m_isDoubleClick = true;
         m_pressPosition = PixelOf(*event);
         m_pressTime = TimeAt(m_pressPosition.x());
     }
@@ -190,8 +209,9 @@ void BGFXWaveformDiagramWidget::contextMenuEvent(QContextMenuEvent* event)
 
 bool BGFXWaveformDiagramWidget::event(QEvent* event)
 {
-    if (m_interactions && (event->type() == QEvent::WindowDeactivate || event->type() == QEvent::Hide)) {
-        EndDrag();
+    const bool isDisabled = event->type() == QEvent::EnabledChange && !isEnabled();
+    if (isDisabled || event->type() == QEvent::WindowDeactivate || event->type() == QEvent::Hide) {
+        LoseTheMouse();
     }
     return BGFXOffscreenWidget::event(event);
 }
@@ -216,8 +236,9 @@ void BGFXWaveformDiagramWidget::timerEvent(QTimerEvent* event)
 
 void BGFXWaveformDiagramWidget::ScrollAtBorder()
 {
-    if (QApplication::activePopupWidget()) {
-        // It also gets the release of the button.
+    const QWidget* popup = QApplication::activePopupWidget();
+    if (!m_isEditing || (popup && popup != window())) {
+        // A menu also gets the release of the button.
         EndDrag();
         return;
     }

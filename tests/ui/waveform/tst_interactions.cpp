@@ -242,6 +242,12 @@ private Q_SLOTS:
             QEvent event(QEvent::WindowDeactivate);
             QApplication::sendEvent(&view, &event);
         });
+        QTest::newRow("no longer enabled") << Loss([](QWidget& view) { view.setEnabled(false); });
+        QTest::newRow("no longer editing") << Loss([](QWidget& view) {
+            auto& diagram = static_cast<BGFXWaveformDiagramWidget&>(view);
+            diagram.SetEditMode(false);
+            QTRY_VERIFY(!Access::IsBorderScrolling(diagram));
+        });
         QTest::newRow("a menu") << Loss([](QWidget& view) {
             QMenu menu;
             menu.addAction(u"entry"_s);
@@ -287,6 +293,77 @@ private Q_SLOTS:
             bench.diagram.SetAudioPosition(5.0, false);
             QVERIFY(bench.diagram.GetSceneRect().left() < 40.0);
         }
+    }
+
+    void theViewFollowsAgainWhereTheReleaseDoesNotCome()
+    {
+        FreeBench bench({});
+        bench.diagram.SetEditMode(false);
+        bench.diagram.SetShowsPositionAtOnce(true);
+        const auto follows = [&] {
+            bench.diagram.SetSceneRange(40.0, 50.0);
+            bench.diagram.SetAudioPosition(5.0, false);
+            return bench.diagram.GetSceneRect().left() < 40.0;
+        };
+        QTest::mousePress(&bench.diagram, Qt::RightButton, {}, {500, 50});
+        QVERIFY(follows());
+        QTest::mouseRelease(&bench.diagram, Qt::RightButton, {}, {500, 50});
+        Press(bench.diagram, 500);
+        QVERIFY(!follows());
+        Hover(bench.diagram, 500);
+        QVERIFY(follows());
+        Press(bench.diagram, 500);
+        bench.diagram.setEnabled(false);
+        QVERIFY(follows());
+    }
+
+    void anotherFileEndsADrag()
+    {
+        FreeBench bench(Interaction::SelectBeyondView);
+        Press(bench.diagram, 300);
+        Move(bench.diagram, 400);
+        bench.diagram.Reset();
+        bench.diagram.SetDuration(100.0);
+        Move(bench.diagram, 500);
+        Release(bench.diagram, 500);
+        QVERIFY(!Access::HasSelection(bench.diagram));
+        QCOMPARE(bench.diagram.GetAudioPosition(), 0.0);
+    }
+
+    void anotherButtonThatIsLetGoOfDoesNotEndADrag()
+    {
+        FreeBench bench(Interaction::SelectBeyondView);
+        Press(bench.diagram, 100);
+        Move(bench.diagram, 300);
+        QMouseEvent release(QEvent::MouseButtonRelease, {300.0, 50.0}, {300.0, 50.0}, Qt::RightButton,
+                            Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(&bench.diagram, &release);
+        Move(bench.diagram, 400);
+        QCOMPARE(bench.Selection(), Pair(10.05, 40.05));
+    }
+
+    void aShortDragAtADoubleClickSelectsNothing()
+    {
+        FreeBench bench(Interaction::DragFromDistance | Interaction::SelectBeyondView);
+        bench.diagram.SetSceneRange(40.0, 50.0);
+        bench.Click(200);
+        SendMouse(bench.diagram, QEvent::MouseButtonDblClick, {200.0, 50.0}, Qt::LeftButton);
+        SendMouse(bench.diagram, QEvent::MouseMove, {201.0, 50.0}, Qt::LeftButton);
+        Release(bench.diagram, 201);
+        QVERIFY(!Access::HasSelection(bench.diagram));
+    }
+
+    void aShortDragAtTheMiddleOfTheSelectionIsAClick()
+    {
+        FreeBench bench(Interaction::DragFromDistance);
+        bench.Click(300);
+        bench.SelectAndHover(60.0, 80.0, 700);
+        QCOMPARE(bench.diagram.cursor().shape(), Qt::SizeAllCursor);
+        Press(bench.diagram, 700);
+        Move(bench.diagram, 701);
+        QCOMPARE(bench.Selection(), Pair(60.0, 80.0));
+        Release(bench.diagram, 701);
+        QVERIFY(!Access::HasSelection(bench.diagram));
     }
 
     void aShortDragStaysAClick()
