@@ -114,14 +114,15 @@ AudioPlayer::~AudioPlayer()
 
 void AudioPlayer::SetAudio(const QString& filePath, double duration)
 {
-    // A receiver of the signals may delete the player.
+    // A receiver of the signals may delete the player, or whoever the path belongs to.
     const QPointer<AudioPlayer> self(this);
+    const QString path = filePath;
     // The base class takes an unchanged URL for an unchanged file, but a working copy is rewritten in place.
-    if (source() == QUrl::fromLocalFile(filePath)) {
+    if (source() == QUrl::fromLocalFile(path)) {
         setSource(QUrl());
     }
     if (self) {
-        LoadSource(filePath);
+        LoadSource(path);
     }
     if (!self) {
         return;

@@ -76,6 +76,7 @@ private Q_SLOTS:
     void setAudioReportsWhatIsNoFileAtOnce();
     void theSelectionStaysWhenTheHostSetsAnotherSource();
     void setAudioReadsARewrittenFileAgain();
+    void setAudioLoadsThePathThatItWasGiven();
     void loadsFilesWithOddNames_data();
     void loadsFilesWithOddNames();
     void letsGoOfItsOwnSourceFileWhenTheHostSetsAnotherSource();
@@ -359,6 +360,21 @@ void AudioPlayerTest::setAudioReadsARewrittenFileAgain()
         QTRY_COMPARE_WITH_TIMEOUT(player.duration(), 5000, patience);
         QCOMPARE(player.source(), QUrl::fromLocalFile(m_folder.filePath(name)));
     }
+}
+
+/** Whoever the path belongs to may change it, or go, upon a signal. */
+void AudioPlayerTest::setAudioLoadsThePathThatItWasGiven()
+{
+    const QString first = File(QStringLiteral("first.wav"), 2.0);
+    QString path = first;
+    AudioPlayer player;
+    player.SetAudio(path, 2.0);
+    QTRY_COMPARE_WITH_TIMEOUT(player.duration(), 2000, patience);
+    connect(&player, &QMediaPlayer::sourceChanged, this, [&] { path = File(QStringLiteral("second.wav"), 3.0); });
+    player.SetAudio(path, 2.0);
+    QVERIFY(path != first);
+    QCOMPARE(player.source(), QUrl::fromLocalFile(first));
+    player.disconnect(this);
 }
 
 void AudioPlayerTest::loadsFilesWithOddNames_data()
