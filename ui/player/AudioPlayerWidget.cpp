@@ -114,7 +114,7 @@ void AudioPlayerWidget::Internals::OpenWorkingFile(WavFile::AudioEngineReturnVal
 {
     loaded.File().SetLargeFiles(false);
     const WavFile::AudioEngineReturnValue result =
-        resultSoFar == WavFile::Success ? loaded.File().Open(workingPath) : resultSoFar;
+        resultSoFar == WavFile::Success ? loaded.Open(workingPath) : resultSoFar;
     if (result == WavFile::Success) {
         // Kept until the player has left it.
         const WorkingCopy former = std::exchange(loaded.copy, WorkingCopy());

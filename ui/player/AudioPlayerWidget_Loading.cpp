@@ -108,7 +108,7 @@ void AudioPlayerWidget::Internals::ShowCopy(const QString& path, const WorkingCo
 void AudioPlayerWidget::Internals::OpenCopy(const QString& path, const WorkingCopy& copy)
 {
     loaded.File().SetLargeFiles(true);
-    const WavFile::AudioEngineReturnValue result = loaded.File().Open(copy.path);
+    const WavFile::AudioEngineReturnValue result = loaded.Open(copy.path);
     if (result != WavFile::Success) {
         loaded.File().close();
         FailLoad(path, Problem::CannotBeRead, result);

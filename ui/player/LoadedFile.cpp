@@ -43,6 +43,14 @@ LoadedFile::~LoadedFile()
     channelFilter.RequestStop();
 }
 
+LoadedFile::Result LoadedFile::Open(const QString& path)
+{
+    StopReading();
+    snippet.Stop();
+    channelFilter.Stop();
+    return File().Open(path);
+}
+
 QFuture<void> LoadedFile::Read(double startTime, double endTime, int stepSize)
 {
     StopReading();

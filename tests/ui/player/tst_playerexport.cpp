@@ -65,6 +65,7 @@ private Q_SLOTS:
     void cancelsASnippetThatWaitsForItsTurn();
     void aSnippetThatASlotBeginsAndCancelsEndsBeingBusy_data();
     void aSnippetThatASlotBeginsAndCancelsEndsBeingBusy();
+    void aSnippetOfAClosedFileEndsBeforeTheNextFile();
     void tellsWhetherASnippetIsCancelledInTime_data();
     void tellsWhetherASnippetIsCancelledInTime();
     void cancellingLeavesAFileAloneThatTookTheName();
@@ -327,6 +328,20 @@ void PlayerExportTest::aSnippetThatASlotBeginsAndCancelsEndsBeingBusy()
     QVERIFY(calls > 0);
     QVERIFY(!setup.player->IsBusy());
     QCOMPARE(setup.busy, (States{{true}, {true}, {false}}));
+}
+
+void PlayerExportTest::aSnippetOfAClosedFileEndsBeforeTheNextFile()
+{
+    ExportSetup setup;
+    setup.player->Close();
+    const BlockedPool pool;
+    setup.player->CreateSnippet(setup.Snippet());
+    QVERIFY(setup.player->IsBusy());
+    setup.player->SetAudioFile(setup.originals.Path(u"take.wav"_s));
+    QVERIFY(setup.File().isOpen());
+    // It has ended, although no thread is free.
+    QTRY_VERIFY(!setup.player->IsBusy());
+    QVERIFY(!QFile::exists(setup.Snippet()));
 }
 
 void PlayerExportTest::tellsWhetherASnippetIsCancelledInTime_data()
