@@ -116,7 +116,7 @@ void AudioPlayer::SetAudio(const QString& filePath, double duration)
 {
     // A receiver of the signals may delete the player, or whoever the path belongs to.
     const QPointer<AudioPlayer> self(this);
-    const QString path = filePath;
+    const QString path = filePath; // NOLINT(performance-unnecessary-copy-initialization)
     // The base class takes an unchanged URL for an unchanged file, but a working copy is rewritten in place.
     if (source() == QUrl::fromLocalFile(path)) {
         setSource(QUrl());
