@@ -110,6 +110,7 @@ private Q_SLOTS:
 
     void aSelectionThatChangesDoesNotLeadTheViewAwayWhereTheHostWantsIt();
     void anotherSelectionPlaysOnWhereTheHostWantsIt();
+    void aTypedStartShowsWhereTheHostWantsIt();
 
     void thePlayersPositionMovesFieldMarkerAndHost();
     void playingMovesThePosition();
@@ -621,6 +622,19 @@ void PlayerTransportTest::anotherSelectionPlaysOnWhereTheHostWantsIt()
         Shown().SetSelectedSnippet({9.0, 13.0});
         QCOMPARE(Player().position(), qint64(9000));
     }
+}
+
+void PlayerTransportTest::aTypedStartShowsWhereTheHostWantsIt()
+{
+    Shown().SetInteractions(BGFXWaveformWidget::Interaction::SelectBeyondView);
+    Shown().SetShowsPositionAtOnce(true);
+    Shown().SetTypedPositionSeeks(true);
+    Shown().SetSelectedSnippet({2.0, 15.0});
+    Shown().ShowRange(14.0, 16.0);
+    TypeTime(*Controls().edSelectionStart, u"000003000"_s);
+    QCOMPARE(Shown().GetSelectedSnippet(), Range(3.0, 15.0));
+    const auto [first, last] = Shown().GetVisibleRange();
+    QVERIFY(first <= 3.0 && 3.0 <= last);
 }
 
 void PlayerTransportTest::thePlayersPositionMovesFieldMarkerAndHost()
