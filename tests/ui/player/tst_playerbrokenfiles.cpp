@@ -44,6 +44,43 @@ struct LoadLog
     QObject context;
 };
 
+/** Whether the player has told that it cannot play. */
+struct FailureLog
+{
+    explicit FailureLog(AudioPlayerWidget& player)
+    {
+        QObject::connect(&player, &AudioPlayerWidget::PlaybackFailed, &context, [this] { hasFailed = true; });
+    }
+
+    bool hasFailed = false;
+    QObject context;
+};
+
+/** Plays until something is heard, the end is reached or the player tells that it cannot; false when it stands
+ * still instead. What cannot be played by itself is played as a copy, which takes a moment. */
+bool PlaysOrTellsWhyNot(const PlayerSetup& setup, const FailureLog& failure)
+{
+    using Status = QMediaPlayer::MediaStatus;
+    const AudioPlayer& audio = setup.Audio();
+    const auto hasSource = [&] {
+        return failure.hasFailed ||
+               (audio.mediaStatus() != Status::NoMedia && audio.mediaStatus() != Status::LoadingMedia);
+    };
+    if (!QTest::qWaitFor(hasSource, PlayerSetup::patience)) {
+        return false;
+    }
+    bool isHeard = false;
+    const QObject context;
+    QObject::connect(&audio, &QMediaPlayer::positionChanged, &context,
+                     [&](qint64 position) { isHeard = isHeard || position > 0; });
+    QObject::connect(&audio, &QMediaPlayer::mediaStatusChanged, &context,
+                     [&](Status status) { isHeard = isHeard || status == Status::EndOfMedia; });
+    setup.player->Play();
+    const bool isAnswered = QTest::qWaitFor([&] { return isHeard || failure.hasFailed; }, PlayerSetup::patience);
+    setup.player->StopPlayback();
+    return isAnswered && !setup.player->IsPlaying();
+}
+
 } // namespace
 
 /** What a player makes of files that are broken or odd. One player meets them all, one after the other. */
@@ -72,6 +109,7 @@ void PlayerBrokenFilesTest::loadsOrTellsWhyNot()
     const QString path = m_setup->originals.Write(file.name, file.bytes);
     const QString former = player.GetAudioFileName();
     const LoadLog log(player);
+    const FailureLog failure(player);
     player.LoadFile(path);
     QVERIFY(log.HasEnded());
     const bool isLoaded = log.problem == Problem::None;
@@ -83,6 +121,7 @@ void PlayerBrokenFilesTest::loadsOrTellsWhyNot()
         QCOMPARE(player.GetOriginalAudioFilePath(), path);
         QVERIFY(player.GetAudioDuration() > 0.0 && std::isfinite(player.GetAudioDuration()));
         QVERIFY(m_setup->HasRead());
+        QVERIFY(PlaysOrTellsWhyNot(*m_setup, failure));
     } else {
         QCOMPARE(m_setup->player->errors, Errors{ImportResult{.problem = *log.problem}.Code()});
         QVERIFY(log.problem == Problem::NoAudio || log.problem == Problem::Damaged);
@@ -111,10 +150,12 @@ void PlayerBrokenFilesTest::opensWavNamesAsTheirHeaderSays()
     // A copy that is there already would be used as it is.
     player.Reset();
     QFile::remove(m_setup->copies.Path(file.name));
+    const FailureLog failure(player);
     player.SetAudioFile(path);
     QCOMPARE(m_setup->player->errors, file.open == WavFile::Success ? Errors() : Errors{file.open});
     QCOMPARE(player.GetAudioFileName().isEmpty(), file.open != WavFile::Success);
     QVERIFY(m_setup->HasRead());
+    QVERIFY(file.open != WavFile::Success || PlaysOrTellsWhyNot(*m_setup, failure));
     QCOMPARE(TemporaryFiles::Read(path), file.bytes);
 }
 
