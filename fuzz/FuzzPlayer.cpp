@@ -6,6 +6,7 @@
 
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QPointer>
+#include <QtCore/QScopedValueRollback>
 #include <QtCore/QThreadPool>
 #include <QtGui/QAction>
 #include <QtGui/QContextMenuEvent>
@@ -241,7 +242,7 @@ private:
             m_player->UseFlexibleSizes();
             break;
         case 4:
-            m_player->setVisible(m_input.ConsumeBool());
+            ShowOrHide();
             break;
         case 5:
             AnyChild<QWidget>()->setFocus();
@@ -249,6 +250,13 @@ private:
         default:
             (m_player->*m_input.PickValueInArray(switches))(m_input.ConsumeBool());
         }
+    }
+
+    /** Hiding takes the focus, of which the time fields tell; and Qt goes on with what it hides. */
+    void ShowOrHide()
+    {
+        const QScopedValueRollback<bool> neededByQt(m_isNeededByQt, true);
+        m_player->setVisible(m_input.ConsumeBool());
     }
 
     BGFXWaveformWidget::Interactions Always() const
@@ -446,7 +454,7 @@ private:
             return;
         }
         ++m_depth;
-        if (m_input.ConsumeIntegralInRange(0, 31) == 0) {
+        if (m_input.ConsumeIntegralInRange(0, 31) == 0 && !m_isNeededByQt) {
             delete m_player;
         } else {
             Call();
@@ -501,6 +509,7 @@ private:
     const bool m_selectsInFile = m_input.ConsumeBool();
     bool m_wasToldTimes = true;
     bool m_hasConverted = false;
+    bool m_isNeededByQt = false;
     int m_depth = 0;
 };
 
