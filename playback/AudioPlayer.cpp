@@ -114,17 +114,19 @@ AudioPlayer::~AudioPlayer()
 
 void AudioPlayer::SetAudio(const QString& filePath, double duration)
 {
-    // A receiver of the signals may delete the player, or whoever the path belongs to.
+    // A receiver of the signals may delete the player, or whoever the path belongs to, or load another file.
     const QPointer<AudioPlayer> self(this);
     const QString path = filePath; // NOLINT(performance-unnecessary-copy-initialization)
+    const QUrl url = QUrl::fromLocalFile(path);
     // The base class takes an unchanged URL for an unchanged file, but a working copy is rewritten in place.
-    if (source() == QUrl::fromLocalFile(path)) {
+    if (source() == url) {
         setSource(QUrl());
+        if (!self || !source().isEmpty()) {
+            return;
+        }
     }
-    if (self) {
-        LoadSource(path);
-    }
-    if (!self) {
+    LoadSource(path);
+    if (!self || source() != url) {
         return;
     }
     m_selectionStart = 0.0;

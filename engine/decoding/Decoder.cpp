@@ -75,7 +75,8 @@ WavFile::AudioEngineReturnValue Decoder::ConvertToFloat(const QString& inPath, c
     const ImportOptions options{
         .sampleRate = *targetRate, .sampleFormat = ImportOptions::Float, .mayBeLarge = false};
     QThreadPool thread;
-    const auto future = QtConcurrent::run(&thread, [&](QPromise<ImportResult>& promise) {
+    // By value: what is run by the events may change or delete what the caller keeps.
+    const auto future = QtConcurrent::run(&thread, [=](QPromise<ImportResult>& promise) {
         const auto goesOn = [&promise](int /*permille*/) { return !promise.isCanceled(); };
         promise.addResult(Import(inPath, outPath, options, goesOn).Run(Import::FormerFile::Goes));
     });

@@ -19,6 +19,7 @@
 
 #include <limits>
 #include <sys/stat.h>
+#include <utility>
 
 using Access = AudioPlayerTestAccess;
 using Status = QMediaPlayer::MediaStatus;
@@ -77,6 +78,8 @@ private Q_SLOTS:
     void theSelectionStaysWhenTheHostSetsAnotherSource();
     void setAudioReadsARewrittenFileAgain();
     void setAudioLoadsThePathThatItWasGiven();
+    void aFileLoadedByASlotStays_data();
+    void aFileLoadedByASlotStays();
     void loadsFilesWithOddNames_data();
     void loadsFilesWithOddNames();
     void letsGoOfItsOwnSourceFileWhenTheHostSetsAnotherSource();
@@ -375,6 +378,35 @@ void AudioPlayerTest::setAudioLoadsThePathThatItWasGiven()
     QVERIFY(path != first);
     QCOMPARE(player.source(), QUrl::fromLocalFile(first));
     player.disconnect(this);
+}
+
+void AudioPlayerTest::aFileLoadedByASlotStays_data()
+{
+    QTest::addColumn<bool>("again");
+    QTest::addRow("upon another file") << false;
+    QTest::addRow("upon the same file again") << true;
+}
+
+void AudioPlayerTest::aFileLoadedByASlotStays()
+{
+    QFETCH(bool, again);
+    const QString first = File(QStringLiteral("first.wav"), 2.0);
+    const QString second = File(QStringLiteral("second.wav"), 3.0);
+    AudioPlayer player;
+    if (again) {
+        player.SetAudio(first, 2.0);
+        QTRY_COMPARE_WITH_TIMEOUT(player.duration(), 2000, patience);
+    }
+    bool isNested = false;
+    connect(&player, &QMediaPlayer::sourceChanged, this, [&] {
+        if (!std::exchange(isNested, true)) {
+            player.SetAudio(second, 3.0);
+        }
+    });
+    player.SetAudio(first, 2.0);
+    player.disconnect(this);
+    QCOMPARE(player.source(), QUrl::fromLocalFile(second));
+    QCOMPARE(Access::SelectionEnd(player), 3.0);
 }
 
 void AudioPlayerTest::loadsFilesWithOddNames_data()

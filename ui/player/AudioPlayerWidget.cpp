@@ -66,12 +66,14 @@ AudioPlayerWidget::~AudioPlayerWidget()
     }
 }
 
-void AudioPlayerWidget::SetAudioFile(const QString& path)
+void AudioPlayerWidget::SetAudioFile(const QString& filePath)
 {
-    if (path.isEmpty()) {
+    if (filePath.isEmpty()) {
         Reset();
         return;
     }
+    // A receiver of the signals may change or delete what the caller keeps.
+    const QString path = filePath; // NOLINT(performance-unnecessary-copy-initialization)
     const QPointer<AudioPlayerWidget> self(this);
     CancelLoad();
     if (!self) {
@@ -87,10 +89,10 @@ void AudioPlayerWidget::SetAudioFile(const QString& path)
         return;
     }
     m_originalAudioFilePath = path;
-    if (m_internals->loaded.File().fileName() != workingPath) {
-        Reset();
+    if (m_internals->loaded.File().fileName() != workingPath && !m_internals->Empty()) {
+        return;
     }
-    if (!self || m_internals->loaded.File().isOpen() || workingPath.isEmpty()) {
+    if (m_internals->loaded.File().isOpen() || workingPath.isEmpty()) {
         return;
     }
     const int load = ++m_internals->loadCount;
@@ -113,12 +115,13 @@ void AudioPlayerWidget::Internals::OpenWorkingFile(WavFile::AudioEngineReturnVal
                                                    const QString& workingPath)
 {
     loaded.File().SetLargeFiles(false);
+    ++fileCount;
     const WavFile::AudioEngineReturnValue result =
         resultSoFar == WavFile::Success ? loaded.Open(workingPath) : resultSoFar;
     if (result == WavFile::Success) {
         // Kept until the player has left it.
         const WorkingCopy former = std::exchange(loaded.copy, WorkingCopy());
-        ShowLoadedFile(workingPath);
+        static_cast<void>(ShowLoadedFile(workingPath));
         return;
     }
     // A file with a bad header stays open; kept so, it would count as loaded when it is loaded again.
@@ -126,7 +129,9 @@ void AudioPlayerWidget::Internals::OpenWorkingFile(WavFile::AudioEngineReturnVal
     widget.ErrorHandler(result);
 }
 
-void AudioPlayerWidget::Internals::ShowLoadedFile(const QString& workingPath)
+/** False when a receiver of the signals has destroyed the widget or opened or closed a file before all was shown.
+ */
+bool AudioPlayerWidget::Internals::ShowLoadedFile(const QString& workingPath)
 {
     widget.EnableAudioControls(true);
     FillChannelSelector();
@@ -135,29 +140,29 @@ void AudioPlayerWidget::Internals::ShowLoadedFile(const QString& workingPath)
         sizes->BreakRows();
     }
     const double duration = loaded.File().GetDuration();
-    // A receiver of the signals may destroy the widget.
-    const QPointer<AudioPlayerWidget> self(&widget);
+    const SameFile isSame(*this);
     ShowWaveform(duration);
-    if (self) {
+    if (isSame) {
         const auto [start, end] = widget.GetSelectedSnippet();
         SetPlayedFile(workingPath, {start, end});
     }
-    if (!self) {
-        return;
+    if (!isSame) {
+        return false;
     }
     controls.edTotalDuration->setText(AudioPlayerWidget::ConvertToDisplayTimeFormat(duration));
     Q_EMIT widget.AudioFileChanged(workingPath);
+    return true;
 }
 
 void AudioPlayerWidget::Internals::ShowWaveform(double duration)
 {
-    const QPointer<AudioPlayerWidget> self(&widget);
+    const SameFile isSame(*this);
     if (widget.m_waveformWidget->GetDelay() != 0.0) {
         // Otherwise the samples would be asked for as sparsely as the former silence needs, and drawn as densely
         // as the file without it.
         widget.m_waveformWidget->SetDelay(0.0);
     }
-    if (self) {
+    if (isSame) {
         widget.m_waveformWidget->Initilize(loaded.File().GetFileFormat(), duration);
     }
 }
@@ -171,24 +176,32 @@ QString AudioPlayerWidget::Internals::WorkingPathOf(const QString& path) const
 
 void AudioPlayerWidget::Reset()
 {
-    const QPointer<AudioPlayerWidget> self(this);
-    StopPlayback();
-    if (self) {
-        Close();
+    static_cast<void>(m_internals->Empty());
+}
+
+/** False when a receiver of the signals has destroyed the widget or loads another file, which must stay. */
+bool AudioPlayerWidget::Internals::Empty()
+{
+    const QPointer<AudioPlayerWidget> self(&widget);
+    const int file = fileCount;
+    const int load = loadCount;
+    widget.StopPlayback();
+    if (!self || (loaded.File().isOpen() && fileCount != file) || (loading && loadCount != load)) {
+        return false;
     }
-    if (!self || m_internals->loaded.File().isOpen()) {
-        // The signal that the busy time is over made the program destroy this widget, or load another file, which
-        // must stay visible.
-        return;
+    widget.Close();
+    if (!self || loaded.File().isOpen()) {
+        return false;
     }
-    EnableAudioControls(false);
-    m_waveformWidget->Reset();
-    if (!self) {
-        return;
+    widget.EnableAudioControls(false);
+    widget.m_waveformWidget->Reset();
+    if (!self || loaded.File().isOpen()) {
+        return false;
     }
-    const QSignalBlocker blocker(m_internals->controls.edTotalDuration);
+    const QSignalBlocker blocker(controls.edTotalDuration);
     // With a comma, although times are shown with a point: hosts tell an empty player by this text.
-    m_internals->controls.edTotalDuration->setText(u"00:00:00,000"_s);
+    controls.edTotalDuration->setText(u"00:00:00,000"_s);
+    return !loading;
 }
 
 void AudioPlayerWidget::Close()
@@ -200,10 +213,11 @@ void AudioPlayerWidget::Close()
     m_internals->playableCopy.reset();
     // A snippet that was written whole is still announced.
     if (m_snippetWatcher.isRunning() && m_internals->loaded.CancelSnippet()) {
-        Forget(m_snippetWatcher);
+        m_internals->ForgetSnippet();
     }
     m_internals->loaded.snippet.Stop();
     m_internals->loaded.File().close();
+    ++m_internals->fileCount;
     const QPointer<AudioPlayerWidget> self(this);
     if (m_busy && m_internals->TellAllReports()) {
         SetBusy(m_channelFilterWatcher.isRunning());
@@ -302,8 +316,21 @@ void AudioPlayerWidget::SetDelay(double delay)
 
 void AudioPlayerWidget::SetEditMode(bool isEditing)
 {
+    QFrame* const frame = m_internals->controls.frmEditingControls;
+    QWidget* const focused = isEditing ? nullptr : Internals::FocusedIn({frame});
+    if (focused) {
+        // What is hidden loses the focus, of which a field tells, and Qt goes on with what it hides: the field
+        // tells before. Hiding then gives the focus to the next control.
+        const QPointer<AudioPlayerWidget> self(this);
+        focused->clearFocus();
+        if (!self) {
+            return;
+        }
+        focused->setFocus();
+    }
+    const QSignalBlocker noEcho(focused);
     m_waveformWidget->SetEditMode(isEditing);
-    m_internals->controls.frmEditingControls->setVisible(isEditing);
+    frame->setVisible(isEditing);
 }
 
 void AudioPlayerWidget::SetHint(const QString& text)
@@ -365,25 +392,48 @@ void AudioPlayerWidget::EnableAudioControls(bool canPlay)
  *  hidden. */
 void AudioPlayerWidget::SetBusy(bool busy)
 {
+    // A receiver of the signals may destroy the widget, or begin or end a busy time of its own.
     const QPointer<AudioPlayerWidget> self(this);
     m_busy = busy;
-    ++m_internals->busyCount;
+    const int change = ++m_internals->busyCount;
+    const auto isLatest = [&] { return self && m_internals->busyCount == change; };
     const bool waveformHasFocus = window()->focusWidget() == m_waveformWidget;
     m_waveformWidget->setEnabled(!busy);
     m_internals->controls.btnLoadFile->setEnabled(!busy);
-    m_internals->controls.frmSelectionStart->setEnabled(!busy);
-    m_internals->controls.frmSelectionEnd->setEnabled(!busy);
-    m_internals->controls.cmbboxChannelSelector->setEnabled(!busy);
+    const auto& controls = m_internals->controls;
+    QWidget* const focused =
+        busy ? Internals::FocusedIn({controls.frmSelectionStart, controls.frmSelectionEnd}) : nullptr;
+    if (focused) {
+        // A field tells of its text when it loses the focus, and Qt goes on with a frame that takes it away.
+        focused->clearFocus();
+    }
+    if (!isLatest()) {
+        return;
+    }
+    controls.frmSelectionStart->setEnabled(!busy);
+    controls.frmSelectionEnd->setEnabled(!busy);
+    controls.cmbboxChannelSelector->setEnabled(!busy);
     if (busy && waveformHasFocus) {
         m_internals->awaitsFocus = true;
         m_internals->focusStandIn = window()->focusWidget();
     } else if (!busy) {
         m_internals->TakeFocusBack();
     }
-    // Fields tell of their text when they lose the focus, and a receiver may destroy the widget.
-    if (self) {
+    if (isLatest()) {
         Q_EMIT BusyChanged(busy);
     }
+}
+
+/** The control with the focus if it is in one of the frames, otherwise null. */
+QWidget* AudioPlayerWidget::Internals::FocusedIn(std::initializer_list<const QFrame*> frames)
+{
+    for (const QFrame* frame : frames) {
+        QWidget* const focused = frame->window()->focusWidget();
+        if (focused && frame->isAncestorOf(focused)) {
+            return focused;
+        }
+    }
+    return nullptr;
 }
 
 /** Unless the user or the program has moved it on. */

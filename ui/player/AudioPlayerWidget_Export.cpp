@@ -125,22 +125,23 @@ void AudioPlayerWidget::OnChannelSelectionFinished(int index)
 void AudioPlayerWidget::Internals::PlayFilteredFile()
 {
     const Place place = PlaceOfUser();
-    // A receiver of the signals may destroy the widget.
+    // A receiver of the signals may destroy the widget, or choose another channel or file.
     const QPointer<AudioPlayerWidget> self(&widget);
+    const auto isLatest = [&, filtering = filteringCount] { return self && filteringCount == filtering; };
     widget.StopPlayback();
-    if (!self) {
+    if (!isLatest()) {
         return;
     }
     const auto [start, end] = widget.m_waveformWidget->GetSelectedSnippet();
     ShowWaveform(loaded.File().GetDuration());
-    if (self) {
+    if (isLatest()) {
         widget.m_waveformWidget->SetSelectedSnippet({start, end});
     }
-    if (self) {
+    if (isLatest()) {
         // The view does not take a selection of less than a millisecond back; the player does.
         SetPlayedFile(widget.m_filteredFilePath, {start, end});
     }
-    if (self && channelChangeKeepsPlace) {
+    if (isLatest() && channelChangeKeepsPlace) {
         GoBackTo(place);
     }
 }
@@ -173,8 +174,9 @@ void AudioPlayerWidget::Internals::GoBackToPreviousChannel()
 {
     if (!isGoingBack) {
         const QPointer<AudioPlayerWidget> self(&widget);
+        const int wayBack = filteringCount + 1;
         widget.SetSelectedChannel(widget.m_previousChannel);
-        if (self) {
+        if (self && filteringCount == wayBack) {
             isGoingBack = true;
         }
     }
@@ -188,10 +190,16 @@ void AudioPlayerWidget::CreateSnippet(const QString& filePath)
     }
     m_snippetFilePath = filePath;
     const auto [start, end] = m_waveformWidget->GetSelectedSnippet();
-    Forget(m_snippetWatcher);
-    m_internals->loaded.Progress().Forget(WorkingFile::SnippetEnded);
+    m_internals->ForgetSnippet();
     m_snippetWatcher.setFuture(m_internals->loaded.WriteSnippet(filePath, {start, end}));
     SetBusy(true);
+}
+
+/** Its end, too, which may wait to be told although the task has not quite ended. */
+void AudioPlayerWidget::Internals::ForgetSnippet()
+{
+    Forget(widget.m_snippetWatcher);
+    loaded.Progress().Forget(WorkingFile::SnippetEnded);
 }
 
 void AudioPlayerWidget::SetKeepBothChannels(bool keep)
@@ -215,7 +223,7 @@ bool AudioPlayerWidget::CancelSnippet()
     if (!m_snippetWatcher.isRunning() || !m_internals->loaded.CancelSnippet()) {
         return false;
     }
-    Forget(m_snippetWatcher);
+    m_internals->ForgetSnippet();
     if (m_internals->TellAllReports()) {
         SetBusy(m_channelFilterWatcher.isRunning());
     }

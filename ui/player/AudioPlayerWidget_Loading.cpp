@@ -18,12 +18,14 @@ using AudioEngine::AudioFileInfo;
 using AudioEngine::ImportResult;
 using Problem = AudioFileInfo::Problem;
 
-void AudioPlayerWidget::LoadFile(const QString& path)
+void AudioPlayerWidget::LoadFile(const QString& filePath)
 {
-    if (path.isEmpty()) {
+    if (filePath.isEmpty()) {
         Reset();
         return;
     }
+    // A receiver of the signals may change or delete what the caller keeps.
+    const QString path = filePath; // NOLINT(performance-unnecessary-copy-initialization)
     const int load = ++m_internals->loadCount;
     const QPointer<AudioPlayerWidget> self(this);
     m_internals->DropLoadAndTell();
@@ -96,9 +98,9 @@ void AudioPlayerWidget::Internals::ShowCopy(const QString& path, const WorkingCo
     const GuardedSignalBlocker blocker(controls.edTotalDuration);
     const QPointer<AudioPlayerWidget> self(&widget);
     const int closing = loadCount + 1;
-    widget.Reset();
-    if (self && loadCount != closing) {
-        // The signal that the busy time is over made the program cancel, close or load another file.
+    const bool isEmpty = Empty();
+    if (self && (!isEmpty || loadCount != closing)) {
+        // A signal made the program cancel, close or load another file.
         Q_EMIT widget.LoadCancelled(path);
     } else if (self) {
         OpenCopy(path, copy);
@@ -108,6 +110,7 @@ void AudioPlayerWidget::Internals::ShowCopy(const QString& path, const WorkingCo
 void AudioPlayerWidget::Internals::OpenCopy(const QString& path, const WorkingCopy& copy)
 {
     loaded.File().SetLargeFiles(true);
+    ++fileCount;
     const WavFile::AudioEngineReturnValue result = loaded.Open(copy.path);
     if (result != WavFile::Success) {
         loaded.File().close();
@@ -118,9 +121,9 @@ void AudioPlayerWidget::Internals::OpenCopy(const QString& path, const WorkingCo
     const WorkingCopy former = std::exchange(loaded.copy, copy);
     widget.m_originalAudioFilePath = path;
     const QPointer<AudioPlayerWidget> self(&widget);
-    ShowLoadedFile(copy.path);
+    const bool isShown = ShowLoadedFile(copy.path);
     if (self) {
-        Q_EMIT widget.LoadFinished(path);
+        isShown ? Q_EMIT widget.LoadFinished(path) : Q_EMIT widget.LoadCancelled(path);
     }
 }
 

@@ -160,13 +160,15 @@ void AudioPlayerWidget::OnWaveformSelectionChanged(const std::pair<double, doubl
 {
     const auto [start, end] = selection;
     m_hasSelection = !(LengthOf({start, end}) < shortestSelection);
+    // A receiver of the signals may destroy the widget or select something else, which is the latest then.
     const QPointer<AudioPlayerWidget> self(this);
+    const int change = ++m_internals->selectionCount;
     if (m_hasSelection) {
         m_internals->PlaySelection({start, end});
     } else {
         m_audioPlayer->ClearSelection();
     }
-    if (!self) {
+    if (!self || m_internals->selectionCount != change) {
         return;
     }
     {

@@ -84,9 +84,9 @@ void AudioPlayerWidget::Internals::PlayOnWithCopy(bool plays)
 
 void AudioPlayerWidget::Internals::LetPlay(const QString& path, const Selection& selection)
 {
-    const QPointer<AudioPlayerWidget> self(&widget);
+    const SameFile isSame(*this);
     widget.m_audioPlayer->SetAudio(path, loaded.File().GetDuration());
-    if (self && LengthOf(selection) > shortestSelection) {
+    if (isSame && LengthOf(selection) > shortestSelection) {
         widget.m_audioPlayer->SetSelection(selection.start, selection.end);
     }
 }
@@ -169,11 +169,12 @@ void AudioPlayerWidget::OnBtnStopClicked()
 {
     m_internals->PlayOnWithCopy(false);
     m_internals->ShowAsPlaying(false);
-    // A receiver of the signals may destroy the widget.
+    // A receiver of the signals may destroy the widget or select something else.
     const QPointer<AudioPlayerWidget> self(this);
+    const int selection = m_internals->selectionCount;
     const bool toSelection = m_hasSelection;
     toSelection ? m_audioPlayer->pause() : m_audioPlayer->stop();
-    if (!self) {
+    if (!self || m_internals->selectionCount != selection) {
         return;
     }
     const double start = toSelection ? m_waveformWidget->GetSelectionStartTime() : 0.0;
@@ -256,6 +257,7 @@ void AudioPlayerWidget::OnHSliderVolumeValueChanged(int volume)
     if (m_audioPlayer->Volume() == volume) {
         return;
     }
+    const Internals::Telling telling(*this, m_internals->controls.hSliderVolume);
     m_audioPlayer->SetVolume(volume);
     m_internals->volume = volume;
     Q_EMIT AudioPlayBackVolumeChanged(volume);
@@ -281,8 +283,10 @@ int AudioPlayerWidget::GetAudioPlayBackVolume() const
     return m_internals->volume == truncated + 1 ? m_internals->volume : truncated;
 }
 
-void AudioPlayerWidget::SetAudioOutputDevice(const QAudioDevice& device)
+void AudioPlayerWidget::SetAudioOutputDevice(const QAudioDevice& chosenDevice)
 {
+    // A receiver of the signals may change or delete what the caller keeps.
+    const QAudioDevice device = chosenDevice; // NOLINT(performance-unnecessary-copy-initialization)
     const QPointer<AudioPlayerWidget> self(this);
     if (!m_internals->deviceChangeKeepsPlace) {
         m_internals->PlayOnWithCopy(false);
@@ -447,10 +451,12 @@ void AudioPlayerWidget::OnCurrentPositionEditingFinished()
 void AudioPlayerWidget::OnWaveformAudioPositionChanged(double seconds)
 {
     m_hasSelection = false;
+    // A receiver of the signals may destroy the widget or select something else, which is the latest then.
     const QPointer<AudioPlayerWidget> self(this);
+    const int change = ++m_internals->selectionCount;
     m_audioPlayer->ClearSelection();
     m_audioPlayer->setPosition(MillisecondsOf(seconds));
-    if (!self) {
+    if (!self || m_internals->selectionCount != change) {
         return;
     }
     {

@@ -11,6 +11,7 @@
 #include <QtCore/QList>
 #include <QtCore/QPointer>
 
+#include <initializer_list>
 #include <optional>
 
 class QLayout;
@@ -53,6 +54,19 @@ struct AudioPlayerWidget::Internals
         QPointer<AudioPlayerWidget> m_owner;
     };
 
+    /** Whether the widget still has the file of the moment in which this was made: a receiver of a signal may open
+     * another one, close it or destroy the widget. */
+    class SameFile
+    {
+    public:
+        explicit SameFile(Internals& internals) : m_owner(&internals.widget), m_count(internals.fileCount) {}
+        explicit operator bool() const { return m_owner && m_owner->m_internals->fileCount == m_count; }
+
+    private:
+        QPointer<AudioPlayerWidget> m_owner;
+        int m_count;
+    };
+
     // Layout
     void LoadIcons();
     void SetupWaveform();
@@ -76,7 +90,8 @@ struct AudioPlayerWidget::Internals
     void OpenCopy(const QString& path, const WorkingCopy& copy);
     void FailLoad(const QString& path, Problem problem, Result code);
     [[nodiscard]] QString AskForFile();
-    void ShowLoadedFile(const QString& workingPath);
+    [[nodiscard]] bool Empty();
+    [[nodiscard]] bool ShowLoadedFile(const QString& workingPath);
     void ShowWaveform(double duration);
 
     // Transport
@@ -92,6 +107,7 @@ struct AudioPlayerWidget::Internals
     void PlaySelection(const Selection& selection);
     void CorrectLateReport(qint64 milliseconds);
     void LetPositionMove() const;
+    [[nodiscard]] static QWidget* FocusedIn(std::initializer_list<const QFrame*> frames);
     void TakeFocusBack();
     /** Gives the player a file and what of it is to be played, the whole if that is empty. A file that no output
      * can play is played from a copy, as soon as that is made, with the selection of that moment; until then the
@@ -116,6 +132,7 @@ struct AudioPlayerWidget::Internals
     void GoBackTo(const Place& place);
     void GoBackToPreviousChannel();
     void DropFiltering();
+    void ForgetSnippet();
 
     AudioPlayerWidget& widget;
     Controls controls;
@@ -148,11 +165,15 @@ struct AudioPlayerWidget::Internals
     int selectionChanges = 0;
     /** How many reports of the player's position are under way, one within the other. */
     int positionReports = 0;
+    /** Counts what changes the selection. */
+    int selectionCount = 0;
     /** Counts how often a busy time began or ended. */
     int busyCount = 0;
     bool isTellingAll = false;
     /** The busy time that ends when all is told, unless it has ended by then. */
     int busyCountToEnd = 0;
+    /** Counts how often the file was opened or closed. */
+    int fileCount = 0;
     /** Counts what ends a load: the next load and every closing. */
     int loadCount = 0;
     /** Counts what ends a filtering: the next filtering and every closing. */

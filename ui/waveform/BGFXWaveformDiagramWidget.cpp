@@ -30,6 +30,7 @@ BGFXWaveformDiagramWidget::~BGFXWaveformDiagramWidget() = default;
 
 void BGFXWaveformDiagramWidget::Reset()
 {
+    ++m_resetCount;
     m_duration = 0.0;
     m_sceneRect = QRectF(0.0, 0.0, 1.0, m_amplitudeExtent);
     m_buffer = {};

@@ -48,6 +48,7 @@ public:
      *  edit mode and the samples stay; the samples are drawn again, from time 0, if a duration comes before
      *  others. */
     void Reset();
+    [[nodiscard]] int GetResetCount() const { return m_resetCount; }
     void SetAudioFormat(const QAudioFormat& format);
     /** Makes the whole file visible and asks for its samples. */
     void SetDuration(double duration);
@@ -236,6 +237,7 @@ private:
     /** The latest request that was sent. */
     std::optional<AskedSamples> m_asked;
     int m_stepSize = 1;
+    int m_resetCount = 0;
     double m_audioPosition = 0.0;
     /** Runs while the line moves by itself. Then the position may also be set in other ways than by a report; the
      * line stands there until the next one. */

@@ -128,17 +128,20 @@ void BGFXWaveformWidget::ConnectSignals()
 
 void BGFXWaveformWidget::Initilize(QAudioFormat format, double duration)
 {
-    // A receiver of the signals may destroy the player.
+    // A receiver of the signals may destroy the player, or show another file.
     const QPointer<BGFXWaveformWidget> self(this);
+    const auto isLatest = [&, reset = m_diagram->GetResetCount() + 1] {
+        return self && m_diagram->GetResetCount() == reset;
+    };
     m_diagram->Reset();
-    if (self) {
+    if (isLatest()) {
         m_diagram->SetAudioFormat(format);
         m_diagram->SetDuration(duration);
     }
-    if (self) {
+    if (isLatest()) {
         m_diagram->SetDelay(0.0);
     }
-    if (self && m_labelsFit) {
+    if (isLatest() && m_labelsFit) {
         MakeRoomForLabels();
     }
 }

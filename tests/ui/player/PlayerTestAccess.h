@@ -21,6 +21,11 @@ public:
     {
         widget.m_internals->loaded.Progress().m_clock = [] { return qint64(0); };
     }
+    /** As a task of the pool does when it has its result, shortly before it has ended. */
+    static void LeaveSnippetEnded(AudioPlayerWidget& widget)
+    {
+        widget.m_internals->loaded.Progress().Leave(WorkingFile::SnippetEnded);
+    }
     static bool HasSelection(const AudioPlayerWidget& widget) { return widget.m_hasSelection; }
     static QString FilteredFilePath(const AudioPlayerWidget& widget) { return widget.m_filteredFilePath; }
     static QString SnippetFilePath(const AudioPlayerWidget& widget) { return widget.m_snippetFilePath; }

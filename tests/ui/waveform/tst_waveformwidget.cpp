@@ -9,6 +9,7 @@
 
 #include <cmath>
 #include <limits>
+#include <utility>
 
 using namespace vantoraudio::vantorAudioEngine::UI;
 using namespace Qt::Literals::StringLiterals;
@@ -145,6 +146,21 @@ private Q_SLOTS:
         QCOMPARE(bench.recorder.Take(), (QStringList{u"SelectionChanged(0, 0)"_s, u"GetSamples(0, 60, 1)"_s}));
         QCOMPARE(Access::Format(bench.diagram).sampleRate(), 8000);
         QCOMPARE(bench.diagram.GetSceneRect(), QRectF(0.0, 0.0, 60.0, 1.0));
+    }
+
+    void aFileShownByASlotStays()
+    {
+        Bench bench;
+        const QObject context;
+        bool isNested = false;
+        connect(&bench.widget, &BGFXWaveformWidget::SelectionChanged, &context, [&] {
+            if (!std::exchange(isNested, true)) {
+                bench.widget.Initilize(FormatOf(1000), 30.0);
+            }
+        });
+        bench.widget.Initilize(FormatOf(8000), 60.0);
+        QCOMPARE(Access::Format(bench.diagram).sampleRate(), 1000);
+        QCOMPARE(bench.diagram.GetSceneRect(), QRectF(0.0, 0.0, 30.0, 1.0));
     }
 
     void initilizeReckonsWithTheNewSampleRate()
