@@ -245,14 +245,21 @@ private:
             ShowOrHide();
             break;
         case 5:
-            AnyChild<QWidget>()->setFocus();
+            MoveFocus();
             break;
         default:
             (m_player->*m_input.PickValueInArray(switches))(m_input.ConsumeBool());
         }
     }
 
-    /** Hiding takes the focus, of which the time fields tell; and Qt goes on with what it hides. */
+    /** The time fields tell of a focus that they lose, and Qt goes on with what it moves the focus to. */
+    void MoveFocus()
+    {
+        const QScopedValueRollback<bool> neededByQt(m_isNeededByQt, true);
+        AnyChild<QWidget>()->setFocus();
+    }
+
+    /** Hiding takes the focus, too, and Qt goes on with what it hides. */
     void ShowOrHide()
     {
         const QScopedValueRollback<bool> neededByQt(m_isNeededByQt, true);

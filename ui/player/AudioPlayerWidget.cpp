@@ -439,9 +439,19 @@ QWidget* AudioPlayerWidget::Internals::FocusedIn(std::initializer_list<const QFr
 /** Unless the user or the program has moved it on. */
 void AudioPlayerWidget::Internals::TakeFocusBack()
 {
-    if (std::exchange(awaitsFocus, false) && widget.window()->focusWidget() == focusStandIn) {
-        widget.m_waveformWidget->setFocus();
+    QWidget* const focused = widget.window()->focusWidget();
+    if (!std::exchange(awaitsFocus, false) || focused != focusStandIn) {
+        return;
     }
+    if (focused) {
+        // A field tells of its text then, and a receiver may destroy the widget.
+        const QPointer<AudioPlayerWidget> self(&widget);
+        focused->clearFocus();
+        if (!self) {
+            return;
+        }
+    }
+    widget.m_waveformWidget->setFocus();
 }
 
 } // namespace vantoraudio::vantorAudioEngine::UI

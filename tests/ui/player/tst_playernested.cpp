@@ -92,6 +92,7 @@ private Q_SLOTS:
     void aPathMayChangeUnderItsLoad();
     void mayBeDestroyedByTheEndOfEditing();
     void theEndOfEditingPassesTheFocusOn();
+    void mayBeDestroyedByTheEndOfABusyTime();
     void mayBeDestroyedByItsVolume();
 };
 
@@ -344,6 +345,34 @@ void PlayerNestedTest::theEndOfEditingPassesTheFocusOn()
     // The end of the selection moves along with such a start.
     QCOMPARE(selections.last()[0].value<Selection>(), Selection(1.25, 1.25));
     QVERIFY(QApplication::focusWidget() && QApplication::focusWidget()->isVisible());
+}
+
+/** The waveform takes the focus back that a field has had meanwhile. */
+void PlayerNestedTest::mayBeDestroyedByTheEndOfABusyTime()
+{
+    TwoFiles setup;
+    setup.player->SetWaveformTakesFocus(true);
+    setup.player->SetTypedPositionSeeks(true);
+    setup.player->show();
+    QVERIFY(QTest::qWaitForWindowExposed(setup.player.get()));
+    QVERIFY(setup.Load(setup.secondPath));
+    setup.player->SetSelectedSnippet({0.5, 1.5});
+    auto* edit = setup.player->findChild<QLineEdit*>(u"edCurrentPosition"_s);
+    QWidget::setTabOrder(&setup.View(), edit);
+    setup.player->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(setup.player.get()));
+    setup.View().setFocus();
+    HeldTask held(setup.File());
+    setup.player->CreateSnippet(setup.copies.Path(u"snippet.wav"_s));
+    QVERIFY(held.HasBegun());
+    QVERIFY(edit->hasFocus());
+    edit->setText(u"00:00:01.250"_s);
+    edit->setModified(true);
+    setup.Upon(
+        &AudioPlayerWidget::AudioPositionChanged, [] { return true; }, [&] { setup.player.reset(); });
+    held.Release();
+    QVERIFY(QTest::qWaitFor([&] { return setup.isDone; }, PlayerSetup::patience));
+    QVERIFY(!setup.player);
 }
 
 /** Qt goes on with a slider that was pressed. */
