@@ -60,6 +60,12 @@ struct TwoFiles : PlayerSetup
         QVERIFY(HasRead());
     }
 
+    /** Later versions of Qt load in the background, and a position is reported only when that has ended. */
+    bool CanSeek() const
+    {
+        return QTest::qWaitFor([this] { return Audio().mediaStatus() == QMediaPlayer::LoadedMedia; }, patience);
+    }
+
     bool IsFirstShown() const { return player->GetAudioFileName().endsWith(u"first.wav"); }
 
     const QString firstPath = originals.Write(u"first.wav"_s, first.File());
@@ -171,6 +177,7 @@ void PlayerNestedTest::aLoadBegunWhileAnotherOneEmptiesThePlayerGoesOn()
     QVERIFY(setup.Load(u"long.wav"_s, second.File()));
     setup.changes.clear();
     setup.player->SetEditMode(false);
+    QVERIFY(setup.CanSeek());
     setup.player->UpdateAudioPosition(1.5);
     QSignalSpy cancelled(setup.player.get(), &AudioPlayerWidget::LoadCancelled);
     QSignalSpy finished(setup.player.get(), &AudioPlayerWidget::LoadFinished);
@@ -192,6 +199,7 @@ void PlayerNestedTest::theSelectionOfASlotIsTheLast()
 {
     TwoFiles setup;
     QVERIFY(setup.Load(setup.secondPath));
+    QVERIFY(setup.CanSeek());
     setup.player->UpdateAudioPosition(1.5);
     setup.Upon(
         &AudioPlayerWidget::AudioPositionChanged, [] { return true; },
@@ -211,6 +219,7 @@ void PlayerNestedTest::stoppingLeavesTheSelectionOfASlot()
 {
     TwoFiles setup;
     QVERIFY(setup.Load(setup.secondPath));
+    QVERIFY(setup.CanSeek());
     setup.player->UpdateAudioPosition(1.5);
     setup.Upon(
         &AudioPlayerWidget::AudioPositionChanged, [] { return true; },
