@@ -85,6 +85,7 @@ private:
             m_player->SetInteractions(BGFXWaveformWidget::Interaction::SelectBeyondView);
         }
         m_player->onError = [this] { CallBack(); };
+        Count();
         const auto upon = [this](auto signal) {
             QObject::connect(m_player, signal, m_player, [this] { CallBack(); });
         };
@@ -107,6 +108,31 @@ private:
         upon(&AudioPlayerWidget::LoadRequested);
         upon(&AudioPlayerWidget::SettingsButtonClicked);
         upon(&AudioPlayerWidget::SceneRectChangeRequested);
+    }
+
+    /** Before the slots that call back. */
+    void Count()
+    {
+        const auto count = [this](auto signal, int& counter) {
+            QObject::connect(m_player, signal, m_player, [&counter] { ++counter; });
+        };
+        count(&AudioPlayerWidget::LoadStarted, m_loadsStarted);
+        count(&AudioPlayerWidget::LoadFinished, m_loadsEnded);
+        count(&AudioPlayerWidget::LoadFailed, m_loadsEnded);
+        count(&AudioPlayerWidget::LoadCancelled, m_loadsEnded);
+        QObject::connect(m_player, &AudioPlayerWidget::BusyChanged, m_player,
+                         [this](bool isBusy) { m_wasToldBusy = isBusy; });
+        QObject::connect(m_player, &AudioPlayerWidget::AudioFileChanged, m_player,
+                         [this](const QString& path) { m_toldFile = path; });
+    }
+
+    /** What was told last holds. */
+    void CheckTold() const
+    {
+        Require(m_loadsStarted == m_loadsEnded);
+        Require(m_wasToldBusy == m_player->IsBusy());
+        const QString file = m_player->GetAudioFileName();
+        Require(file.isEmpty() || file == m_toldFile);
     }
 
     void Call()
@@ -180,6 +206,9 @@ private:
         while (m_player && (m_player->IsLoading() || m_player->IsBusy() || m_player->IsReadingSamples())) {
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 20);
             Require(patience.elapsed() < 15000);
+        }
+        if (m_player) {
+            CheckTold();
         }
     }
 
@@ -515,6 +544,10 @@ private:
     QPointer<AudioPlayerActions> m_actions;
     const bool m_selectsInFile = m_input.ConsumeBool();
     bool m_wasToldTimes = true;
+    bool m_wasToldBusy = false;
+    int m_loadsStarted = 0;
+    int m_loadsEnded = 0;
+    QString m_toldFile;
     bool m_hasConverted = false;
     bool m_isNeededByQt = false;
     int m_depth = 0;
