@@ -85,7 +85,7 @@ private:
             m_player->SetInteractions(BGFXWaveformWidget::Interaction::SelectBeyondView);
         }
         m_player->onError = [this] { CallBack(); };
-        Count();
+        NoteWhatIsTold();
         const auto upon = [this](auto signal) {
             QObject::connect(m_player, signal, m_player, [this] { CallBack(); });
         };
@@ -110,8 +110,8 @@ private:
         upon(&AudioPlayerWidget::SceneRectChangeRequested);
     }
 
-    /** Before the slots that call back. */
-    void Count()
+    /** In slots that are connected, and so called, before those that call back. */
+    void NoteWhatIsTold()
     {
         const auto count = [this](auto signal, int& counter) {
             QObject::connect(m_player, signal, m_player, [&counter] { ++counter; });

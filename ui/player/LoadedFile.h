@@ -143,9 +143,9 @@ public:
     [[nodiscard]] WavFile& File() const { return m_file->file; }
     [[nodiscard]] ProgressQueue& Progress() const { return m_file->progress; }
 
-    /** Stops what was read before. The end is told by the note ReadingEnded, that of samples by NewSamples. */
     /** Ends what a slot has begun on the closed file first. */
     [[nodiscard]] Result Open(const QString& path);
+    /** Stops what was read before. The end is told by the note ReadingEnded, that of samples by NewSamples. */
     [[nodiscard]] QFuture<void> Read(double startTime, double endTime, int stepSize);
     /** Also drops the news of samples that were read. */
     void StopReading();

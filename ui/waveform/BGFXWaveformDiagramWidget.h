@@ -48,6 +48,7 @@ public:
      *  edit mode and the samples stay; the samples are drawn again, from time 0, if a duration comes before
      *  others. */
     void Reset();
+    /** How often Reset() was called: a receiver of its signal may have called it again. */
     [[nodiscard]] int GetResetCount() const { return m_resetCount; }
     void SetAudioFormat(const QAudioFormat& format);
     /** Makes the whole file visible and asks for its samples. */

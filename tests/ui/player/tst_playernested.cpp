@@ -7,6 +7,7 @@
 #include <QtWidgets/QApplication>
 
 #include <functional>
+#include <memory>
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
@@ -34,22 +35,38 @@ struct TwoFiles : PlayerSetup
                          [this](bool isBusy) { busyChanges.append(isBusy); });
     }
 
-    /** Calls what is given once, the next time that the signal comes and the condition holds. */
+    /** Calls what is given once, the next time that the signal comes and the condition holds, and no more what was
+     * given before. */
     template<typename Signal>
     void Upon(Signal signal, std::function<bool()> condition, std::function<void()> what)
     {
-        auto* const once = new QObject(&context);
-        QObject::connect(player.get(), signal, once,
-                         [this, once, condition = std::move(condition), what = std::move(what)] {
+        isDone = false;
+        receiver = std::make_unique<QObject>();
+        QObject::connect(player.get(), signal, receiver.get(),
+                         [this, condition = std::move(condition), what = std::move(what)] {
                              if (!isDone && condition()) {
                                  isDone = true;
-                                 once->disconnect();
                                  what();
                              }
                          });
     }
 
-    /** Whether all that the player shows and plays belongs to the second file. */
+    /** Shows the player with the second file and the cursor in one of its fields; null when that fails. */
+    QLineEdit* PutCursorInto(const QString& field)
+    {
+        player->show();
+        auto* const edit = player->findChild<QLineEdit*>(field);
+        if (!QTest::qWaitForWindowExposed(player.get()) || !Load(secondPath)) {
+            return nullptr;
+        }
+        player->activateWindow();
+        edit->setFocus();
+        const bool hasFocus = QTest::qWaitForWindowActive(player.get()) &&
+                              QTest::qWaitFor([&] { return edit->hasFocus(); }, patience);
+        return hasFocus ? edit : nullptr;
+    }
+
+    /** Fails unless all that the player shows and plays belongs to the second file. */
     void CompareWithSecond()
     {
         QCOMPARE(QFileInfo(player->GetAudioFileName()).fileName(), u"second.wav"_s);
@@ -73,6 +90,7 @@ struct TwoFiles : PlayerSetup
     QStringList changes;
     QList<bool> busyChanges;
     bool isDone = false;
+    std::unique_ptr<QObject> receiver;
     QObject context;
 };
 
@@ -247,15 +265,9 @@ void PlayerNestedTest::aCursorInAFieldMeetsABusyTime()
     QFETCH(QString, field);
     QFETCH(bool, destroys);
     TwoFiles setup;
-    setup.player->show();
-    QVERIFY(QTest::qWaitForWindowExposed(setup.player.get()));
-    QVERIFY(setup.Load(setup.secondPath));
+    QLineEdit* const edit = setup.PutCursorInto(field);
+    QVERIFY(edit);
     setup.player->SetSelectedSnippet({0.5, 1.5});
-    setup.player->activateWindow();
-    auto* edit = setup.player->findChild<QLineEdit*>(field);
-    edit->setFocus();
-    QVERIFY(QTest::qWaitForWindowActive(setup.player.get()));
-    QTRY_VERIFY(edit->hasFocus());
     edit->setText(u"00:00:01.250"_s);
     setup.Upon(
         &AudioPlayerWidget::WaveFormSelectionChanged, [] { return true; },
@@ -307,7 +319,6 @@ void PlayerNestedTest::aPathMayChangeUnderItsLoad()
     QVERIFY(QTest::qWaitFor([&] { return finished.size() == 1; }, PlayerSetup::patience));
     setup.CompareWithSecond();
 
-    setup.isDone = false;
     queue = {setup.firstPath};
     setup.player->LoadFile(setup.secondPath);
     setup.Upon(
@@ -321,14 +332,8 @@ void PlayerNestedTest::aPathMayChangeUnderItsLoad()
 void PlayerNestedTest::mayBeDestroyedByTheEndOfEditing()
 {
     TwoFiles setup;
-    setup.player->show();
-    QVERIFY(QTest::qWaitForWindowExposed(setup.player.get()));
-    QVERIFY(setup.Load(setup.secondPath));
-    setup.player->activateWindow();
-    auto* edit = setup.player->findChild<QLineEdit*>(u"edSelectionStart"_s);
-    edit->setFocus();
-    QVERIFY(QTest::qWaitForWindowActive(setup.player.get()));
-    QTRY_VERIFY(edit->hasFocus());
+    QLineEdit* const edit = setup.PutCursorInto(u"edSelectionStart"_s);
+    QVERIFY(edit);
     edit->setText(u"00:00:01.250"_s);
     setup.Upon(
         &AudioPlayerWidget::WaveFormSelectionChanged, [] { return true; }, [&] { setup.player.reset(); });
@@ -340,14 +345,8 @@ void PlayerNestedTest::mayBeDestroyedByTheEndOfEditing()
 void PlayerNestedTest::theEndOfEditingPassesTheFocusOn()
 {
     TwoFiles setup;
-    setup.player->show();
-    QVERIFY(QTest::qWaitForWindowExposed(setup.player.get()));
-    QVERIFY(setup.Load(setup.secondPath));
-    setup.player->activateWindow();
-    auto* edit = setup.player->findChild<QLineEdit*>(u"edSelectionStart"_s);
-    edit->setFocus();
-    QVERIFY(QTest::qWaitForWindowActive(setup.player.get()));
-    QTRY_VERIFY(edit->hasFocus());
+    QLineEdit* const edit = setup.PutCursorInto(u"edSelectionStart"_s);
+    QVERIFY(edit);
     edit->setText(u"00:00:01.250"_s);
     QSignalSpy selections(setup.player.get(), &AudioPlayerWidget::WaveFormSelectionChanged);
     setup.player->SetEditMode(false);
