@@ -4,6 +4,7 @@
 
 #include <QtCore/QDir>
 #include <QtCore/QPointer>
+#include <QtMultimedia/QMediaDevices>
 #include <QtWidgets/QApplication>
 
 #include <functional>
@@ -114,6 +115,7 @@ private Q_SLOTS:
     void aCursorInAFieldMeetsABusyTime();
     void aSnippetThatIsGivenUpIsNotToldOf();
     void aPathMayChangeUnderItsLoad();
+    void aDeviceMayChangeWhileItIsSet();
     void mayBeDestroyedByTheEndOfEditing();
     void theEndOfEditingPassesTheFocusOn();
     void mayBeDestroyedByTheEndOfABusyTime();
@@ -326,6 +328,23 @@ void PlayerNestedTest::aPathMayChangeUnderItsLoad()
     setup.player->SetAudioFile(queue.first());
     QVERIFY(setup.isDone);
     QCOMPARE(setup.player->GetAudioDuration(), lengthOfFirst);
+}
+
+void PlayerNestedTest::aDeviceMayChangeWhileItIsSet()
+{
+    TwoFiles setup;
+    QVERIFY(setup.Load(setup.secondPath));
+    QVERIFY(setup.CanSeek());
+    setup.player->UpdateAudioPosition(1.5);
+    const QAudioDevice chosen = QMediaDevices::defaultAudioOutput();
+    QVERIFY(!chosen.isNull());
+    QAudioDevice device = chosen;
+    // Stopping goes back to the start.
+    setup.Upon(
+        &AudioPlayerWidget::AudioPositionChanged, [] { return true; }, [&] { device = QAudioDevice(); });
+    setup.player->SetAudioOutputDevice(device);
+    QVERIFY(setup.isDone);
+    QCOMPARE(setup.Audio().GetAudioOutputDevice(), chosen);
 }
 
 /** Qt goes on with a frame that it hides with the cursor in it. */
